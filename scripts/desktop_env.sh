@@ -1,0 +1,77 @@
+# Sourced. A throw-away Windows-like environment: its own home, Wine prefix and virtual display,
+# with one desktop for all programs. Nothing of the caller's session is read or written.
+#
+#   desktop_env_start [BASE]   makes it; BASE is a prefix made by desktop_env_template, if given
+#   desktop_env_stop           ends every process of it and removes it
+#
+# After the start DESKTOP_ENV is its folder, and HOME, WINEPREFIX and DISPLAY belong to it.
+# With DESKTOP_ENV_DISPLAY set, that display is used and no virtual one is started.
+
+desktop_env_variables() {
+    export HOME="$1/home" WINEPREFIX="$1/prefix"
+    export WINEDEBUG="${TESSALY_WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="
+    export LANG=C.UTF-8
+    unset LC_ALL XDG_RUNTIME_DIR WAYLAND_DISPLAY
+    mkdir -p "$HOME"
+}
+
+# Makes a Wine prefix in $1/prefix. Takes 5 to 15 seconds, no display.
+desktop_env_make_prefix() (
+    desktop_env_variables "$1"
+    unset DISPLAY
+    wineboot -i >/dev/null 2>&1
+    explorer='HKCU\Software\Wine\Explorer'
+    # One desktop for all processes; otherwise windows of two programs do not find each other.
+    wine reg add "$explorer" /v Desktop /d shell /f >/dev/null
+    wine reg add "$explorer\\Desktops" /v shell /d 1024x768 /f >/dev/null
+    # A crash ends the program with a backtrace; the dialog would hang the run.
+    wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null
+    wineserver -w
+    # The profile's folders are links into HOME; as links, files there would become desktop icons.
+    for link in "$WINEPREFIX"/drive_c/users/*/{Desktop,Documents,Downloads,Music,Pictures,Videos}; do
+        if [ -L "$link" ]; then rm "$link"; mkdir "$link"; fi
+    done
+    cp -n /usr/share/wine/fonts/*.ttf /usr/share/wine/fonts/*.fon "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
+)
+
+# A prefix to copy from, made once per folder and Wine version.
+desktop_env_template() {
+    local stamp="$1/made-by"
+    local version; version=$(wine --version 2>/dev/null)
+    [ "$(cat "$stamp" 2>/dev/null)" = "$version" ] && return 0
+    rm -rf "$1"; mkdir -p "$1"
+    desktop_env_make_prefix "$1" || return 1
+    echo "$version" >"$stamp"
+}
+
+desktop_env_start() {
+    DESKTOP_ENV=$(mktemp -d "${TMPDIR:-/tmp}/tessaly.XXXXXX")
+    if [ -n "${1:-}" ]; then
+        cp -a --reflink=auto "$1/prefix" "$DESKTOP_ENV/prefix"
+    else
+        desktop_env_make_prefix "$DESKTOP_ENV"
+    fi
+    desktop_env_variables "$DESKTOP_ENV"
+    if [ -n "${DESKTOP_ENV_DISPLAY:-}" ]; then
+        export DISPLAY="$DESKTOP_ENV_DISPLAY"
+    else
+        # The server itself picks a free number and tells it when it is ready.
+        mkfifo "$DESKTOP_ENV/display"
+        Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$DESKTOP_ENV/display" >/dev/null 2>&1 &
+        DESKTOP_ENV_XVFB=$!
+        DISPLAY=":$(head -n 1 "$DESKTOP_ENV/display")"
+        export DISPLAY
+    fi
+}
+
+desktop_env_stop() {
+    [ -n "${DESKTOP_ENV:-}" ] || return 0
+    wineserver -k >/dev/null 2>&1 || true
+    wineserver -w >/dev/null 2>&1 || true
+    if [ -n "${DESKTOP_ENV_XVFB:-}" ]; then
+        kill "$DESKTOP_ENV_XVFB" 2>/dev/null || true
+        wait "$DESKTOP_ENV_XVFB" 2>/dev/null || true
+    fi
+    rm -rf "$DESKTOP_ENV"
+    DESKTOP_ENV=
+}

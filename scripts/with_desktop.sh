@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Runs a command in an environment of its own: scripts/with_desktop.sh wine build/bin/x.exe ARGS...
+# TESSALY_TEMPLATE names a folder in which the prefix to copy from is kept between runs.
+set -u
+root=$(cd "$(dirname "$0")/.." && pwd)
+. "$root/scripts/desktop_env.sh"
+template=${TESSALY_TEMPLATE:-$root/build/wine-template}
+desktop_env_template "$template" || exit 1
+trap desktop_env_stop EXIT
+desktop_env_start "$template"
+"$@"

@@ -1,0 +1,29 @@
+#include "runtime/runtime_func.h"
+
+namespace runtime_detail {
+constinit std::atomic<RuntimeLookup> pfnCurrentLookup{&FindSystemFunc};
+constinit std::atomic<unsigned> nGeneration{1};
+} // namespace runtime_detail
+
+HMODULE LoadSystemModule(const wchar_t* pszModule) noexcept {
+    HMODULE hmod = ::GetModuleHandleW(pszModule);
+    if (hmod) return hmod;
+    // XP has no search flags for LoadLibraryExW; a bare name would look beside the program first.
+    wchar_t szPath[MAX_PATH];
+    UINT cch = ::GetSystemDirectoryW(szPath, MAX_PATH);
+    UINT cchName = static_cast<UINT>(::lstrlenW(pszModule));
+    if (cch == 0 || cch + 1 + cchName + 1 > MAX_PATH) return nullptr;
+    szPath[cch] = L'\\';
+    ::lstrcpyW(szPath + cch + 1, pszModule);
+    return ::LoadLibraryW(szPath);
+}
+
+FARPROC FindSystemFunc(const wchar_t* pszModule, const char* pszName) noexcept {
+    HMODULE hmod = LoadSystemModule(pszModule);
+    return hmod ? ::GetProcAddress(hmod, pszName) : nullptr;
+}
+
+void SetRuntimeLookup(RuntimeLookup pfnLookup) noexcept {
+    runtime_detail::pfnCurrentLookup = pfnLookup ? pfnLookup : &FindSystemFunc;
+    ++runtime_detail::nGeneration;
+}
