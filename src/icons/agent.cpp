@@ -24,15 +24,16 @@ void ReportIconsMoved() {
     ::PostMessageW(desktopSharedData.hwndMonitor, uCompanyMsg, kCodeIconsMoved, 0);
 }
 
+/// The library may go when neither window calls into it.
+void ReleaseLibraryIfDetached() {
+    if (!agentListView.IsAttached() && !agentView.IsAttached()) libraryHold.Release();
+}
+
 void AttachBoth() {
     libraryHold.Take();
     agentListView.AttachTo(desktopSharedData.hwndListView);
     agentView.AttachTo(desktopSharedData.hwndView);
-}
-
-/// To be called when one of the two was detached: the library may go when both are.
-void ReleaseLibraryIfDetached() {
-    if (!agentListView.IsAttached() && !agentView.IsAttached()) libraryHold.Release();
+    ReleaseLibraryIfDetached(); // neither window may be there any more
 }
 
 void DetachBoth() {

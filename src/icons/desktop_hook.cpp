@@ -2,11 +2,20 @@
 #include "icons/agent.h"
 #include "icons/desktop_shared_data.h"
 #include "icons/engine_codes.h"
+#include "icons/monitor_wnd.h"
 #include "runtime/module_instance.h"
 #include "wnd/company_msg.h"
 
+#include <cwchar>
+
 namespace {
 constexpr LPARAM kAttach = 1, kDetach = 0;
+
+/// A handle that was left behind may name somebody else's window by now.
+bool IsMonitorWindow(HWND hwnd) {
+    wchar_t szClass[32];
+    return hwnd && ::GetClassNameW(hwnd, szClass, 32) && std::wcscmp(szClass, kMonitorClass) == 0;
+}
 } // namespace
 
 void InstallDesktopHook() {
@@ -29,5 +38,5 @@ void RemoveDesktopHook() {
 }
 
 void ForgetStaleDesktopHook() {
-    if (!::IsWindow(desktopSharedData.hwndMonitor)) desktopSharedData.hhook = nullptr;
+    if (!IsMonitorWindow(desktopSharedData.hwndMonitor)) desktopSharedData.hhook = nullptr;
 }

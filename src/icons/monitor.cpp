@@ -61,7 +61,7 @@ void DoMonitor(HWND hwndParent, int quiet) {
     if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMonitorStart();
     while (GetRestartFlag()) {
         SetRestartFlag(0);
-        if (!RunRound(hwndParent, quiet)) return;
+        if (!RunRound(hwndParent, quiet)) break;
     }
     desktopSharedData.hwndMonitor = nullptr;
 }

@@ -14,7 +14,6 @@
 #include <wtsapi32.h>
 
 namespace {
-constexpr const wchar_t* kMonitorClass = L"TessalyWnd"; // and the window's title
 constexpr unsigned kDebounceTimerId = 10, kDebounceMs = 10000;
 constexpr unsigned kSuppressTimerId = 11, kSuppressMs = 1000;
 
