@@ -39,7 +39,7 @@ Comparison Compare(int nTurns, First&& first, Second&& second) {
 inline bool Report(const char* pszWhat, const Comparison& c, double dLimit, bool bAtMost) {
     bool bOk = bAtMost ? c.Ratio() <= dLimit : c.Ratio() >= dLimit;
     std::printf("%-58s %8.3f ms / %8.3f ms = %6.3f (%s %.2f) spread %2.0f%% %s\n", pszWhat,
-                c.dFirst * 1e3, c.dSecond * 1e3, c.Ratio(), bAtMost ? "at most" : "at least", dLimit,
-                c.dSpread * 100, bOk ? "ok" : "MISSED");
+                c.dFirst * 1e3, c.dSecond * 1e3, c.Ratio(), bAtMost ? "at most" : "at least",
+                dLimit, c.dSpread * 100, bOk ? "ok" : "MISSED");
     return bOk;
 }

@@ -114,7 +114,9 @@ int main(int argc, char** argv) {
     bOk &= Report("restore of 999 icons / capture and bare moves",
                   CompareInOwner(hwnd, 41, kMsgRestore, kMsgBareRestore), 1.25, true);
     bOk &= Report("reading from outside / capture in the owner's process",
-                  {Compare(5, [&] { ReadFromOutside(hwndList, hProcess); }, [] {}).dFirst,
+                  {Compare(
+                       5, [&] { ReadFromOutside(hwndList, hProcess); }, [] {})
+                       .dFirst,
                    CompareInOwner(hwnd, 21, kMsgCapture, kMsgCapture).dFirst, 0},
                   8, false);
     ::SendMessageW(hwnd, WM_CLOSE, 0, 0);
@@ -122,9 +124,11 @@ int main(int argc, char** argv) {
 
     desktopSharedData.nCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
     bOk &= Report("foreign message through the hook / through an empty hook",
-                  Compare(41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),
+                  Compare(
+                      41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),
                   1.05, true);
-    Comparison bare = Compare(41, [] { CallMany(&DesktopHookProc); }, [] { CallMany(&EmptyHook); });
+    Comparison bare = Compare(
+        41, [] { CallMany(&DesktopHookProc); }, [] { CallMany(&EmptyHook); });
     bOk &= Report("200,000 calls of the hook / of an empty hook", bare, 1.05, true);
     return bOk ? 0 : 1;
 }

@@ -46,7 +46,8 @@ void Work(UINT uMsg) {
     case kMsgCapture: CaptureIcons(hwndList, scratch.data(), kIcons); break;
     case kMsgBareRead: ReadBare(scratch); break;
     case kMsgRestore: {
-        COPYDATASTRUCT data{kIcons, static_cast<DWORD>(kIcons * sizeof(IconRecord)), records.data()};
+        COPYDATASTRUCT data{kIcons, static_cast<DWORD>(kIcons * sizeof(IconRecord)),
+                            records.data()};
         RestoreFrom(hwndList, data);
         break;
     }

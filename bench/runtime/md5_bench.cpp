@@ -1,5 +1,6 @@
 // CalcMD5 beside OpenSSL's MD5 on the same data, one compiler, one process. Native Linux program:
-// g++ -O2 -std=c++20 -DTESSALY_STATIC -Isrc bench/runtime/md5_bench.cpp src/runtime/md5.cpp -lcrypto
+// g++ -O2 -std=c++20 -DTESSALY_STATIC -Isrc bench/runtime/md5_bench.cpp src/runtime/md5.cpp
+// -lcrypto
 
 #include "../measure.h"
 #include "runtime/md5.h"

@@ -96,7 +96,7 @@ void RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
     if (!pItems || !pStored) return;
 
     std::memcpy(pStored, data.lpData, data.cbData); // it need not be aligned
-    CaptureIcons(hwndListView, pItems, nItems); // for the names as they are now
+    CaptureIcons(hwndListView, pItems, nItems);     // for the names as they are now
     RecordMatcher matcher({pStored, nStored});
     for (unsigned i = 0; i < nItems; ++i) {
         const POINT* ppt = matcher.Take(pItems[i].qwNameKey);

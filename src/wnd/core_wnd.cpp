@@ -18,9 +18,9 @@ LRESULT CoreWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 ATOM CoreWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
                                HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                int cbClassExtra, int cbWndExtra) {
-    WNDCLASSEXW wc{sizeof(wc),  uStyle, &CoreWnd::WndProc, cbClassExtra, cbWndExtra,
-                   GetModuleInstance(), hicon, hcur, hbrBackground, pszMenuName,
-                   pszName, hiconSmall};
+    WNDCLASSEXW wc{
+        sizeof(wc), uStyle, &CoreWnd::WndProc, cbClassExtra, cbWndExtra, GetModuleInstance(),
+        hicon,      hcur,   hbrBackground,     pszMenuName,  pszName,    hiconSmall};
     return ::RegisterClassExW(&wc);
 }
 

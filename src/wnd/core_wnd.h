@@ -29,7 +29,7 @@ class TESSALY_API CoreWnd {
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
 
-    HWND hWnd = nullptr; // the tied window; null when none is
+    HWND hWnd = nullptr;          // the tied window; null when none is
     WNDPROC oldWndProc = nullptr; // where OnWndMessage forwards to
     AutoDelete autoDelete = KeepObject;
 

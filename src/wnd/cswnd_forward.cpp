@@ -103,9 +103,7 @@ DWORD CSWnd::SetStyleBits(DWORD dwBits, int bOn) {
     return ::ModifyWndStyle(hWnd, bOn ? 0 : dwBits, bOn ? dwBits : 0, 0);
 }
 
-HFONT CSWnd::GetFont() {
-    return reinterpret_cast<HFONT>(::SendMessageW(hWnd, WM_GETFONT, 0, 0));
-}
+HFONT CSWnd::GetFont() { return reinterpret_cast<HFONT>(::SendMessageW(hWnd, WM_GETFONT, 0, 0)); }
 
 void CSWnd::SetIcon(HICON hicon, unsigned int nWhich) {
     LPARAM lParam = reinterpret_cast<LPARAM>(hicon);

@@ -58,8 +58,8 @@ int SetWndPos(HWND hwnd, const RECT* prc, DWORD dwFlags) {
 }
 
 int SetWndShow(HWND hwnd, int bShow, DWORD dwFlags) {
-    dwFlags |= (bShow ? SWP_SHOWWINDOW : SWP_HIDEWINDOW) | kKeepSize | kKeepPlace | kKeepOrder |
-               kQuiet;
+    dwFlags |=
+        (bShow ? SWP_SHOWWINDOW : SWP_HIDEWINDOW) | kKeepSize | kKeepPlace | kKeepOrder | kQuiet;
     return ::SetWindowPos(hwnd, nullptr, 0, 0, 0, 0, dwFlags);
 }
 
