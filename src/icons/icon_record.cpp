@@ -1,0 +1,14 @@
+#include "icons/icon_record.h"
+#include "runtime/md5.h"
+
+#include <cstring>
+#include <cwchar>
+
+unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
+    if (cch == 0) cch = static_cast<unsigned int>(std::wcslen(psz));
+    unsigned char digest[16];
+    CalcMD5(digest, psz, cch * sizeof(wchar_t));
+    unsigned __int64 qwKey;
+    std::memcpy(&qwKey, digest, sizeof(qwKey));
+    return qwKey;
+}
