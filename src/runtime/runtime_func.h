@@ -10,6 +10,8 @@ using RuntimeLookup = FARPROC (*)(const wchar_t* pszModule, const char* pszName)
 HMODULE LoadSystemModule(const wchar_t* pszModule) noexcept;
 /// The function of that name in LoadSystemModule's module; null if either is missing.
 FARPROC FindSystemFunc(const wchar_t* pszModule, const char* pszName) noexcept;
+/// The function of that name in a module that the caller holds; null if it has none.
+FARPROC FindModuleFunc(HMODULE hmod, const char* pszName) noexcept;
 
 /// Where every RuntimeFunc looks. A test that needs a Windows without some function replaces the
 /// look-up for a while; null brings FindSystemFunc back. Each RuntimeFunc then looks again.
