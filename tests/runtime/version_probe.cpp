@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-int main() {
+int wmain() {
     struct Row {
         const char* pszName;
         int (*pfn)();
