@@ -53,6 +53,7 @@ int SetWndPos(HWND hwnd, int x, int y, int cx, int cy, DWORD dwFlags) {
 }
 
 int SetWndPos(HWND hwnd, const RECT* prc, DWORD dwFlags) {
+    if (!prc) return 0;
     return SetWndPos(hwnd, prc->left, prc->top, prc->right - prc->left, prc->bottom - prc->top,
                      dwFlags);
 }

@@ -21,6 +21,7 @@ TESSALY_API int SetWndZOrder(HWND hwnd, HWND hwndAfter, DWORD dwFlags);
 TESSALY_API int SetWndSize(HWND hwnd, int cx, int cy, DWORD dwFlags);
 TESSALY_API int SetWndOrigin(HWND hwnd, int x, int y, DWORD dwFlags);
 TESSALY_API int SetWndPos(HWND hwnd, int x, int y, int cx, int cy, DWORD dwFlags);
+/// 0 for a null rectangle.
 TESSALY_API int SetWndPos(HWND hwnd, const RECT* prc, DWORD dwFlags);
 TESSALY_API int SetWndShow(HWND hwnd, int bShow, DWORD dwFlags);
 /// Moves or resizes by pixels. 0 for a window whose rectangle can't be read.
