@@ -131,7 +131,7 @@ LRESULT CALLBACK CSWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPar
     if (!pWnd) {
         pWnd = hwnd ? static_cast<CSWnd*>(slotCreating.Take()) : nullptr;
         // QUIRK: not even the default procedure runs: what still arrives for a window whose object
-        // is gone is dropped. Test: CSWnd.MessageForAWindowWithoutObjectGivesZero
+        // is gone is dropped. Test: CSWndProc.WindowWithoutObjectGivesZeroAndNoDefault
         if (!pWnd) return 0;
         ::SetPropW(hwnd, kCSWndProperty, pWnd);
         pWnd->hWnd = hwnd;
