@@ -33,12 +33,10 @@ int CoreWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD
                       int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
     if (!slotCreating.Set(this)) return 0;
     oldWndProc = ::DefWindowProcW;
-    // A creation that fails half-way sends the last message too; the object stays its owner's.
-    AutoDelete autoDeleteAsked = autoDelete;
-    autoDelete = KeepObject;
+    ++nCreating; // one that fails half-way sends the last message too; the object stays its owner's
     hWnd = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent,
                              hmenu, GetLibraryInstance(), pParam);
-    if (autoDelete == KeepObject) autoDelete = autoDeleteAsked; // a handler may have set it
+    --nCreating;
     slotCreating.Set(nullptr);
     return hWnd != nullptr;
 }
@@ -55,7 +53,7 @@ LRESULT CALLBACK CoreWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lP
     LRESULT lResult = pWnd->OnWndMessage(uMsg, wParam, lParam);
     if (uMsg == WM_NCDESTROY) {
         // The property stays; the platform drops it with the window.
-        int bDelete = pWnd->autoDelete == DeleteObject;
+        int bDelete = pWnd->autoDelete == DeleteObject && !pWnd->nCreating;
         pWnd->hWnd = nullptr;
         if (bDelete) delete pWnd;
     }

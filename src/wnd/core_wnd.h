@@ -23,7 +23,8 @@ class TESSALY_API CoreWnd {
                                  HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                  int cbClassExtra, int cbWndExtra);
 
-    /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's.
+    /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's,
+    /// also with autoDelete set.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
@@ -35,4 +36,7 @@ class TESSALY_API CoreWnd {
 
   protected:
     static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+  private:
+    int nCreating = 0; // calls of CreateEx under way
 };
