@@ -24,7 +24,10 @@ class CoreProbe : public CoreWnd {
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override {
         record.messages.push_back(uMsg);
         if (hwndFirst == nullptr) hwndFirst = hWnd;
-        if (uMsg == uRefused) return lRefusal;
+        if (uMsg == uRefused) {
+            if (bDeleteIfRefused) autoDelete = DeleteObject;
+            return lRefusal;
+        }
         return CoreWnd::OnWndMessage(uMsg, wParam, lParam);
     }
     int Make() {
@@ -37,6 +40,7 @@ class CoreProbe : public CoreWnd {
     HWND hwndFirst = nullptr; // the handle at the first message
     UINT uRefused = 0;
     LRESULT lRefusal = 0;
+    bool bDeleteIfRefused = false; // then autoDelete is set in the refusing handler
 };
 
 struct CoreWndTest : testing::Test {
@@ -138,11 +142,13 @@ TEST_F(CoreWndTest, FailedCreationLeavesTheObjectToItsOwner) {
         UINT uMsg;
         LRESULT lResult;
         CoreWnd::AutoDelete autoDelete;
+        bool bInHandler = false;
     } rows[] = {
         {"NcCreate", WM_NCCREATE, 0, CoreWnd::KeepObject},
         {"NcCreateAutoDelete", WM_NCCREATE, 0, CoreWnd::DeleteObject},
         {"Create", WM_CREATE, -1, CoreWnd::KeepObject},
         {"CreateAutoDelete", WM_CREATE, -1, CoreWnd::DeleteObject},
+        {"CreateAutoDeleteSetInHandler", WM_CREATE, -1, CoreWnd::KeepObject, true},
     };
     for (const auto& row : rows) {
         CoreProbe wnd(record);
@@ -150,6 +156,7 @@ TEST_F(CoreWndTest, FailedCreationLeavesTheObjectToItsOwner) {
         wnd.uRefused = row.uMsg;
         wnd.lRefusal = row.lResult;
         wnd.autoDelete = row.autoDelete;
+        wnd.bDeleteIfRefused = row.bInHandler;
         EXPECT_EQ(0, wnd.Make()) << row.pszName;
         EXPECT_EQ(nullptr, wnd.hWnd) << row.pszName;
         EXPECT_EQ(nBefore, record.nDeletes) << row.pszName;
