@@ -23,6 +23,13 @@ FARPROC FindSystemFunc(const wchar_t* pszModule, const char* pszName) noexcept {
     return hmod ? ::GetProcAddress(hmod, pszName) : nullptr;
 }
 
+FARPROC FindMappedFunc(const wchar_t* pszModule, const char* pszName) noexcept {
+    RuntimeLookup pfnLookup = runtime_detail::pfnCurrentLookup.load();
+    if (pfnLookup != &FindSystemFunc) return pfnLookup(pszModule, pszName);
+    HMODULE hmod = ::GetModuleHandleW(pszModule);
+    return hmod ? ::GetProcAddress(hmod, pszName) : nullptr;
+}
+
 void SetRuntimeLookup(RuntimeLookup pfnLookup) noexcept {
     runtime_detail::pfnCurrentLookup = pfnLookup ? pfnLookup : &FindSystemFunc;
     ++runtime_detail::nGeneration;
