@@ -1,28 +1,11 @@
 #include "shell/shell_subclass.h"
-#include "runtime/crit_sec.h"
-#include "runtime/manual_object.h"
+#include "runtime/manual_lock.h"
 #include "runtime/runtime_func.h"
 
 namespace {
 constexpr const wchar_t* kControlsModule = L"COMCTL32";
 
-constinit ManualObject<CritSec> csSubclass;
-
-/// Holds the lock for a block, if the library has started it.
-class SubclassLock {
-  public:
-    SubclassLock() : pcs(csSubclass.Get()) {
-        if (pcs) pcs->Enter();
-    }
-    ~SubclassLock() {
-        if (pcs) pcs->Leave();
-    }
-    SubclassLock(const SubclassLock&) = delete;
-    SubclassLock& operator=(const SubclassLock&) = delete;
-
-  private:
-    CritSec* pcs;
-};
+constinit ManualLock csSubclass;
 
 /// The module is only asked for, never loaded: this runs while the library itself is loaded.
 template <class Fn>
@@ -47,7 +30,7 @@ const wchar_t* ShellSubclass::GetTag() { return szTag; }
 
 int ShellSubclass::Initialize(UINT_PTR nNewId, const wchar_t* pszNewTag) {
     if (nState != kNotSetUp) return nState;
-    SubclassLock lock;
+    ManualLockGuard lock(csSubclass);
     if (nState != kNotSetUp) return nState; // another thread was quicker
     nId = nNewId;
     // lstrcpynW is not for overlapping texts, and a second look is given the stored tag itself.
@@ -71,13 +54,13 @@ int ShellSubclass::IsReady() {
 }
 
 int ShellSubclass::Set(HWND hwnd, SUBCLASSPROC pfnSubclass, DWORD_PTR dwRefData) {
-    SubclassLock lock;
+    ManualLockGuard lock(csSubclass);
     SetFunc* pfn = pfnSet;
     return pfn && pfn(hwnd, pfnSubclass, nId, dwRefData);
 }
 
 int ShellSubclass::Remove(HWND hwnd, SUBCLASSPROC pfnSubclass) {
-    SubclassLock lock;
+    ManualLockGuard lock(csSubclass);
     RemoveFunc* pfn = pfnRemove;
     return pfn && pfn(hwnd, pfnSubclass, nId);
 }
