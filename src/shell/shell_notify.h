@@ -20,6 +20,9 @@ class TESSALY_API ShellNotify {
     int Register(HWND hwnd, long nEvents, unsigned uMsg, const wchar_t* pszPath, int nRecursive);
     int Register(HWND hwnd, long nEvents, unsigned uMsg, const ITEMIDLIST* pidl, int nRecursive);
 
+    /// Ends the registration, if one is held.
+    void End();
+
     /// Opens the notification in a message's parameters: two lists and an SHCNE_... event, good
     /// until OnMsgEnd gets the lock that this returns. Null if there is nothing to open.
     static void* OnMsgStart(WPARAM wParam, LPARAM lParam, ITEMIDLIST*** pppidl, long* pnEvent);
@@ -33,7 +36,5 @@ class TESSALY_API ShellNotify {
     static decltype(&::SHChangeNotification_Unlock) pfnUnlock;
 
   private:
-    void End();
-
     unsigned long nId = 0; // 0: none
 };
