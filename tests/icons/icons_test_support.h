@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <memory>
 #include <thread>
 #include <vector>
 
