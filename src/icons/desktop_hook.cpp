@@ -3,7 +3,7 @@
 #include "icons/desktop_shared_data.h"
 #include "icons/engine_codes.h"
 #include "icons/monitor_wnd.h"
-#include "runtime/module_instance.h"
+#include "runtime/library_instance.h"
 #include "wnd/company_msg.h"
 
 #include <cwchar>
@@ -22,7 +22,7 @@ void InstallDesktopHook() {
     if (desktopSharedData.hhook) return;
     DWORD dwThread = ::GetWindowThreadProcessId(desktopSharedData.hwndListView, nullptr);
     desktopSharedData.hhook =
-        ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetModuleInstance(), dwThread);
+        ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetLibraryInstance(), dwThread);
     // Posted, because the hook sees only what passes through the thread's queue. The one that is
     // sent has no effect: it is the hook that attaches the view too.
     PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeAttach, kAttach);

@@ -55,7 +55,7 @@ int RunRound(HWND hwndParent, int quiet) {
 } // namespace
 
 void DoMonitor(HWND hwndParent, int quiet) {
-    desktopSharedData.nCompanyMsg = GetMyCompanyMsg();
+    desktopSharedData.nCompanyMsg = GetMyCompanyMsgId();
     RegisterTaskbarCreated();
     ForgetStaleDesktopHook();
     if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMonitorStart();

@@ -95,7 +95,7 @@ void MyMonitor_Wnd::SetHook(int bInstall) {
 LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     // The ids of registered messages are 0 until they are registered, and 0 is WM_NULL.
     if (uMsg == WM_NULL) return CSWnd::OnWndMessage(uMsg, wParam, lParam);
-    if (uMsg == GetMyCompanyMsg()) {
+    if (uMsg == GetMyCompanyMsgId()) {
         OnCompanyMessage(wParam, lParam);
     } else if (uMsg == uNotifyMsg) {
         OnNotification(wParam, lParam);
@@ -130,7 +130,7 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 
 void MyMonitor_Wnd::OnCompanyMessage(WPARAM wCode, LPARAM lParam) {
     switch (wCode) {
-    case kCodeClose:
+    case kCompanyCodeClose:
         if (LOWORD(lParam) == GetMyProductInfo().GetID()) ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
         break;
     case kCodeOpenMenu:

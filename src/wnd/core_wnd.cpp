@@ -1,5 +1,5 @@
 #include "wnd/core_wnd.h"
-#include "runtime/module_instance.h"
+#include "runtime/library_instance.h"
 #include "wnd/creation_slot.h"
 
 namespace {
@@ -19,7 +19,7 @@ ATOM CoreWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON 
                                HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                int cbClassExtra, int cbWndExtra) {
     WNDCLASSEXW wc{
-        sizeof(wc), uStyle, &CoreWnd::WndProc, cbClassExtra, cbWndExtra, GetModuleInstance(),
+        sizeof(wc), uStyle, &CoreWnd::WndProc, cbClassExtra, cbWndExtra, GetLibraryInstance(),
         hicon,      hcur,   hbrBackground,     pszMenuName,  pszName,    hiconSmall};
     return ::RegisterClassExW(&wc);
 }
@@ -37,7 +37,7 @@ int CoreWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD
     AutoDelete autoDeleteAsked = autoDelete;
     autoDelete = KeepObject;
     hWnd = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent,
-                             hmenu, GetModuleInstance(), pParam);
+                             hmenu, GetLibraryInstance(), pParam);
     if (autoDelete == KeepObject) autoDelete = autoDeleteAsked; // a handler may have set it
     slotCreating.Set(nullptr);
     return hWnd != nullptr;

@@ -1,5 +1,5 @@
 #include "wnd/cswnd.h"
-#include "runtime/module_instance.h"
+#include "runtime/library_instance.h"
 #include "shell/shell_subclass.h"
 #include "wnd/creation_slot.h"
 #include "wnd/wm_hook.h"
@@ -60,7 +60,7 @@ ATOM CSWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hi
     wc.lpfnWndProc = &CSWnd::WndProc;
     wc.cbClsExtra = cbClassExtra;
     wc.cbWndExtra = cbWndExtra;
-    wc.hInstance = GetModuleInstance();
+    wc.hInstance = GetLibraryInstance();
     wc.hIcon = hicon;
     wc.hIconSm = hiconSmall;
     wc.hCursor = hcur;
@@ -75,7 +75,7 @@ ATOM CSWnd::RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra) {
 }
 
 int CSWnd::UnregisterClassW(LPCWSTR pszName) {
-    return ::UnregisterClassW(pszName, GetModuleInstance()) != FALSE;
+    return ::UnregisterClassW(pszName, GetLibraryInstance()) != FALSE;
 }
 
 int CSWnd::Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
@@ -95,7 +95,7 @@ int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD d
     oldWndProc = ::DefWindowProcW;
     ++procDepth; // a creation that fails half-way must not end the object's life in here
     HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
-                                     hwndParent, hmenu, GetModuleInstance(), pParam);
+                                     hwndParent, hmenu, GetLibraryInstance(), pParam);
     --procDepth;
     slotCreating.Set(nullptr);
     if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(0);

@@ -1,0 +1,66 @@
+#include "e2e/support/child_process.h"
+
+#include <stdexcept>
+
+std::wstring ProgramFolder() {
+    wchar_t sz[MAX_PATH] = L"";
+    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
+    std::wstring str = sz;
+    return str.substr(0, str.rfind(L'\\'));
+}
+
+std::wstring ProductFolder() {
+    std::wstring str = ProgramFolder();
+    return str.substr(0, str.rfind(L'\\')) + L"\\bin";
+}
+
+ChildProcess::~ChildProcess() { Kill(); }
+
+void ChildProcess::Start(const std::wstring& strPath, const std::wstring& strArguments) {
+    if (IsRunning()) throw std::runtime_error("the program runs already");
+    Close();
+    std::wstring strLine = L"\"" + strPath + L"\" " + strArguments;
+    std::wstring strFolder = strPath.substr(0, strPath.rfind(L'\\'));
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    // What the child says of a crash belongs into the test's own log.
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = startup.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
+    ::SetHandleInformation(startup.hStdError, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    PROCESS_INFORMATION info{};
+    if (!::CreateProcessW(strPath.c_str(), strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                          strFolder.c_str(), &startup, &info)) {
+        throw std::runtime_error("a program could not be started, error " +
+                                 std::to_string(::GetLastError()));
+    }
+    ::CloseHandle(info.hThread);
+    hProcess = info.hProcess;
+    dwId = info.dwProcessId;
+}
+
+bool ChildProcess::IsRunning() const {
+    return hProcess && ::WaitForSingleObject(hProcess, 0) == WAIT_TIMEOUT;
+}
+
+std::optional<DWORD> ChildProcess::WaitForEnd(DWORD nMs) {
+    if (!hProcess || ::WaitForSingleObject(hProcess, nMs) != WAIT_OBJECT_0) return std::nullopt;
+    DWORD dwCode = 0;
+    ::GetExitCodeProcess(hProcess, &dwCode);
+    return dwCode;
+}
+
+void ChildProcess::Kill() {
+    if (IsRunning()) {
+        ::TerminateProcess(hProcess, 1);
+        ::WaitForSingleObject(hProcess, kPatienceMs);
+    }
+    Close();
+}
+
+void ChildProcess::LetGo() { Close(); }
+
+void ChildProcess::Close() {
+    if (hProcess) ::CloseHandle(hProcess);
+    hProcess = nullptr;
+    dwId = 0;
+}

@@ -1,0 +1,35 @@
+#pragma once
+#include "e2e/support/wait_until.h"
+#include <windows.h>
+#include <optional>
+#include <string>
+
+/// The folder of the running program, without a final backslash.
+std::wstring ProgramFolder();
+/// What the build made for users: TSEXE64.exe and TSDLL64.dll lie there.
+std::wstring ProductFolder();
+
+/// A program that a test started. It is ended without warning when the object goes.
+class ChildProcess {
+  public:
+    ChildProcess() = default;
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// Starts the program in its own folder. Throws std::runtime_error; also if one still runs.
+    void Start(const std::wstring& strPath, const std::wstring& strArguments);
+    bool IsRunning() const;
+    DWORD Id() const { return dwId; }
+    /// The exit code once it has ended by itself within the time; nothing if it still runs.
+    std::optional<DWORD> WaitForEnd(DWORD nMs = kPatienceMs);
+    /// Ends it without warning and waits until it has gone.
+    void Kill();
+    /// Leaves the program running when the object goes.
+    void LetGo();
+
+  private:
+    void Close();
+    HANDLE hProcess = nullptr;
+    DWORD dwId = 0;
+};

@@ -1,0 +1,131 @@
+#include "e2e/support/mouse.h"
+#include "e2e/support/wait_until.h"
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+constexpr DWORD kStepMs = 40; // between two movements: a drag needs to be seen as one
+constexpr int kSteps = 8;
+
+struct Step {
+    enum class Kind { Move, Down, Up } kind;
+    POINT pt;
+    mouse::Button button;
+};
+
+class Hand {
+  public:
+    virtual ~Hand() = default;
+    virtual void Do(const std::vector<Step>& steps) = 0;
+};
+
+/// One shell line with all steps. The platform gives no handle of a Unix process to wait for: the
+/// line's last part makes a file.
+class XdotoolHand final : public Hand {
+  public:
+    void Do(const std::vector<Step>& steps) override {
+        std::wstring strLine = L"xdotool";
+        for (const Step& step : steps) {
+            std::wstring strButton = step.button == mouse::Button::Left ? L"1" : L"3";
+            if (step.kind == Step::Kind::Move) {
+                strLine +=
+                    L" mousemove " + std::to_wstring(step.pt.x) + L" " + std::to_wstring(step.pt.y);
+            } else {
+                strLine +=
+                    (step.kind == Step::Kind::Down ? L" mousedown " : L" mouseup ") + strButton;
+            }
+            strLine += L" sleep 0.04";
+        }
+        static int nCount = 0;
+        std::wstring strDone = L"mouse-done." + std::to_wstring(::GetCurrentProcessId()) + L"." +
+                               std::to_wstring(++nCount);
+        strLine += L" && : > $WINEPREFIX/drive_c/" + strDone;
+        RunUnixShell(strLine);
+        std::wstring strPath = L"C:\\" + strDone;
+        if (!WaitUntil([&] { return ::DeleteFileW(strPath.c_str()) != 0; })) {
+            throw std::runtime_error("xdotool did not finish");
+        }
+    }
+
+  private:
+    static void RunUnixShell(const std::wstring& strLine) {
+        std::wstring strAll = L"sh -c \"" + strLine + L"\"";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof(startup);
+        PROCESS_INFORMATION info{};
+        if (!::CreateProcessW(L"Z:\\bin\\sh", strAll.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                              nullptr, &startup, &info)) {
+            throw std::runtime_error("xdotool could not be started, error " +
+                                     std::to_string(::GetLastError()));
+        }
+        if (info.hThread) ::CloseHandle(info.hThread);
+        if (info.hProcess) ::CloseHandle(info.hProcess);
+    }
+};
+
+class PlatformHand final : public Hand {
+  public:
+    void Do(const std::vector<Step>& steps) override {
+        for (const Step& step : steps) {
+            if (step.kind == Step::Kind::Move) {
+                Send(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, step.pt);
+            } else {
+                bool bDown = step.kind == Step::Kind::Down;
+                bool bLeft = step.button == mouse::Button::Left;
+                Send(bLeft ? (bDown ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP)
+                           : (bDown ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_RIGHTUP),
+                     step.pt);
+            }
+            ::Sleep(kStepMs);
+        }
+    }
+
+  private:
+    static void Send(DWORD dwFlags, POINT pt) {
+        INPUT input{};
+        input.type = INPUT_MOUSE;
+        input.mi.dwFlags = dwFlags;
+        if (dwFlags & MOUSEEVENTF_ABSOLUTE) { // in 65,536ths of the screen
+            input.mi.dx = ::MulDiv(pt.x, 65536, ::GetSystemMetrics(SM_CXSCREEN)) + 1;
+            input.mi.dy = ::MulDiv(pt.y, 65536, ::GetSystemMetrics(SM_CYSCREEN)) + 1;
+        }
+        if (!::SendInput(1, &input, sizeof(input))) throw std::runtime_error("SendInput failed");
+    }
+};
+
+Hand& TheHand() {
+    static XdotoolHand xdotool;
+    static PlatformHand platform;
+    const char* pszWanted = getenv("TESSALY_MOUSE");
+    bool bPlatform = pszWanted && std::string(pszWanted) == "sendinput";
+    if (bPlatform || ::GetFileAttributesW(L"Z:\\usr\\bin\\xdotool") == INVALID_FILE_ATTRIBUTES) {
+        return platform;
+    }
+    return xdotool;
+}
+} // namespace
+
+void mouse::MoveTo(POINT pt) { TheHand().Do({{Step::Kind::Move, pt, Button::Left}}); }
+
+void mouse::Click(POINT pt, Button button) {
+    TheHand().Do({{Step::Kind::Move, pt, button},
+                  {Step::Kind::Down, pt, button},
+                  {Step::Kind::Up, pt, button}});
+}
+
+void mouse::Drag(POINT ptFrom, POINT ptTo, Button button) {
+    std::vector<Step> steps{{Step::Kind::Move, ptFrom, button}, {Step::Kind::Down, ptFrom, button}};
+    for (int n = 1; n <= kSteps; ++n) {
+        POINT pt{ptFrom.x + (ptTo.x - ptFrom.x) * n / kSteps,
+                 ptFrom.y + (ptTo.y - ptFrom.y) * n / kSteps};
+        steps.push_back({Step::Kind::Move, pt, button});
+    }
+    steps.push_back({Step::Kind::Up, ptTo, button});
+    for (int n = 1; n <= 3; ++n) {
+        steps.push_back({Step::Kind::Move, {ptTo.x + n, ptTo.y + n}, button});
+    }
+    TheHand().Do(steps);
+}
