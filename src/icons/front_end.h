@@ -27,6 +27,6 @@ class MonitorFrontEnd {
 MonitorFrontEnd* GetMonitorFrontEnd();
 void SetMonitorFrontEnd(MonitorFrontEnd* pNew);
 
-/// Ends a capture: if the user asked for it (the monitor window's SnapshotAnnounce), clears that and
-/// has the front end tell pszText. Silent otherwise, and while no monitor window lives.
+/// Ends a capture: if the user asked for it (the monitor window's SnapshotAnnounce), clears that
+/// and has the front end tell pszText. Silent otherwise, and while no monitor window lives.
 void ReportCaptureOutcome(const wchar_t* pszText);

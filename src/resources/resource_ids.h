@@ -6,3 +6,10 @@
 #define IDI_TESSALY 101
 
 // Strings, 20000 to 21999: in groups of the subsystem that shows them
+#define IDS_REGISTRY_NOT_WRITTEN 20001
+#define IDS_NOT_ON_THIS_EDITION 20008
+#define IDS_FILE_OVERWRITE 20011   // %s: the file's name
+#define IDS_FILE_NOT_CREATED 20012 // %s: the file's name
+#define IDS_FILE_NOT_WRITTEN 20013 // %s: the file's name
+#define IDS_NO_UPDATES 20102
+#define IDS_REGISTRY_NEEDS_ADMIN 21651

@@ -20,6 +20,17 @@ HMODULE LoadSystemModule(const wchar_t* pszModule) noexcept {
 
 FARPROC FindSystemFunc(const wchar_t* pszModule, const char* pszName) noexcept {
     HMODULE hmod = LoadSystemModule(pszModule);
+    return hmod ? FindModuleFunc(hmod, pszName) : nullptr;
+}
+
+FARPROC FindModuleFunc(HMODULE hmod, const char* pszName) noexcept {
+    return ::GetProcAddress(hmod, pszName);
+}
+
+FARPROC FindMappedFunc(const wchar_t* pszModule, const char* pszName) noexcept {
+    RuntimeLookup pfnLookup = runtime_detail::pfnCurrentLookup.load();
+    if (pfnLookup != &FindSystemFunc) return pfnLookup(pszModule, pszName);
+    HMODULE hmod = ::GetModuleHandleW(pszModule);
     return hmod ? ::GetProcAddress(hmod, pszName) : nullptr;
 }
 

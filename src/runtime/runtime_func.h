@@ -10,6 +10,12 @@ using RuntimeLookup = FARPROC (*)(const wchar_t* pszModule, const char* pszName)
 HMODULE LoadSystemModule(const wchar_t* pszModule) noexcept;
 /// The function of that name in LoadSystemModule's module; null if either is missing.
 FARPROC FindSystemFunc(const wchar_t* pszModule, const char* pszName) noexcept;
+/// The function of that name in a module that the caller holds; null if it has none.
+FARPROC FindModuleFunc(HMODULE hmod, const char* pszName) noexcept;
+/// The function of that name in a module of the process; null if either is missing. Loads nothing
+/// and remembers nothing: for code that may run under the loader lock, or that must see a module
+/// which was unmapped and mapped again. A look-up set with SetRuntimeLookup answers instead.
+FARPROC FindMappedFunc(const wchar_t* pszModule, const char* pszName) noexcept;
 
 /// Where every RuntimeFunc looks. A test that needs a Windows without some function replaces the
 /// look-up for a while; null brings FindSystemFunc back. Each RuntimeFunc then looks again.

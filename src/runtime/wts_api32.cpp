@@ -54,8 +54,11 @@ class SessionList {
 } // namespace
 
 WtsApi32::WtsApi32() noexcept {
-    // The direct import of WTSEnumerateSessionsW has mapped the module already: this only counts.
-    if (LoadSystemModule(kWtsModule)) hmod.Reset(::LoadLibraryW(kWtsModule));
+    // The direct import of WTSEnumerateSessionsW has mapped the module already: this only counts,
+    // also under the loader lock.
+    HMODULE hmodCounted = nullptr;
+    if (LoadSystemModule(kWtsModule) && ::GetModuleHandleExW(0, kWtsModule, &hmodCounted))
+        hmod.Reset(hmodCounted);
     ++nObjects;
 }
 

@@ -1,7 +1,12 @@
+#include "app/library_start.h"
 #include <gtest/gtest.h>
 #include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
+    // What the entry point does in the library: the same root key, locks and subclassing.
+    LibraryStart(::GetModuleHandleW(nullptr));
     testing::InitGoogleMock(&argc, argv);
-    return RUN_ALL_TESTS();
+    int nResult = RUN_ALL_TESTS();
+    LibraryStop();
+    return nResult;
 }

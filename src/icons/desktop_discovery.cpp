@@ -1,0 +1,26 @@
+#include "icons/desktop_discovery.h"
+
+namespace {
+/// Windows that come and go while the walk is on could send it in circles.
+constexpr int kMaxWindows = 100000;
+
+HWND GetLowestWindow() {
+    HWND hwndFirst = ::GetWindow(::GetDesktopWindow(), GW_CHILD);
+    return hwndFirst ? ::GetWindow(hwndFirst, GW_HWNDLAST) : nullptr;
+}
+} // namespace
+
+int FindDesktopShellWnd(HWND* phwndView, HWND* phwndListView) {
+    HWND hwnd = ::FindWindowW(L"Progman", nullptr);
+    if (!hwnd) hwnd = GetLowestWindow();
+    for (int n = 0; hwnd && n < kMaxWindows; ++n, hwnd = ::GetWindow(hwnd, GW_HWNDPREV)) {
+        HWND hwndView = ::FindWindowExW(hwnd, nullptr, L"SHELLDLL_DefView", nullptr);
+        if (!hwndView) continue;
+        HWND hwndListView = ::FindWindowExW(hwndView, nullptr, L"SysListView32", nullptr);
+        if (!hwndListView) continue;
+        *phwndView = hwndView;
+        *phwndListView = hwndListView;
+        return 1;
+    }
+    return 0;
+}

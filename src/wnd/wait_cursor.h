@@ -1,0 +1,15 @@
+#pragma once
+#include "runtime/export.h"
+#include <windows.h>
+
+/// Shows the wait cursor for the length of a block, then the cursor that it replaced.
+class TESSALY_API CSWaitCursor {
+  public:
+    CSWaitCursor();
+    ~CSWaitCursor();
+    CSWaitCursor(const CSWaitCursor&) = delete;
+    CSWaitCursor& operator=(const CSWaitCursor&) = delete;
+
+  private:
+    HCURSOR hcurBefore;
+};
