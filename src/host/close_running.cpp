@@ -1,0 +1,50 @@
+#include "host/close_running.h"
+#include "app/my_product_info.h"
+#include "app/single_instance.h"
+#include "runtime/owned_handle.h"
+#include "wnd/company_msg.h"
+
+namespace {
+constexpr const wchar_t* kMonitorClass = L"TessalyWnd";
+constexpr DWORD kPollMs = 50;
+
+/// The time that is left of a wait that began at dwStart.
+DWORD Remaining(DWORD dwStart, DWORD nTimeoutMs) {
+    DWORD nPassed = ::GetTickCount() - dwStart;
+    return nPassed < nTimeoutMs ? nTimeoutMs - nPassed : 0;
+}
+
+int IsNothingRunning() {
+    SingleInstanceXP instance; // gives the mark back at once
+    return instance.IsFirstInstance(0, GetMyProductInfo().GetName());
+}
+
+/// The running monitor's window, waiting for it while a program runs that has none yet. Null when
+/// nothing runs or the time is over.
+HWND WaitForMonitorWindow(DWORD dwStart, DWORD nTimeoutMs) {
+    for (;;) {
+        HWND hwnd = ::FindWindowW(kMonitorClass, nullptr);
+        if (hwnd || IsNothingRunning() || !Remaining(dwStart, nTimeoutMs)) return hwnd;
+        ::Sleep(kPollMs);
+    }
+}
+} // namespace
+
+int CloseRunning(DWORD nTimeoutMs) {
+    DWORD dwStart = ::GetTickCount();
+    HWND hwnd = WaitForMonitorWindow(dwStart, nTimeoutMs);
+    if (!hwnd) return IsNothingRunning();
+    DWORD dwProcess = 0;
+    ::GetWindowThreadProcessId(hwnd, &dwProcess);
+    OwnedHandle process(::OpenProcess(SYNCHRONIZE, FALSE, dwProcess));
+    PostMyCompanyMsg(hwnd, kCompanyCodeClose, GetMyProductInfo().GetID());
+    if (process)
+        return ::WaitForSingleObject(process.Get(), Remaining(dwStart, nTimeoutMs)) ==
+               WAIT_OBJECT_0;
+    // Another user's process cannot be waited for, but its end takes its window and mark away.
+    while (::IsWindow(hwnd) || !IsNothingRunning()) {
+        if (!Remaining(dwStart, nTimeoutMs)) return 0;
+        ::Sleep(kPollMs);
+    }
+    return 1;
+}

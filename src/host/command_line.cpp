@@ -1,0 +1,35 @@
+#include "host/command_line.h"
+#include <windows.h>
+
+namespace {
+struct Switch {
+    const wchar_t* pszName;
+    int HostOptions::*pbOption;
+};
+constexpr Switch kSwitches[] = {
+    {L"QUIET", &HostOptions::bQuiet},
+    {L"EXIT", &HostOptions::bExit},
+};
+
+const Switch* FindSwitch(const wchar_t* pszArgument) {
+    if (*pszArgument != L'/' && *pszArgument != L'-') return nullptr;
+    for (const Switch& known : kSwitches) {
+        // Not by the user's language, in some of which "i" is no small "I".
+        int nOrder = ::CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, pszArgument + 1, -1,
+                                      known.pszName, -1);
+        if (nOrder == CSTR_EQUAL) return &known;
+    }
+    return nullptr;
+}
+} // namespace
+
+HostOptions ParseHostOptions(int nArguments, const wchar_t* const* ppszArguments) {
+    HostOptions options;
+    for (int i = 1; i < nArguments; ++i) {
+        if (const Switch* pKnown = FindSwitch(ppszArguments[i]))
+            options.*(pKnown->pbOption) = 1;
+        else if (!options.pszUnknown)
+            options.pszUnknown = ppszArguments[i];
+    }
+    return options;
+}

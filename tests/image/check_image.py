@@ -1,0 +1,241 @@
+#!/usr/bin/env python3
+"""Looks at the built images as files: python3 tests/image/check_image.py build/bin
+
+Prints one line per check and "N passed, N failed"; ends with 1 if any failed. What the images may
+import stands in allowed_imports.txt beside this file: all of it is there on Windows XP x64.
+"""
+
+import pathlib
+import struct
+import sys
+
+RT_ICON, RT_GROUP_ICON, RT_VERSION, RT_MANIFEST = 3, 14, 16, 24
+SCN_EXECUTE, SCN_WRITE, SCN_READ, SCN_SHARED = 0x20000000, 0x80000000, 0x40000000, 0x10000000
+DYNAMIC_BASE, NX_COMPAT, HIGH_ENTROPY_VA = 0x40, 0x100, 0x20
+VERSION = (1, 1, 0, 2409)
+ICON_ID = 101
+ICON_SIZES = [16, 20, 24, 32, 48, 64, 128, 256]
+SUPPORTED_SYSTEMS = {
+    "Vista": "e2011457-1546-43c5-a5fe-008deee3d3f0",
+    "7": "35138b9a-5d96-4fbd-8e2d-a2440225f93a",
+    "8": "4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38",
+    "8.1": "1f676c76-80e1-4239-95bb-83d0f6d0da78",
+    "10": "8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a",
+}
+
+
+class Image:
+    """A PE file for x86-64, read as far as the checks need it."""
+
+    def __init__(self, path):
+        self.data = path.read_bytes()
+        pe = self.u32(0x3C)
+        if self.data[pe : pe + 4] != b"PE\0\0":
+            raise ValueError("no PE file")
+        self.machine, count = struct.unpack_from("<HH", self.data, pe + 4)
+        self.optional = pe + 24
+        if self.u16(self.optional) != 0x20B:
+            raise ValueError("no 64-bit image")
+        self.os_version = struct.unpack_from("<HH", self.data, self.optional + 40)
+        self.subsystem_version = struct.unpack_from("<HH", self.data, self.optional + 48)
+        self.subsystem = self.u16(self.optional + 68)
+        self.characteristics = self.u16(self.optional + 70)
+        table = self.optional + self.u16(pe + 20)
+        self.sections = []
+        for i in range(count):
+            raw = self.data[table + i * 40 : table + i * 40 + 40]
+            name = raw[:8].rstrip(b"\0").decode("ascii", "replace")
+            size, rva, raw_size, raw_at = struct.unpack_from("<IIII", raw, 8)
+            self.sections.append((name, rva, max(size, raw_size), raw_at, struct.unpack_from("<I", raw, 36)[0]))
+
+    def u16(self, at):
+        return struct.unpack_from("<H", self.data, at)[0]
+
+    def u32(self, at):
+        return struct.unpack_from("<I", self.data, at)[0]
+
+    def directory(self, index):
+        return struct.unpack_from("<II", self.data, self.optional + 112 + index * 8)
+
+    def offset(self, rva):
+        for _, start, size, raw_at, _ in self.sections:
+            if start <= rva < start + size:
+                return rva - start + raw_at
+        raise ValueError(f"address {rva:#x} lies in no section")
+
+    def text(self, rva):
+        at = self.offset(rva)
+        return self.data[at : self.data.index(b"\0", at)].decode("ascii")
+
+    def imports(self):
+        """(module in lower case, function) of each import; an ordinal is "#n"."""
+        rva, _ = self.directory(1)
+        if not rva:
+            return
+        at = self.offset(rva)
+        while self.u32(at + 12):
+            module = self.text(self.u32(at + 12)).lower()
+            thunk = self.offset(self.u32(at) or self.u32(at + 16))
+            while value := struct.unpack_from("<Q", self.data, thunk)[0]:
+                yield module, f"#{value & 0xFFFF}" if value >> 63 else self.text(value + 2)
+                thunk += 8
+            at += 20
+
+    def exports(self):
+        rva, _ = self.directory(0)
+        if not rva:
+            return []
+        at = self.offset(rva)
+        names = self.offset(self.u32(at + 32)) if self.u32(at + 24) else 0
+        return [self.text(self.u32(names + i * 4)) for i in range(self.u32(at + 24))]
+
+    def resources(self, kind):
+        """{id: bytes of the first language} of the resources of that kind."""
+        rva, _ = self.directory(2)
+        if not rva:
+            return {}
+        root = self.offset(rva)
+
+        def entries(at):
+            named, by_id = struct.unpack_from("<HH", self.data, at + 12)
+            for i in range(named + by_id):
+                name, where = struct.unpack_from("<II", self.data, at + 16 + i * 8)
+                yield name, root + (where & 0x7FFFFFFF)
+
+        found = {}
+        for type_id, types in entries(root):
+            if type_id != kind:
+                continue
+            for name, languages in entries(types):
+                leaf = next(where for _, where in entries(languages))
+                start = self.offset(self.u32(leaf))
+                found[name] = self.data[start : start + self.u32(leaf + 4)]
+        return found
+
+
+class Report:
+    passed = failed = 0
+
+    def check(self, what, good, detail=""):
+        if good:
+            self.passed += 1
+        else:
+            self.failed += 1
+        tail = f": {detail}" if detail and not good else ""
+        print(f"{'pass' if good else 'FAIL'}  {what}{tail}")
+
+
+def read_allowed(path):
+    allowed = set()
+    for line in path.read_text("ascii").splitlines():
+        words = line.split("#", 1)[0].split()
+        if words:
+            module, function = words
+            allowed.add((module.lower(), function))
+    return allowed
+
+
+def check_header(report, name, image):
+    report.check(f"{name} is for x86-64", image.machine == 0x8664)
+    report.check(f"{name} asks for subsystem version 5.2", image.subsystem_version == (5, 2),
+                 str(image.subsystem_version))
+    report.check(f"{name} asks for system version 5.2", image.os_version == (5, 2), str(image.os_version))
+    for flag, what in ((DYNAMIC_BASE, "may be moved (ASLR)"), (NX_COMPAT, "runs with NX"),
+                       (HIGH_ENTROPY_VA, "may be moved to high addresses")):
+        report.check(f"{name} {what}", image.characteristics & flag)
+    report.check(f"{name} has its relocations", image.directory(5)[1] > 0)
+    both = [s[0] for s in image.sections if s[4] & SCN_EXECUTE and s[4] & SCN_WRITE]
+    report.check(f"{name} has no section to write and execute", not both, " ".join(both))
+
+
+def check_imports(report, name, image, allowed):
+    imports = list(image.imports())
+    report.check(f"{name} has imports that can be read", imports)
+    foreign = [f"{module} {function}" for module, function in imports if (module, function) not in allowed]
+    report.check(f"{name} imports only what is allowed", not foreign, "; ".join(foreign))
+
+
+def check_version(report, name, image):
+    data = image.resources(RT_VERSION).get(1, b"")
+    at = data.find(struct.pack("<I", 0xFEEF04BD))
+    report.check(f"{name} has a version", at >= 0)
+    if at < 0:
+        return
+    ms, ls, product_ms, product_ls = struct.unpack_from("<IIII", data, at + 8)
+    for what, high, low in (("file", ms, ls), ("product", product_ms, product_ls)):
+        numbers = (high >> 16, high & 0xFFFF, low >> 16, low & 0xFFFF)
+        report.check(f"{name} has {what} version 1.1.0.2409", numbers == VERSION, str(numbers))
+    text = data.decode("utf-16-le", "replace")
+    for word in ("Orvanta", "Tessaly", "1.1.0.2409", name):
+        report.check(f"{name}'s version names {word}", word + "\0" in text)
+
+
+def check_icon(report, name, image):
+    group = image.resources(RT_GROUP_ICON).get(ICON_ID)
+    report.check(f"{name} has icon {ICON_ID}", group)
+    if not group:
+        return
+    parts = image.resources(RT_ICON)
+    sizes = []
+    for i in range(struct.unpack_from("<H", group, 4)[0]):
+        width, height, _, _, _, bits, _, part = struct.unpack_from("<BBBBHHIH", group, 6 + i * 14)
+        sizes.append(width or 256)
+        good = width == height and bits == 32 and part in parts
+        is_png = parts.get(part, b"")[:8] == b"\x89PNG\r\n\x1a\n"
+        # XP reads no PNG inside an icon; of 256 pixels it asks for none.
+        report.check(f"{name}'s icon of {width or 256} pixels is whole", good and is_png == (width == 0))
+    report.check(f"{name}'s icon has all sizes", sorted(sizes) == ICON_SIZES, str(sizes))
+
+
+def check_library(report, image):
+    exports = image.exports()
+    for function in ("DoMonitor", "CalcMD5"):
+        report.check(f"TSDLL64.dll exports {function} under its plain name", function in exports)
+    shared = [s for s in image.sections if s[4] & SCN_SHARED]
+    report.check("TSDLL64.dll shares only .SDATA", [s[0] for s in shared] == [".SDATA"],
+                 str([s[0] for s in shared]))
+    report.check("TSDLL64.dll's .SDATA is there to read and write",
+                 any(s[0] == ".SDATA" and s[4] & SCN_READ and s[4] & SCN_WRITE for s in shared))
+
+
+def check_program(report, image):
+    report.check("TSEXE64.exe is a window program", image.subsystem == 2, str(image.subsystem))
+    shared = [s[0] for s in image.sections if s[4] & SCN_SHARED]
+    report.check("TSEXE64.exe shares no section", not shared, str(shared))
+    modules = {module for module, _ in image.imports()}
+    report.check("TSEXE64.exe starts without the library", "tsdll64.dll" not in modules)
+    manifest = image.resources(RT_MANIFEST).get(1, b"").decode("utf-8", "replace")
+    report.check("TSEXE64.exe has a manifest", manifest)
+    for what, text in (
+        ("runs as its starter", 'level="asInvoker"'),
+        ("touches no other program's windows", 'uiAccess="false"'),
+        ("has common controls 6", 'name="Microsoft.Windows.Common-Controls" version="6.0.0.0"'),
+        ("is DPI aware", ">true</dpiAware>"),
+    ):
+        report.check(f"TSEXE64.exe {what}", text in manifest)
+    for system, guid in SUPPORTED_SYSTEMS.items():
+        report.check(f"TSEXE64.exe supports Windows {system}", f'<supportedOS Id="{{{guid}}}"/>' in manifest)
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit("usage: check_image.py FOLDER")
+    folder = pathlib.Path(sys.argv[1])
+    allowed = read_allowed(pathlib.Path(__file__).with_name("allowed_imports.txt"))
+    report = Report()
+    for name, check_own in (("TSDLL64.dll", check_library), ("TSEXE64.exe", check_program)):
+        try:
+            image = Image(folder / name)
+            check_header(report, name, image)
+            check_imports(report, name, image, allowed)
+            check_version(report, name, image)
+            check_icon(report, name, image)
+            check_own(report, image)
+        except (OSError, ValueError, IndexError, struct.error) as problem:
+            report.check(f"{name} can be read", False, str(problem))
+    print(f"{report.passed} passed, {report.failed} failed")
+    return 1 if report.failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
