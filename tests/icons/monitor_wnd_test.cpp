@@ -89,7 +89,7 @@ BOOL WINAPI WatchedUnlock(HANDLE hLock) {
     return TRUE;
 }
 
-class Monitor : public EngineTest {
+class MonitorWnd : public EngineTest {
   protected:
     void SetUp() override {
         EngineTest::SetUp();
@@ -153,7 +153,7 @@ class Monitor : public EngineTest {
 
 // The class and the window
 
-TEST_F(Monitor, ClassIsAsPlainAsCanBe) {
+TEST_F(MonitorWnd, ClassIsAsPlainAsCanBe) {
     WNDCLASSEXW wc{};
     wc.cbSize = sizeof(wc);
     ASSERT_TRUE(::GetClassInfoExW(GetLibraryInstance(), L"TessalyWnd", &wc));
@@ -168,7 +168,7 @@ TEST_F(Monitor, ClassIsAsPlainAsCanBe) {
     EXPECT_EQ(nullptr, wc.hIconSm);
 }
 
-TEST_F(Monitor, ClassGoesWithTheObject) {
+TEST_F(MonitorWnd, ClassGoesWithTheObject) {
     monitor->Destroy();
     monitor.reset();
     WNDCLASSEXW wc{};
@@ -178,7 +178,7 @@ TEST_F(Monitor, ClassGoesWithTheObject) {
     EXPECT_TRUE(::GetClassInfoExW(GetLibraryInstance(), L"TessalyWnd", &wc));
 }
 
-TEST_F(Monitor, WindowIsHiddenOnePixelAndNamedLikeItsClass) {
+TEST_F(MonitorWnd, WindowIsHiddenOnePixelAndNamedLikeItsClass) {
     wchar_t szClass[32] = {}, szTitle[32] = {};
     ::GetClassNameW(Wnd(), szClass, 32);
     ::GetWindowTextW(Wnd(), szTitle, 32);
@@ -189,7 +189,7 @@ TEST_F(Monitor, WindowIsHiddenOnePixelAndNamedLikeItsClass) {
     EXPECT_EQ(static_cast<CSWnd*>(monitor.get()), ::GetPropW(Wnd(), L"CSWND"));
 }
 
-TEST_F(Monitor, WindowHasTheGivenParent) {
+TEST_F(MonitorWnd, WindowHasTheGivenParent) {
     monitor->Destroy();
     TestWindow wndParent(L"STATIC", nullptr, WS_POPUP);
     ASSERT_TRUE(monitor->CreateHidden(wndParent));
@@ -197,13 +197,13 @@ TEST_F(Monitor, WindowHasTheGivenParent) {
     monitor->Destroy();
 }
 
-TEST_F(Monitor, WindowOfABadParentIsNotCreated) {
+TEST_F(MonitorWnd, WindowOfABadParentIsNotCreated) {
     monitor->Destroy();
     EXPECT_FALSE(monitor->CreateHidden(reinterpret_cast<HWND>(0xDEAD)));
     EXPECT_EQ(nullptr, Wnd());
 }
 
-TEST_F(Monitor, IsKnownToTheProcessWhileItLives) {
+TEST_F(MonitorWnd, IsKnownToTheProcessWhileItLives) {
     EXPECT_EQ(monitor.get(), MyMonitor_Wnd::GetCurrent());
     monitor->Destroy();
     monitor.reset();
@@ -212,28 +212,28 @@ TEST_F(Monitor, IsKnownToTheProcessWhileItLives) {
 
 // The company message
 
-TEST_F(Monitor, ClosesOnThisProductsNumber) {
+TEST_F(MonitorWnd, ClosesOnThisProductsNumber) {
     SendCode(1, GetMyProductInfo().GetID());
     EXPECT_TRUE(::IsWindow(Wnd())); // posted, not done at once
     EXPECT_EQ(1, TakeCloses());
     EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(Monitor, LooksOnlyAtTheLow16BitsOfTheNumber) {
+TEST_F(MonitorWnd, LooksOnlyAtTheLow16BitsOfTheNumber) {
     for (LPARAM lParam : {0x00014162ll, 0x7FFF4162ll, 0x100004162ll, ~0xFFFFll | 0x4162ll}) {
         SendCode(1, lParam);
         EXPECT_EQ(1, TakeCloses());
     }
 }
 
-TEST_F(Monitor, IgnoresAnotherProductsNumber) {
+TEST_F(MonitorWnd, IgnoresAnotherProductsNumber) {
     for (LPARAM lParam : {0ll, 1ll, 0x4161ll, 0x4163ll, 0x416200000000ll, 0x41620000ll, -1ll})
         SendCode(1, lParam);
     EXPECT_EQ(0, TakeCloses());
     EXPECT_EQ(7, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(Monitor, AsksTheFrontEndForTheMenu) {
+TEST_F(MonitorWnd, AsksTheFrontEndForTheMenu) {
     FakeFrontEnd frontEnd;
     MyMonitor_Wnd* pGiven = nullptr;
     frontEnd.fnMenu = [&](MyMonitor_Wnd& given) { pGiven = &given; };
@@ -243,19 +243,19 @@ TEST_F(Monitor, AsksTheFrontEndForTheMenu) {
     EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(Monitor, GoesWithoutAMenuWhenThereIsNoFrontEnd) {
+TEST_F(MonitorWnd, GoesWithoutAMenuWhenThereIsNoFrontEnd) {
     SendCode(371, 1);
     EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(Monitor, SchedulesACaptureWhenIconsMayHaveMoved) {
+TEST_F(MonitorWnd, SchedulesACaptureWhenIconsMayHaveMoved) {
     SendCode(374, 0);
     EXPECT_TRUE(monitor->IsCapturePending());
     EXPECT_EQ(0, CapturesAskedFor()); // never in the handler of the event
     EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(Monitor, IgnoresOtherCodes) {
+TEST_F(MonitorWnd, IgnoresOtherCodes) {
     FakeFrontEnd frontEnd;
     for (WPARAM wCode : {0ull, 2ull, 3ull, 16ull, 370ull, 372ull, 373ull, 375ull, 374ull << 32,
                          (1ull << 32) | 371})
@@ -267,7 +267,7 @@ TEST_F(Monitor, IgnoresOtherCodes) {
     EXPECT_EQ(10, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(Monitor, TakesNoNullMessageForARegisteredOne) {
+TEST_F(MonitorWnd, TakesNoNullMessageForARegisteredOne) {
     FakeFrontEnd frontEnd;
     SetRestartFlag(0);
     for (WPARAM wCode : {1ull, 371ull, 374ull}) Send(WM_NULL, wCode, 0x4162);
@@ -282,7 +282,7 @@ TEST_F(Monitor, TakesNoNullMessageForARegisteredOne) {
 
 UINT NotificationMsg() { return ::RegisterWindowMessageW(L"WM_TESSALY_SHLN"); }
 
-TEST_F(Monitor, AsksForTheDesktopsEvents) {
+TEST_F(MonitorWnd, AsksForTheDesktopsEvents) {
     NotifyFuncs::pfnRegister = &WatchedRegister;
     monitor->RegisterNotification();
     EXPECT_EQ(Wnd(), calls.hwnd);
@@ -294,7 +294,7 @@ TEST_F(Monitor, AsksForTheDesktopsEvents) {
     EXPECT_EQ(0, calls.cbFirstItem); // the desktop
 }
 
-TEST_F(Monitor, SchedulesACaptureOnARealEvent) {
+TEST_F(MonitorWnd, SchedulesACaptureOnARealEvent) {
     NotifyFuncs::pfnRegister = &WatchedRegister;
     monitor->RegisterNotification();
     wchar_t szFolder[MAX_PATH];
@@ -308,7 +308,7 @@ TEST_F(Monitor, SchedulesACaptureOnARealEvent) {
     ::DeleteFileW(strFile.c_str());
 }
 
-TEST_F(Monitor, LocksANotificationWhileItSchedules) {
+TEST_F(MonitorWnd, LocksANotificationWhileItSchedules) {
     monitor->RegisterNotification();
     NotifyFuncs::pfnLock = &WatchedLock;
     NotifyFuncs::pfnUnlock = &WatchedUnlock;
@@ -324,7 +324,7 @@ TEST_F(Monitor, LocksANotificationWhileItSchedules) {
     EXPECT_EQ(1, base.counts[NotificationMsg()]);
 }
 
-TEST_F(Monitor, CountsANotificationWithBogusHandlesAsAnyOther) {
+TEST_F(MonitorWnd, CountsANotificationWithBogusHandlesAsAnyOther) {
     monitor->RegisterNotification();
     Send(NotificationMsg(), 0, 0);
     EXPECT_TRUE(monitor->IsCapturePending());
@@ -333,7 +333,7 @@ TEST_F(Monitor, CountsANotificationWithBogusHandlesAsAnyOther) {
     EXPECT_EQ(2, base.counts[NotificationMsg()]);
 }
 
-TEST_F(Monitor, GoesOnWithoutNotificationsWhenTheShellRefuses) {
+TEST_F(MonitorWnd, GoesOnWithoutNotificationsWhenTheShellRefuses) {
     NotifyFuncs::pfnRegister = &RefusedRegister;
     monitor->RegisterNotification();
     NotifyFuncs::pfnRegister = nullptr;
@@ -345,7 +345,7 @@ TEST_F(Monitor, GoesOnWithoutNotificationsWhenTheShellRefuses) {
     EXPECT_TRUE(monitor->IsCapturePending());
 }
 
-TEST_F(Monitor, EndsTheNotificationOnce) {
+TEST_F(MonitorWnd, EndsTheNotificationOnce) {
     monitor->RegisterNotification();
     NotifyFuncs::pfnDeregister = &WatchedDeregister;
     monitor->EndNotification();
@@ -359,7 +359,7 @@ TEST_F(Monitor, EndsTheNotificationOnce) {
 
 // A shell that has started, the window's life
 
-TEST_F(Monitor, GoesRoundAgainWhenAShellHasStarted) {
+TEST_F(MonitorWnd, GoesRoundAgainWhenAShellHasStarted) {
     RegisterTaskbarCreated();
     SetRestartFlag(0);
     Send(GetTestTaskbarCreated(), 0, 0);
@@ -369,7 +369,7 @@ TEST_F(Monitor, GoesRoundAgainWhenAShellHasStarted) {
     EXPECT_EQ(1, base.counts[GetTestTaskbarCreated()]);
 }
 
-TEST_F(Monitor, ClosesIconThenWindowThenLoop) {
+TEST_F(MonitorWnd, ClosesIconThenWindowThenLoop) {
     FakeFrontEnd frontEnd;
     HWND hwnd = Wnd();
     int bAliveAtClose = -1;
@@ -384,7 +384,7 @@ TEST_F(Monitor, ClosesIconThenWindowThenLoop) {
     EXPECT_EQ(0u, msg.wParam);
 }
 
-TEST_F(Monitor, ClosesWithoutAFrontEnd) {
+TEST_F(MonitorWnd, ClosesWithoutAFrontEnd) {
     HWND hwnd = Wnd();
     Send(WM_CLOSE, 0, 0);
     EXPECT_FALSE(::IsWindow(hwnd));
@@ -412,7 +412,7 @@ BOOL WINAPI UnregisterSession(HWND hwnd) {
     return TRUE;
 }
 
-TEST_F(Monitor, HearsOfItsSessionWhileItsWindowLives) {
+TEST_F(MonitorWnd, HearsOfItsSessionWhileItsWindowLives) {
     monitor->Destroy();
     sessions = {};
     WtsApi32 wts;
@@ -433,7 +433,7 @@ TEST_F(Monitor, HearsOfItsSessionWhileItsWindowLives) {
     EXPECT_EQ(1, sessions.nRegistered);
 }
 
-TEST_F(Monitor, LivesWithoutSessionNotifications) {
+TEST_F(MonitorWnd, LivesWithoutSessionNotifications) {
     monitor->Destroy();
     WtsApi32 wts;
     ReplacedFuncs funcs({{"WTSRegisterSessionNotification", nullptr},
@@ -444,7 +444,7 @@ TEST_F(Monitor, LivesWithoutSessionNotifications) {
 
 // The session's end
 
-TEST_F(Monitor, LeavesTheShellCleanBeforeTheSessionMayEnd) {
+TEST_F(MonitorWnd, LeavesTheShellCleanBeforeTheSessionMayEnd) {
     monitor->SetHook(1);
     PumpAll();
     ASSERT_TRUE(GetAgentListView().IsAttached());
@@ -459,14 +459,14 @@ TEST_F(Monitor, LeavesTheShellCleanBeforeTheSessionMayEnd) {
     EXPECT_EQ(1, base.counts[WM_QUERYENDSESSION]);
 }
 
-TEST_F(Monitor, HasNothingToCleanWithoutAHook) {
+TEST_F(MonitorWnd, HasNothingToCleanWithoutAHook) {
     Send(WM_QUERYENDSESSION, 0, 0);
     EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeAttach));
     EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
     EXPECT_EQ(1, base.counts[WM_QUERYENDSESSION]);
 }
 
-TEST_F(Monitor, HooksAgainWhenTheSessionsEndIsCancelled) {
+TEST_F(MonitorWnd, HooksAgainWhenTheSessionsEndIsCancelled) {
     monitor->SetHook(1);
     PumpAll();
     Send(WM_QUERYENDSESSION, 0, 0);
@@ -479,7 +479,7 @@ TEST_F(Monitor, HooksAgainWhenTheSessionsEndIsCancelled) {
     EXPECT_EQ(1, base.counts[WM_ENDSESSION]);
 }
 
-TEST_F(Monitor, ClosesWhenTheSessionEnds) {
+TEST_F(MonitorWnd, ClosesWhenTheSessionEnds) {
     Send(WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(::IsWindow(Wnd()));
     EXPECT_EQ(1, TakeCloses());
@@ -487,7 +487,7 @@ TEST_F(Monitor, ClosesWhenTheSessionEnds) {
     EXPECT_EQ(1, base.counts[WM_ENDSESSION]);
 }
 
-TEST_F(Monitor, SetsAndRemovesTheHook) {
+TEST_F(MonitorWnd, SetsAndRemovesTheHook) {
     monitor->SetHook(0);
     EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
     monitor->SetHook(7);
@@ -505,7 +505,7 @@ TEST_F(Monitor, SetsAndRemovesTheHook) {
 
 // Captures
 
-TEST_F(Monitor, GivesACaptureToTheStore) {
+TEST_F(MonitorWnd, GivesACaptureToTheStore) {
     IconRecord records[2] = {RecordOf(0, L"a", {1, 2}), RecordOf(1, L"b", {3, 4})};
     COPYDATASTRUCT data{2, sizeof(records), records};
     Send(WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
@@ -517,7 +517,16 @@ TEST_F(Monitor, GivesACaptureToTheStore) {
     EXPECT_EQ(1, base.counts[WM_COPYDATA]);
 }
 
-TEST_F(Monitor, TellsTheOutcomeOfACaptureThatTheUserAskedFor) {
+TEST_F(MonitorWnd, TakesTheLargestCaptureThereIs) {
+    std::vector<IconRecord> records(kMaxCapturedIcons, RecordOf(0, L"a", {1, 2}));
+    DWORD cb = static_cast<DWORD>(records.size() * sizeof(IconRecord));
+    SendCopy(records.size(), cb, records.data());
+    auto stored = ReadStoredSnapshots();
+    ASSERT_EQ(1u, stored.size());
+    EXPECT_EQ(23992u, stored.begin()->second.size());
+}
+
+TEST_F(MonitorWnd, TellsTheOutcomeOfACaptureThatTheUserAskedFor) {
     FakeFrontEnd frontEnd;
     IconRecord record = RecordOf(0, L"a", {1, 2});
     SendCopy(1, 24, &record);
@@ -534,7 +543,7 @@ TEST_F(Monitor, TellsTheOutcomeOfACaptureThatTheUserAskedFor) {
               frontEnd.outcomes);
 }
 
-TEST_F(Monitor, StoresNothingOfACaptureWithoutData) {
+TEST_F(MonitorWnd, StoresNothingOfACaptureWithoutData) {
     FakeFrontEnd frontEnd;
     monitor->SetSnapshotAnnounce(1);
     monitor->OnWndMessage(WM_COPYDATA, 0, 0);
@@ -545,7 +554,7 @@ TEST_F(Monitor, StoresNothingOfACaptureWithoutData) {
     EXPECT_EQ(2, base.counts[WM_COPYDATA]);
 }
 
-TEST_F(Monitor, DropsACaptureWhoseCountItsDataDoNotHold) {
+TEST_F(MonitorWnd, DropsACaptureWhoseCountItsDataDoNotHold) {
     FakeFrontEnd frontEnd;
     monitor->SetSnapshotAnnounce(1);
     IconRecord record = RecordOf(0, L"a", {1, 2});
@@ -567,7 +576,7 @@ TEST_F(Monitor, DropsACaptureWhoseCountItsDataDoNotHold) {
 
 // Timers and session changes
 
-TEST_F(Monitor, AsksForACaptureWithEachTickOfTheDebounceTimer) {
+TEST_F(MonitorWnd, DebounceTimerGoesOnAfterItFired) {
     monitor->ScheduleCapture();
     Send(WM_TIMER, kDebounceTimer, 0);
     EXPECT_EQ(1, CapturesAskedFor());
@@ -578,13 +587,13 @@ TEST_F(Monitor, AsksForACaptureWithEachTickOfTheDebounceTimer) {
     EXPECT_EQ(2, base.counts[WM_TIMER]);
 }
 
-TEST_F(Monitor, PostsTheCodesThatTheHookIsToSee) {
+TEST_F(MonitorWnd, PostsTheCodesThatTheHookIsToSee) {
     Send(WM_TIMER, kDebounceTimer, 0);
     EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeCapture));
     EXPECT_EQ(1, CapturesAskedFor());
 }
 
-TEST_F(Monitor, EndsTheSuppressTimerWithItsFirstTick) {
+TEST_F(MonitorWnd, EndsTheSuppressTimerWithItsFirstTick) {
     monitor->SuppressCaptures();
     EXPECT_TRUE(monitor->IsSuppressing());
     Send(WM_TIMER, kSuppressTimer, 0);
@@ -594,7 +603,7 @@ TEST_F(Monitor, EndsTheSuppressTimerWithItsFirstTick) {
     EXPECT_EQ(1, base.counts[WM_TIMER]);
 }
 
-TEST_F(Monitor, IgnoresOtherTimers) {
+TEST_F(MonitorWnd, IgnoresOtherTimers) {
     monitor->SuppressCaptures();
     for (WPARAM wId : {0ull, 1ull, 9ull, 12ull, (1ull << 32) | 10, (1ull << 32) | 11})
         Send(WM_TIMER, wId, 0);
@@ -603,7 +612,7 @@ TEST_F(Monitor, IgnoresOtherTimers) {
     EXPECT_EQ(6, base.counts[WM_TIMER]);
 }
 
-TEST_F(Monitor, SchedulesWithTimer10OnItsWindow) {
+TEST_F(MonitorWnd, SchedulesWithTimer10OnItsWindow) {
     EXPECT_FALSE(monitor->IsCapturePending());
     monitor->ScheduleCapture();
     monitor->ScheduleCapture();
@@ -612,7 +621,7 @@ TEST_F(Monitor, SchedulesWithTimer10OnItsWindow) {
     EXPECT_FALSE(::KillTimer(Wnd(), kDebounceTimer));
 }
 
-TEST_F(Monitor, SuppressesScheduledCaptures) {
+TEST_F(MonitorWnd, SuppressesScheduledCaptures) {
     monitor->ScheduleCapture();
     monitor->SuppressCaptures();
     EXPECT_FALSE(monitor->IsCapturePending());
@@ -623,7 +632,7 @@ TEST_F(Monitor, SuppressesScheduledCaptures) {
     EXPECT_TRUE(monitor->IsSuppressing());
 }
 
-TEST_F(Monitor, SuppressesForASecondAndSchedulesAfterIt) {
+TEST_F(MonitorWnd, SuppressesForASecondAndSchedulesAfterIt) {
     DWORD dwStart = ::GetTickCount();
     monitor->SuppressCaptures();
     ASSERT_TRUE(PumpUntil([&] { return !monitor->IsSuppressing(); }));
@@ -633,14 +642,14 @@ TEST_F(Monitor, SuppressesForASecondAndSchedulesAfterIt) {
     EXPECT_TRUE(monitor->IsCapturePending());
 }
 
-TEST_F(Monitor, SuppressingAgainStartsTheSecondAnew) {
+TEST_F(MonitorWnd, SuppressingAgainStartsTheSecondAnew) {
     monitor->SuppressCaptures();
     monitor->SuppressCaptures();
     EXPECT_TRUE(::KillTimer(Wnd(), kSuppressTimer));
     EXPECT_FALSE(::KillTimer(Wnd(), kSuppressTimer));
 }
 
-class MonitorSession : public Monitor, public testing::WithParamInterface<int> {};
+class MonitorSession : public MonitorWnd, public testing::WithParamInterface<int> {};
 
 TEST_P(MonitorSession, ChangeAsksForACaptureWhereTheScreenMayHaveChanged) {
     Send(kWtsSessionChange, static_cast<WPARAM>(GetParam()), 1);
@@ -652,13 +661,13 @@ TEST_P(MonitorSession, ChangeAsksForACaptureWhereTheScreenMayHaveChanged) {
 
 INSTANTIATE_TEST_SUITE_P(Codes, MonitorSession, testing::Range(0, 11));
 
-TEST_F(Monitor, AsksForTwoCapturesWhenTheSessionIsLockedAndUnlocked) {
+TEST_F(MonitorWnd, AsksForTwoCapturesWhenTheSessionIsLockedAndUnlocked) {
     Send(kWtsSessionChange, WTS_SESSION_LOCK, 1);
     Send(kWtsSessionChange, WTS_SESSION_UNLOCK, 1);
     EXPECT_EQ(2, CapturesAskedFor());
 }
 
-TEST_F(Monitor, HandsEverythingElseToTheBase) {
+TEST_F(MonitorWnd, HandsEverythingElseToTheBase) {
     constexpr UINT kOther = WM_APP + 9;
     Send(kOther, 371, 1);
     EXPECT_EQ(1, base.counts[kOther]);
@@ -667,7 +676,7 @@ TEST_F(Monitor, HandsEverythingElseToTheBase) {
 
 // The object's end
 
-TEST_F(Monitor, TakesTimersAndNotificationWithIt) {
+TEST_F(MonitorWnd, TakesTimersAndNotificationWithIt) {
     monitor->RegisterNotification();
     NotifyFuncs::pfnDeregister = &WatchedDeregister;
     monitor->SuppressCaptures();
@@ -684,7 +693,7 @@ TEST_F(Monitor, TakesTimersAndNotificationWithIt) {
     ::UnregisterClassW(L"TessalyWnd", GetLibraryInstance());
 }
 
-TEST_F(Monitor, TakesTheSuppressTimerWithIt) {
+TEST_F(MonitorWnd, TakesTheSuppressTimerWithIt) {
     monitor->SuppressCaptures();
     monitor->RemoveWndHook(&base);
     HWND hwnd = Wnd();
