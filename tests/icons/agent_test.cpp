@@ -163,10 +163,10 @@ TEST_F(Agent, CapturesWhileAttachedAsWell) {
 
 TEST_F(Agent, GivesTheNextHooksResultAndPassesItsArgumentsOn) {
     nextHookCalls.clear();
-    HHOOK hNext = ::SetWindowsHookExW(WH_GETMESSAGE, &NextHookProc, nullptr,
-                                      ::GetCurrentThreadId());
-    HHOOK hAgent = ::SetWindowsHookExW(WH_GETMESSAGE, &AgentInHookProc, nullptr,
-                                       ::GetCurrentThreadId());
+    HHOOK hNext =
+        ::SetWindowsHookExW(WH_GETMESSAGE, &NextHookProc, nullptr, ::GetCurrentThreadId());
+    HHOOK hAgent =
+        ::SetWindowsHookExW(WH_GETMESSAGE, &AgentInHookProc, nullptr, ::GetCurrentThreadId());
     ASSERT_TRUE(hNext && hAgent);
     ScopeExit unhook([&] {
         ::UnhookWindowsHookEx(hAgent);
@@ -225,10 +225,10 @@ class AgentRoute : public Agent, public testing::WithParamInterface<Route> {
     void SetUp() override {
         Agent::SetUp();
         if (GetParam() == Route::kProcedure) {
-            hidden = std::make_unique<ReplacedFuncs>(std::map<std::string, FARPROC>{
-                {"SetWindowSubclass", nullptr},
-                {"RemoveWindowSubclass", nullptr},
-                {"DefSubclassProc", nullptr}});
+            hidden = std::make_unique<ReplacedFuncs>(
+                std::map<std::string, FARPROC>{{"SetWindowSubclass", nullptr},
+                                               {"RemoveWindowSubclass", nullptr},
+                                               {"DefSubclassProc", nullptr}});
         }
         int nState = GetParam() == Route::kChain ? ShellSubclass::kReady : ShellSubclass::kMissing;
         ASSERT_EQ(nState, ShellSubclass::ReInitialize());

@@ -73,17 +73,17 @@ TEST_P(CaptureName, IsKnownByTheTextThatFitsTheBuffer) {
     ExpectRecord(records[2], 2, L"after");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Lengths, CaptureName,
-    testing::Values(NameCase{"Empty", L"", 0}, NameCase{"One", L"x", 1},
-                    NameCase{"Of258", std::wstring(258, L'a'), 258},
-                    NameCase{"Of259", std::wstring(259, L'b'), 259},
-                    NameCase{"Of260", std::wstring(259, L'b') + L"c", 259},
-                    NameCase{"Of400", std::wstring(400, L'd'), 259},
-                    NameCase{"SurrogatePair", L"\xD83D\xDE00 smile", 8},
-                    NameCase{"LoneSurrogate", L"\xDE00\xD83D", 2},
-                    NameCase{"PairThatIsCut", std::wstring(258, L'e') + L"\xD83D\xDE00", 259}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+INSTANTIATE_TEST_SUITE_P(Lengths, CaptureName,
+                         testing::Values(NameCase{"Empty", L"", 0}, NameCase{"One", L"x", 1},
+                                         NameCase{"Of258", std::wstring(258, L'a'), 258},
+                                         NameCase{"Of259", std::wstring(259, L'b'), 259},
+                                         NameCase{"Of260", std::wstring(259, L'b') + L"c", 259},
+                                         NameCase{"Of400", std::wstring(400, L'd'), 259},
+                                         NameCase{"SurrogatePair", L"\xD83D\xDE00 smile", 8},
+                                         NameCase{"LoneSurrogate", L"\xDE00\xD83D", 2},
+                                         NameCase{"PairThatIsCut",
+                                                  std::wstring(258, L'e') + L"\xD83D\xDE00", 259}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(Capture, OfEmptyTextHasTheKeyOfNothing) {
     AddIcon(view.hwndListView, L"", {1, 2});
@@ -250,11 +250,8 @@ TEST_P(SendCaptureCount, DecidesWhetherAnythingIsSent) {
 
 INSTANTIATE_TEST_SUITE_P(Counts, SendCaptureCount,
                          testing::Values(CountCase{0, 0}, CountCase{1, 1}, CountCase{2, 1},
-                                         CountCase{999, 1}, CountCase{1000, 0},
-                                         CountCase{1001, 0}),
-                         [](const auto& row) {
-                             return "Of" + std::to_string(row.param.nIcons);
-                         });
+                                         CountCase{999, 1}, CountCase{1000, 0}, CountCase{1001, 0}),
+                         [](const auto& row) { return "Of" + std::to_string(row.param.nIcons); });
 
 TEST_F(Capture, NamesTheWindowThatTheHookSawAsItsSender) {
     AddIcons(1);

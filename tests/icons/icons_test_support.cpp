@@ -22,13 +22,9 @@ std::map<std::string, FARPROC> replacements;
 
 } // namespace
 
-UINT GetTestCompanyMsg() {
-    return ::RegisterWindowMessageW(L"OrvantaMessage");
-}
+UINT GetTestCompanyMsg() { return ::RegisterWindowMessageW(L"OrvantaMessage"); }
 
-UINT GetTestTaskbarCreated() {
-    return ::RegisterWindowMessageW(L"TaskbarCreated");
-}
+UINT GetTestTaskbarCreated() { return ::RegisterWindowMessageW(L"TaskbarCreated"); }
 
 void PumpAll(int* pbQuit) {
     if (pbQuit) *pbQuit = 0;
@@ -78,8 +74,7 @@ LRESULT CALLBACK ProcSpy::Proc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPara
     if (auto* pSpy = static_cast<ProcSpy*>(::GetPropW(hwnd, kSpyProp))) {
         {
             std::lock_guard lock(pSpy->mutex);
-            pSpy->messages.push_back(
-                {uMsg, wParam, lParam, ::GetCurrentThreadId(), ++nSpyOrder});
+            pSpy->messages.push_back({uMsg, wParam, lParam, ::GetCurrentThreadId(), ++nSpyOrder});
         }
         LRESULT lResult = 0;
         if (pSpy->handler && pSpy->handler(uMsg, wParam, lParam, &lResult)) return lResult;
@@ -140,11 +135,10 @@ bool operator==(const TestIcon& a, const TestIcon& b) {
 HWND CreateTestListView(HWND hwndParent, DWORD dwExtraStyle) {
     INITCOMMONCONTROLSEX icc{sizeof(icc), ICC_LISTVIEW_CLASSES};
     ::InitCommonControlsEx(&icc);
-    return ::CreateWindowExW(0, WC_LISTVIEWW, L"",
-                             WS_CHILD | LVS_ICON | LVS_EDITLABELS | LVS_SHOWSELALWAYS |
-                                 dwExtraStyle,
-                             0, 0, 400, 400, hwndParent, nullptr, ::GetModuleHandleW(nullptr),
-                             nullptr);
+    return ::CreateWindowExW(
+        0, WC_LISTVIEWW, L"",
+        WS_CHILD | LVS_ICON | LVS_EDITLABELS | LVS_SHOWSELALWAYS | dwExtraStyle, 0, 0, 400, 400,
+        hwndParent, nullptr, ::GetModuleHandleW(nullptr), nullptr);
 }
 
 void AddIcon(HWND hwndListView, std::wstring_view strText, POINT pt) {
@@ -153,8 +147,8 @@ void AddIcon(HWND hwndListView, std::wstring_view strText, POINT pt) {
     item.mask = LVIF_TEXT;
     item.iItem = static_cast<int>(::SendMessageW(hwndListView, LVM_GETITEMCOUNT, 0, 0));
     item.pszText = strCopy.data();
-    LRESULT nItem = ::SendMessageW(hwndListView, LVM_INSERTITEMW, 0,
-                                   reinterpret_cast<LPARAM>(&item));
+    LRESULT nItem =
+        ::SendMessageW(hwndListView, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
     ::SendMessageW(hwndListView, LVM_SETITEMPOSITION32, static_cast<WPARAM>(nItem),
                    reinterpret_cast<LPARAM>(&pt));
 }
@@ -172,20 +166,22 @@ POINT PosOfIcon(HWND hwndListView, int nIcon) {
 }
 
 unsigned long long KeyOf(std::wstring_view strText) {
-    HCRYPTPROV hProv = 0;
+    static std::map<std::wstring, unsigned long long, std::less<>> known;
+    if (auto it = known.find(strText); it != known.end()) return it->second;
+    static HCRYPTPROV hProv = 0; // slow to get
+    if (!hProv)
+        ::CryptAcquireContextW(&hProv, nullptr, nullptr, PROV_RSA_FULL, CRYPT_VERIFYCONTEXT);
     HCRYPTHASH hHash = 0;
     BYTE digest[16] = {};
     DWORD cb = sizeof(digest);
-    ::CryptAcquireContextW(&hProv, nullptr, nullptr, PROV_RSA_FULL, CRYPT_VERIFYCONTEXT);
     ::CryptCreateHash(hProv, CALG_MD5, 0, 0, &hHash);
     ::CryptHashData(hHash, reinterpret_cast<const BYTE*>(strText.data()),
                     static_cast<DWORD>(strText.size() * sizeof(wchar_t)), 0);
     EXPECT_TRUE(::CryptGetHashParam(hHash, HP_HASHVAL, digest, &cb, 0));
     ::CryptDestroyHash(hHash);
-    ::CryptReleaseContext(hProv, 0);
     unsigned long long qwKey = 0;
     for (int i = 7; i >= 0; --i) qwKey = qwKey << 8 | digest[i];
-    return qwKey;
+    return known[std::wstring(strText)] = qwKey;
 }
 
 IconRecord RecordOf(unsigned nIndex, std::wstring_view strText, POINT pt) {
@@ -201,7 +197,9 @@ CaptureReceiver::CaptureReceiver()
           if (uMsg != WM_COPYDATA) return 0;
           auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
           auto* pFirst = static_cast<const IconRecord*>(pData->lpData);
-          captures.push_back({wParam, pData->dwData, pData->cbData,
+          captures.push_back({wParam,
+                              pData->dwData,
+                              pData->cbData,
                               {pFirst, pFirst + pData->cbData / sizeof(IconRecord)}});
           return 0;
       }) {}
@@ -224,9 +222,7 @@ std::map<std::wstring, std::vector<BYTE>> ReadStoredSnapshots() {
     return found;
 }
 
-void DeleteStoredSnapshots() {
-    ::RegDeleteKeyW(HKEY_CURRENT_USER, kStoreKey);
-}
+void DeleteStoredSnapshots() { ::RegDeleteKeyW(HKEY_CURRENT_USER, kStoreKey); }
 
 DesktopThread::DesktopThread(std::vector<TestIcon> initialIcons)
     : icons(std::move(initialIcons)), hReady(::CreateEventW(nullptr, TRUE, FALSE, nullptr)),
@@ -240,8 +236,8 @@ void DesktopThread::Main() {
     TestClass classProgman(L"Progman"), classView(L"SHELLDLL_DefView");
     hwndProgman = ::CreateWindowExW(0, L"Progman", L"", WS_POPUP, 0, 0, 400, 400, nullptr, nullptr,
                                     ::GetModuleHandleW(nullptr), nullptr);
-    hwndView = ::CreateWindowExW(0, L"SHELLDLL_DefView", L"", WS_CHILD, 0, 0, 400, 400,
-                                 hwndProgman, nullptr, ::GetModuleHandleW(nullptr), nullptr);
+    hwndView = ::CreateWindowExW(0, L"SHELLDLL_DefView", L"", WS_CHILD, 0, 0, 400, 400, hwndProgman,
+                                 nullptr, ::GetModuleHandleW(nullptr), nullptr);
     hwndListView = CreateTestListView(hwndView);
     SetIcons(hwndListView, icons);
     pspyListView = std::make_unique<ProcSpy>(hwndListView);
@@ -333,9 +329,7 @@ void ResetEngine() {
 
 } // namespace
 
-void EngineTest::SetUp() {
-    ResetEngine();
-}
+void EngineTest::SetUp() { ResetEngine(); }
 
 void EngineTest::TearDown() {
     if (desktopSharedData.hhook) ::UnhookWindowsHookEx(desktopSharedData.hhook);

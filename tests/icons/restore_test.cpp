@@ -54,15 +54,15 @@ class Restore : public EngineTest {
 
 TEST_F(Restore, PutsEveryIconBack) {
     SetIcons(view.hwndListView, {{L"a", {1, 1}}, {L"b", {2, 2}}, {L"c", {3, 3}}});
-    RestoreRecords({RecordOf(0, L"c", {30, 31}), RecordOf(1, L"a", {-10, 11}),
-                    RecordOf(2, L"b", {20, 3000})});
+    RestoreRecords(
+        {RecordOf(0, L"c", {30, 31}), RecordOf(1, L"a", {-10, 11}), RecordOf(2, L"b", {20, 3000})});
     ExpectPositions({{-10, 11}, {20, 3000}, {30, 31}});
 }
 
 TEST_F(Restore, IgnoresRecordsThatNoIconAnswers) {
     SetIcons(view.hwndListView, {{L"a", {1, 1}}});
-    RestoreRecords({RecordOf(0, L"x", {9, 9}), RecordOf(1, L"y", {8, 8}),
-                    RecordOf(2, L"a", {7, 7}), RecordOf(3, L"z", {6, 6})});
+    RestoreRecords({RecordOf(0, L"x", {9, 9}), RecordOf(1, L"y", {8, 8}), RecordOf(2, L"a", {7, 7}),
+                    RecordOf(3, L"z", {6, 6})});
     ExpectPositions({{7, 7}});
 }
 
@@ -207,7 +207,8 @@ class RestoreBadData : public Restore, public testing::WithParamInterface<BadDat
         view.spyListView.Clear();
     }
     COPYDATASTRUCT Data() const {
-        return {GetParam().dwData, GetParam().cbData, GetParam().bWithData ? memory.Get() : nullptr};
+        return {GetParam().dwData, GetParam().cbData,
+                GetParam().bWithData ? memory.Get() : nullptr};
     }
 
     IconRecord records[2];
@@ -294,8 +295,9 @@ TEST_F(Restore, UndoesAnyShuffleOfACapture) {
     for (int nRound = 0; nRound < 100; ++nRound) {
         std::vector<TestIcon> icons;
         for (unsigned i = 0, n = 1 + random() % 40; i < n; ++i)
-            icons.push_back({L"icon " + std::to_wstring(i),
-                             {static_cast<LONG>(random() % 900), static_cast<LONG>(random() % 900)}});
+            icons.push_back(
+                {L"icon " + std::to_wstring(i),
+                 {static_cast<LONG>(random() % 900), static_cast<LONG>(random() % 900)}});
         SetIcons(view.hwndListView, icons);
         std::vector<IconRecord> records(icons.size());
         CaptureIcons(view.hwndListView, records.data(), static_cast<unsigned>(records.size()));
