@@ -259,6 +259,12 @@ int CSWnd::CommonSubclass(HWND hwndTarget) {
         hWnd = hwndTarget;
         oldWndProc = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(hwndTarget, GWLP_WNDPROC));
         if (!oldWndProc) return 0;
+        if (oldWndProc == &CSWnd::WndProc) {
+            // The window is another object's and becomes this one's: its messages would come back
+            // to this object for ever, so they go where the other one sends them.
+            CSWnd* pOther = FromHandle(hwndTarget);
+            oldWndProc = pOther && pOther->oldWndProc ? pOther->oldWndProc : ::DefWindowProcW;
+        }
     }
     ::SetPropW(hWnd, kCSWndProperty, this);
     return 1;
