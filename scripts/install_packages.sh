@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building and testing need from Debian's packages. Does nothing, and asks for no
-# rights, when all of it is there.
+# Installs what building and testing need, and the packages given as arguments, from Debian's
+# packages. Does nothing, and asks for no rights, when all of it is there.
 set -eu
 
 packages=(
@@ -10,6 +10,7 @@ packages=(
     wine wine64 fonts-wine fonts-dejavu-core
     xvfb xdotool imagemagick procps
 )
+packages+=("$@") # what a caller needs besides
 missing=()
 for name in "${packages[@]}"; do
     [ "$(dpkg-query -W -f='${db:Status-Abbrev}' "$name" 2>/dev/null)" = "ii " ] || missing+=("$name")

@@ -32,7 +32,7 @@ const wchar_t* ProductInfo::GetAppRootKey() {
     if (!szRootKey[0]) {
         // QUIRK: the library's start writes this field with "SOFTWARE" and without a second level;
         // this default is reached only without it, or after the field was cleared. The registry
-        // does not mind the case. Test: ProductInfo.EmptyOwnRootIsMadeFromTheNames
+        // does not mind the case. Test: ProductInfoTest.EmptyOwnRootIsMadeFromTheNames
         FormatText(szRootKey, L"%s\\%s\\%s", kMakerRootKey, GetName(), GetNickName());
     }
     return szRootKey;

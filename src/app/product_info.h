@@ -57,7 +57,7 @@ class TESSALY_API ProductInfo {
     void SetAppRootKey(const wchar_t* pszRoot);
     /// A root that goes before all others. QUIRK: there is no stack: a second push drops the first,
     /// and one pop then leaves none. Null or empty clears it, as PopAppRootKey does.
-    /// Test: ProductInfo.TwoPushesAndOnePopLeaveNoPushedRoot
+    /// Test: ProductInfoTest.TwoPushesAndOnePopLeaveNoPushedRoot
     void PushAppRootKey(const wchar_t* pszRoot);
     void PopAppRootKey();
 

@@ -3,10 +3,14 @@
 
 #include <utility>
 
+namespace {
+const char chInside = 0; // its address lies in this module's image, wherever the object does
+} // namespace
+
 void LibraryHold::Take() {
     if (hmodHeld) return;
-    auto pszInside = reinterpret_cast<LPCWSTR>(this); // any address of this module's image
-    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, pszInside, &hmodHeld);
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                         reinterpret_cast<LPCWSTR>(&chInside), &hmodHeld);
 }
 
 void LibraryHold::Release() {

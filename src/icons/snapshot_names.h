@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/cs_list.h"
+#include "runtime/export.h"
 
 #include <cstddef>
 
@@ -10,7 +11,7 @@ constexpr std::size_t kSnapshotNameLength = 16;
 
 /// The time stamps of snapshots, each of them one unsigned __int64 on the heap that goes when its
 /// node goes. Newest first, with the quirk told at InsertSnapshotTime.
-class SnapshotList : public CSList {
+class TESSALY_API SnapshotList : public CSList {
   public:
     SnapshotList() { SetCallback(0, FreeTime); }
     SnapshotList(const SnapshotList&) = delete;
@@ -21,7 +22,7 @@ class SnapshotList : public CSList {
 };
 
 /// The time stamp at pos, which must not be null.
-unsigned __int64 GetSnapshotTime(const CSList& list, POS pos);
+TESSALY_API unsigned __int64 GetSnapshotTime(const CSList& list, POS pos);
 /// Inserts a copy of the time stamp before the first smaller one. 0 when out of memory.
 // QUIRK: a time smaller than all others lands in front of the last one, not behind it. Values that
 // are listed oldest first come out strictly newest first all the same.
@@ -32,4 +33,4 @@ int InsertSnapshotTime(CSList& list, unsigned __int64 qwTime);
 void FormatSnapshotName(wchar_t (&szName)[kSnapshotNameLength + 1], unsigned __int64 qwTime);
 /// The number that a text of eight pairs of hexadecimal digits stands for, 0 for any other length.
 /// A single last character counts as a pair, and what is no digit as the digit 0.
-unsigned __int64 ParseSnapshotName(const wchar_t* pszName);
+TESSALY_API unsigned __int64 ParseSnapshotName(const wchar_t* pszName);

@@ -1,6 +1,7 @@
 #pragma once
 #include "icons/icon_record.h"
 #include "icons/snapshot_names.h"
+#include "runtime/export.h"
 #include "store/reg_key.h"
 
 // The memory of the icon engine: layouts of the desktop as values of the registry key
@@ -22,24 +23,24 @@ int IsLayoutChanged(const IconRecord* pRecords, unsigned nRecords);
 /// Stores the records under the present time and deletes what is older than the newest 25.
 void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords);
 /// Deletes every value of the key, the mark of the last restored snapshot too.
-void DeleteAllSnapshots();
+TESSALY_API void DeleteAllSnapshots();
 
 /// Puts the time stamp of each snapshot into the empty list, which does not own them unless it is a
 /// SnapshotList. Goes by the values' names alone: 16 characters that do not stand for 0. Returns
 /// their number.
-int ListSnapshots(RegKey& key, CSList& list);
+TESSALY_API int ListSnapshots(RegKey& key, CSList& list);
 /// The number of records of a snapshot; 0 if its value is absent or its size is none of a snapshot.
 /// With pRecords they are copied there, if there is room for nRoom of them (0: the caller vouches
 /// for the room).
 // QUIRK: a value whose digest fails keeps its number of records and leaves pRecords as it is, so
 // callers hand in zeros. Test: SnapshotStore.BadDigestKeepsTheCountAndLeavesTheBuffer
-unsigned ReadSnapshot(RegKey& key, unsigned __int64 qwTime, IconRecord* pRecords = nullptr,
-                      unsigned nRoom = 0);
+TESSALY_API unsigned ReadSnapshot(RegKey& key, unsigned __int64 qwTime,
+                                  IconRecord* pRecords = nullptr, unsigned nRoom = 0);
 
 /// Has the shell side move the icons as they were at that time and marks the snapshot as the one
 /// restored last. Asks the user first if the list view arranges its icons by itself; after a no
 /// nothing is changed. A snapshot without records is not restored, without a word.
-void RestoreSnapshot(unsigned __int64 qwTime);
+TESSALY_API void RestoreSnapshot(unsigned __int64 qwTime);
 
 /// Opens the store's key; with bWrite it is created if missing. 1 if it is open.
-int OpenSnapshotKey(RegKey& key, int bWrite);
+TESSALY_API int OpenSnapshotKey(RegKey& key, int bWrite);

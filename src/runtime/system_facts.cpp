@@ -1,5 +1,8 @@
 #include "runtime/system_facts.h"
+#include "resources/resource_ids.h"
+#include "runtime/msg.h"
 #include "runtime/win_version.h"
+#include "store/reg_key.h"
 
 #ifndef LOCALE_SNAME
 #define LOCALE_SNAME 0x0000005c // winnls.h from Windows Vista on
@@ -9,6 +12,19 @@ int SingleFloppy() {
     int bBoth =
         ::GetDriveTypeW(L"A:\\") == DRIVE_REMOVABLE && ::GetDriveTypeW(L"B:\\") == DRIVE_REMOVABLE;
     return !bBoth;
+}
+
+int WinProNotSupported(HWND hwndOwner) {
+    if (!WinPro()) return 1;
+    Msg(hwndOwner, MB_ICONHAND, -IDS_NOT_ON_THIS_EDITION);
+    return 0;
+}
+
+int IsFastUserSwitchingEnabled() {
+    constexpr const wchar_t* kWinlogon =
+        L"HKLM\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
+    RegKey key(kWinlogon, 0);
+    return key.GetInt(L"AllowMultipleTSSessions", 0);
 }
 
 int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer) {

@@ -1,4 +1,5 @@
 #include "runtime/wts_api32.h"
+#include "app/library_start.h"
 #include "runtime/runtime_func.h"
 
 #include <gtest/gtest.h>
@@ -110,8 +111,10 @@ TEST_F(WtsApi32Test, WithoutTheFunctionsEverythingIsZero) {
 }
 
 TEST_F(WtsApi32Test, WithoutAnObjectEverythingIsZero) {
+    LibraryStop(); // takes the library's own away
     { WtsApi32 api; }
     ExpectNothingIsFound();
+    LibraryStart(::GetModuleHandleW(nullptr));
 }
 
 TEST_F(WtsApi32Test, RealFunctionsAreFoundWhileAnObjectLives) {

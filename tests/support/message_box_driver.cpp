@@ -36,7 +36,8 @@ SeenMessageBox Read(HWND hwnd) {
         int nId = ::GetDlgCtrlID(hwndItem) & 0xFFFF;
         if (nId == kBoxTextId) box.strText = TextOf(hwndItem);
         if (!::lstrcmpiW(szClass, L"Button") && bShown) box.buttons.push_back(nId);
-        if (!::lstrcmpiW(szClass, L"Static") && nId != kBoxTextId && bShown) box.bHasIcon = 1;
+        if (!::lstrcmpiW(szClass, L"Static") && ::SendMessageW(hwndItem, STM_GETICON, 0, 0))
+            box.bHasIcon = 1;
     }
     return box;
 }

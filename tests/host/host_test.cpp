@@ -1,0 +1,254 @@
+// The program itself, as it was built, in folders with and without a good library.
+#include "app/my_product_info.h"
+#include "app/single_instance.h"
+#include "wnd/company_msg.h"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+constexpr DWORD kDeadlineMs = 30000;
+using Bytes = std::vector<char>;
+
+std::wstring ThisFolder() {
+    wchar_t sz[MAX_PATH];
+    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
+    std::wstring str = sz;
+    return str.substr(0, str.rfind(L'\\') + 1);
+}
+
+std::wstring BinFolder() { return ThisFolder() + L"..\\bin\\"; }
+
+std::string Narrow(const std::wstring& str) { return std::string(str.begin(), str.end()); }
+
+Bytes ReadAll(const std::wstring& strPath) {
+    std::ifstream file(Narrow(strPath), std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+/// Puts other bytes of the same length in the place of each occurrence; how many there were.
+int Patch(Bytes& bytes, const std::string& strOld, const std::string& strNew) {
+    int n = 0;
+    for (auto it = bytes.begin();;) {
+        it = std::search(it, bytes.end(), strOld.begin(), strOld.end());
+        if (it == bytes.end()) return n;
+        it = std::copy(strNew.begin(), strNew.end(), it);
+        ++n;
+    }
+}
+
+struct Ended {
+    DWORD dwExitCode = ~0u;
+    std::wstring strBox; // the text of the box that it showed
+};
+
+struct BoxSearch {
+    DWORD dwProcess;
+    HWND hwndBox = nullptr;
+};
+
+BOOL CALLBACK FindBox(HWND hwnd, LPARAM lParam) {
+    auto* p = reinterpret_cast<BoxSearch*>(lParam);
+    DWORD dwProcess = 0;
+    ::GetWindowThreadProcessId(hwnd, &dwProcess);
+    wchar_t szClass[16] = L"", szTitle[16] = L"";
+    ::GetClassNameW(hwnd, szClass, 16);
+    ::GetWindowTextW(hwnd, szTitle, 16);
+    if (dwProcess == p->dwProcess && !wcscmp(szClass, L"#32770") && !wcscmp(szTitle, L"Tessaly"))
+        p->hwndBox = hwnd;
+    return !p->hwndBox;
+}
+
+/// Runs the program to its end; boxes are answered with OK. The test's own windows stay alive.
+Ended RunHost(const std::wstring& strFolder, const std::wstring& strArguments) {
+    Ended ended;
+    STARTUPINFOW si{};
+    si.cb = sizeof(si);
+    PROCESS_INFORMATION pi{};
+    std::wstring strLine = L"\"" + strFolder + L"TSEXE64.exe\" " + strArguments;
+    if (!::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                          &si, &pi))
+        return ended;
+    DWORD dwStart = ::GetTickCount();
+    while (::MsgWaitForMultipleObjects(1, &pi.hProcess, FALSE, 20, QS_ALLINPUT) != WAIT_OBJECT_0) {
+        MSG msg;
+        while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) ::DispatchMessageW(&msg);
+        BoxSearch search{pi.dwProcessId};
+        ::EnumWindows(&FindBox, reinterpret_cast<LPARAM>(&search));
+        if (search.hwndBox) {
+            wchar_t szText[1024] = L"";
+            ::SendDlgItemMessageW(search.hwndBox, 0xFFFF, WM_GETTEXT, 1024,
+                                  reinterpret_cast<LPARAM>(szText));
+            if (*szText) ended.strBox = szText;
+            ::PostMessageW(search.hwndBox, WM_COMMAND, IDOK, 0);
+        }
+        if (::GetTickCount() - dwStart > kDeadlineMs) ::TerminateProcess(pi.hProcess, 99);
+    }
+    ::GetExitCodeProcess(pi.hProcess, &ended.dwExitCode);
+    ::CloseHandle(pi.hThread);
+    ::CloseHandle(pi.hProcess);
+    return ended;
+}
+
+/// A folder of its own with the program; what the test puts beside it is the library.
+class HostFolder : public testing::Test {
+  protected:
+    void SetUp() override {
+        wchar_t sz[MAX_PATH];
+        ::GetTempPathW(MAX_PATH, sz);
+        strFolder = sz + std::wstring(L"tessaly_host\\");
+        ::CreateDirectoryW(strFolder.c_str(), nullptr);
+        ASSERT_TRUE(::CopyFileW((BinFolder() + L"TSEXE64.exe").c_str(),
+                                (strFolder + L"TSEXE64.exe").c_str(), FALSE));
+    }
+    void TearDown() override {
+        ::DeleteFileW((strFolder + L"TSDLL64.dll").c_str());
+        ::DeleteFileW((strFolder + L"TSEXE64.exe").c_str());
+        ::RemoveDirectoryW(strFolder.c_str());
+    }
+    void PutLibrary(const Bytes& bytes) {
+        std::ofstream file(Narrow(strFolder + L"TSDLL64.dll"), std::ios::binary);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+    Bytes RealLibrary() { return ReadAll(BinFolder() + L"TSDLL64.dll"); }
+    /// The program says that, names the file, and ends with 3.
+    void ExpectRefusal(const wchar_t* pszWhy) {
+        for (const wchar_t* pszArguments : {L"", L"/quiet", L"/exit", L"/bogus"}) {
+            Ended ended = RunHost(strFolder, pszArguments);
+            EXPECT_EQ(3u, ended.dwExitCode) << pszArguments;
+            EXPECT_EQ(L"Tessaly cannot start without its library.\n\n" + std::wstring(pszWhy) +
+                          L"\n" + strFolder + L"TSDLL64.dll",
+                      ended.strBox);
+        }
+    }
+    std::wstring strFolder;
+};
+
+TEST_F(HostFolder, MissingLibraryIsTold) { ExpectRefusal(L"The file is missing."); }
+
+TEST_F(HostFolder, FileThatIsNoLibraryIsTold) {
+    PutLibrary({'h', 'e', 'l', 'l', 'o'});
+    ExpectRefusal(L"The file cannot be loaded.");
+    PutLibrary({});
+    EXPECT_EQ(3u, RunHost(strFolder, L"").dwExitCode);
+}
+
+TEST_F(HostFolder, LibraryOfAnotherVersionIsTold) {
+    Bytes bytes = RealLibrary();
+    // The product version in the fixed part of the version resource.
+    ASSERT_EQ(1, Patch(bytes, std::string("\x01\0\x01\0\x69\x09\0\0\x01\0\x01\0\x69\x09\0\0", 16),
+                       std::string("\x01\0\x01\0\x69\x09\0\0\x01\0\x01\0\x68\x09\0\0", 16)));
+    PutLibrary(bytes);
+    ExpectRefusal(L"The file is not of version 1.1.0.2409.");
+}
+
+TEST_F(HostFolder, LibraryWithoutAVersionIsTold) {
+    Bytes bytes = RealLibrary();
+    ASSERT_EQ(1, Patch(bytes, "\xBD\x04\xEF\xFE", "\xBD\x04\xEF\xFF"));
+    PutLibrary(bytes);
+    EXPECT_EQ(3u, RunHost(strFolder, L"").dwExitCode);
+}
+
+TEST_F(HostFolder, LibraryWithoutAFunctionIsTold) {
+    for (std::string strName : {"DoMonitor", "_Z16PostMyCompanyMsg", "_Z3MsgP6HWND__",
+                                "_Z16GetMyProductInfov", "_ZN16SingleInstanceXP15IsFirst"}) {
+        Bytes bytes = RealLibrary();
+        std::string strOther = strName;
+        strOther.back() = '~';
+        ASSERT_LE(1, Patch(bytes, strName, strOther)) << strName;
+        PutLibrary(bytes);
+        Ended ended = RunHost(strFolder, L"/exit");
+        EXPECT_EQ(3u, ended.dwExitCode) << strName;
+        EXPECT_NE(std::wstring::npos, ended.strBox.find(L"The file is not Tessaly's library."));
+    }
+}
+
+TEST_F(HostFolder, GoodLibraryBesideIsTaken) {
+    PutLibrary(RealLibrary());
+    Ended ended = RunHost(strFolder, L"/exit");
+    EXPECT_EQ(0u, ended.dwExitCode);
+    EXPECT_EQ(L"", ended.strBox);
+}
+
+TEST(Host, UnknownSwitchIsToldWithWhatIsKnown) {
+    Ended ended = RunHost(BinFolder(), L"/exit \"/no such\"");
+    EXPECT_EQ(2u, ended.dwExitCode);
+    EXPECT_EQ(0u, ended.strBox.find(L"\"/no such\" is not a switch of this program."));
+    EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/QUIET\t"));
+    EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/EXIT\t"));
+    EXPECT_EQ(2u, RunHost(BinFolder(), std::wstring(2000, L'x')).dwExitCode);
+}
+
+TEST(Host, SecondStartLeavesTheFirstAlone) {
+    SingleInstanceXP first;
+    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+    for (const wchar_t* pszArguments : {L"", L"/quiet", L"-QUIET"}) {
+        Ended ended = RunHost(BinFolder(), pszArguments);
+        EXPECT_EQ(0u, ended.dwExitCode);
+        EXPECT_EQ(L"", ended.strBox);
+    }
+}
+
+TEST(Host, ExitWithNothingRunningIsDone) {
+    EXPECT_EQ(0u, RunHost(BinFolder(), L"/EXIT").dwExitCode);
+}
+
+TEST(Host, ExitClosesTheRunningOneAndWaitsForItsProcess) {
+    HANDLE hRead = nullptr, hWrite = nullptr;
+    SECURITY_ATTRIBUTES security{sizeof(security), nullptr, TRUE};
+    ASSERT_TRUE(::CreatePipe(&hRead, &hWrite, &security, 0));
+    STARTUPINFOW si{};
+    si.cb = sizeof(si);
+    si.dwFlags = STARTF_USESTDHANDLES;
+    si.hStdOutput = hWrite;
+    PROCESS_INFORMATION pi{};
+    std::wstring strLine = L"\"" + ThisFolder() + L"closing_probe.exe\"";
+    ASSERT_TRUE(::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                 nullptr, &si, &pi));
+    ::CloseHandle(hWrite);
+    char ch = 0;
+    DWORD cb = 0;
+    EXPECT_TRUE(::ReadFile(hRead, &ch, 1, &cb, nullptr)); // its window stands now
+    Ended ended = RunHost(BinFolder(), L"-exit");
+    EXPECT_EQ(0u, ended.dwExitCode);
+    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(pi.hProcess, 0)); // gone already
+    ::TerminateProcess(pi.hProcess, 1);
+    ::CloseHandle(hRead);
+    ::CloseHandle(pi.hThread);
+    ::CloseHandle(pi.hProcess);
+}
+
+int nAsked = 0;
+LPARAM lAskedFor = 0;
+LRESULT CALLBACK DeafProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    if (uMsg == GetMyCompanyMsgId() && wParam == 1) {
+        ++nAsked;
+        lAskedFor = lParam;
+    }
+    return ::DefWindowProcW(hwnd, uMsg, wParam, lParam);
+}
+
+TEST(Host, ExitTellsWhenTheRunningOneStays) {
+    WNDCLASSW wc{};
+    wc.lpfnWndProc = &DeafProc;
+    wc.lpszClassName = L"TessalyWnd";
+    wc.hInstance = ::GetModuleHandleW(nullptr);
+    ::RegisterClassW(&wc);
+    HWND hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                  wc.hInstance, nullptr);
+    DWORD dwStart = ::GetTickCount();
+    Ended ended = RunHost(BinFolder(), L"/exit");
+    EXPECT_GE(::GetTickCount() - dwStart, 14000u);
+    EXPECT_EQ(1u, ended.dwExitCode);
+    EXPECT_EQ(L"Tessaly is still running: it was asked to close and did not in time.",
+              ended.strBox);
+    EXPECT_EQ(1, nAsked);
+    EXPECT_EQ(GetMyProductInfo().GetID(), lAskedFor);
+    ::DestroyWindow(hwnd);
+    ::UnregisterClassW(wc.lpszClassName, wc.hInstance);
+}
+} // namespace

@@ -1,0 +1,227 @@
+#pragma once
+#include "icons/front_end.h"
+#include "icons/icon_record.h"
+#include "runtime/runtime_func.h"
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <commctrl.h>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <memory>
+#include <thread>
+#include <vector>
+
+// What the tests of the icon engine share: windows that stand in for the desktop's, with a record
+// of what reaches them, and the state that the engine keeps for the whole process.
+
+constexpr DWORD kDeadlineMs = 10000; // for what ought to happen within a moment
+
+UINT GetTestCompanyMsg();     // "OrvantaMessage"
+UINT GetTestTaskbarCreated(); // "TaskbarCreated"
+
+/// Dispatches what waits in the calling thread's queue, WM_QUIT left out of it: *pbQuit, if asked
+/// for, tells whether there was one.
+void PumpAll(int* pbQuit = nullptr);
+/// Pumps until fnDone gives true; false if it does not within the deadline.
+bool PumpUntil(const std::function<bool()>& fnDone, DWORD dwMs = kDeadlineMs);
+/// The same for a thread without windows: only polls.
+bool WaitUntil(const std::function<bool()>& fnDone, DWORD dwMs = kDeadlineMs);
+
+struct SeenMessage {
+    UINT uMsg;
+    WPARAM wParam;
+    LPARAM lParam;
+    DWORD dwThread; // that handled it
+    int nOrder;     // among all spied windows
+};
+
+/// Replaces a window's procedure by one that keeps a record and goes on to the former one. What is
+/// attached to the window later stands above it: a message that is in the record has come through.
+class ProcSpy {
+  public:
+    /// Non-zero: the message ends here, with *plResult.
+    using Handler = std::function<int(UINT, WPARAM, LPARAM, LRESULT*)>;
+
+    explicit ProcSpy(HWND hwndTarget, Handler fnNew = nullptr);
+    ~ProcSpy();
+    ProcSpy(const ProcSpy&) = delete;
+    ProcSpy& operator=(const ProcSpy&) = delete;
+
+    std::vector<SeenMessage> Get(UINT uMsg) const;
+    int CountOf(UINT uMsg) const { return static_cast<int>(Get(uMsg).size()); }
+    /// Of the company message with that code.
+    std::vector<SeenMessage> GetCode(WPARAM wCode) const;
+    int CountOfCode(WPARAM wCode) const { return static_cast<int>(GetCode(wCode).size()); }
+    int CountOfAll() const;
+    void Clear();
+
+    Handler handler;
+
+  private:
+    static LRESULT CALLBACK Proc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+    HWND hwnd;
+    mutable std::mutex mutex;
+    std::vector<SeenMessage> messages;
+};
+
+/// A plain hidden window of the calling thread, destroyed with the object.
+class TestWindow {
+  public:
+    explicit TestWindow(const wchar_t* pszClass = L"STATIC", HWND hwndParent = nullptr,
+                        DWORD dwStyle = 0);
+    ~TestWindow() { Destroy(); }
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+    void Destroy();
+    operator HWND() const { return hwnd; }
+
+  private:
+    HWND hwnd;
+};
+
+/// Registers a class with DefWindowProcW, as long as the object lives.
+class TestClass {
+  public:
+    explicit TestClass(const wchar_t* pszNewName);
+    ~TestClass() { ::UnregisterClassW(pszName, ::GetModuleHandleW(nullptr)); }
+    TestClass(const TestClass&) = delete;
+    TestClass& operator=(const TestClass&) = delete;
+
+  private:
+    const wchar_t* pszName;
+};
+
+struct TestIcon {
+    std::wstring strText;
+    POINT pt;
+};
+
+bool operator==(const TestIcon& a, const TestIcon& b);
+
+HWND CreateTestListView(HWND hwndParent, DWORD dwExtraStyle = 0);
+void AddIcon(HWND hwndListView, std::wstring_view strText, POINT pt);
+void SetIcons(HWND hwndListView, const std::vector<TestIcon>& icons);
+POINT PosOfIcon(HWND hwndListView, int nIcon);
+
+/// A view with a list view in it, both of the calling thread, both spied upon.
+class TestView {
+  public:
+    explicit TestView(DWORD dwListViewStyle = 0)
+        : wndView(L"STATIC"), hwndListView(CreateTestListView(wndView, dwListViewStyle)),
+          spyView(wndView), spyListView(hwndListView) {}
+
+    TestWindow wndView;
+    HWND hwndListView;
+    ProcSpy spyView;
+    ProcSpy spyListView;
+};
+
+/// MD5 of the platform, the first eight bytes as a number, the first byte lowest.
+unsigned long long KeyOf(std::wstring_view strText);
+IconRecord RecordOf(unsigned nIndex, std::wstring_view strText, POINT pt);
+bool SameRecord(const IconRecord& a, const IconRecord& b);
+
+/// Copies out the records of a WM_COPYDATA that a monitor window would get.
+struct ReceivedCapture {
+    WPARAM wParam;
+    ULONG_PTR dwData;
+    DWORD cbData;
+    std::vector<IconRecord> records;
+};
+
+/// Stands in for the monitor window: keeps the captures that come.
+class CaptureReceiver {
+  public:
+    CaptureReceiver();
+    operator HWND() const { return wnd; }
+
+    TestWindow wnd;
+    std::vector<ReceivedCapture> captures;
+    ProcSpy spy;
+};
+
+/// The values of the store's key that are named like snapshots, by name, read past the store's own
+/// code.
+std::map<std::wstring, std::vector<BYTE>> ReadStoredSnapshots();
+void DeleteStoredSnapshots();
+
+/// Runs fn on its own thread, joined by the destructor.
+class Driver {
+  public:
+    explicit Driver(std::function<void()> fn) : thread(std::move(fn)) {}
+    ~Driver() { thread.join(); }
+
+  private:
+    std::thread thread;
+};
+
+/// A desktop in a thread of its own: "Progman" > "SHELLDLL_DefView" > "SysListView32". It lies
+/// above every other "Progman" of the desktop.
+class DesktopThread {
+  public:
+    explicit DesktopThread(std::vector<TestIcon> initialIcons);
+    ~DesktopThread() { End(); }
+    DesktopThread(const DesktopThread&) = delete;
+    DesktopThread& operator=(const DesktopThread&) = delete;
+    /// The windows and the thread go.
+    void End();
+    /// Runs fn on the desktop's thread and waits for it.
+    void Run(std::function<void()> fn);
+    DWORD GetThreadId() const { return dwThread; }
+    HWND GetView() const { return hwndView; }
+    HWND GetListView() const { return hwndListView; }
+    ProcSpy& SpyView() { return *pspyView; }
+    ProcSpy& SpyListView() { return *pspyListView; }
+
+  private:
+    void Main();
+
+    std::vector<TestIcon> icons;
+    HANDLE hReady;
+    DWORD dwThread = 0;
+    HWND hwndProgman = nullptr, hwndView = nullptr, hwndListView = nullptr;
+    std::unique_ptr<ProcSpy> pspyView, pspyListView;
+    std::thread thread;
+};
+
+/// Keeps what the engine tells, in one line per call, and does what the test hangs onto it.
+class FakeFrontEnd : public MonitorFrontEnd {
+  public:
+    FakeFrontEnd() { SetMonitorFrontEnd(this); }
+    ~FakeFrontEnd() override { SetMonitorFrontEnd(nullptr); }
+
+    void OnMonitorStart() override;
+    void OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) override;
+    void OnMenuRequest(MyMonitor_Wnd& monitor) override;
+    void OnCaptureOutcome(const wchar_t* pszText) override;
+    void OnMonitorClose() override;
+    void OnRoundEnd() override;
+
+    std::vector<std::string> calls;
+    std::vector<std::wstring> outcomes;
+    std::function<void()> fnMonitorStart, fnMonitorClose, fnRoundEnd;
+    std::function<void(MyMonitor_Wnd&)> fnRoundStart, fnMenu;
+};
+
+/// Replaces platform functions that are found at run time; null hides one.
+class ReplacedFuncs {
+  public:
+    explicit ReplacedFuncs(std::map<std::string, FARPROC> newReplacements);
+    ~ReplacedFuncs();
+
+  private:
+    static FARPROC Find(const wchar_t* pszModule, const char* pszName);
+};
+
+/// Brings the state that the engine keeps for the process back to that of its start.
+class EngineTest : public testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    /// The shared words as the monitor would fill them, for windows of the test's.
+    void Share(const TestView& view, HWND hwndMonitor);
+};
