@@ -13,6 +13,7 @@ import sys
 TAIL_LINES = 40
 TIMEOUT_CODES = (124, 137)
 # Wine's words for an exception that nobody handled; the exit code alone does not always tell.
+HEAP = re.compile(r"^.*err:heap:.*$", re.MULTILINE)
 CRASH = re.compile(r"Unhandled (exception|page fault)|^wine: Unhandled", re.MULTILINE)
 
 
@@ -46,6 +47,8 @@ class Summary:
             return "took too long"
         if CRASH.search(output):
             return "crashed"
+        if found := HEAP.search(output):
+            return f"heap damaged: {found.group().strip()}"
         if code != 0 and not explained:
             return f"exit code {code}"
         return None

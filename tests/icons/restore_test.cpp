@@ -292,7 +292,7 @@ TEST_F(Restore, MatchesAsTheAlgorithmSaysForRandomDesktops) {
 
 TEST_F(Restore, UndoesAnyShuffleOfACapture) {
     std::mt19937 random(7);
-    for (int nRound = 0; nRound < 100; ++nRound) {
+    for (int nRound = 0; nRound < 25; ++nRound) {
         std::vector<TestIcon> icons;
         for (unsigned i = 0, n = 1 + random() % 40; i < n; ++i)
             icons.push_back(

@@ -305,25 +305,29 @@ TEST(CSThreadEx, ManyQuickSelfDeletingThreadsAllGo) {
 /// Its worker never answers a cancel; its memory stays readable after the object's end.
 class Deaf : public CSThreadEx {
   public:
-    Deaf(Latch& latchWork, Latch& latchAtEnd, int bDeletesItself)
-        : CSThreadEx(bDeletesItself), latchGo(latchWork), latchEnd(latchAtEnd) {}
+    Deaf(Latch& latchAtWork, Latch& latchWork, Latch& latchAtEnd, int bDeletesItself)
+        : CSThreadEx(bDeletesItself), latchBegun(latchAtWork), latchGo(latchWork),
+          latchEnd(latchAtEnd) {}
     unsigned DoThreadEx() override {
         Latch& latch = latchEnd;
+        latchBegun.Set();
         latchGo.Wait(30000); // read before the end of the object
         latch.Set();
         return 0;
     }
 
   private:
+    Latch& latchBegun;
     Latch& latchGo;
     Latch& latchEnd;
 };
 
 TEST(CSThreadEx, WorkerThatOutlivesTheObjectTouchesNothing) {
-    Latch latchGo, latchEnd;
+    Latch latchBegun, latchGo, latchEnd;
     alignas(Deaf) static unsigned char abRoom[sizeof(Deaf)];
-    auto* pDeaf = new (abRoom) Deaf(latchGo, latchEnd, 1);
+    auto* pDeaf = new (abRoom) Deaf(latchBegun, latchGo, latchEnd, 1);
     ASSERT_EQ(1, pDeaf->Start());
+    ASSERT_TRUE(latchBegun.Wait()); // ready comes before the work
     HANDLE hKept = nullptr;
     ASSERT_TRUE(::DuplicateHandle(::GetCurrentProcess(), *pDeaf, ::GetCurrentProcess(), &hKept, 0,
                                   FALSE, DUPLICATE_SAME_ACCESS));
