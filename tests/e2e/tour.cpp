@@ -190,7 +190,8 @@ void Tour::TakeScreenshot() {
     ::RedrawWindow(desktop.Progman(), nullptr, nullptr,
                    RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     desktop.Count(); // answered after the painting
-    RunUnixShell(L"import -window root '" + std::wstring(pszFile) + L"'");
+    RunUnixShell(L"import -window root -crop 1024x768+0+0 +repage '" + std::wstring(pszFile) +
+                 L"'");
     printf("\n   screenshot: %s\n", Utf8(pszFile).c_str());
 }
 
