@@ -23,7 +23,8 @@ constexpr long kWatchedEvents = SHCNE_RENAMEITEM | SHCNE_CREATE | SHCNE_DELETE |
                                 SHCNE_UPDATEITEM | SHCNE_SERVERDISCONNECT | SHCNE_RENAMEFOLDER;
 static_assert(kWatchedEvents == 0x2619F);
 
-/// The item id list of the desktop, which has no items. Freed with ShellFree; null when out of memory.
+/// The item id list of the desktop, which has no items. Freed with ShellFree; null when out of
+/// memory.
 ITEMIDLIST* MakeDesktopPidl() {
     IMalloc* pMalloc = GetShellMalloc();
     if (!pMalloc) return nullptr;
