@@ -4,6 +4,9 @@
 #   desktop_env_start [BASE]   makes it; BASE is a prefix made by desktop_env_template, if given
 #   desktop_env_stop           ends every process of it and removes it
 #
+#   desktop_env_processes VALUE  lists the processes whose TESSALY_RUN is that value
+#   desktop_env_kill VALUE       ends them
+#
 # After the start DESKTOP_ENV is its folder, and HOME, WINEPREFIX and DISPLAY belong to it.
 # With DESKTOP_ENV_DISPLAY set, that display is used and no virtual one is started.
 
@@ -64,13 +67,35 @@ desktop_env_start() {
     fi
 }
 
+# Every process of a run inherits its TESSALY_RUN, whoever started it and whatever its parent is now.
+desktop_env_processes() {
+    local folder pid
+    for folder in /proc/[0-9]*; do
+        pid=${folder#/proc/}
+        if [ "$pid" = "$$" ] || [ "$pid" = "$BASHPID" ] || [ "$pid" = "$PPID" ]; then continue; fi
+        tr '\0' '\n' 2>/dev/null <"$folder/environ" | grep -qxF "TESSALY_RUN=$1" || continue
+        echo "$pid $(tr '\0' ' ' <"$folder/cmdline" 2>/dev/null)"
+    done 2>/dev/null
+}
+
+desktop_env_kill() {
+    local pid rest
+    desktop_env_processes "$1" | while read -r pid rest; do kill -KILL "$pid" 2>/dev/null; done
+    return 0
+}
+
 desktop_env_stop() {
     [ -n "${DESKTOP_ENV:-}" ] || return 0
-    wineserver -k >/dev/null 2>&1 || true
-    wineserver -w >/dev/null 2>&1 || true
+    timeout -k 2 10 wineserver -k >/dev/null 2>&1 || true
+    # Returns when the last process of the prefix has gone; a process that does not die is killed.
+    if ! timeout -k 2 10 wineserver -w >/dev/null 2>&1; then
+        timeout -k 2 10 wineserver -k9 >/dev/null 2>&1 || true
+        timeout -k 2 10 wineserver -w >/dev/null 2>&1 || true
+    fi
     if [ -n "${DESKTOP_ENV_XVFB:-}" ]; then
         kill "$DESKTOP_ENV_XVFB" 2>/dev/null || true
         wait "$DESKTOP_ENV_XVFB" 2>/dev/null || true
+        DESKTOP_ENV_XVFB=
     fi
     rm -rf "$DESKTOP_ENV"
     DESKTOP_ENV=

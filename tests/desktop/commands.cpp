@@ -5,12 +5,13 @@
 #include <commctrl.h>
 #include <shlobj.h>
 #include <algorithm>
+#include <cstdio>
 #include <map>
 #include <stdexcept>
 
 namespace {
-constexpr UINT kMsgHang = WM_APP;    // wParam: milliseconds
-constexpr UINT kMsgEnd = WM_APP + 1; // an orderly end
+DWORD nHangMs;                   // set by `hang`: for that long, once the reply is out
+constexpr UINT kMsgEnd = WM_APP; // an orderly end
 constexpr int kCrashExitCode = 3;
 constexpr int kRowHeight = 75, kColumnWidth = 75; // of what `fill` lays out
 
@@ -317,7 +318,7 @@ Reply Command::Run(HWND hwndCommands) {
         NeedPlain();
         ListView_DeleteAllItems(hwndList);
     } else if (strName == L"hang") {
-        ::PostMessageW(hwndCommands, kMsgHang, static_cast<WPARAM>(Int(1)), 0);
+        nHangMs = static_cast<DWORD>(Int(1));
     } else if (strName == L"end") {
         ::PostMessageW(hwndCommands, kMsgEnd, 0, 0);
     } else if (strName == L"crash") {
@@ -356,12 +357,22 @@ bool WriteReply(const std::wstring& strMapping, const std::wstring& strText) {
 }
 
 LRESULT OnCommand(Desktop& desktop, HWND hwnd, const COPYDATASTRUCT& data) {
-    if (data.dwData != kCommandTag || !data.lpData) return 0;
+    if (data.dwData != kCommandTag || !data.lpData) return kNotUnderstood;
     std::wstring str(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
     size_t nBreak = str.find(L'\n');
-    if (nBreak == std::wstring::npos) return 0;
-    return WriteReply(str.substr(0, nBreak),
-                      JoinRows(Answer(desktop, hwnd, str.substr(nBreak + 1))));
+    if (nBreak == std::wstring::npos) return kNotUnderstood;
+    std::wstring strReply = JoinRows(Answer(desktop, hwnd, str.substr(nBreak + 1)));
+    if (!WriteReply(str.substr(0, nBreak), strReply)) {
+        fprintf(stderr, "test_desktop: reply of %zu characters to \"%ls\" not written, error %lu\n",
+                strReply.size(), str.c_str(), ::GetLastError());
+        return kNotWritten;
+    }
+    if (nHangMs) {
+        ::ReplyMessage(kAnswered);
+        ::Sleep(nHangMs); // the thread answers nobody meanwhile: that is the point
+        nHangMs = 0;
+    }
+    return kAnswered;
 }
 
 LRESULT CALLBACK CommandProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
@@ -370,10 +381,6 @@ LRESULT CALLBACK CommandProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
     case WM_COPYDATA:
         if (!pDesktop || !lParam) return 0;
         return OnCommand(*pDesktop, hwnd, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
-    case kMsgHang:
-        ::Sleep(
-            static_cast<DWORD>(wParam)); // the thread answers nobody meanwhile: that is the point
-        return 0;
     case kMsgEnd: ::PostQuitMessage(0); return 0;
     }
     return ::DefWindowProcW(hwnd, uMsg, wParam, lParam);

@@ -2,6 +2,8 @@
 #include <windows.h>
 #include <memory>
 
+constexpr COLORREF kDesktopColor = RGB(58, 110, 165);
+
 /// A view of the desktop in a window of ours: "SHELLDLL_DefView" with a "SysListView32" in it. Its
 /// windows go with the object, or with the window that hosts them.
 class DesktopView {

@@ -16,53 +16,71 @@
 #include <string_view>
 
 namespace {
+constexpr UINT_PTR kSinkTimer = 1;
+constexpr UINT kSinkMs = 50; // between two looks whether the window has been raised
+constexpr int kSinkLooks = 20;
+
+/// Puts the window directly above hwndBelow, or beneath all others if that is null.
+void PlaceAbove(HWND hwnd, HWND hwndBelow) {
+    HWND hwndAbove = hwndBelow ? ::GetWindow(hwndBelow, GW_HWNDPREV) : HWND_BOTTOM;
+    if (hwndAbove == hwnd) return;
+    ::SetWindowPos(hwnd, hwndAbove ? hwndAbove : HWND_TOP, 0, 0, 0, 0,
+                   SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOSENDCHANGING);
+}
+
+/// A click on the desktop must not raise it above the programs. The test platform raises an active
+/// window some time after its activation and without a word to it: look a few times.
+void OnSinkTimer(HWND hwnd) {
+    static int nLooks;
+    PlaceAbove(hwnd, reinterpret_cast<HWND>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA)));
+    if (++nLooks < kSinkLooks) return;
+    nLooks = 0;
+    ::KillTimer(hwnd, kSinkTimer);
+}
+
 LRESULT CALLBACK HostProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     switch (uMsg) {
-    case WM_WINDOWPOSCHANGING:
-        // A click on the desktop must not raise it above the programs.
-        reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOZORDER;
+    case WM_WINDOWPOSCHANGING: reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOZORDER; break;
+    case WM_ACTIVATE:
+        if (LOWORD(wParam) != WA_INACTIVE) ::SetTimer(hwnd, kSinkTimer, kSinkMs, nullptr);
         break;
+    case WM_TIMER:
+        if (wParam == kSinkTimer) OnSinkTimer(hwnd);
+        return 0;
     case WM_CLOSE: ::PostQuitMessage(0); return 0;
     }
     return ::DefWindowProcW(hwnd, uMsg, wParam, lParam);
 }
 
-/// A window over the whole screen, hidden still, in front of all others.
-HWND CreateHost(const wchar_t* pszClass) {
+/// A window over the screen's work area that stays directly above hwndBelow.
+HWND CreateHost(const wchar_t* pszClass, HWND hwndBelow) {
     WNDCLASSW wc{};
-    wc.lpfnWndProc = ::DefWindowProcW; // HostProc later: the window must find its place first
+    wc.lpfnWndProc = HostProc;
     wc.hInstance = ::GetModuleHandleW(nullptr);
     wc.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
-    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_DESKTOP + 1);
+    wc.hbrBackground = ::CreateSolidBrush(kDesktopColor);
     wc.lpszClassName = pszClass;
     ::RegisterClassW(&wc);
-    HWND hwnd = ::CreateWindowExW(
-        WS_EX_TOOLWINDOW, pszClass, L"Program Manager", WS_POPUP | WS_CLIPCHILDREN,
-        ::GetSystemMetrics(SM_XVIRTUALSCREEN), ::GetSystemMetrics(SM_YVIRTUALSCREEN),
-        ::GetSystemMetrics(SM_CXVIRTUALSCREEN), ::GetSystemMetrics(SM_CYVIRTUALSCREEN), nullptr,
-        nullptr, wc.hInstance, nullptr);
+    // Not the whole screen: the test platform's taskbar stays hidden once it has been covered.
+    RECT rc{};
+    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &rc, 0);
+    HWND hwnd = ::CreateWindowExW(WS_EX_TOOLWINDOW, pszClass, L"Program Manager",
+                                  WS_POPUP | WS_CLIPCHILDREN, rc.left, rc.top, rc.right - rc.left,
+                                  rc.bottom - rc.top, nullptr, nullptr, wc.hInstance, nullptr);
     if (!hwnd) throw std::runtime_error("the desktop's window could not be made");
+    ::SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(hwndBelow));
+    PlaceAbove(hwnd, hwndBelow);
+    ::ShowWindow(hwnd, SW_SHOWNOACTIVATE);
+    ::SetTimer(hwnd, kSinkTimer, kSinkMs, nullptr); // showing it may have raised it, too
     return hwnd;
-}
-
-/// Shows the window directly above hwndBelow, or beneath all others if that is null, for good.
-void PlaceAbove(HWND hwnd, HWND hwndBelow) {
-    HWND hwndAbove = hwndBelow ? ::GetWindow(hwndBelow, GW_HWNDPREV) : HWND_BOTTOM;
-    if (hwndAbove == hwnd) hwndAbove = ::GetWindow(hwnd, GW_HWNDPREV);
-    if (!hwndAbove) hwndAbove = HWND_TOP;
-    ::SetWindowPos(hwnd, hwndAbove, 0, 0, 0, 0,
-                   SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
-    ::SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HostProc));
 }
 
 void CreateDesktop(Desktop& desktop) {
     // The test platform has an empty Progman of its own; who looks for a Progman finds the upper.
     HWND hwndPlatforms = ::FindWindowW(L"Progman", nullptr);
-    desktop.hwndProgman = desktop.hwndHost = CreateHost(L"Progman");
-    PlaceAbove(desktop.hwndProgman, hwndPlatforms);
+    desktop.hwndProgman = desktop.hwndHost = CreateHost(L"Progman", hwndPlatforms);
     if (desktop.strMode == L"workerw") {
-        desktop.hwndHost = CreateHost(L"WorkerW");
-        PlaceAbove(desktop.hwndHost, desktop.hwndProgman);
+        desktop.hwndHost = CreateHost(L"WorkerW", desktop.hwndProgman);
     }
     bool bReal = desktop.strMode == L"real";
     desktop.view = bReal ? CreateShellView(desktop.hwndHost) : CreatePlainView(desktop.hwndHost);

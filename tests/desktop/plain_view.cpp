@@ -47,7 +47,7 @@ class PlainView final : public DesktopView {
         if (!hwndView || !hwndList) throw std::runtime_error("the plain view could not be made");
         ListView_SetImageList(hwndList, SystemIcons(), LVSIL_NORMAL);
         ListView_SetIconSpacing(hwndList, 75, 75);
-        ListView_SetBkColor(hwndList, ::GetSysColor(COLOR_DESKTOP));
+        ListView_SetBkColor(hwndList, kDesktopColor);
         ListView_SetTextBkColor(hwndList, CLR_NONE);
         ListView_SetTextColor(hwndList, RGB(255, 255, 255));
         PaintFirstItem();

@@ -16,6 +16,9 @@ constexpr ULONG_PTR kCommandTag = 0x4B534454; // "TDSK"
 /// thousand items with names of 400 characters need less than a quarter.
 constexpr DWORD kReplyBytes = 4 * 1024 * 1024;
 
+/// What the command window returns. 0 is none of these: it was not the desktop who answered.
+enum CommandResult : LRESULT { kAnswered = 1, kNotUnderstood, kNotWritten };
+
 using Row = std::vector<std::wstring>;
 
 /// Fields joined by tabs; backslash, tab, newline and carriage return are escaped.

@@ -1,6 +1,7 @@
 #include "desktop/desktop_view.h"
 
 #include <windows.h>
+#include <commctrl.h>
 #include <shlobj.h>
 #include <stdexcept>
 
@@ -70,8 +71,10 @@ class ShellView final : public DesktopView {
         // A desktop whose icons stay where they are put; a test can turn it on again.
         LONG_PTR nStyle = ::GetWindowLongPtrW(hwndList, GWL_STYLE);
         ::SetWindowLongPtrW(hwndList, GWL_STYLE, nStyle & ~LONG_PTR{LVS_AUTOARRANGE});
+        ListView_SetBkColor(hwndList, kDesktopColor);
         // The test platform's list view arranges all icons when it first paints some: now, and not
         // after somebody has placed one.
+        ::InvalidateRect(hwndList, nullptr, TRUE);
         ::UpdateWindow(hwndList);
     }
     ~ShellView() override {

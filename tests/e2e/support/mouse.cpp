@@ -22,8 +22,8 @@ class Hand {
     virtual void Do(const std::vector<Step>& steps) = 0;
 };
 
-/// One shell line with all steps. The platform gives no handle of a Unix process to wait for: the
-/// line's last part makes a file.
+/// One shell line with all steps. The platform gives no usable handle of a Unix process to wait for:
+/// the line's last part makes a file.
 class XdotoolHand final : public Hand {
   public:
     void Do(const std::vector<Step>& steps) override {
@@ -61,8 +61,8 @@ class XdotoolHand final : public Hand {
             throw std::runtime_error("xdotool could not be started, error " +
                                      std::to_string(::GetLastError()));
         }
-        if (info.hThread) ::CloseHandle(info.hThread);
-        if (info.hProcess) ::CloseHandle(info.hProcess);
+        // Not closed: for a Unix program the platform writes numbers here that may by now be the
+        // handles of something else.
     }
 };
 

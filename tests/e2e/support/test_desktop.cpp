@@ -92,7 +92,9 @@ std::vector<Row> TestDesktop::Call(const Row& command, DWORD nMs) {
                                SMTO_NORMAL, nMs, &nResult)) {
         throw std::runtime_error(strWhat + "no answer, error " + std::to_string(::GetLastError()));
     }
-    if (!nResult) throw std::runtime_error(strWhat + "not understood");
+    if (nResult != kAnswered) {
+        throw std::runtime_error(strWhat + "not taken, result " + std::to_string(nResult));
+    }
     std::vector<Row> rows = SplitRows(ReadReply());
     if (rows.empty() || rows[0][0] != L"ok") {
         std::wstring strWhy = rows.empty() || rows[0].size() < 2 ? L"refused" : rows[0][1];
