@@ -4,6 +4,7 @@
 #include "icons/desktop_shared_data.h"
 #include "icons/engine_codes.h"
 #include "icons/front_end.h"
+#include "icons/message_gate.h"
 #include "icons/snapshot_store.h"
 #include "runtime/win_version.h"
 #include "runtime/wts_api32.h"
@@ -23,7 +24,8 @@ constexpr long kWatchedEvents = SHCNE_RENAMEITEM | SHCNE_CREATE | SHCNE_DELETE |
                                 SHCNE_UPDATEITEM | SHCNE_SERVERDISCONNECT | SHCNE_RENAMEFOLDER;
 static_assert(kWatchedEvents == 0x2619F);
 
-/// The item id list of the desktop, which has no items. Freed with ShellFree; null when out of memory.
+/// The item id list of the desktop, which has no items. Freed with ShellFree; null when out of
+/// memory.
 ITEMIDLIST* MakeDesktopPidl() {
     IMalloc* pMalloc = GetShellMalloc();
     if (!pMalloc) return nullptr;
@@ -61,7 +63,11 @@ MyMonitor_Wnd::~MyMonitor_Wnd() {
 }
 
 int MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
-    return Create(kMonitorClass, kMonitorClass, 0, 0, 0, 1, 1, hwndParent, nullptr, nullptr);
+    if (!Create(kMonitorClass, kMonitorClass, 0, 0, 0, 1, 1, hwndParent, nullptr, nullptr)) {
+        return 0;
+    }
+    LetShellMessagesIn(hWnd, uTaskbarCreated);
+    return 1;
 }
 
 void MyMonitor_Wnd::RegisterNotification() {
