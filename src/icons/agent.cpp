@@ -76,7 +76,9 @@ MyShellWnd& GetAgentView() { return agentView; }
 
 LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     // Every message of the shell's desktop thread comes through here: one null test and one
-    // comparison for those that are not ours. Neither nCode nor the remove flag is looked at.
+    // comparison for those that are not ours.
+    // QUIRK: neither nCode nor the remove flag is looked at, so that a program that peeks first and
+    // takes then is served twice. Test: Agent.LooksNeitherAtTheHookCodeNorAtTheRemoveFlag
     const MSG* pMsg = reinterpret_cast<const MSG*>(lParam);
     if (pMsg && pMsg->message == static_cast<UINT>(desktopSharedData.nCompanyMsg)) {
         OnEngineMessage(*pMsg);
