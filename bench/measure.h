@@ -19,20 +19,32 @@ double Seconds(Fn&& fn) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - tStart).count();
 }
 
-template <class First, class Second>
-Comparison Compare(int nTurns, First&& first, Second&& second) {
-    std::vector<double> timesFirst, timesSecond;
-    for (int i = 0; i <= nTurns; ++i) {
-        double dFirst = Seconds(first), dSecond = Seconds(second);
-        if (i == 0) continue;
-        timesFirst.push_back(dFirst);
-        timesSecond.push_back(dSecond);
-    }
+/// Takes the two rows of timings, which need not be sorted.
+inline Comparison CompareTimes(std::vector<double> timesFirst, std::vector<double> timesSecond) {
     std::sort(timesFirst.begin(), timesFirst.end());
     std::sort(timesSecond.begin(), timesSecond.end());
     std::size_t n = timesFirst.size();
     double dMedian = timesFirst[n / 2];
     return {dMedian, timesSecond[n / 2], (timesFirst[3 * n / 4] - timesFirst[n / 4]) / dMedian};
+}
+
+/// Runs both in turn; each gives its own time in seconds.
+template <class First, class Second>
+Comparison CompareTimed(int nTurns, First&& first, Second&& second) {
+    std::vector<double> timesFirst, timesSecond;
+    for (int i = 0; i <= nTurns; ++i) {
+        double dFirst = first(), dSecond = second();
+        if (i == 0) continue;
+        timesFirst.push_back(dFirst);
+        timesSecond.push_back(dSecond);
+    }
+    return CompareTimes(timesFirst, timesSecond);
+}
+
+template <class First, class Second>
+Comparison Compare(int nTurns, First&& first, Second&& second) {
+    return CompareTimed(
+        nTurns, [&] { return Seconds(first); }, [&] { return Seconds(second); });
 }
 
 /// One line of result; true if the ratio keeps to its limit.

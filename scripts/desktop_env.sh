@@ -13,8 +13,8 @@
 desktop_env_variables() {
     export HOME="$1/home" WINEPREFIX="$1/prefix"
     export WINEDEBUG="${TESSALY_WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="
-    export LANG=C.UTF-8
-    unset LC_ALL XDG_RUNTIME_DIR WAYLAND_DISPLAY
+    export LC_ALL=C.UTF-8 # without it, no file name beyond ASCII can be created
+    unset XDG_RUNTIME_DIR WAYLAND_DISPLAY
     mkdir -p "$HOME"
 }
 

@@ -29,7 +29,7 @@ class Summary:
         failed_before = len(self.failed)
         missing_report = False
         if (logs / f"{name}.gtest").exists():
-            missing_report = not self.add_report(logs / f"{name}.json")
+            missing_report = not self.add_report(logs / f"{name}.json", output)
         elif code == 0:
             self.passed += 1
         explained = len(self.failed) > failed_before
@@ -53,23 +53,24 @@ class Summary:
             return f"exit code {code}"
         return None
 
-    def add_report(self, path):
+    def add_report(self, path, output):
         """False if there is none."""
         if not path.exists():
             return False
         for suite in json.loads(path.read_text(errors="replace"))["testsuites"]:
             for test in suite["testsuite"]:
-                self.add_test(f"{suite['name']}.{test['name']}", test)
+                self.add_test(f"{suite['name']}.{test['name']}", test, output)
         return True
 
-    def add_test(self, name, test):
+    def add_test(self, name, test, output):
         if test.get("status") == "NOTRUN":
             return
         if test.get("failures"):
             self.failed.append((name, "\n".join(f["failure"] for f in test["failures"])))
         elif test.get("result") == "SKIPPED":
-            reasons = [s.get("message", "") for s in test.get("skipped", [])]
-            self.skipped.append((name, " ".join(" ".join(reasons).split())))
+            # The report has no reasons; the output has each behind the test's beginning.
+            own = output.partition(f"[ RUN      ] {name}")[2].partition("[  SKIPPED ]")[0]
+            self.skipped.append((name, " ".join(own.partition("Skipped")[2].split())))
         else:
             self.passed += 1
 

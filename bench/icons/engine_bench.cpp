@@ -35,19 +35,11 @@ HWND StartOwner(HANDLE& hProcess) {
 
 /// Medians of what the owner itself measured, in turn.
 Comparison CompareInOwner(HWND hwnd, int nTurns, UINT uFirst, UINT uSecond) {
-    std::vector<double> timesFirst, timesSecond;
-    for (int i = 0; i <= nTurns; ++i) {
-        double dFirst = static_cast<double>(::SendMessageW(hwnd, uFirst, 0, 0)) / 1e6;
-        double dSecond = static_cast<double>(::SendMessageW(hwnd, uSecond, 0, 0)) / 1e6;
-        if (i == 0) continue;
-        timesFirst.push_back(dFirst);
-        timesSecond.push_back(dSecond);
-    }
-    std::sort(timesFirst.begin(), timesFirst.end());
-    std::sort(timesSecond.begin(), timesSecond.end());
-    std::size_t n = timesFirst.size();
-    double dSpread = (timesFirst[3 * n / 4] - timesFirst[n / 4]) / timesFirst[n / 2];
-    return {timesFirst[n / 2], timesSecond[n / 2], dSpread};
+    auto turnOf = [hwnd](UINT uMsg) {
+        return static_cast<double>(::SendMessageW(hwnd, uMsg, 0, 0)) / 1e6;
+    };
+    return CompareTimed(
+        nTurns, [&] { return turnOf(uFirst); }, [&] { return turnOf(uSecond); });
 }
 
 /// Reads the list from this process, item by item, through memory allocated in the owner's.

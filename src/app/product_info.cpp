@@ -5,6 +5,7 @@
 #include "runtime/text_format.h"
 #include "wnd/company_msg.h"
 #include "wnd/wait_cursor.h"
+#include <algorithm>
 #include <cwchar>
 
 namespace {
@@ -43,7 +44,11 @@ void ProductInfo::SetAppRootKey(const wchar_t* pszRoot) {
     if (pApp && pApp->GetAppRootKey()) {
         pApp->SetAppRootKey(pszRoot);
     } else {
-        FormatText(szRootKey, L"%s", pszRoot ? pszRoot : L"");
+        if (!pszRoot) pszRoot = L"";
+        // The text may be this field itself, as GetAppRootKey gave it.
+        std::size_t cch = std::min<std::size_t>(std::wcslen(pszRoot), kRootKeySize - 1);
+        std::wmemmove(szRootKey, pszRoot, cch);
+        szRootKey[cch] = 0;
     }
 }
 

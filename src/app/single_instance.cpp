@@ -1,10 +1,11 @@
 #include "app/single_instance.h"
+#include "runtime/synch.h"
 #include "runtime/text_format.h"
 #include "runtime/win_version.h"
 
 int SingleInstanceXP::IsFirstInstance(int bGlobal, const wchar_t* pszName) {
     if (!Win2K()) return 1; // its names have no name spaces
-    wchar_t szMark[260];
+    wchar_t szMark[kMaxObjectName];
     FormatText(szMark, L"%s\\Orvanta_App_%s", bGlobal ? L"Global" : L"Local",
                pszName ? pszName : L"");
     hMark.Reset(); // asked again, the own mark must not count

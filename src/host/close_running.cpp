@@ -36,15 +36,20 @@ int CloseRunning(DWORD nTimeoutMs) {
     if (!hwnd) return IsNothingRunning();
     DWORD dwProcess = 0;
     ::GetWindowThreadProcessId(hwnd, &dwProcess);
+    // Null for another user's process, whose end takes its window and mark away.
     OwnedHandle process(::OpenProcess(SYNCHRONIZE, FALSE, dwProcess));
-    PostMyCompanyMsg(hwnd, kCompanyCodeClose, GetMyProductInfo().GetID());
-    if (process)
-        return ::WaitForSingleObject(process.Get(), Remaining(dwStart, nTimeoutMs)) ==
-               WAIT_OBJECT_0;
-    // Another user's process cannot be waited for, but its end takes its window and mark away.
-    while (::IsWindow(hwnd) || !IsNothingRunning()) {
-        if (!Remaining(dwStart, nTimeoutMs)) return 0;
-        ::Sleep(kPollMs);
-    }
-    return 1;
+    HWND hwndAsked = nullptr;
+    do {
+        // When the shell restarts, the window goes with what was posted to it and a new one comes.
+        hwnd = ::FindWindowW(kMonitorClass, nullptr);
+        if (hwnd && hwnd != hwndAsked)
+            PostMyCompanyMsg(hwndAsked = hwnd, kCompanyCodeClose, GetMyProductInfo().GetID());
+        if (!process) {
+            if (!hwnd && IsNothingRunning()) return 1;
+            ::Sleep(kPollMs);
+        } else if (::WaitForSingleObject(process.Get(), kPollMs) == WAIT_OBJECT_0) {
+            return 1;
+        }
+    } while (Remaining(dwStart, nTimeoutMs));
+    return 0;
 }

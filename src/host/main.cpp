@@ -20,9 +20,10 @@ enum ExitCode {
 };
 
 constexpr DWORD kCloseTimeoutMs = 15000;
+constexpr int kBoxTextSize = 1024;
 
 int TellBadSwitch(const wchar_t* pszUnknown) {
-    wchar_t szText[1024];
+    wchar_t szText[kBoxTextSize];
     FormatText(szText,
                L"\"%.200s\" is not a switch of this program.\n\n"
                L"It knows:\n"
@@ -35,7 +36,7 @@ int TellBadSwitch(const wchar_t* pszUnknown) {
 
 /// The one box that the library cannot show: what stands against the library.
 int TellNoLibrary(LibraryProblem problem, const wchar_t* pszPath) {
-    wchar_t szText[1024];
+    wchar_t szText[kBoxTextSize];
     FormatText(szText, L"Tessaly cannot start without its library.\n\n%s\n%s",
                DescribeProblem(problem), pszPath);
     ::MessageBoxW(nullptr, szText, L"Tessaly", MB_OK | MB_SETFOREGROUND | MB_ICONERROR);

@@ -68,17 +68,19 @@ void CSList::AddTail(const CSList& other) {
     for (int n = other.nCount; n > 0 && pNode; --n, pNode = pNode->pNext) AddTail(pNode->pElement);
 }
 
-void* CSList::RemoveHead() { return Remove(pHead); }
+void* CSList::RemoveHead() { return pHead ? Remove(pHead) : nullptr; }
 
-void* CSList::RemoveTail() { return Remove(pTail); }
+void* CSList::RemoveTail() { return pTail ? Remove(pTail) : nullptr; }
 
 void CSList::RemoveAt(POS& pos) {
+    if (!pos) return;
     CSNode* pNode = ToNode(pos);
     pos = ToPos(pNode->pNext);
     Remove(pNode);
 }
 
 void* CSList::ExtractAt(POS& pos) {
+    if (!pos) return nullptr;
     CSNode* pNode = ToNode(pos);
     void* pElement = pNode->pElement;
     pos = ToPos(pNode->pNext);
@@ -93,6 +95,7 @@ void CSList::RemoveAll() {
 }
 
 POS CSList::MoveAfter(POS pos, POS posAfter) {
+    if (!pos) return nullptr;
     CSNode* pNode = ToNode(pos);
     CSNode* pAfter = ToNode(posAfter);
     if (pNode == pAfter || pNode->pPrev == pAfter) return pos;

@@ -41,10 +41,11 @@ class TESSALY_API CSList {
     POS InsertAfter(POS pos, void* pElement);
 
     /// Removes the end node and returns its element, which the callback may already have released.
-    /// The list must not be empty.
+    /// Null if the list is empty.
     void* RemoveHead();
     void* RemoveTail();
-    /// Removes the node at pos, with the callback; pos moves on to the next node.
+    /// Removes the node at pos, with the callback; pos moves on to the next node. For these two and
+    /// MoveAfter a null position is nothing to do.
     void RemoveAt(POS& pos);
     /// Removes the node at pos without the callback and returns its element; pos moves on.
     void* ExtractAt(POS& pos);

@@ -83,7 +83,6 @@ int CSThread::Create(CSThreadProc pfnThread, void* pArgument, int nPriority) {
     auto hNew = reinterpret_cast<HANDLE>(
         ::_beginthreadex(nullptr, 0, pfnThread, pArgument, CREATE_SUSPENDED, &nId));
     if (!hNew) return 0;
-    OwnedHandle hThreadKept = Duplicate(hNew);
     {
         CritSecLock lock(csThread);
         nThreadId = nId;

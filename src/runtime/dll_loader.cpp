@@ -8,26 +8,14 @@ extern "C" IMAGE_DOS_HEADER __ImageBase; // the linker's name for the start of t
 namespace {
 constexpr DWORD kOldestVersion = 4; // what has no DllGetVersion is of the first shell
 
-/// pszFolder up to cchFolder characters, then pszName; 0 if that does not fit.
-int JoinPath(wchar_t (&szPath)[MAX_PATH], DWORD cchFolder, const wchar_t* pszName) {
-    if (cchFolder + ::lstrlenW(pszName) + 1 > MAX_PATH) return 0;
-    ::lstrcpyW(szPath + cchFolder, pszName);
-    return 1;
-}
-
 int PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
     auto hmodThis = reinterpret_cast<HMODULE>(&__ImageBase);
     DWORD cch = ::GetModuleFileNameW(hmodThis, szPath, MAX_PATH);
     if (cch == 0 || cch >= MAX_PATH) return 0;
     while (cch && szPath[cch - 1] != L'\\') --cch;
-    return JoinPath(szPath, cch, pszName);
-}
-
-int PathInSystemFolder(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
-    DWORD cch = ::GetSystemDirectoryW(szPath, MAX_PATH);
-    if (cch == 0 || cch + 1 >= MAX_PATH) return 0;
-    szPath[cch] = L'\\';
-    return JoinPath(szPath, cch + 1, pszName);
+    if (cch + ::lstrlenW(pszName) + 1 > MAX_PATH) return 0;
+    ::lstrcpyW(szPath + cch, pszName);
+    return 1;
 }
 
 int IsFullPath(const wchar_t* pszName) {
@@ -40,7 +28,7 @@ HMODULE LoadByName(const wchar_t* pszName) {
     HMODULE hmod = nullptr;
     if (::GetModuleHandleExW(0, pszName, &hmod)) return hmod; // counted: freed like a loaded one
     wchar_t szPath[MAX_PATH];
-    return PathInSystemFolder(szPath, pszName) ? ::LoadLibraryW(szPath) : nullptr;
+    return MakeSystemPath(szPath, pszName) ? ::LoadLibraryW(szPath) : nullptr;
 }
 
 /// What the library's DllGetVersion tells; 4.0 without one.

@@ -5,17 +5,21 @@ constinit std::atomic<RuntimeLookup> pfnCurrentLookup{&FindSystemFunc};
 constinit std::atomic<unsigned> nGeneration{1};
 } // namespace runtime_detail
 
+int MakeSystemPath(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) noexcept {
+    UINT cch = ::GetSystemDirectoryW(szPath, MAX_PATH);
+    UINT cchName = static_cast<UINT>(::lstrlenW(pszName));
+    if (cch == 0 || cch + 1 + cchName + 1 > MAX_PATH) return 0;
+    szPath[cch] = L'\\';
+    ::lstrcpyW(szPath + cch + 1, pszName);
+    return 1;
+}
+
 HMODULE LoadSystemModule(const wchar_t* pszModule) noexcept {
     HMODULE hmod = ::GetModuleHandleW(pszModule);
     if (hmod) return hmod;
     // XP has no search flags for LoadLibraryExW; a bare name would look beside the program first.
     wchar_t szPath[MAX_PATH];
-    UINT cch = ::GetSystemDirectoryW(szPath, MAX_PATH);
-    UINT cchName = static_cast<UINT>(::lstrlenW(pszModule));
-    if (cch == 0 || cch + 1 + cchName + 1 > MAX_PATH) return nullptr;
-    szPath[cch] = L'\\';
-    ::lstrcpyW(szPath + cch + 1, pszModule);
-    return ::LoadLibraryW(szPath);
+    return MakeSystemPath(szPath, pszModule) ? ::LoadLibraryW(szPath) : nullptr;
 }
 
 FARPROC FindSystemFunc(const wchar_t* pszModule, const char* pszName) noexcept {

@@ -5,6 +5,8 @@
 /// Looks a function up in a system module; null if this Windows does not have it.
 using RuntimeLookup = FARPROC (*)(const wchar_t* pszModule, const char* pszName);
 
+/// The path of the system folder's own file of that name. 0 if it does not fit.
+int MakeSystemPath(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) noexcept;
 /// The module of that file name, such as L"user32.dll": the one already mapped, else the system
 /// folder's own file, loaded by its full path and never freed. Null if there is none.
 HMODULE LoadSystemModule(const wchar_t* pszModule) noexcept;

@@ -3,6 +3,10 @@
 #include "runtime/text_format.h"
 #include <sddl.h>
 
+namespace {
+constexpr unsigned kMaxDescriptor = 260; // characters of a security descriptor's text
+} // namespace
+
 const wchar_t* PrepareObjectName(wchar_t* pszBuffer, unsigned cchBuffer, const wchar_t* pszName,
                                  int bGlobal) {
     if (cchBuffer) pszBuffer[0] = 0;
@@ -73,7 +77,7 @@ int Event::CreateNew(const wchar_t* pszName, int bGlobal, int bManual, int bInit
 int Event::CreateNewForUser(const wchar_t* pszName, int bGlobal, const wchar_t* pszSid,
                             DWORD dwAccess, int bManual, int bInitial) {
     if (!pszSid) return 0;
-    wchar_t szDescriptor[260];
+    wchar_t szDescriptor[kMaxDescriptor];
     FormatText(szDescriptor, L"D:(A;;0x%lX;;;%s)(A;;GA;;;LS)", dwAccess, pszSid);
     PSECURITY_DESCRIPTOR pDescriptor = nullptr;
     if (!::ConvertStringSecurityDescriptorToSecurityDescriptorW(szDescriptor, SDDL_REVISION_1,

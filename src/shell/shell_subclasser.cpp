@@ -58,7 +58,7 @@ int ShellSubclasser::Unsubclass_Win2K() {
     if (!hwnd || ::GetPropW(hwnd, pszTag) != this) return 0;
     ::RemovePropW(hwnd, pszTag);
     // QUIRK: a later subclasser that took over the window procedure is cut out by this; the chain
-    // exists to avoid just that.
+    // exists to avoid just that. Test: FallbackTest.UnsubclassCutsOutALaterSubclasser
     ::SetWindowLongPtrW(hwnd, GWLP_WNDPROC, static_cast<LONG_PTR>(nOldWndProc));
     nOldWndProc = 0;
     hwnd = nullptr;

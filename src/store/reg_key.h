@@ -58,7 +58,7 @@ class TESSALY_API RegKey {
     HKEY GetHandle() const { return hkey; }
     /// Whether an open for that operation is one for writing: 1 for OpDelete and OpSet only.
     // QUIRK: OpSetAlways opens read-only; who means to use it opens with a write flag of 1.
-    // Test: RegKey.OpSetAlwaysOpensForReadingOnly
+    // Test: RegKeyOpen.OpSetAlwaysOpensForReadingOnly
     static int IsWritable(Op op) { return op == OpDelete || op == OpSet; }
 
     /// The value's type; 0 if it cannot be queried.
@@ -98,6 +98,7 @@ class TESSALY_API RegKey {
     int DelValue(const wchar_t* pszName);
     /// Deletes the subkey with all that it holds. 1 if there is none, 0 if it could not be deleted.
     // QUIRK: a subkey that exists and cannot be opened for writing is passed over with 1.
+    // Test: RegKeyDelete.SubKeyThatCannotBeWrittenIsPassedOver
     int DelSubKey(const wchar_t* pszSubkey);
     /// Empties the key of subkeys and values; the key itself stays. Always 1.
     int DelAll();

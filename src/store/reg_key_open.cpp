@@ -52,18 +52,6 @@ int CountComponents(const wchar_t* pszPath) {
 }
 } // namespace
 
-int IsSameRegName(const wchar_t* pszLeft, const wchar_t* pszRight) {
-    auto upper = [](wchar_t ch) {
-        // A pointer below 64K is a single character for this function.
-        auto* psz = reinterpret_cast<wchar_t*>(static_cast<ULONG_PTR>(ch));
-        return static_cast<wchar_t>(reinterpret_cast<ULONG_PTR>(::CharUpperW(psz)));
-    };
-    for (; *pszLeft && *pszRight; ++pszLeft, ++pszRight) {
-        if (*pszLeft != *pszRight && upper(*pszLeft) != upper(*pszRight)) return 0;
-    }
-    return *pszLeft == *pszRight;
-}
-
 HKEY RegKey::OpenKey(const wchar_t* pszPath, int bWrite, int nLevels) {
     if (bLogMode) {
         Log(L"[%s]\r\n", pszPath ? pszPath : L"");
@@ -80,7 +68,7 @@ HKEY RegKey::OpenKey(const wchar_t* pszPath, int bWrite, int nLevels) {
         if (!*szComponent) continue;
         if (!hkeyCurrent) {
             // QUIRK: what is no root is passed over, so that "xyz\HKCU" is HKCU.
-            // Test: RegKey.ComponentsBeforeTheRootArePassedOver
+            // Test: RegKeyOpen.ComponentsBeforeTheRootArePassedOver
             hkeyCurrent = FindRoot(szComponent);
             continue;
         }

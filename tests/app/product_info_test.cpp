@@ -122,6 +122,13 @@ TEST_F(ProductInfoTest, OwnRootIsCutToItsField) {
     }
 }
 
+TEST_F(ProductInfoTest, OwnRootCanBeSetFromItself) {
+    product.SetAppRootKey(product.GetAppRootKey());
+    EXPECT_STREQ(kStartRoot, product.GetAppRootKey());
+    product.SetAppRootKey(product.GetAppRootKey() + 5);
+    EXPECT_STREQ(kStartRoot + 5, product.GetAppRootKey());
+}
+
 TEST_F(ProductInfoTest, RootTextIsNoFormat) {
     product.SetAppRootKey(L"HKCU\\100%s");
     EXPECT_STREQ(L"HKCU\\100%s", product.GetAppRootKey());

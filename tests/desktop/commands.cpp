@@ -268,7 +268,9 @@ void Command::CreateDesktopFile() {
     std::wstring strPath = DesktopPath(1);
     HANDLE h = ::CreateFileW(strPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                              FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (h == INVALID_HANDLE_VALUE) throw Failure("the file could not be created");
+    if (h == INVALID_HANDLE_VALUE) {
+        throw Failure("the file could not be created, error " + std::to_string(::GetLastError()));
+    }
     ::CloseHandle(h);
     ::SHChangeNotify(SHCNE_CREATE, SHCNF_PATHW | SHCNF_FLUSH, strPath.c_str(), nullptr);
 }

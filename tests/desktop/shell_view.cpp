@@ -72,6 +72,8 @@ class ShellView final : public DesktopView {
         LONG_PTR nStyle = ::GetWindowLongPtrW(hwndList, GWL_STYLE);
         ::SetWindowLongPtrW(hwndList, GWL_STYLE, nStyle & ~LONG_PTR{LVS_AUTOARRANGE});
         ListView_SetBkColor(hwndList, kDesktopColor);
+        ListView_SetTextBkColor(hwndList, CLR_NONE);
+        ListView_SetTextColor(hwndList, RGB(255, 255, 255));
         // The test platform's list view arranges all icons when it first paints some: now, and not
         // after somebody has placed one.
         ::InvalidateRect(hwndList, nullptr, TRUE);

@@ -6,6 +6,7 @@ import stands in allowed_imports.txt beside this file: all of it is there on Win
 """
 
 import pathlib
+import re
 import struct
 import sys
 
@@ -204,6 +205,11 @@ def check_program(report, image):
     report.check("TSEXE64.exe shares no section", not shared, str(shared))
     modules = {module for module, _ in image.imports()}
     report.check("TSEXE64.exe starts without the library", "tsdll64.dll" not in modules)
+    # Each of the library's functions that the program calls stands once among the delayed imports and
+    # once in the list by which it recognises the library: a call without the other ends it.
+    names = re.findall(rb"(?<![\w.])_Z\w+(?=\0)", image.data)
+    odd = sorted({name.decode() for name in names if names.count(name) != 2})
+    report.check("TSEXE64.exe looks for every function that it calls", names and not odd, str(odd))
     manifest = image.resources(RT_MANIFEST).get(1, b"").decode("utf-8", "replace")
     report.check("TSEXE64.exe has a manifest", manifest)
     for what, text in (

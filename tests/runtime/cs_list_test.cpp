@@ -194,6 +194,20 @@ TEST(CSList, NullElementIsNeverHandedToTheCallback) {
     EXPECT_EQ((Elements{&a}), released.elements);
 }
 
+TEST(CSList, RemovingNothingChangesNothing) {
+    CSList list;
+    EXPECT_EQ(nullptr, list.RemoveHead());
+    EXPECT_EQ(nullptr, list.RemoveTail());
+    int nElement = 0;
+    list.AddTail(&nElement);
+    POS pos = nullptr;
+    list.RemoveAt(pos);
+    EXPECT_EQ(nullptr, list.ExtractAt(pos));
+    EXPECT_EQ(nullptr, list.MoveAfter(nullptr, list.GetHeadPos()));
+    EXPECT_EQ(1, list.GetCount());
+    EXPECT_EQ(&nElement, list.GetHead());
+}
+
 TEST(CSList, RemoveAllGoesFromTheTail) {
     CSList list;
     Released released;

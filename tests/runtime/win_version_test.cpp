@@ -87,8 +87,8 @@ TEST_P(VersionTest, EachTestAnswersForThisWindows) {
     }
     std::string strTrue = " WinNT Win2K WinPro " + std::string(row.pszTrue) + " ";
     for (const char* pszName :
-         {"WinNT", "Win2K", "WinXP", "WinServer2003", "WinVista", "Win7", "Win8", "Win81",
-          "Win10", "Win2K_only", "WinXP_only", "WinVista_only", "Win7_only", "WinPro"}) {
+         {"WinNT", "Win2K", "WinXP", "WinServer2003", "WinVista", "Win7", "Win8", "Win81", "Win10",
+          "Win2K_only", "WinXP_only", "WinVista_only", "Win7_only", "WinPro"}) {
         bool bWanted = strTrue.find(" " + std::string(pszName) + " ") != std::string::npos;
         EXPECT_EQ(bWanted ? "1" : "0", answers[pszName]) << pszName;
     }

@@ -1,8 +1,10 @@
 #include "store/reg_key.h"
 
+#include "runtime/owned_handle.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>
+#include <sddl.h>
 
 namespace {
 using Names = std::vector<std::wstring>;
@@ -48,6 +50,30 @@ TEST_F(RegKeyDelete, NamelessSubKeyIsNotTheKeyItself) {
     EXPECT_EQ(1, key.DelSubKey(L""));
     EXPECT_EQ(1, key.DelSubKey(nullptr));
     EXPECT_TRUE(raw.HasValue(L"a"));
+}
+
+/// Says who may do what with a key; 0 if the platform refuses.
+int SetAccess(HKEY hkey, const wchar_t* pszDescriptor) {
+    PSECURITY_DESCRIPTOR pDescriptor = nullptr;
+    if (!::ConvertStringSecurityDescriptorToSecurityDescriptorW(pszDescriptor, SDDL_REVISION_1,
+                                                                &pDescriptor, nullptr))
+        return 0;
+    OwnedLocal descriptor(pDescriptor);
+    return ::RegSetKeySecurity(hkey, DACL_SECURITY_INFORMATION, pDescriptor) == ERROR_SUCCESS;
+}
+
+TEST_F(RegKeyDelete, SubKeyThatCannotBeWrittenIsPassedOver) {
+    raw.PutStr(L"v", L"text", L"locked");
+    RegKey locked(key, L"locked", 1); // keeps the right to give the access back
+    ASSERT_TRUE(SetAccess(locked.GetHandle(), L"D:P(A;;KR;;;WD)"));
+    RegKey writer(key, L"locked", 1);
+    if (!writer.GetHandle()) {
+        EXPECT_EQ(1, key.DelSubKey(L"locked"));
+        EXPECT_TRUE(raw.HasSubKey(L"locked"));
+        EXPECT_TRUE(locked.FindValue(L"v"));
+    }
+    EXPECT_TRUE(SetAccess(locked.GetHandle(), L"D:P(A;;KA;;;WD)"));
+    if (writer.GetHandle()) GTEST_SKIP() << "this platform does not check access to keys";
 }
 
 TEST_F(RegKeyDelete, SubKeyGoesWithAllThatItHolds) {

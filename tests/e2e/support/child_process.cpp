@@ -16,11 +16,13 @@ std::wstring ProductFolder() {
 
 ChildProcess::~ChildProcess() { Kill(); }
 
-void ChildProcess::Start(const std::wstring& strPath, const std::wstring& strArguments) {
+void ChildProcess::Start(const std::wstring& strPath, const std::wstring& strArguments,
+                         const std::wstring& strCurrent) {
     if (IsRunning()) throw std::runtime_error("the program runs already");
     Close();
     std::wstring strLine = L"\"" + strPath + L"\" " + strArguments;
-    std::wstring strFolder = strPath.substr(0, strPath.rfind(L'\\'));
+    std::wstring strFolder =
+        strCurrent.empty() ? strPath.substr(0, strPath.rfind(L'\\')) : strCurrent;
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     // What the child says of a crash belongs into the test's own log.

@@ -17,8 +17,10 @@ class ChildProcess {
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    /// Starts the program in its own folder. Throws std::runtime_error; also if one still runs.
-    void Start(const std::wstring& strPath, const std::wstring& strArguments);
+    /// Starts the program in its own folder, or with another as the current one. Throws
+    /// std::runtime_error; also if one still runs.
+    void Start(const std::wstring& strPath, const std::wstring& strArguments,
+               const std::wstring& strCurrent = {});
     bool IsRunning() const;
     DWORD Id() const { return dwId; }
     /// The exit code once it has ended by itself within the time; nothing if it still runs.

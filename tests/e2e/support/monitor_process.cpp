@@ -40,6 +40,10 @@ void MonitorProcess::PostCompanyMsg(WPARAM nCode, LPARAM lParam) const {
     ::PostMessageW(Window(), ::RegisterWindowMessageW(L"OrvantaMessage"), nCode, lParam);
 }
 
+void MonitorProcess::RequestCapture(const TestDesktop& desktop) {
+    ::PostMessageW(desktop.List(), ::RegisterWindowMessageW(L"OrvantaMessage"), 372, 0);
+}
+
 void MonitorProcess::PostShellEvent() const {
     ::PostMessageW(Window(), ::RegisterWindowMessageW(L"WM_TESSALY_SHLN"), 0, 0);
 }

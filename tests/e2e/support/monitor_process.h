@@ -31,6 +31,8 @@ class MonitorProcess {
     HWND Window() const;
     /// Posts the message "OrvantaMessage" to the monitor's window.
     void PostCompanyMsg(WPARAM nCode, LPARAM lParam = 0) const;
+    /// Asks for a capture as the debounce timer does.
+    static void RequestCapture(const TestDesktop& desktop);
     /// Posts what a shell change event arrives as. The test platform delivers none across
     /// processes.
     void PostShellEvent() const;

@@ -1,5 +1,5 @@
 #include "e2e/support/mouse.h"
-#include "e2e/support/wait_until.h"
+#include "e2e/support/unix_shell.h"
 
 #include <cstdlib>
 #include <stdexcept>
@@ -22,8 +22,7 @@ class Hand {
     virtual void Do(const std::vector<Step>& steps) = 0;
 };
 
-/// One shell line with all steps. The platform gives no usable handle of a Unix process to wait for:
-/// the line's last part makes a file.
+/// One shell line with all steps.
 class XdotoolHand final : public Hand {
   public:
     void Do(const std::vector<Step>& steps) override {
@@ -39,30 +38,7 @@ class XdotoolHand final : public Hand {
             }
             strLine += L" sleep 0.04";
         }
-        static int nCount = 0;
-        std::wstring strDone = L"mouse-done." + std::to_wstring(::GetCurrentProcessId()) + L"." +
-                               std::to_wstring(++nCount);
-        strLine += L" && : > $WINEPREFIX/drive_c/" + strDone;
         RunUnixShell(strLine);
-        std::wstring strPath = L"C:\\" + strDone;
-        if (!WaitUntil([&] { return ::DeleteFileW(strPath.c_str()) != 0; })) {
-            throw std::runtime_error("xdotool did not finish");
-        }
-    }
-
-  private:
-    static void RunUnixShell(const std::wstring& strLine) {
-        std::wstring strAll = L"sh -c \"" + strLine + L"\"";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof(startup);
-        PROCESS_INFORMATION info{};
-        if (!::CreateProcessW(L"Z:\\bin\\sh", strAll.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                              nullptr, &startup, &info)) {
-            throw std::runtime_error("xdotool could not be started, error " +
-                                     std::to_string(::GetLastError()));
-        }
-        // Not closed: for a Unix program the platform writes numbers here that may by now be the
-        // handles of something else.
     }
 };
 

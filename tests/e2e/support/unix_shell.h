@@ -1,0 +1,6 @@
+#pragma once
+#include <string>
+
+/// Runs a line in the shell of the system below the test platform and waits until it has succeeded.
+/// The line must not hold double quotes. Throws std::runtime_error; also if the line fails.
+void RunUnixShell(const std::wstring& strLine);
