@@ -11,6 +11,7 @@ HWND GetLowestWindow() {
 } // namespace
 
 int FindDesktopShellWnd(HWND* phwndView, HWND* phwndListView) {
+    if (!phwndView || !phwndListView) return 0;
     HWND hwnd = ::FindWindowW(L"Progman", nullptr);
     if (!hwnd) hwnd = GetLowestWindow();
     for (int n = 0; hwnd && n < kMaxWindows; ++n, hwnd = ::GetWindow(hwnd, GW_HWNDPREV)) {
