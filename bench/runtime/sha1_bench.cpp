@@ -20,22 +20,19 @@ int main(int, char** argv) {
         setenv(kVariable, "~0x1000020000000000:~0x20000020", 1);
         execv("/proc/self/exe", argv);
     }
-    constexpr std::size_t kSize = 1 << 20, kRounds = 4;
+    constexpr std::size_t kSize = 1 << 20;
     std::vector<unsigned char> data(kSize);
     for (std::size_t i = 0; i < kSize; ++i) data[i] = static_cast<unsigned char>(i * 31);
     unsigned char digestOurs[kSha1Size], digestTheirs[EVP_MAX_MD_SIZE];
-    auto ours = [&] {
-        for (std::size_t i = 0; i < kRounds; ++i) SHA1_Calc(digestOurs, data.data(), kSize);
-    };
+    auto ours = [&] { SHA1_Calc(digestOurs, data.data(), kSize); };
     auto theirs = [&] {
-        for (std::size_t i = 0; i < kRounds; ++i) {
-            EVP_Digest(data.data(), kSize, digestTheirs, nullptr, EVP_sha1(), nullptr);
-        }
+        EVP_Digest(data.data(), kSize, digestTheirs, nullptr, EVP_sha1(), nullptr);
     };
-    Comparison c = Compare(41, theirs, ours);
+    // Many short turns: what else runs on the machine then falls on both sides alike.
+    Comparison c = Compare(401, theirs, ours);
     if (std::memcmp(digestOurs, digestTheirs, kSha1Size) != 0) {
         std::puts("the digests differ");
         return 2;
     }
-    return Report("OpenSSL's SHA-1 without SHA-NI / SHA1_Calc, 4 x 1 MiB", c, 0.95, false) ? 0 : 1;
+    return Report("OpenSSL's SHA-1 without SHA-NI / SHA1_Calc, 1 MiB", c, 0.95, false) ? 0 : 1;
 }
