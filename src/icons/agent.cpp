@@ -24,16 +24,28 @@ void ReportIconsMoved() {
     ::PostMessageW(desktopSharedData.hwndMonitor, uCompanyMsg, kCodeIconsMoved, 0);
 }
 
-/// The library may go when neither window calls into it.
-void ReleaseLibraryIfDetached() {
-    if (!agentListView.IsAttached() && !agentView.IsAttached()) libraryHold.Release();
-}
+/// Stands for a frame of the agent on the shell's stack. A menu or a drag keeps such frames waiting
+/// while messages go on, the detaching ones too: the library may go only when the outermost frame
+/// ends and neither window calls into it.
+class AgentFrame {
+  public:
+    AgentFrame() { ++nFrames; }
+    ~AgentFrame() {
+        if (--nFrames) return;
+        if (!agentListView.IsAttached() && !agentView.IsAttached()) libraryHold.Release();
+    }
+    AgentFrame(const AgentFrame&) = delete;
+    AgentFrame& operator=(const AgentFrame&) = delete;
+
+  private:
+    static constinit int nFrames; // touched on the shell's thread alone
+};
+constinit int AgentFrame::nFrames = 0;
 
 void AttachBoth() {
-    libraryHold.Take();
+    libraryHold.Take(); // given back by the frame if neither window is there any more
     agentListView.AttachTo(desktopSharedData.hwndListView);
     agentView.AttachTo(desktopSharedData.hwndView);
-    ReleaseLibraryIfDetached(); // neither window may be there any more
 }
 
 void DetachBoth() {
@@ -43,6 +55,7 @@ void DetachBoth() {
 
 /// Kept out of the hook procedure: the path of foreign messages stays short.
 __attribute__((noinline)) void OnEngineMessage(const MSG& msg) {
+    AgentFrame frame;
     if (IsEngineCode(msg.message, msg.wParam, kCodeCapture)) {
         SendCapture(desktopSharedData.hwndListView, desktopSharedData.hwndMonitor, msg.hwnd);
     } else if (IsEngineCode(msg.message, msg.wParam, kCodeAttach)) {
@@ -55,13 +68,17 @@ __attribute__((noinline)) void OnEngineMessage(const MSG& msg) {
 }
 } // namespace
 
+int IsAgentHoldingLibrary() { return libraryHold.IsHeld(); }
+
 MySysLVWnd& GetAgentListView() { return agentListView; }
 
 MyShellWnd& GetAgentView() { return agentView; }
 
 LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     // Every message of the shell's desktop thread comes through here: one null test and one
-    // comparison for those that are not ours. Neither nCode nor the remove flag is looked at.
+    // comparison for those that are not ours.
+    // QUIRK: neither nCode nor the remove flag is looked at, so that a program that peeks first and
+    // takes then is served twice. Test: Agent.LooksNeitherAtTheHookCodeNorAtTheRemoveFlag
     const MSG* pMsg = reinterpret_cast<const MSG*>(lParam);
     if (pMsg && pMsg->message == static_cast<UINT>(desktopSharedData.nCompanyMsg)) {
         OnEngineMessage(*pMsg);
@@ -77,17 +94,25 @@ int AgentWnd::AttachTo(HWND hwndTarget) {
     // Handles that were left over from a shell that is gone must not be marked with our objects.
     HWND hwndReal = hwndTarget ? hwndTarget : hWnd;
     if (::GetWindowThreadProcessId(hwndReal, nullptr) != ::GetCurrentThreadId()) return 0;
-    return Subclass(hwndTarget);
+    // A window that this object left behind would go on calling it, with the new one's handle.
+    if (bAttached && hwndReal != hWnd) CommonUnsubclass();
+    bAttached = Subclass(hwndTarget);
+    return bAttached;
 }
 
 void AgentWnd::DetachFrom() {
+    AgentFrame frame;
     CommonUnsubclass();
-    ReleaseLibraryIfDetached();
+    bAttached = 0;
 }
 
-int AgentWnd::IsAttached() const { return hWnd && FromHandle(hWnd) == this; }
+void AgentWnd::OnPostNcDestroy() {
+    CSWnd::OnPostNcDestroy();
+    DetachFrom(); // the window is gone; nothing else would give the library back
+}
 
 LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    AgentFrame frame;
     if (IsEngineCode(uMsg, wParam, kCodeAttach) && lParam == 0) {
         DetachFrom();
         return 0;
@@ -106,6 +131,7 @@ LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT MyShellWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    AgentFrame frame;
     if (IsEngineCode(uMsg, wParam, kCodeAttach) && lParam == 0) {
         DetachFrom();
         return 0;

@@ -20,7 +20,12 @@ class AgentWnd : public CSWnd {
     /// calling thread. 1 on success.
     int AttachTo(HWND hwndTarget);
     void DetachFrom();
-    int IsAttached() const;
+    void OnPostNcDestroy() override;
+    /// The property "CSWND" is no measure of it: another copy of the library can have taken it.
+    int IsAttached() const { return bAttached; }
+
+  private:
+    int bAttached = 0;
 };
 
 /// The desktop's list view: performs restores and sees a drag's end.
@@ -41,6 +46,10 @@ class MyShellWnd : public AgentWnd {
     constexpr MyShellWnd() noexcept = default;
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
 };
+
+/// Whether the agent keeps this library mapped in its process: while a window is attached, and
+/// beyond that until no frame of the agent waits on the stack.
+int IsAgentHoldingLibrary();
 
 /// This process's two objects; only the shell's are ever attached.
 MySysLVWnd& GetAgentListView();

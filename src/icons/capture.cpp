@@ -50,6 +50,7 @@ class RecordMatcher {
 unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) {
     if (nCount == 0) return GetItemCount(hwndListView);
     // QUIRK: not cleared between items: one whose text can't be read has the text before it.
+    // Test: Capture.OfAnUnreadableLaterItemKeepsTheTextBefore
     wchar_t szText[kCchIconText] = {};
     LVITEMW item{};
     item.mask = LVIF_TEXT;

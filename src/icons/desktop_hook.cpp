@@ -10,11 +10,13 @@
 
 namespace {
 constexpr LPARAM kAttach = 1, kDetach = 0;
+constexpr int kCchClass = 32; // a longer class name is not the monitor window's
 
 /// A handle that was left behind may name somebody else's window by now.
 bool IsMonitorWindow(HWND hwnd) {
-    wchar_t szClass[32];
-    return hwnd && ::GetClassNameW(hwnd, szClass, 32) && std::wcscmp(szClass, kMonitorClass) == 0;
+    wchar_t szClass[kCchClass];
+    return hwnd && ::GetClassNameW(hwnd, szClass, kCchClass) &&
+           std::wcscmp(szClass, kMonitorClass) == 0;
 }
 } // namespace
 
@@ -23,8 +25,9 @@ void InstallDesktopHook() {
     DWORD dwThread = ::GetWindowThreadProcessId(desktopSharedData.hwndListView, nullptr);
     desktopSharedData.hhook =
         ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetLibraryInstance(), dwThread);
-    // Posted, because the hook sees only what passes through the thread's queue. The one that is
-    // sent has no effect: it is the hook that attaches the view too.
+    // Posted, because the hook sees only what passes through the thread's queue.
+    // QUIRK: the view is sent the same, which has no effect: the hook attaches it too.
+    // Test: AgentRoute.ASentAttachDoesNotAttach
     PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeAttach, kAttach);
     SendMyCompanyMsg(desktopSharedData.hwndView, kCodeAttach, kAttach);
 }

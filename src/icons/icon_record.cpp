@@ -5,7 +5,11 @@
 #include <cwchar>
 
 unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
-    if (cch == 0 && psz) cch = static_cast<unsigned int>(std::wcslen(psz));
+    if (!psz) {
+        cch = 0;
+    } else if (cch == 0) {
+        cch = static_cast<unsigned int>(std::wcslen(psz));
+    }
     unsigned char digest[16];
     CalcMD5(digest, psz, cch * sizeof(wchar_t));
     unsigned __int64 qwKey;

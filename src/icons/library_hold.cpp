@@ -5,6 +5,14 @@
 
 namespace {
 const char chInside = 0; // its address lies in this module's image, wherever the object does
+
+/// For the caller of Release to have left this library's code: it still has to return through it.
+constexpr DWORD kLeaveMs = 1000;
+
+DWORD WINAPI GiveBack(void* hmod) {
+    ::Sleep(kLeaveMs);
+    ::FreeLibraryAndExitThread(static_cast<HMODULE>(hmod), 0); // never returns to this code
+}
 } // namespace
 
 void LibraryHold::Take() {
@@ -16,8 +24,6 @@ void LibraryHold::Take() {
 void LibraryHold::Release() {
     HMODULE hmod = std::exchange(hmodHeld, nullptr);
     if (!hmod) return;
-    // FreeLibrary itself is the thread's procedure: its return address lies in the platform.
-    auto pfnFree = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(::FreeLibrary));
-    OwnedHandle thread(::CreateThread(nullptr, 0, pfnFree, hmod, 0, nullptr));
+    OwnedHandle thread(::CreateThread(nullptr, 0, &GiveBack, hmod, 0, nullptr));
     if (!thread) hmodHeld = hmod; // held on; the next release tries again
 }

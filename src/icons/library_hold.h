@@ -12,7 +12,8 @@ class LibraryHold {
 
     /// Takes the reference unless it is held.
     void Take();
-    /// Gives it back, from a thread that runs no code of this library: the caller still does.
+    /// Gives it back, a second later and on a thread of its own: the caller still runs code of this
+    /// library. Only for a caller on whose stack nothing else of this library waits.
     void Release();
     int IsHeld() const { return hmodHeld != nullptr; }
 

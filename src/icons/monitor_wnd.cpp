@@ -4,6 +4,7 @@
 #include "icons/desktop_shared_data.h"
 #include "icons/engine_codes.h"
 #include "icons/front_end.h"
+#include "icons/message_gate.h"
 #include "icons/snapshot_store.h"
 #include "runtime/win_version.h"
 #include "runtime/wts_api32.h"
@@ -62,7 +63,11 @@ MyMonitor_Wnd::~MyMonitor_Wnd() {
 }
 
 int MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
-    return Create(kMonitorClass, kMonitorClass, 0, 0, 0, 1, 1, hwndParent, nullptr, nullptr);
+    if (!Create(kMonitorClass, kMonitorClass, 0, 0, 0, 1, 1, hwndParent, nullptr, nullptr)) {
+        return 0;
+    }
+    LetShellMessagesIn(hWnd, uTaskbarCreated);
+    return 1;
 }
 
 void MyMonitor_Wnd::RegisterNotification() {

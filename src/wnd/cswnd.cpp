@@ -253,6 +253,7 @@ int CSWnd::CommonSubclass(HWND hwndTarget) {
         shellSubclassed = 1;
         hWnd = hwndTarget;
         // QUIRK: the result is not looked at.
+        // Test: CSWndSubclassChain.ResultOfThePlatformIsNotLookedAt
         ShellSubclass::Set(hwndTarget, &CSWnd::ShellSubclassProc,
                            reinterpret_cast<DWORD_PTR>(this));
     } else if (!oldWndProc) {

@@ -158,7 +158,9 @@ class TESSALY_API CSWnd {
     WNDPROC oldWndProc = nullptr; // the earlier procedure; DefWindowProcW for a created window
     int isDlg = 0;
     int isCtrl = 0;
-    int shellSubclassed = 0;     // QUIRK: once set by CommonSubclass it is never cleared again
+    // QUIRK: once set by CommonSubclass it is never cleared again.
+    // Test: CSWndSubclassChain.FlagIsNeverClearedAgain
+    int shellSubclassed = 0;
     int msgDepth = 0;            // DoWndMessage calls under way
     CSList hooks;                // of WMHook; an entry taken off during a dispatch is null
     int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal

@@ -26,9 +26,11 @@ std::vector<Carried> SelectedItems() {
     return carried;
 }
 
-POINT CursorInList() {
-    POINT pt{};
-    ::GetCursorPos(&pt);
+/// Where the button was let go, by the message that said so: the mouse itself may be on its way
+/// again.
+POINT DropPointInList() {
+    DWORD dwPos = ::GetMessagePos();
+    POINT pt{GET_X_LPARAM(dwPos), GET_Y_LPARAM(dwPos)};
     ::ScreenToClient(hwndOurList, &pt);
     return pt;
 }
@@ -63,7 +65,7 @@ bool CarryUntilButtonUp(UINT uUpMsg) {
 
 void Drag(POINT ptFrom, UINT uUpMsg) {
     std::vector<Carried> carried = SelectedItems();
-    if (CarryUntilButtonUp(uUpMsg)) MoveBy(carried, ptFrom, CursorInList());
+    if (CarryUntilButtonUp(uUpMsg)) MoveBy(carried, ptFrom, DropPointInList());
 }
 
 LRESULT OnBeginDrag(HWND hwnd, WPARAM wParam, LPARAM lParam) {
@@ -79,7 +81,7 @@ LRESULT OnBeginDrag(HWND hwnd, WPARAM wParam, LPARAM lParam) {
     std::vector<Carried> carried = SelectedItems();
     LRESULT nResult = ::CallWindowProcW(pfnViewBelow, hwnd, WM_NOTIFY, wParam, lParam);
     bool bGivenUp = ::GetAsyncKeyState(VK_ESCAPE) < 0;
-    if (!bGivenUp) MoveBy(carried, notify.ptAction, CursorInList());
+    if (!bGivenUp) MoveBy(carried, notify.ptAction, DropPointInList());
     return nResult;
 }
 

@@ -71,8 +71,10 @@ Ended RunHost(const std::wstring& strFolder, const std::wstring& strArguments) {
     PROCESS_INFORMATION pi{};
     std::wstring strLine = L"\"" + strFolder + L"TSEXE64.exe\" " + strArguments;
     if (!::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                          &si, &pi))
+                          &si, &pi)) {
+        ADD_FAILURE() << "not started: error " << ::GetLastError();
         return ended;
+    }
     DWORD dwStart = ::GetTickCount();
     while (::MsgWaitForMultipleObjects(1, &pi.hProcess, FALSE, 20, QS_ALLINPUT) != WAIT_OBJECT_0) {
         MSG msg;
@@ -83,8 +85,11 @@ Ended RunHost(const std::wstring& strFolder, const std::wstring& strArguments) {
             wchar_t szText[1024] = L"";
             ::SendDlgItemMessageW(search.hwndBox, 0xFFFF, WM_GETTEXT, 1024,
                                   reinterpret_cast<LPARAM>(szText));
-            if (*szText) ended.strBox = szText;
-            ::PostMessageW(search.hwndBox, WM_COMMAND, IDOK, 0);
+            // A box that has no text yet is still being made: it is answered next time.
+            if (*szText) {
+                ended.strBox = szText;
+                ::PostMessageW(search.hwndBox, WM_COMMAND, IDOK, 0);
+            }
         }
         if (::GetTickCount() - dwStart > kDeadlineMs) ::TerminateProcess(pi.hProcess, 99);
     }
