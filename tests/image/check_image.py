@@ -190,7 +190,7 @@ def check_icon(report, name, image):
 
 def check_library(report, image):
     exports = image.exports()
-    for function in ("DoMonitor", "CalcMD5"):
+    for function in ("DoMonitor", "CalcMD5", "SHA1_Init", "SHA1_Update", "SHA1_Final", "SHA1_Calc"):
         report.check(f"TSDLL64.dll exports {function} under its plain name", function in exports)
     shared = [s for s in image.sections if s[4] & SCN_SHARED]
     report.check("TSDLL64.dll shares only .SDATA", [s[0] for s in shared] == [".SDATA"],

@@ -42,3 +42,26 @@ class GuardedText {
   private:
     GuardedMemory memory;
 };
+
+/// Guarded memory for many small pieces in turn: each piece ends where the memory ends, and takes
+/// the place of the one before it.
+class GuardedArea {
+  public:
+    explicit GuardedArea(std::size_t cbLargest) : memory(cbLargest) {}
+    /// A piece of that many bytes, filled with a pattern that is no text's end.
+    void* Put(std::size_t cb) {
+        auto* p = static_cast<char*>(memory.Get()) + (memory.GetSize() - cb);
+        std::memset(p, 0xEE, cb);
+        return p;
+    }
+    /// A piece that holds a terminated text.
+    wchar_t* Put(std::wstring_view str) {
+        auto* psz = static_cast<wchar_t*>(Put((str.size() + 1) * sizeof(wchar_t)));
+        std::memcpy(psz, str.data(), str.size() * sizeof(wchar_t));
+        psz[str.size()] = 0;
+        return psz;
+    }
+
+  private:
+    GuardedMemory memory;
+};
