@@ -40,6 +40,8 @@
 #include "shell/shell_notify.h"
 #include "shell/shell_subclass.h"
 #include "shell/shell_subclasser.h"
+#include "store/ini_file.h"
+#include "store/parser.h"
 #include "store/reg_key.h"
 #include "wnd/company_msg.h"
 #include "wnd/core_wnd.h"
