@@ -1,35 +1,43 @@
 #include "runtime/text_format.h"
 #include "runtime/scope_exit.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <cwchar>
 #include <new>
+#include <string_view>
 
 namespace {
-bool IsOneOf(wchar_t ch, const wchar_t* pszSet) { return ch && std::wcschr(pszSet, ch); }
+template <class Ch>
+bool IsOneOf(Ch ch, std::string_view set) {
+    return std::any_of(set.begin(), set.end(), [ch](char chOne) { return ch == Ch(chOne); });
+}
 
 /// The end of the conversion that starts at the '%' of psz, or psz itself if the platform would
 /// not know it, or if it would write (%n).
-const wchar_t* EndOfConversion(const wchar_t* psz) {
-    const wchar_t* p = psz + 1;
-    if (*p == L'%') return p + 1;
-    while (IsOneOf(*p, L"-+ #0")) ++p;
-    while (IsOneOf(*p, L"*.0123456789")) ++p;
-    if (p[0] == L'I' && ((p[1] == L'6' && p[2] == L'4') || (p[1] == L'3' && p[2] == L'2'))) {
+template <class Ch>
+const Ch* EndOfConversion(const Ch* psz) {
+    const Ch* p = psz + 1;
+    if (*p == '%') return p + 1;
+    while (IsOneOf(*p, "-+ #0")) ++p;
+    while (IsOneOf(*p, "*.0123456789")) ++p;
+    if (p[0] == 'I' && ((p[1] == '6' && p[2] == '4') || (p[1] == '3' && p[2] == '2'))) {
         p += 3;
     } else {
-        while (IsOneOf(*p, L"hlLIw")) ++p;
+        while (IsOneOf(*p, "hlLIw")) ++p;
     }
-    return IsOneOf(*p, L"cCdiouxXeEfgGsSp") ? p + 1 : psz;
+    return IsOneOf(*p, "cCdiouxXeEfgGsSp") ? p + 1 : psz;
 }
 
-bool IsSound(const wchar_t* pszFormat) {
-    for (const wchar_t* p = pszFormat; *p;) {
-        if (*p != L'%') {
+template <class Ch>
+bool IsSound(const Ch* pszFormat) {
+    for (const Ch* p = pszFormat; *p;) {
+        if (*p != '%') {
             ++p;
             continue;
         }
-        const wchar_t* pEnd = EndOfConversion(p);
+        const Ch* pEnd = EndOfConversion(p);
         if (pEnd == p) return false;
         p = pEnd;
     }
@@ -38,15 +46,16 @@ bool IsSound(const wchar_t* pszFormat) {
 
 /// Copies the format with every '%' that starts no conversion doubled. The copy has room for twice
 /// the format's length.
-void CopyRepaired(wchar_t* pszOut, const wchar_t* pszFormat) {
-    for (const wchar_t* p = pszFormat; *p;) {
-        if (*p != L'%') {
+template <class Ch>
+void CopyRepaired(Ch* pszOut, const Ch* pszFormat) {
+    for (const Ch* p = pszFormat; *p;) {
+        if (*p != '%') {
             *pszOut++ = *p++;
             continue;
         }
-        const wchar_t* pEnd = EndOfConversion(p);
+        const Ch* pEnd = EndOfConversion(p);
         if (pEnd == p) {
-            *pszOut++ = L'%';
+            *pszOut++ = '%';
             *pszOut++ = *p++;
         } else {
             while (p < pEnd) *pszOut++ = *p++;
@@ -55,26 +64,46 @@ void CopyRepaired(wchar_t* pszOut, const wchar_t* pszFormat) {
     *pszOut = 0;
 }
 
-int FormatSound(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, va_list args) {
-    // _vsnwprintf is the platform's own on every toolchain; vswprintf changes its dialect with the
-    // C++ library's settings. It gives a negative result for a cut and then does not terminate.
-    int n = _vsnwprintf(pszBuffer, cchBuffer - 1, pszFormat, args);
+// These two are the platform's own on every toolchain; vswprintf and vsnprintf change their dialect
+// with the C++ library's settings. They give a negative result for a cut and then do not terminate.
+int Print(wchar_t* pszBuffer, std::size_t cch, const wchar_t* pszFormat, va_list args) {
+    return _vsnwprintf(pszBuffer, cch, pszFormat, args);
+}
+int Print(char* pszBuffer, std::size_t cch, const char* pszFormat, va_list args) {
+    return _vsnprintf(pszBuffer, cch, pszFormat, args);
+}
+
+template <class Ch>
+int FormatSound(Ch* pszBuffer, std::size_t cchBuffer, const Ch* pszFormat, va_list args) {
+    int n = Print(pszBuffer, cchBuffer - 1, pszFormat, args);
     if (n < 0 || static_cast<std::size_t>(n) >= cchBuffer) n = static_cast<int>(cchBuffer - 1);
     pszBuffer[n] = 0;
-    return static_cast<int>(std::wcslen(pszBuffer)); // a %c of 0 ends the text early
+    // A %c of 0 ends the text early.
+    return static_cast<int>(std::char_traits<Ch>::length(pszBuffer));
+}
+
+template <class Ch>
+int FormatAny(Ch* pszBuffer, std::size_t cchBuffer, const Ch* pszFormat, va_list args) {
+    if (!pszBuffer || cchBuffer == 0) return 0;
+    // A conversion that fails half-way leaves no old text.
+    std::memset(pszBuffer, 0, cchBuffer * sizeof(Ch));
+    if (!pszFormat) return 0;
+    if (IsSound(pszFormat)) return FormatSound(pszBuffer, cchBuffer, pszFormat, args);
+    std::size_t cchFormat = std::char_traits<Ch>::length(pszFormat);
+    Ch* pszRepaired = new (std::nothrow) Ch[2 * cchFormat + 1];
+    if (!pszRepaired) return 0;
+    ScopeExit release([&] { delete[] pszRepaired; });
+    CopyRepaired(pszRepaired, pszFormat);
+    return FormatSound(pszBuffer, cchBuffer, static_cast<const Ch*>(pszRepaired), args);
 }
 } // namespace
 
 int FormatTextV(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, va_list args) {
-    if (!pszBuffer || cchBuffer == 0) return 0;
-    std::wmemset(pszBuffer, 0, cchBuffer); // a conversion that fails half-way leaves no old text
-    if (!pszFormat) return 0;
-    if (IsSound(pszFormat)) return FormatSound(pszBuffer, cchBuffer, pszFormat, args);
-    wchar_t* pszRepaired = new (std::nothrow) wchar_t[2 * std::wcslen(pszFormat) + 1];
-    if (!pszRepaired) return 0;
-    ScopeExit release([&] { delete[] pszRepaired; });
-    CopyRepaired(pszRepaired, pszFormat);
-    return FormatSound(pszBuffer, cchBuffer, pszRepaired, args);
+    return FormatAny(pszBuffer, cchBuffer, pszFormat, args);
+}
+
+int FormatNarrowTextV(char* pszBuffer, std::size_t cchBuffer, const char* pszFormat, va_list args) {
+    return FormatAny(pszBuffer, cchBuffer, pszFormat, args);
 }
 
 int FormatText(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, ...) {

@@ -18,7 +18,10 @@ struct ArgList {
 int FormatTextV(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, va_list args);
 int FormatText(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, ...);
 
-/// The same into an array, whose size is taken from its type.
+/// The same for narrow text, where %s and %c are narrow, %ls and %S wide.
+int FormatNarrowTextV(char* pszBuffer, std::size_t cchBuffer, const char* pszFormat, va_list args);
+
+/// The wide one into an array, whose size is taken from its type.
 template <std::size_t cch>
 int FormatText(wchar_t (&szBuffer)[cch], const wchar_t* pszFormat, ...) {
     va_list args;

@@ -1,0 +1,419 @@
+#include "store/ini_file.h"
+
+#include "support/guard_page.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <random>
+#include <type_traits>
+#include <vector>
+
+static_assert(std::has_virtual_destructor_v<IniFile> && !std::is_copy_constructible_v<IniFile>);
+
+namespace {
+using Lines = std::vector<std::wstring>;
+
+/// Writes down what passes: "begin", "[a] ;comment", "[a] name=value", "end".
+class Recorder : public IniFile {
+  public:
+    using IniFile::IniFile;
+    Lines lines;
+    int nStopAt = -1; // the event with this number gives 0
+    std::size_t cchLongest[3] = {};
+    bool bGiveUp = false; // the parser, at every event
+
+    int CallBack(CallBackFlag nFlag, const wchar_t* pszSection, const wchar_t* pszName,
+                 const wchar_t* pszValue) override {
+        EXPECT_EQ(nFlag == cbVar, pszValue != nullptr);
+        EXPECT_EQ(nFlag == cbVar || nFlag == cbComment, pszSection && pszName);
+        if (nFlag == cbBegin) lines.push_back(L"begin");
+        if (nFlag == cbEnd) lines.push_back(L"end");
+        if (nFlag == cbComment) Note(pszSection, pszName, L"");
+        if (nFlag == cbVar) Note(pszSection, std::wstring(pszName) + L"=", pszValue);
+        if (bGiveUp) DeleteParser();
+        return static_cast<int>(lines.size()) - 1 != nStopAt;
+    }
+
+  private:
+    void Note(const wchar_t* pszSection, const std::wstring& strName, const wchar_t* pszValue) {
+        cchLongest[0] = std::max(cchLongest[0], std::wcslen(pszSection));
+        cchLongest[1] = std::max(cchLongest[1], strName.size());
+        cchLongest[2] = std::max(cchLongest[2], std::wcslen(pszValue));
+        lines.push_back(L"[" + std::wstring(pszSection) + L"] " + strName + pszValue);
+    }
+};
+
+struct PassCase {
+    const char* pszName;
+    std::wstring strText;
+    Lines expected; // between "begin" and "end"
+};
+class IniFileReadPass : public testing::TestWithParam<PassCase> {};
+TEST_P(IniFileReadPass, Reports) {
+    GuardedText text(GetParam().strText);
+    Lines expected{L"begin"};
+    expected.insert(expected.end(), GetParam().expected.begin(), GetParam().expected.end());
+    expected.push_back(L"end");
+    for (unsigned cch : {0u, static_cast<unsigned>(GetParam().strText.size())}) {
+        Recorder ini;
+        EXPECT_EQ(1, ini.ReadAll(text.Get(), cch));
+        EXPECT_EQ(expected, ini.lines);
+    }
+}
+const std::wstring k1500(1500, L'v'), k300(300, L'n');
+INSTANTIATE_TEST_SUITE_P(
+    IniFileRead, IniFileReadPass,
+    testing::Values(
+        PassCase{"HeaderAlone", L"[a]", {}}, PassCase{"OnlyBlanks", L"  ", {}},
+        PassCase{
+            "Variables", L"[a]\r\nx=1\r\ny=2\r\n[b]\r\nz=3", {L"[a] x=1", L"[a] y=2", L"[b] z=3"}},
+        PassCase{"LineFeedsOnly", L"[a]\nx=1\n[b]\ny=2", {L"[a] x=1", L"[b] y=2"}},
+        PassCase{"Prefix", L"\xFEFF[a]\nx=1", {L"[a] x=1"}},
+        PassCase{"SecondPrefixIsContent", L"\xFEFF\xFEFF[a]\nx=1", {}},
+        PassCase{"BlankLineIsAnEmptyComment",
+                 L"\n[a]\n\n \r\nx=1\n\n",
+                 {L"[] ", L"[a] ", L"[a] ", L"[a] x=1", L"[a] "}},
+        PassCase{"Comments",
+                 L";one\n ;two\n[a];three\n;four\nx=1\n;five",
+                 {L"[] ;one", L"[] ;two", L"[a] ;four", L"[a] x=1", L"[a] ;five"}},
+        PassCase{"CommentBehindAValueBelongsToIt", L"[a]\nx=1;2", {L"[a] x=1;2"}},
+        PassCase{
+            "BlanksAroundNameAndValue", L"[a]\nx = 1 \n \ty\t =\t 2", {L"[a] x=1 ", L"[a] y\t=2"}},
+        PassCase{"EmptyValue", L"[a]\nx=\ny=", {L"[a] x=", L"[a] y="}},
+        PassCase{"EmptyName", L"[a]\n=1\n =2", {L"[a] =1", L"[a] =2"}},
+        PassCase{"SecondEqualsSignIsValue", L"[a]\nx=1=2", {L"[a] x=1=2"}},
+        PassCase{"LineWithoutEqualsSignJoinsTheNext",
+                 L"[a]\nx=1\nlost\r\ny=2",
+                 {L"[a] x=1", L"[a] lost\r\ny=2"}},
+        PassCase{"LineWithoutEqualsSignAtTheEnd", L"[a]\nx=1\nlost\n", {L"[a] x=1"}},
+        PassCase{"HeaderWithoutBracket", L"[a]\nx=1\n[b\ny=2", {L"[a] x=1"}},
+        PassCase{"HeaderAcrossLines", L"[a\nb]\nx=1", {L"[a\nb] x=1"}},
+        PassCase{"HeaderKeepsItsBlanks", L"[ a ] rest\nx=1", {L"[ a ] x=1"}},
+        PassCase{"EmptyHeader", L"[]\nx=1", {L"[] x=1"}},
+        PassCase{"VariablesBeforeAnySection", L"x=1\n[a]\ny=2", {}},
+        PassCase{"LoneReturnStaysInAValue", L"[a]\nx=1\r2\ny=3\r", {L"[a] x=1\r2", L"[a] y=3\r"}},
+        PassCase{"ValueIsCutAt1024",
+                 L"[a]\nx=" + k1500 + L"\ny=2",
+                 {L"[a] x=" + k1500.substr(0, 1024), L"[a] y=2"}},
+        PassCase{"Value1024Fits",
+                 L"[a]\nx=" + k1500.substr(0, 1024),
+                 {L"[a] x=" + k1500.substr(0, 1024)}},
+        PassCase{"NameIsCutAt255",
+                 L"[a]\n" + k300 + L"=1\ny=2",
+                 {L"[a] " + k300.substr(0, 255) + L"=1", L"[a] y=2"}},
+        PassCase{
+            "SectionIsCutAt255", L"[" + k300 + L"]\ny=2", {L"[" + k300.substr(0, 255) + L"] y=2"}},
+        PassCase{"CommentIsCutAt255",
+                 L";" + k300 + L"\n[a]\ny=2",
+                 {L"[] ;" + k300.substr(0, 254), L"[a] y=2"}}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(IniFileRead, EmptyBlockGivesZeroAfterBegin) {
+    for (const wchar_t* psz : {L"", L"\xFEFF", static_cast<const wchar_t*>(nullptr)}) {
+        Recorder ini;
+        EXPECT_EQ(0, ini.ReadAll(psz, 0));
+        EXPECT_EQ(Lines{L"begin"}, ini.lines);
+    }
+}
+
+TEST(IniFileRead, ZeroFromAnyEventEndsThePass) {
+    const wchar_t* pszText = L";c\n[a]\n;d\nx=1\n;e\n[b]\n;f";
+    Recorder whole;
+    EXPECT_EQ(1, whole.ReadAll(pszText, 0));
+    ASSERT_EQ(7u, whole.lines.size());
+    for (int n = 0; n < 7; ++n) {
+        Recorder ini;
+        ini.nStopAt = n;
+        EXPECT_EQ(0, ini.ReadAll(pszText, 0)) << n;
+        EXPECT_EQ(n + 1u, ini.lines.size()) << n;
+    }
+}
+
+TEST(IniFileRead, BaseClassTakesEverything) {
+    IniFile ini;
+    EXPECT_EQ(1, ini.ReadAll(L"[a]\nx=1", 0));
+    EXPECT_EQ(0u, ini.MakeData(nullptr));
+}
+
+TEST(IniFileRead, StepsOutsideAPassGiveZero) {
+    IniFile ini;
+    wchar_t sz[IniFile::kValueSize];
+    EXPECT_EQ(0, ini.GetComment(sz) || ini.GetSec(sz) || ini.GetVar(sz) || ini.GetVal(sz));
+    EXPECT_EQ(1, ini.ReadAll(L"[a]\nlost", 0));
+    EXPECT_EQ(1, ini.GetVal(sz)); // the parser stays
+    EXPECT_EQ(0, ini.DeleteParser());
+    EXPECT_EQ(0, ini.GetVal(sz));
+    EXPECT_EQ(0, ini.DeleteParser());
+}
+
+TEST(IniFileRead, CallBackMayGiveTheParserUp) {
+    Recorder ini;
+    ini.bGiveUp = true;
+    EXPECT_EQ(0, ini.ReadAll(L"[a]\nx=1", 0));
+    EXPECT_EQ(Lines{L"begin"}, ini.lines);
+}
+
+TEST(IniFileRead, RandomTextsStayInBounds) {
+    std::mt19937 random(20240701);
+    const wchar_t kChars[] = L"[]=;\r\n \tab\xFEFF\x20AC";
+    auto choose = [&] {
+        if (random() % 300 == 0) return L'\0';
+        return kChars[random() % (std::size(kChars) - 1)];
+    };
+    GuardedMemory memory(1500 * sizeof(wchar_t));
+    auto* const pEnd = static_cast<wchar_t*>(memory.Get()) + 1500;
+    std::size_t cchLongest[3] = {};
+    for (int n = 0; n < 200000; ++n) {
+        // A long one now and then, mostly of one character, so that every limit is met.
+        bool bLong = n % 50 == 0;
+        unsigned cch = 1 + random() % (bLong ? 1500 : 40);
+        wchar_t* pszText = pEnd - cch;
+        std::generate(pszText, pEnd, choose);
+        if (bLong) std::fill(pszText + random() % std::min(cch, 8u), pEnd - cch / 8, choose());
+        if (n % 2 && cch >= 3) std::copy_n(L"[a]", 3, pszText);
+        if (n % 100 == 0 && cch >= 8) std::copy_n(L"[a]\nx=yz", 8, pszText);
+        Recorder ini;
+        int nResult = ini.ReadAll(pszText, cch);
+        ASSERT_TRUE(nResult == 0 || nResult == 1);
+        ASSERT_EQ(nResult == 1, ini.lines.back() == L"end");
+        ASSERT_LE(ini.lines.size(), cch + 2);
+        for (int i : {0, 1, 2}) cchLongest[i] = std::max(cchLongest[i], ini.cchLongest[i]);
+    }
+    EXPECT_EQ(255u, cchLongest[0]);
+    EXPECT_EQ(256u, cchLongest[1]); // with the "=" that the recorder adds
+    EXPECT_EQ(1024u, cchLongest[2]);
+}
+
+// Files
+
+TEST(IniFile, KeepsAPathOf259Characters) {
+    EXPECT_STREQ(L"", IniFile().GetPath());
+    EXPECT_STREQ(L"", IniFile(nullptr).GetPath());
+    std::wstring str(300, L'x');
+    for (unsigned cch : {0u, 1u, 258u, 259u, 260u, 300u}) {
+        IniFile ini(str.substr(0, cch).c_str());
+        EXPECT_EQ(str.substr(0, std::min(cch, 259u)), ini.GetPath());
+    }
+    IniFile ini(L"a");
+    ini.SetPath(L"b");
+    EXPECT_STREQ(L"b", ini.GetPath());
+    ini.SetPath(nullptr);
+    EXPECT_STREQ(L"", ini.GetPath());
+}
+
+std::string Bytes(const std::wstring& str) {
+    return std::string(reinterpret_cast<const char*>(str.data()), str.size() * sizeof(wchar_t));
+}
+
+class IniFileOnDisk : public testing::Test {
+  protected:
+    int Read(const std::string& strContent) {
+        folder.MakeFile(L"a.ini", strContent);
+        ini.lines.clear();
+        return ini.ReadData();
+    }
+    TempFolder folder;
+    std::wstring strPath = folder.File(L"a.ini");
+    Recorder ini{strPath.c_str()};
+};
+using IniFileReadData = IniFileOnDisk;
+
+TEST_F(IniFileReadData, ReadsUtf16WithAndWithoutAMark) {
+    Lines expected{L"begin", L"[a] x=1", L"end"};
+    EXPECT_EQ(1, Read(Bytes(L"\xFEFF[a]\r\nx=1")));
+    EXPECT_EQ(expected, ini.lines);
+    EXPECT_EQ(1, Read(Bytes(L"[a]\r\nx=1")));
+    EXPECT_EQ(expected, ini.lines);
+    std::string strLong = Bytes(L"[a]\r\nx=" + std::wstring(100000, L'y'));
+    EXPECT_EQ(1, Read(strLong));
+}
+
+TEST_F(IniFileReadData, StopsAtATerminatorAndCompletesAnOddByte) {
+    EXPECT_EQ(1, Read(Bytes(std::wstring(L"[a]\nx=1\0\ny=2", 12))));
+    EXPECT_EQ((Lines{L"begin", L"[a] x=1", L"end"}), ini.lines);
+    EXPECT_EQ(1, Read(Bytes(L"[a]\nx=1") + "2"));
+    EXPECT_EQ((Lines{L"begin", L"[a] x=12", L"end"}), ini.lines);
+    EXPECT_EQ(1, Read("["));
+}
+
+TEST_F(IniFileReadData, MissingEmptyAndHeldFilesGiveZero) {
+    EXPECT_EQ(0, ini.ReadData());
+    EXPECT_EQ(0, Read(""));
+    EXPECT_EQ(0, Recorder().ReadData());
+    EXPECT_EQ(0, Recorder(folder.Get().c_str()).ReadData());
+    EXPECT_TRUE(ini.lines.empty());
+    EXPECT_EQ(1, Read(Bytes(L"[a]")));
+    HANDLE h = ::CreateFileW(strPath.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(0, ini.ReadData());
+    ::CloseHandle(h);
+}
+
+TEST_F(IniFileReadData, GivesZeroWhenStopped) {
+    ini.nStopAt = 1;
+    EXPECT_EQ(0, Read(Bytes(L"[a]\nx=1\ny=2")));
+    EXPECT_EQ(2u, ini.lines.size());
+}
+
+class Writer : public IniFile {
+  public:
+    using IniFile::IniFile;
+    bool bEmpty = false;
+    unsigned MakeData(wchar_t* pszOut) override {
+        unsigned nCount = 0;
+        if (bEmpty) return 0;
+        WriteSec(pszOut, L"a", nCount);
+        WriteVar(pszOut, L"x", L"1", nCount);
+        WriteVar(pszOut, L"empty", L"", nCount);
+        return nCount;
+    }
+};
+
+class IniFileWriteTest : public testing::Test {
+  protected:
+    TempFolder folder;
+    std::wstring strPath = folder.File(L"a.ini");
+    Writer ini{strPath.c_str()};
+};
+using IniFileWrite = IniFileWriteTest;
+
+TEST_F(IniFileWrite, CountsAndStores) {
+    unsigned nCount = 5;
+    wchar_t* pszNone = nullptr;
+    IniFile::WriteSec(pszNone, L"sec", nCount);
+    EXPECT_EQ(12u, nCount);
+    EXPECT_EQ(nullptr, pszNone);
+    IniFile::WriteVar(pszNone, nullptr, nullptr, nCount);
+    EXPECT_EQ(15u, nCount);
+    wchar_t sz[20] = {};
+    wchar_t* pszOut = sz;
+    nCount = 0;
+    IniFile::WriteSec(pszOut, L"s", nCount);
+    IniFile::WriteVar(pszOut, L"n", L"v", nCount);
+    EXPECT_STREQ(L"[s]\r\nn=v\r\n", sz);
+    EXPECT_EQ(10u, nCount);
+    EXPECT_EQ(sz + 10, pszOut);
+}
+
+TEST_F(IniFileWrite, RewritesTheFile) {
+    folder.MakeFile(L"a.ini", std::string(500, 'o'));
+    EXPECT_EQ(1, ini.WriteData());
+    EXPECT_EQ(Bytes(L"\xFEFF[a]\r\nx=1\r\nempty=\r\n"), folder.ReadFile(L"a.ini"));
+    Recorder back(strPath.c_str());
+    EXPECT_EQ(1, back.ReadData());
+    EXPECT_EQ((Lines{L"begin", L"[a] x=1", L"[a] empty=", L"end"}), back.lines);
+}
+
+TEST_F(IniFileWrite, PutsAttributesBack) {
+    folder.MakeFile(L"a.ini", "old");
+    constexpr DWORD kBoth = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
+    ::SetFileAttributesW(strPath.c_str(), kBoth);
+    EXPECT_EQ(1, ini.WriteData());
+    EXPECT_EQ(kBoth, ::GetFileAttributesW(strPath.c_str()) & kBoth);
+    EXPECT_EQ(Bytes(L"\xFEFF[a]\r\nx=1\r\nempty=\r\n"), folder.ReadFile(L"a.ini"));
+    ::SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(IniFileWrite, FileThatCannotBeMadeGivesZeroWithItsAttributes) {
+    folder.MakeFile(L"a.ini", "old");
+    ::SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_READONLY);
+    HANDLE h = ::CreateFileW(strPath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                             0, nullptr);
+    EXPECT_EQ(0, ini.WriteData());
+    ::CloseHandle(h);
+    EXPECT_TRUE(::GetFileAttributesW(strPath.c_str()) & FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ("old", folder.ReadFile(L"a.ini"));
+    ::SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(0, Writer().WriteData());
+    EXPECT_EQ(0, Writer(folder.File(L"no\\a.ini").c_str()).WriteData());
+}
+
+TEST_F(IniFileWrite, NothingToWriteDeletesTheFile) {
+    ini.bEmpty = true;
+    folder.MakeFile(L"a.ini", "old");
+    EXPECT_EQ(1, ini.WriteData());
+    EXPECT_FALSE(std::filesystem::exists(strPath));
+    EXPECT_EQ(1, ini.WriteData());
+}
+
+// The boot folder
+
+class BootFileTest : public testing::Test {
+  protected:
+    BootFileTest() {
+        ::RegCreateKeyExW(HKEY_LOCAL_MACHINE,
+                          L"Software\\Microsoft\\Windows\\CurrentVersion\\Setup", 0, nullptr, 0,
+                          KEY_ALL_ACCESS, nullptr, &hkey, nullptr);
+        std::filesystem::create_directories(L"C:\\tst");
+        Touch(L"C:\\tst\\boot.ini");
+    }
+    ~BootFileTest() override {
+        std::error_code ignored;
+        ::RegDeleteValueW(hkey, L"BootDir");
+        ::RegCloseKey(hkey);
+        std::filesystem::remove_all(L"C:\\tst", ignored);
+    }
+    static void Touch(const std::wstring& strPath) {
+        std::ofstream(std::filesystem::path(strPath)) << "x";
+    }
+    void SetFolder(const std::wstring& str, bool bTerminated = true) {
+        ::RegSetValueExW(hkey, L"BootDir", 0, REG_SZ, reinterpret_cast<const BYTE*>(str.c_str()),
+                         static_cast<DWORD>((str.size() + bTerminated) * sizeof(wchar_t)));
+    }
+    /// The path found; empty if none.
+    std::wstring Find(const wchar_t* pszName) {
+        wchar_t sz[260] = L"untouched";
+        if (IniFile::FindBootFile(pszName, sz)) return sz;
+        EXPECT_STREQ(L"untouched", sz);
+        return L"";
+    }
+    HKEY hkey = nullptr;
+};
+using BootFile = BootFileTest;
+
+TEST_F(BootFile, IsFoundInTheBootFolder) {
+    for (const wchar_t* psz : {L"C:\\tst", L"C:\\tst\\"}) {
+        SetFolder(psz);
+        EXPECT_EQ(L"C:\\tst\\boot.ini", Find(L"boot.ini"));
+    }
+    SetFolder(L"C:/tst/", false);
+    EXPECT_EQ(L"C:/tst/boot.ini", Find(L"boot.ini"));
+    EXPECT_EQ(L"", Find(L"missing.ini"));
+    EXPECT_EQ(L"", Find(nullptr));
+    EXPECT_EQ(0, IniFile::FindBootFile(L"boot.ini", nullptr));
+}
+
+TEST_F(BootFile, MemberKeepsThePath) {
+    SetFolder(L"C:\\tst");
+    IniFile ini(L"before");
+    EXPECT_EQ(0, ini.FindBootFile(L"missing.ini"));
+    EXPECT_STREQ(L"before", ini.GetPath());
+    EXPECT_EQ(1, ini.FindBootFile(L"boot.ini"));
+    EXPECT_STREQ(L"C:\\tst\\boot.ini", ini.GetPath());
+}
+
+TEST_F(BootFile, FolderIsNone) {
+    SetFolder(L"C:\\");
+    EXPECT_EQ(L"", Find(L"tst"));
+}
+
+TEST_F(BootFile, MissingEmptyAndLongValuesGiveNothing) {
+    ::RegDeleteValueW(hkey, L"BootDir");
+    EXPECT_EQ(L"", Find(L"C:\\tst\\boot.ini"));
+    SetFolder(L"");
+    EXPECT_EQ(L"", Find(L"C:\\tst\\boot.ini"));
+    SetFolder(L"C:\\tst\\" + std::wstring(34, L'\0')); // 82 bytes
+    EXPECT_EQ(L"", Find(L"boot.ini"));
+    SetFolder(L"C:\\tst\\" + std::wstring(33, L'\0'), false); // 80
+    EXPECT_EQ(L"C:\\tst\\boot.ini", Find(L"boot.ini"));
+    SetFolder(std::wstring(40, L'x'), false); // without a terminator
+    EXPECT_EQ(L"", Find(L"boot.ini"));
+}
+
+TEST_F(BootFile, IsCutAt19Characters) {
+    SetFolder(L"C:\\tst");
+    Touch(L"C:\\tst\\123456789012");
+    EXPECT_EQ(L"C:\\tst\\123456789012", Find(L"123456789012"));
+    EXPECT_EQ(L"C:\\tst\\123456789012", Find(L"1234567890123.ini"));
+}
+} // namespace
