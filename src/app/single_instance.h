@@ -11,8 +11,8 @@ class TESSALY_API SingleInstanceXP {
     SingleInstanceXP(const SingleInstanceXP&) = delete; // owns the mark
     SingleInstanceXP& operator=(const SingleInstanceXP&) = delete;
 
-    /// 1 if no other process has the mark of that name: in this session, or with bGlobal on the
-    /// whole machine. The two kinds do not see each other. 0 also when the mark cannot be made.
+    /// 1 if no other process has the mark of that name: in this logon session, or with bGlobal on
+    /// the whole machine. The two kinds do not see each other. 0 also when the mark cannot be made.
     int IsFirstInstance(int bGlobal, const wchar_t* pszName);
 
   private:
