@@ -1,6 +1,7 @@
 #pragma once
 // Everything that the library offers to programs that use it.
 #include "app/app_instance.h"
+#include "app/cmd_line.h"
 #include "app/my_product_info.h"
 #include "app/product_info.h"
 #include "app/single_instance.h"
