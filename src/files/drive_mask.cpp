@@ -2,7 +2,6 @@
 #include "files/path_chars.h"
 #include "runtime/str_case.h"
 
-#include <bit>
 #include <cwchar>
 
 namespace {
@@ -23,7 +22,12 @@ int GetDriveFromMask(DWORD dwMask, unsigned nIndex) {
     return -1;
 }
 
-int CountBits(DWORD dwMask) { return std::popcount(dwMask); }
+// (std::popcount would call into the compiler's own library on these processors.)
+int CountBits(DWORD dwMask) {
+    int n = 0;
+    for (; dwMask; dwMask >>= 1) n += dwMask & 1;
+    return n;
+}
 
 int GetDrivesList(DWORD dwMask, wchar_t* pszOut, unsigned cchOut, const wchar_t* pszSeparator) {
     if (dwMask == kUnknownMask || !pszOut || cchOut == 0) return 0;

@@ -4,8 +4,8 @@
 // Taking paths apart. Nothing here asks the file system.
 //
 // A separator is a backslash or a slash. Paths have at most 259 characters; where one is copied to
-// a buffer, that has 260, and what is longer is cut. A null path counts as empty; where the result
-// points into the path it is then null.
+// a buffer, that has 260, and what is longer is cut. A null path counts as empty; functions
+// whose result points into the path give null for it.
 
 /// Behind the last separator or ":", else the start. Behind a trailing separator that is the
 /// terminator.
