@@ -1,8 +1,12 @@
 #pragma once
 // Everything that the library offers to programs that use it.
 #include "app/app_instance.h"
+#include "app/assoc_app.h"
+#include "app/cmd_line.h"
 #include "app/my_product_info.h"
+#include "app/open_html.h"
 #include "app/product_info.h"
+#include "app/run_file.h"
 #include "app/single_instance.h"
 #include "files/core_file.h"
 #include "files/core_io.h"
