@@ -109,6 +109,37 @@ TEST(CopyChunks, WithoutABufferNothingMoves) {
     EXPECT_TRUE(source.reads.empty());
 }
 
+TEST(CopyContents, FillsTheTargetFromItsStartAndCutsItThere) {
+    for (DWORD cb : {0u, 5u}) {
+        MemoryStream source("abcde"), target("old contents");
+        target.nPos = 3;
+        char buffer[8];
+        EXPECT_EQ(1, CopyContents(source, target, buffer, 8, cb));
+        EXPECT_EQ(cb, target.nPos);
+        EXPECT_EQ(source.str.substr(0, cb), target.str.substr(0, cb));
+        EXPECT_TRUE(target.bCut);
+    }
+}
+
+TEST(CopyContents, TargetThatCannotBeFilledIsNotCut) {
+    MemoryStream source("abcde"), target("old contents");
+    char buffer[8];
+    target.cbCapacity = 4;
+    EXPECT_EQ(0, CopyContents(source, target, buffer, 8, 5));
+    EXPECT_FALSE(target.bCut);
+    source.nFailReadAt = static_cast<int>(source.reads.size());
+    target.cbCapacity = 100;
+    EXPECT_EQ(0, CopyContents(source, target, buffer, 8, 5));
+    EXPECT_FALSE(target.bCut);
+}
+
+TEST(CopyContents, TargetThatCannotBeCutGivesZero) {
+    MemoryStream source("abcde"), target("old contents");
+    char buffer[8];
+    target.bCannotCut = true;
+    EXPECT_EQ(0, CopyContents(source, target, buffer, 8, 5));
+}
+
 // Copying files
 
 TEST_F(CoreFileCopy, MakesAndOverwritesTheTarget) {
