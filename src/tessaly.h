@@ -60,6 +60,8 @@
 #include "store/reg_key.h"
 #include "wnd/company_msg.h"
 #include "wnd/core_wnd.h"
+#include "wnd/csdc.h"
+#include "wnd/csicon.h"
 #include "wnd/cswnd.h"
 #include "wnd/wait_cursor.h"
 #include "wnd/wm_hook.h"
