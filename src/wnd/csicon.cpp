@@ -1,4 +1,5 @@
 #include "wnd/csicon.h"
+#include "wnd/icon_bitmap.h"
 #include "wnd/resource_id.h"
 
 namespace {
@@ -24,4 +25,15 @@ int CSIcon::GetSize(int& cx, int& cy) const {
     cx = width;
     cy = height;
     return IsReady();
+}
+
+HBITMAP CSIcon::IconToMenuBitmap(HICON hicon) { return hicon ? MakeIconBitmap(hicon) : nullptr; }
+
+long CSIcon::Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult) {
+    return MakeBitmap32(hdc, psize, ppBits, phResult);
+}
+
+void CSIcon::InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,
+                            unsigned short nBitCount) {
+    FillBitmapInfo(pInfo, cbInfo, cx, cy, nBitCount);
 }

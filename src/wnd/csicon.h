@@ -21,6 +21,15 @@ class TESSALY_API CSIcon {
     int GetSize(int& cx, int& cy) const;
     operator HICON() const { return hIcon.Get(); }
 
+    /// The icon as a bitmap with alpha for a menu item; see MakeIconBitmap in wnd/icon_bitmap.h.
+    /// The caller owns it. Null for a null icon, too.
+    [[nodiscard]] static HBITMAP IconToMenuBitmap(HICON hicon);
+    /// A bottom-up section of 32 bits a pixel: MakeBitmap32 in wnd/icon_bitmap.h.
+    static long Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult);
+    /// The header of such a bitmap: FillBitmapInfo in wnd/icon_bitmap.h.
+    static void InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,
+                               unsigned short nBitCount);
+
   private:
     OwnedIcon hIcon;
     int width = 0;

@@ -130,6 +130,36 @@ TEST(CSIcon, DestroysTheIconAtTheEnd) {
     EXPECT_FALSE(::GetIconInfo(hicon, &info));
 }
 
+TEST(CSIcon, MenuBitmapHasTheIconsSize) {
+    CSIcon icon;
+    icon.Load(IDI_TEST, 1, 0);
+    HBITMAP hbm = CSIcon::IconToMenuBitmap(icon);
+    BITMAP bitmap{};
+    ASSERT_NE(0, ::GetObjectW(hbm, sizeof(bitmap), &bitmap));
+    EXPECT_EQ(16, bitmap.bmWidth);
+    EXPECT_EQ(16, bitmap.bmHeight);
+    EXPECT_EQ(32, bitmap.bmBitsPixel);
+    ::DeleteObject(hbm);
+    EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(nullptr));
+}
+
+TEST(CSIcon, SectionAndItsHeaderAreBottomUpWith32Bits) {
+    BITMAPINFO info;
+    CSIcon::InitBitmapInfo(&info, sizeof(info), 3, 5, 32);
+    EXPECT_EQ(5, info.bmiHeader.biHeight);
+    EXPECT_EQ(32, info.bmiHeader.biBitCount);
+    SIZE size{3, 5};
+    void* pBits = nullptr;
+    HBITMAP hbm = nullptr;
+    ASSERT_EQ(0, CSIcon::Create32BitHBITMAP(nullptr, &size, &pBits, &hbm));
+    static_cast<DWORD*>(pBits)[0] = 0x00FF0000;
+    MemoryPicture picture(1, 1);
+    HGDIOBJ hbmBefore = ::SelectObject(picture, hbm);
+    EXPECT_EQ(kRed, ::GetPixel(picture, 0, 4));
+    ::SelectObject(picture, hbmBefore);
+    ::DeleteObject(hbm);
+}
+
 struct IdCase {
     const char* pszName;
     int nId;
