@@ -68,6 +68,7 @@
 #include "shell/shell_notify.h"
 #include "shell/shell_subclass.h"
 #include "shell/shell_subclasser.h"
+#include "store/home_folder.h"
 #include "store/ini_file.h"
 #include "store/parser.h"
 #include "store/reg_key.h"
