@@ -14,6 +14,9 @@ inline bool IsPathBreak(wchar_t ch) { return IsPathSeparator(ch) || ch == L':'; 
 /// A letter and ":", with anything behind.
 inline bool StartsWithDrive(const wchar_t* psz) { return IsAlphaChar(*psz) && psz[1] == L':'; }
 
+/// Neither null nor too long for a path buffer.
+int FitsPath(const wchar_t* psz);
+
 /// Copies at most cchMax characters of a text and a terminator, so that pszOut holds cchMax + 1.
 /// The two may overlap; a null text counts as empty. Returns the length written;
 /// 0 for a null output.

@@ -63,11 +63,12 @@ int EncodeFileName(wchar_t* pszOut, const wchar_t* pszIn) {
     std::size_t cch = 0;
     const wchar_t* p = pszIn ? pszIn : L"";
     for (; *p; ++p) {
-        const wchar_t* pszFormat = IsInNameTable(*p) ? L"&#%d;" : L"%c";
-        auto cchPiece = static_cast<std::size_t>(FormatText(szPiece, pszFormat, *p));
+        std::size_t cchPiece = 1;
+        szPiece[0] = *p;
+        if (IsInNameTable(*p))
+            cchPiece = static_cast<std::size_t>(FormatText(szPiece, L"&#%d;", *p));
         if (cch + cchPiece > kMaxName) break;
-        CopyTextPart(szOut + cch, szPiece, cchPiece);
-        cch += cchPiece;
+        cch += CopyTextPart(szOut + cch, szPiece, cchPiece);
     }
     int bWhole = !*p; // before the output is written, which may be the input
     CopyTextPart(pszOut, szOut, cch);

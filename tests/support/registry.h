@@ -23,18 +23,37 @@ struct RegContent {
     bool operator==(const RegContent&) const = default;
 };
 
+/// Deletes a key with all below it; links as such, which RegDeleteKey would follow.
+inline void DeleteRegTree(HKEY hkeyRoot, const std::wstring& strPath) {
+    HKEY hkeyTree = nullptr;
+    if (::RegOpenKeyExW(hkeyRoot, strPath.c_str(), REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, &hkeyTree))
+        return;
+    std::vector<std::wstring> names;
+    wchar_t szName[300];
+    for (DWORD n = 0, cch = 300;
+         ::RegEnumKeyExW(hkeyTree, n, szName, &cch, nullptr, nullptr, nullptr, nullptr) == 0;
+         ++n, cch = 300) {
+        names.push_back(szName);
+    }
+    for (const auto& strName : names) DeleteRegTree(hkeyTree, strName);
+    using DeleteKeyFunc = LONG WINAPI(HANDLE);
+    static RuntimeFunc<DeleteKeyFunc> deleteKey(L"ntdll.dll", "NtDeleteKey");
+    deleteKey.Get()(hkeyTree);
+    ::RegCloseKey(hkeyTree);
+}
+
 /// A key below HKCU, made for a test and deleted with all below it at the end.
 class TestKey {
   public:
     explicit TestKey(const std::wstring& strBelowCurrentUser) : strPath(strBelowCurrentUser) {
-        DeleteTree(strPath);
+        DeleteRegTree(HKEY_CURRENT_USER, strPath);
         Create();
     }
     TestKey(const TestKey&) = delete;
     TestKey& operator=(const TestKey&) = delete;
     ~TestKey() {
         ::RegCloseKey(hkey);
-        DeleteTree(strPath);
+        DeleteRegTree(HKEY_CURRENT_USER, strPath);
     }
 
     /// As a path for RegKey, with what is given added.
@@ -51,7 +70,7 @@ class TestKey {
     void Delete() {
         ::RegCloseKey(hkey);
         hkey = nullptr;
-        DeleteTree(strPath);
+        DeleteRegTree(HKEY_CURRENT_USER, strPath);
     }
 
     void Put(const std::wstring& strName, DWORD dwType, const RegBytes& bytes,
@@ -141,27 +160,6 @@ class TestKey {
     }
 
   private:
-    /// Deletes links as such, which RegDeleteKey would follow.
-    static void DeleteTree(const std::wstring& strBelowCurrentUser) {
-        HKEY hkeyTree = nullptr;
-        if (::RegOpenKeyExW(HKEY_CURRENT_USER, strBelowCurrentUser.c_str(), REG_OPTION_OPEN_LINK,
-                            KEY_ALL_ACCESS, &hkeyTree)) {
-            return;
-        }
-        std::vector<std::wstring> names;
-        wchar_t szName[300];
-        for (DWORD n = 0, cch = 300;
-             ::RegEnumKeyExW(hkeyTree, n, szName, &cch, nullptr, nullptr, nullptr, nullptr) == 0;
-             ++n, cch = 300) {
-            names.push_back(szName);
-        }
-        for (const auto& strName : names) DeleteTree(strBelowCurrentUser + L"\\" + strName);
-        using DeleteKeyFunc = LONG WINAPI(HANDLE);
-        static RuntimeFunc<DeleteKeyFunc> deleteKey(L"ntdll.dll", "NtDeleteKey");
-        deleteKey.Get()(hkeyTree);
-        ::RegCloseKey(hkeyTree);
-    }
-
     std::wstring strPath;
     HKEY hkey = nullptr;
 };
