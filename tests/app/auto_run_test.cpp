@@ -1,5 +1,5 @@
 #include "app/auto_run.h"
-#include "app/launch_reports.h"
+#include "support/launch_reports.h"
 #include "app/run_file.h"
 #include "app/shell_start_recorder.h"
 #include "support/replace_import.h"

@@ -1,7 +1,7 @@
 #include "app/elevate.h"
 #include "app/fake_windows.h"
 #include "app/hand_over.h"
-#include "app/launch_reports.h"
+#include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
 #include "files/path_home.h"
 #include "support/runtime_lookup.h"
@@ -435,6 +435,21 @@ TEST_F(Elevate, CallWithinACallGivesZero) {
     EXPECT_EQ(static_cast<DWORD>(ERROR_BUSY), dwInner);
     EXPECT_EQ(L"outer", shell.TakeOne().file);
     EXPECT_EQ(1, RunNonElevated(nullptr, L"next", nullptr, nullptr, nullptr, &dwError, 1));
+}
+
+TEST_F(Elevate, CallWaitsForTheLockOfAnother) {
+    HANDLE hMutex = ::CreateMutexW(nullptr, TRUE, L"Global\\Orvanta_Tessaly_HandOver");
+    ASSERT_NE(nullptr, hMutex);
+    std::atomic<int> nResult{-1};
+    std::thread other(
+        [&] { nResult = RunNonElevated(nullptr, L"f", nullptr, nullptr, nullptr, nullptr, 1); });
+    EXPECT_FALSE(WaitUntil([&] { return nResult != -1; }, 200));
+    EXPECT_TRUE(shell.calls.empty());
+    ::ReleaseMutex(hMutex);
+    other.join();
+    EXPECT_EQ(1, nResult);
+    EXPECT_EQ(L"f", shell.TakeOne().file);
+    ::CloseHandle(hMutex);
 }
 
 TEST_F(Elevate, LockOfACallThatDiedIsTakenOver) {

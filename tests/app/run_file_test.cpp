@@ -1,6 +1,6 @@
 #include "app/run_file.h"
 #include "app/fake_windows.h"
-#include "app/launch_reports.h"
+#include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
 #include "files/path_home.h"
 #include "shell/pidl_of_path.h"
@@ -8,6 +8,7 @@
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 #include <shellapi.h>
