@@ -59,6 +59,8 @@
 #include "store/ini_file.h"
 #include "store/parser.h"
 #include "store/reg_key.h"
+#include "store/reg_register.h"
+#include "store/reg_values.h"
 #include "wnd/company_msg.h"
 #include "wnd/core_wnd.h"
 #include "wnd/cswnd.h"
