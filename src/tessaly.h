@@ -4,6 +4,7 @@
 #include "app/app_instance.h"
 #include "app/assoc_app.h"
 #include "app/cmd_line.h"
+#include "app/elevate.h"
 #include "app/my_product_info.h"
 #include "app/open_html.h"
 #include "app/product_info.h"
