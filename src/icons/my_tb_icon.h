@@ -14,7 +14,7 @@ class MyTBIcon : public TBIcon {
     /// Unregisters it.
     ~MyTBIcon() override;
     // QUIRK: each click asks on its own account, so a double click asks more than once.
-    // Test: MyTBIcon.DoubleClickAsksForTheMenuMoreThanOnce
+    // Test: MyTBIconTest.DoubleClickAsksForTheMenuMoreThanOnce
     void OnLeftClick() override;
     void OnDoubleClick() override;
     void OnRightClick() override;

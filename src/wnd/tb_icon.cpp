@@ -214,7 +214,7 @@ int TBIcon::OnCompanyMessage(WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
 
 void TBIcon::OnTimer() {
     // QUIRK: whichever timer it is of, it is a step of the blinking as long as that goes on: a
-    // balloon stays then. Test: TBIcon.TimerIsABlinkStepWhileBothTimersRun
+    // balloon stays then. Test: TBIconTest.TimerIsABlinkStepWhileBothTimersRun
     if (timerBlink.IsTicking()) {
         DoBlink();
     } else if (timerBalloon.IsTicking()) {

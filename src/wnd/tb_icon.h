@@ -33,7 +33,7 @@ class TESSALY_API TBIcon : public CSWnd {
     virtual void OnCreateWnd();
     /// The window goes. The default takes the icon away.
     // QUIRK: blinking and the balloon's time begin also when the icon is taken away, here and in
-    // ShowIcon. Test: TBIcon.RemovalStartsTheBlinkToo and TBIcon.RemovalStartsTheBalloonsTimeToo
+    // ShowIcon. Test: TBIconTest.RemovalStartsTheBlinkToo and ...RemovalStartsTheBalloonsTimeToo
     virtual void OnDestroyWnd();
 
     /// Creates the hidden window, of a class that was registered with CSWnd. 1 on success.

@@ -711,7 +711,10 @@ TEST_F(TBIconTest, EverythingButCloseReachesTheHooks) {
                                       WM_USER + 1,         WM_USER + 2,      WM_USER + 9};
     for (UINT uMsg : kMessages) Send(uMsg);
     EXPECT_EQ(kMessages, seen);
-    wnd.RemoveWndHook(&hook);
+    seen.clear();
+    Send(WM_CLOSE);
+    for (UINT uMsg : seen) EXPECT_NE(static_cast<UINT>(WM_CLOSE), uMsg);
+    EXPECT_FALSE(seen.empty()) << "the window's end did";
 }
 
 TEST(TBIconInTheRealArea, GoesInOnceAndOut) {
