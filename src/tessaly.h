@@ -96,6 +96,7 @@
 #include "wnd/dib_bits.h"
 #include "wnd/draw_util.h"
 #include "wnd/rect_util.h"
+#include "wnd/tb_icon.h"
 #include "wnd/wait_cursor.h"
 #include "wnd/wm_hook.h"
 #include "wnd/wnd_free.h"
