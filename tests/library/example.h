@@ -4,8 +4,10 @@
 #include <tessaly.h>
 
 #include "support/message_box_driver.h"
+#include "support/wait_until.h"
 #include <gtest/gtest.h>
 #include <cwchar>
+#include <string>
 
 // In an example, assert is a check of the test.
 #undef assert
@@ -18,7 +20,9 @@ class LibraryPage : public testing::Test {
         wchar_t szTemp[MAX_PATH];
         ::GetTempPathW(MAX_PATH, szTemp);
         ::GetCurrentDirectoryW(MAX_PATH, szBefore);
-        strFolder = szTemp + (L"TessalyExample" + std::to_wstring(::GetCurrentProcessId()));
+        static int nFolder = 0;
+        strFolder = szTemp + (L"TessalyExample" + std::to_wstring(::GetCurrentProcessId())) + L"_" +
+                    std::to_wstring(++nFolder);
         EXPECT_TRUE(::CreateDirectoryW(strFolder.c_str(), nullptr));
         EXPECT_TRUE(::SetCurrentDirectoryW(strFolder.c_str()));
     }
@@ -29,7 +33,9 @@ class LibraryPage : public testing::Test {
             ::DeleteFileW(data.cFileName);
         ::FindClose(h);
         ::SetCurrentDirectoryW(szBefore);
-        EXPECT_TRUE(::RemoveDirectoryW(strFolder.c_str())) << "an example left something open";
+        // A program that an example started may still be there.
+        EXPECT_TRUE(WaitUntil([this] { return ::RemoveDirectoryW(strFolder.c_str()) != 0; }))
+            << "an example left something open";
     }
 
   private:
