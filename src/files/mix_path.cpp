@@ -44,17 +44,16 @@ int PutNetworkHead(wchar_t* pszText, unsigned cch, wchar_t*& pszPath) {
 
 /// The same of a path on a drive.
 int PutDriveHead(wchar_t* pszText, unsigned cch, wchar_t*& pszPath) {
-    wchar_t szRoot[] = L"_:\\";
-    szRoot[0] = CharToUpper(*pszPath);
+    wchar_t szDrive[] = L"_:";
+    szDrive[0] = CharToUpper(*pszPath);
     pszPath += 2;
-    wchar_t szName[kPathChars] = L"";
-    if (GetDriveTypeFromPath(szRoot) == DRIVE_REMOTE) {
-        GetUniversalName(szName, kPathChars, szRoot, 0);
-        RemoveBackSlash(szName);
+    if (!AppendTextCut(pszText, cch, szDrive)) return 0;
+    wchar_t szName[kPathChars];
+    if (GetDriveTypeFromPath(szDrive) != DRIVE_REMOTE ||
+        !GetUniversalName(szName, kPathChars, szDrive, 0)) {
+        return 1;
     }
-    szRoot[2] = 0;
-    if (!AppendTextCut(pszText, cch, szRoot)) return 0;
-    if (!*szName) return 1;
+    RemoveBackSlash(szName);
     return AppendTextCut(pszText, cch, kBetweenSpellings) && AppendTextCut(pszText, cch, szName);
 }
 
