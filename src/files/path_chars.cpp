@@ -15,6 +15,14 @@ void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch) {
 }
 } // namespace
 
+int FitsPath(const wchar_t* psz) {
+    if (!psz) return 0;
+    for (std::size_t i = 0; i < kPathChars; ++i) {
+        if (!psz[i]) return 1;
+    }
+    return 0;
+}
+
 std::size_t CopyTextPart(wchar_t* pszOut, const wchar_t* psz, std::size_t cchMax) {
     if (!pszOut) return 0;
     std::size_t cch = LengthUpTo(psz, cchMax);

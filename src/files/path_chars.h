@@ -36,6 +36,9 @@ class AsciiSet {
     unsigned long long nBits[2] = {};
 };
 
+/// Neither null nor too long for a path buffer.
+int FitsPath(const wchar_t* psz);
+
 /// Copies at most cchMax characters of a text and a terminator, so that pszOut holds cchMax + 1.
 /// The two may overlap; a null text counts as empty. Returns the length written;
 /// 0 for a null output.
