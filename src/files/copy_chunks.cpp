@@ -14,3 +14,8 @@ int CopyChunks(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuff
     }
     return 1;
 }
+
+int CopyContents(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
+    target.MoveTo64(0, FILE_BEGIN);
+    return CopyChunks(source, target, pBuffer, cbBuffer, cb) && target.SetEndOfFile();
+}

@@ -67,7 +67,8 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// Formats with the platform's printf rules, cut at 1,023 characters, and writes the text as
     /// UTF-16LE or as bytes, without a terminator. A line feed at the end gets its carriage return
     /// if it has none. An empty text gives 1.
-    // QUIRK: a text of one line feed alone stays as it is. Test: CoreFilePuts.LineEnds
+    // QUIRK: a text of one line feed alone stays as it is.
+    // Test: CoreFilePutsLine.CompletesTheLineEnd/LineFeedAlone
     int puts(const wchar_t* pszFormat, ...);
     int puts(const char* pszFormat, ...);
 
@@ -94,6 +95,7 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// overwritten and cut to length; one whose copy failed is deleted. With bNotify the shell is
     /// told of the target.
     // QUIRK: only the low half of the size counts, so files of 4 GiB and over are copied in part.
+    // Test: CoreFileCopy.OnlyTheLowHalfOfTheSizeCounts
     static int CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget, int bNotify);
     /// The same for a target that must survive a failed copy: it waits under its own name with
     /// ".temp" behind it, cut at 259 characters, and comes back with the copy's last error. A file

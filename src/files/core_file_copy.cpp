@@ -38,12 +38,6 @@ int MakeBackupName(wchar_t (&szBackup)[kPathSize], const wchar_t* pszSource,
     FormatText(szBackup, L"%s.temp", pszTarget);
     return !IsSameName(szBackup, pszTarget) && !IsSameName(szBackup, pszSource);
 }
-
-/// Fills the target from its start and cuts it there.
-int CopyContents(CoreFile& source, CoreFile& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
-    target.MoveTo64(0, FILE_BEGIN);
-    return CopyChunks(source, target, pBuffer, cbBuffer, cb) && target.SetEndOfFile();
-}
 } // namespace
 
 int CoreFile::CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget, int bNotify) {

@@ -47,7 +47,7 @@ class TESSALY_API IniFile {
     /// Rewrites the file, read-only or not, with FF FE in front. If there is nothing to write the
     /// file is deleted.
     // QUIRK: 1 also if the file could not be deleted or was written in part.
-    // Test: IniFileWrite.NothingToWriteDeletesTheFile
+    // Tests: IniFileWrite.FileThatCannotBeDeletedGivesOne, IniFileWrite.FullDiskGivesOne
     int WriteData();
 
     /// Emit a section header or a variable with its line end: each character is counted, and
@@ -62,7 +62,7 @@ class TESSALY_API IniFile {
     int GetSec(wchar_t* pszBuffer);
     /// The name runs to the first "=", without the blanks before it.
     // QUIRK: a line without "=" runs on into the next one, so that a name may hold line breaks.
-    // Test: IniFileRead.Passes/LineWithoutEqualsSignJoinsTheNext
+    // Test: IniFileReadPass.Reports/LineWithoutEqualsSignJoinsTheNext
     int GetVar(wchar_t* pszBuffer);
     int GetVal(wchar_t* pszBuffer);
     /// Always 0.

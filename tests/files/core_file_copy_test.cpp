@@ -93,10 +93,51 @@ TEST(CopyChunks, StopsWhenTheDiskIsFull) {
     EXPECT_EQ(2u, source.reads.size());
 }
 
+TEST(CopyChunks, EveryPlaceWhereADiskIsFullGivesZero) {
+    for (std::size_t cbCapacity = 0; cbCapacity <= 20; ++cbCapacity) {
+        MemoryStream source(Pattern(20)), target("old");
+        target.cbCapacity = cbCapacity;
+        char buffer[6];
+        EXPECT_EQ(cbCapacity == 20, CopyChunks(source, target, buffer, 6, 20)) << cbCapacity;
+        EXPECT_EQ(source.str.substr(0, cbCapacity), target.str.substr(0, cbCapacity));
+    }
+}
+
 TEST(CopyChunks, WithoutABufferNothingMoves) {
     MemoryStream source("abc"), target;
     EXPECT_EQ(0, CopyChunks(source, target, nullptr, 0, 3));
     EXPECT_TRUE(source.reads.empty());
+}
+
+TEST(CopyContents, FillsTheTargetFromItsStartAndCutsItThere) {
+    for (DWORD cb : {0u, 5u}) {
+        MemoryStream source("abcde"), target("old contents");
+        target.nPos = 3;
+        char buffer[8];
+        EXPECT_EQ(1, CopyContents(source, target, buffer, 8, cb));
+        EXPECT_EQ(cb, target.nPos);
+        EXPECT_EQ(source.str.substr(0, cb), target.str.substr(0, cb));
+        EXPECT_TRUE(target.bCut);
+    }
+}
+
+TEST(CopyContents, TargetThatCannotBeFilledIsNotCut) {
+    MemoryStream source("abcde"), target("old contents");
+    char buffer[8];
+    target.cbCapacity = 4;
+    EXPECT_EQ(0, CopyContents(source, target, buffer, 8, 5));
+    EXPECT_FALSE(target.bCut);
+    source.nFailReadAt = static_cast<int>(source.reads.size());
+    target.cbCapacity = 100;
+    EXPECT_EQ(0, CopyContents(source, target, buffer, 8, 5));
+    EXPECT_FALSE(target.bCut);
+}
+
+TEST(CopyContents, TargetThatCannotBeCutGivesZero) {
+    MemoryStream source("abcde"), target("old contents");
+    char buffer[8];
+    target.bCannotCut = true;
+    EXPECT_EQ(0, CopyContents(source, target, buffer, 8, 5));
 }
 
 // Copying files
@@ -128,12 +169,33 @@ TEST_F(CoreFileCopy, EmptySourceGivesAnEmptyTarget) {
 }
 
 TEST_F(CoreFileCopy, AboveTheBufferGoesInChunks) {
-    static_assert(kCopyBufferSize == 32 * 1024 * 1024);
-    for (std::size_t cb : {std::size_t{kCopyBufferSize}, kCopyBufferSize + std::size_t{12345}}) {
+    constexpr std::size_t kCeiling = 32 * 1024 * 1024;
+    static_assert(kCopyBufferSize <= kCeiling);
+    for (std::size_t cb : {std::size_t{kCopyBufferSize}, std::size_t{kCopyBufferSize} + 1, kCeiling,
+                           kCeiling + 12345}) {
         std::string strContent = Pattern(cb);
         folder.MakeFile(L"source", strContent);
         EXPECT_EQ(1, Copy());
         EXPECT_TRUE(strContent == Content(L"target")) << cb; // too long to be printed
+    }
+}
+
+TEST_F(CoreFileCopy, OnlyTheLowHalfOfTheSizeCounts) {
+    struct Case {
+        __int64 cbSource;
+        const char* pszCopied;
+    };
+    constexpr __int64 kHigh = 0x100000000;
+    for (const auto& row : {Case{kHigh + 5, "abcde"}, Case{kHigh, ""}, Case{2 * kHigh + 1, "a"},
+                            Case{kHigh - 1, ""}, Case{2 * kHigh - 1, ""}}) {
+        folder.MakeFile(L"source", "abcdefgh");
+        folder.MakeFile(L"target", "old contents");
+        CoreFile source(strSource.c_str(), 1);
+        source.MoveTo64(row.cbSource, FILE_BEGIN);
+        ASSERT_EQ(1, source.SetEndOfFile()); // sparse
+        source.Close();
+        EXPECT_EQ(1, Copy());
+        EXPECT_EQ(row.pszCopied, Content(L"target")) << row.cbSource;
     }
 }
 
@@ -189,6 +251,16 @@ TEST_F(CoreFileCopy, ReadOnlyTargetStaysAsItIs) {
     EXPECT_EQ(0, Copy());
     EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
     EXPECT_EQ("old", Content(L"target"));
+}
+
+TEST_F(CoreFileCopy, TargetThatTheSystemProtectsStaysAsItIs) {
+    strTarget = UnwritableFile();
+    if (strTarget.empty()) GTEST_SKIP() << "no file here that nobody may write";
+    folder.MakeFile(L"source", "abc");
+    EXPECT_EQ(0, Copy(1));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED), CoreIOObj::GetLastHRESULT());
+    EXPECT_TRUE(Exists(strTarget));
 }
 
 TEST_F(CoreFileCopy, OntoItselfIsRefused) {
@@ -266,6 +338,29 @@ TEST_F(CoreFileCopySafe, CopyThatBreaksOffLeavesTheOldTarget) {
     EXPECT_EQ(0, CopySafe());
     EXPECT_EQ("old", Content(L"target"));
     EXPECT_FALSE(Exists(strBackup));
+}
+
+TEST_F(CoreFileCopySafe, FailedCopyWithoutATargetLeavesNone) {
+    EXPECT_EQ(0, CopySafe());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), ::GetLastError());
+    EXPECT_FALSE(Exists(strTarget));
+    EXPECT_FALSE(Exists(strBackup));
+    // A backup that an earlier run left behind is deleted before, and is no target.
+    folder.MakeFile(L"target.temp", "left over");
+    EXPECT_EQ(0, CopySafe());
+    EXPECT_FALSE(Exists(strTarget));
+    EXPECT_FALSE(Exists(strBackup));
+}
+
+TEST_F(CoreFileCopySafe, FailedCopyTellsTheShellOnlyOfTheOldBackup) {
+    folder.MakeFile(L"target", "old");
+    folder.MakeFile(L"target.temp", "left over");
+    folder.MakeFile(L"last", "");
+    ShellEar ear(folder.Get());
+    EXPECT_EQ(0, CopySafe());
+    EXPECT_EQ("old", Content(L"target"));
+    EXPECT_EQ(1, CoreFile::Delete(Path(L"last").c_str(), 1)); // all before it has been heard then
+    EXPECT_EQ((std::vector<std::wstring>{L"delete target.temp", L"delete last"}), ear.Hear(2));
 }
 
 TEST_F(CoreFileCopySafe, OldBackupIsDeletedFirst) {

@@ -192,6 +192,21 @@ TEST_F(CoreFileStatic, WriteFileRefusesHeldFilesAndFolders) {
     EXPECT_EQ(0, CoreFile::WriteFile(nullptr, "new", 3));
 }
 
+TEST_F(CoreFileStatic, WriteFileGivesZeroOnAFullDisk) {
+    std::wstring strFull = FullDiskFile();
+    if (strFull.empty()) GTEST_SKIP() << "no file here whose disk is full";
+    EXPECT_EQ(0, CoreFile::WriteFile(strFull.c_str(), "new", 3));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), ::GetLastError());
+}
+
+TEST_F(CoreFileStatic, WriteFileRefusesWhatTheSystemProtects) {
+    std::wstring strProtected = UnwritableFile();
+    if (strProtected.empty()) GTEST_SKIP() << "no file here that nobody may write";
+    EXPECT_EQ(0, CoreFile::WriteFile(strProtected.c_str(), "new", 3));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
+    EXPECT_EQ(0, CoreFile::SetTime(strProtected.c_str(), nullptr, nullptr, &kTime));
+}
+
 TEST_F(CoreFileStatic, WriteFileRefusesReadOnlyFiles) {
     ReadOnlyFile readOnly(strFile);
     SKIP_UNLESS_PROTECTED(readOnly);

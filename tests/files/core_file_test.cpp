@@ -164,6 +164,16 @@ TEST_F(CoreFileOpen, ForWritingRefusesAReadOnlyFile) {
     EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
 }
 
+TEST_F(CoreFileOpen, ForWritingRefusesWhatTheSystemProtects) {
+    std::wstring strFile = UnwritableFile();
+    if (strFile.empty()) GTEST_SKIP() << "no file here that nobody may write";
+    CoreFile file;
+    EXPECT_EQ(0, file.Open(strFile.c_str(), 1));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED), CoreIOObj::GetLastHRESULT());
+    EXPECT_EQ(1, file.Open(strFile.c_str(), 0));
+}
+
 TEST_F(CoreFileOpen, FolderNullAndEmptyPathGiveZero) {
     for (int bToWrite : {0, 1}) {
         CoreFile file;
@@ -381,6 +391,29 @@ TEST_F(CoreFileTransfer, NullBufferGivesZero) {
     EXPECT_EQ(0, file.WriteBin(nullptr, 2, nullptr));
     file.Close();
     EXPECT_EQ("abc", Content());
+}
+
+TEST_F(CoreFileTransfer, FullDiskGivesZeroAndCountsNothing) {
+    std::wstring strFull = FullDiskFile();
+    if (strFull.empty()) GTEST_SKIP() << "no file here whose disk is full";
+    CoreFile file(strFull.c_str(), 1);
+    ASSERT_EQ(1, file.IsReady());
+    DWORD cbDone = 77;
+    EXPECT_EQ(0, file.WriteBin("abc", 3, &cbDone));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), ::GetLastError());
+    EXPECT_EQ(0u, cbDone);
+    EXPECT_EQ(1, file.WriteBin("abc", 0, nullptr));
+    EXPECT_EQ(0, file.puts("x"));
+    EXPECT_EQ(0, file.puts(L"x"));
+    folder.MakeFile(L"source", "0123456789");
+    CoreFile source(Path(L"source").c_str(), 0);
+    char buffer[8];
+    EXPECT_EQ(0, file.CopyBinFrom(source, buffer, 3));
+    file.Close();
+    CoreIO io(CoreIO::CreateFileObject(strFull.c_str(), 1));
+    EXPECT_EQ(1, io.IsReady());
+    EXPECT_EQ(0, io.Write(5));
+    EXPECT_EQ(0, io.WriteStr("abc"));
 }
 
 TEST_F(CoreFileTransfer, CopyBinFromMovesWholeSizes) {

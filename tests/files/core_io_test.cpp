@@ -6,8 +6,13 @@
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <functional>
 #include <memory>
+#include <random>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 static_assert(std::has_virtual_destructor_v<CoreIOObj> && std::is_abstract_v<CoreIOObj>);
 static_assert(std::is_copy_constructible_v<CoreIO> && std::is_copy_assignable_v<CoreIO>);
@@ -74,6 +79,31 @@ TEST(LastHRESULT, CopyIsNoNewStream) {
     CoreIOObj::SetLastHRESULT(5);
     CoreIO copy(io);
     EXPECT_EQ(5, CoreIOObj::GetLastHRESULT());
+}
+
+// The order of the operations, which other modules call by their place
+
+template <class Fn>
+std::size_t SlotOf(Fn pfn) {
+    // A pointer to a virtual member holds 1 more than the offset of its slot (Itanium C++ ABI).
+    std::size_t words[2] = {};
+    static_assert(sizeof(pfn) == sizeof(words));
+    std::memcpy(words, &pfn, sizeof(words));
+    return (words[0] - 1) / sizeof(void*);
+}
+
+TEST(CoreIOObj, OperationsStandInTheirOrderBehindTheDestructor) {
+#ifdef _MSC_VER
+    GTEST_SKIP() << "this compiler's member pointers do not tell";
+#else
+    constexpr std::size_t kFirst = 2; // the destructor takes two slots
+    const std::size_t slots[] = {SlotOf(&CoreIOObj::Close),        SlotOf(&CoreIOObj::IsReady),
+                                 SlotOf(&CoreIOObj::IsToWrite),    SlotOf(&CoreIOObj::GetSize64),
+                                 SlotOf(&CoreIOObj::SetEndOfFile), SlotOf(&CoreIOObj::MoveTo64),
+                                 SlotOf(&CoreIOObj::Flush),        SlotOf(&CoreIOObj::ReadBin),
+                                 SlotOf(&CoreIOObj::WriteBin)};
+    for (std::size_t i = 0; i < std::size(slots); ++i) EXPECT_EQ(kFirst + i, slots[i]) << i;
+#endif
 }
 
 // Positions
@@ -234,6 +264,50 @@ TEST_F(CoreIOTyped, FailuresGiveZero) {
     EXPECT_EQ(0, io.Write(static_cast<unsigned char>(1)));
 }
 
+TEST_F(CoreIOTyped, EveryFailedWriteLeavesWhatStoodBefore) {
+    // Each value in turn meets a disk that is full in front of it or in its middle.
+    const std::vector<std::pair<DWORD, std::function<int()>>> steps = {
+        {1, [&] { return io.Write(static_cast<unsigned char>(1)); }},
+        {2, [&] { return io.Write(static_cast<unsigned short>(2)); }},
+        {4, [&] { return io.Write(3); }},
+        {4, [&] { return io.Write(4u); }},
+        {4, [&] { return io.Write(5uL); }},
+        {4, [&] { return io.WriteStr("abc"); }},
+        {1, [&] { return io.WriteStr(""); }},
+    };
+    for (std::size_t cbCapacity = 0; cbCapacity <= 20; ++cbCapacity) {
+        stream.str = "before";
+        stream.nPos = 6;
+        stream.cbCapacity = 6 + cbCapacity;
+        std::size_t cb = 0;
+        for (const auto& [cbStep, fnWrite] : steps) {
+            cb += cbStep;
+            EXPECT_EQ(cb <= cbCapacity, fnWrite()) << cbCapacity << ", " << cb;
+            if (cb > cbCapacity) break;
+        }
+        EXPECT_EQ("before", stream.str.substr(0, 6));
+        EXPECT_LE(stream.str.size(), stream.cbCapacity);
+    }
+}
+
+TEST_F(CoreIOTyped, BrokenReadGivesZeroWithEverySize) {
+    stream.str = "0123456789";
+    unsigned char b = 1;
+    unsigned short w = 2;
+    int n = 3;
+    unsigned u = 4;
+    unsigned long ul = 5;
+    const std::function<int()> reads[] = {[&] { return io.Read(b); }, [&] { return io.Read(w); },
+                                          [&] { return io.Read(n); }, [&] { return io.Read(u); },
+                                          [&] { return io.Read(ul); }};
+    for (const auto& fnRead : reads) {
+        stream.nFailReadAt = static_cast<int>(stream.reads.size());
+        EXPECT_EQ(0, fnRead());
+    }
+    EXPECT_TRUE(b == 1 && w == 2 && n == 3 && u == 4 && ul == 5);
+    EXPECT_EQ(0u, stream.nPos);
+}
+
 // Short texts
 
 TEST_F(CoreIOStr, IsALengthByteAndTheBytes) {
@@ -296,6 +370,36 @@ TEST_F(CoreIOStr, BrokenReadGivesZeroAndAnEmptyText) {
     char sz[CoreIO::kShortTextSize] = "old";
     EXPECT_EQ(0, io.ReadStr(sz));
     EXPECT_STREQ("", sz);
+}
+
+TEST_F(CoreIOStr, LengthThatCannotBeReadGivesZeroAndAnEmptyText) {
+    stream.str = "\3abc";
+    stream.nFailReadAt = 0;
+    char sz[CoreIO::kShortTextSize] = "old";
+    EXPECT_EQ(0, io.ReadStr(sz));
+    EXPECT_STREQ("", sz);
+    EXPECT_EQ(1u, stream.reads.size());
+}
+
+TEST_F(CoreIOStr, RandomStreamsStayWithinTheBuffer) {
+    std::mt19937 random(13);
+    GuardedMemory buffer(CoreIO::kShortTextSize);
+    auto* psz = static_cast<char*>(buffer.Get());
+    for (int i = 0; i < 20000; ++i) {
+        stream.str.resize(random() % 300);
+        for (char& ch : stream.str) ch = static_cast<char>(random());
+        stream.nPos = 0;
+        stream.reads.clear();
+        stream.nFailReadAt = static_cast<int>(random() % 20) - 1;
+        std::memset(psz, '?', buffer.GetSize());
+        bool bWhole = stream.nFailReadAt != 0 && !stream.str.empty();
+        std::size_t cb = bWhole ? static_cast<unsigned char>(stream.str[0]) : 0;
+        bool bFailed = stream.nFailReadAt == 1 && cb;
+        std::size_t cbThere = bFailed || !bWhole ? 0 : std::min(cb, stream.str.size() - 1);
+        ASSERT_EQ(bWhole && !bFailed && cbThere == cb, io.ReadStr(psz));
+        ASSERT_EQ(0, std::memcmp(psz, stream.str.data() + 1, cbThere));
+        ASSERT_EQ(0, psz[cbThere]);
+    }
 }
 
 TEST_F(CoreIOStr, FullDiskGivesZero) {

@@ -19,6 +19,7 @@ class MemoryStream : public CoreIOObj {
     std::size_t cbCapacity = ~std::size_t{0}; // a disk that is full behind so many bytes
     int nFailReadAt = -1;                     // the read with this number fails, counted from 0
     bool bReady = true, bCut = false, bFlushed = false;
+    bool bCannotCut = false;
     std::vector<DWORD> reads, writes; // the sizes asked for
     int nDoneGiven = 0;               // calls that came with a place for the count
     bool* pbDeleted = nullptr;
@@ -28,8 +29,8 @@ class MemoryStream : public CoreIOObj {
     int IsToWrite() override { return 7; }
     unsigned __int64 GetSize64() override { return str.size(); }
     int SetEndOfFile() override {
-        bCut = true;
-        return 3;
+        bCut = !bCannotCut;
+        return bCut ? 3 : 0;
     }
     __int64 MoveTo64(__int64 nDistance, DWORD nMethod) override {
         __int64 nFrom = nMethod == FILE_BEGIN     ? 0

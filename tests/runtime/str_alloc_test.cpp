@@ -2,7 +2,10 @@
 
 #include "support/guard_page.h"
 
+#include <windows.h>
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <cstdint>
 #include <string>
 
 namespace {
@@ -50,6 +53,29 @@ TEST(StrAllocCopy, NewTextMayLieInTheOldOne) {
         EXPECT_STREQ(L"cdef", text.psz);
         EXPECT_EQ(4u, text.cch);
     }
+}
+
+/// Where the "secret" of a text that was given up still stands, as a number of its characters; the
+/// text's terminator is changed before, so that it can be told too.
+std::size_t LeftBehind(const std::wstring& strSecret, int bWipe) {
+    std::wstring strLeft(strSecret.size() + 1, L'\0'); // now: it must not get the freed place
+    wchar_t* psz = nullptr;
+    unsigned cch = 0;
+    StrAllocCopy(psz, cch, strSecret.c_str(), 0);
+    psz[cch] = strSecret.back();
+    auto nPlace = reinterpret_cast<std::uintptr_t>(psz); // behind it nothing is ours any more
+    StrAllocCopy(psz, cch, nullptr, bWipe);
+    ::ReadProcessMemory(::GetCurrentProcess(), reinterpret_cast<const void*>(nPlace),
+                        strLeft.data(), strLeft.size() * sizeof(wchar_t), nullptr);
+    return static_cast<std::size_t>(std::count(strLeft.begin(), strLeft.end(), strSecret.back()));
+}
+
+TEST(StrAllocCopy, WipedTextIsNotLeftBehindInMemory) {
+    const std::wstring strSecret(5000, L'\x5EC2');
+    if (LeftBehind(strSecret, 0) < strSecret.size() / 2) {
+        GTEST_SKIP() << "the heap here overwrites what it frees";
+    }
+    EXPECT_EQ(0u, LeftBehind(strSecret, 1));
 }
 
 TEST(StrRealloc, ReplacesTheTextAndTakesEmptyForNone) {

@@ -49,6 +49,23 @@ TEST(SizeToStr, TableOfAllCases) {
     }
 }
 
+TEST(SizeToStr, AgreesWithThePlainRuleOnSizesOfEveryLength) {
+    std::mt19937_64 random(12);
+    const wchar_t* kUnits[] = {L" B", L" KB", L" MB", L" GB", L" TB"};
+    for (int i = 0; i < 100000; ++i) {
+        unsigned long long cb = random() >> random() % 64;
+        int nUnit = 0;
+        while (nUnit < 4 && cb >> 10 * (nUnit + 1)) ++nUnit;
+        std::wstring strExpected = std::to_wstring(cb >> 10 * nUnit);
+        unsigned long long nTenth = nUnit ? (cb >> 10 * (nUnit - 1)) % 1024 * 10 / 1024 : 0;
+        int bAlwaysDecimal = static_cast<int>(random() % 2);
+        if (nTenth || (nUnit && bAlwaysDecimal)) strExpected += L"." + std::to_wstring(nTenth);
+        wchar_t sz[32];
+        SizeToStr(sz, 32, cb, bAlwaysDecimal);
+        ASSERT_EQ(strExpected + kUnits[nUnit], sz) << cb;
+    }
+}
+
 TEST(SizeToStr, KeepsToItsCapacity) {
     for (unsigned cch = 1; cch <= 7; ++cch) {
         GuardedMemory memory(cch * sizeof(wchar_t));

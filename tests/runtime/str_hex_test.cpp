@@ -207,6 +207,26 @@ TEST(HexToStr, EndsAtAZeroByteAndAtItsCapacity) {
     }
 }
 
+TEST(HexToStr, RandomTextsStayWithinTheirBuffers) {
+    std::mt19937 random(11);
+    GuardedArea areaText(64), areaOut(64);
+    for (int i = 0; i < 200000; ++i) {
+        std::wstring str;
+        for (auto n = random() % 24; n > 0; --n) {
+            str += random() % 8 ? L"0123456789abcdefABCDEF"[random() % 22]
+                                : static_cast<wchar_t>(1 + random() % 0xFFFF);
+        }
+        char szNarrow[16] = {};
+        HexToBin(szNarrow, str.c_str());
+        wchar_t szWide[16];
+        ASSERT_GT(::MultiByteToWideChar(CP_ACP, 0, szNarrow, -1, szWide, 16), 0);
+        unsigned cch = 1 + random() % 14;
+        auto* pszOut = static_cast<wchar_t*>(areaOut.Put(cch * sizeof(wchar_t)));
+        ASSERT_EQ(1, HexToStr(pszOut, cch, areaText.Put(str))) << str;
+        ASSERT_EQ(std::wstring(szWide).substr(0, cch - 1), pszOut) << str;
+    }
+}
+
 TEST(HexToStr, ConvertsInPlace) {
     wchar_t sz[16] = L"abc";
     EXPECT_EQ(1, StrToHex(sz, 16, sz));

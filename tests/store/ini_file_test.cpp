@@ -1,5 +1,7 @@
 #include "store/ini_file.h"
 
+#include "files/read_only.h"
+#include "runtime/str_copy.h"
 #include "support/guard_page.h"
 #include "support/temp_folder.h"
 
@@ -62,6 +64,7 @@ TEST_P(IniFileReadPass, Reports) {
     }
 }
 const std::wstring k1500(1500, L'v'), k300(300, L'n');
+const std::wstring k255(255, L'n'), k256(256, L'n'), k1024(1024, L'v'), k1025(1025, L'v');
 INSTANTIATE_TEST_SUITE_P(
     IniFileRead, IniFileReadPass,
     testing::Values(
@@ -99,6 +102,18 @@ INSTANTIATE_TEST_SUITE_P(
         PassCase{"Value1024Fits",
                  L"[a]\nx=" + k1500.substr(0, 1024),
                  {L"[a] x=" + k1500.substr(0, 1024)}},
+        PassCase{"Value1025IsCut", L"[a]\nx=" + k1025 + L"\ny=2", {L"[a] x=" + k1024, L"[a] y=2"}},
+        PassCase{"Name255Fits", L"[a]\n" + k255 + L"=1", {L"[a] " + k255 + L"=1"}},
+        PassCase{
+            "Name256IsCut", L"[a]\n" + k256 + L"=1\ny=2", {L"[a] " + k255 + L"=1", L"[a] y=2"}},
+        PassCase{"Section255Fits", L"[" + k255 + L"]\ny=2", {L"[" + k255 + L"] y=2"}},
+        PassCase{"Section256IsCut", L"[" + k256 + L"]\ny=2", {L"[" + k255 + L"] y=2"}},
+        PassCase{
+            "Comment255Fits", L";" + k255.substr(1) + L"\n;", {L"[] ;" + k255.substr(1), L"[] ;"}},
+        PassCase{"Comment256IsCut", L";" + k255 + L"\n;", {L"[] ;" + k255.substr(1), L"[] ;"}},
+        PassCase{"BlanksBeforeTheCutStayOff",
+                 L"[a]\nx" + std::wstring(300, L' ') + L"y=1\nz=2",
+                 {L"[a] x=1", L"[a] z=2"}},
         PassCase{"NameIsCutAt255",
                  L"[a]\n" + k300 + L"=1\ny=2",
                  {L"[a] " + k300.substr(0, 255) + L"=1", L"[a] y=2"}},
@@ -152,6 +167,55 @@ TEST(IniFileRead, CallBackMayGiveTheParserUp) {
     ini.bGiveUp = true;
     EXPECT_EQ(0, ini.ReadAll(L"[a]\nx=1", 0));
     EXPECT_EQ(Lines{L"begin"}, ini.lines);
+}
+
+/// A reader that does at every event whatever a reader may: it pulls, gives the parser up, starts
+/// passes of its own, or stops.
+class Meddler : public IniFile {
+  public:
+    explicit Meddler(std::mt19937& randomUsed) : random(randomUsed) {}
+    int nEvents = 0;
+    const wchar_t* pszOther = L"[o]\nx=1\n;c";
+
+    int CallBack(CallBackFlag, const wchar_t*, const wchar_t*, const wchar_t*) override {
+        ++nEvents;
+        auto* psz = static_cast<wchar_t*>(text.Get());
+        auto* pszValue = static_cast<wchar_t*>(value.Get());
+        switch (random() % 12) {
+        case 0: GetComment(psz); break;
+        case 1: GetSec(psz); break;
+        case 2: GetVar(psz); break;
+        case 3: GetVal(pszValue); break;
+        case 4: DeleteParser(); break;
+        case 5:
+            if (nEvents < 20) ReadAll(pszOther, 0);
+            break;
+        case 6: return 0;
+        }
+        return 1;
+    }
+
+  private:
+    std::mt19937& random;
+    GuardedMemory text{kTextSize * sizeof(wchar_t)}, value{kValueSize * sizeof(wchar_t)};
+};
+
+TEST(IniFileRead, ReadersThatMeddleBreakNothing) {
+    std::mt19937 random(20240703);
+    const wchar_t kChars[] = L"[]=;\r\n \tab\xFEFF";
+    GuardedArea area(64 * sizeof(wchar_t));
+    Meddler ini(random);
+    for (int n = 0; n < 200000; ++n) {
+        unsigned cch = 1 + random() % 40;
+        auto* psz = static_cast<wchar_t*>(area.Put(cch * sizeof(wchar_t)));
+        std::generate(psz, psz + cch, [&] { return kChars[random() % (std::size(kChars) - 1)]; });
+        if (n % 2 && cch >= 6) std::copy_n(L"[a]x=\n", 6, psz);
+        ini.nEvents = 0;
+        int nResult = ini.ReadAll(psz, cch);
+        ASSERT_TRUE(nResult == 0 || nResult == 1);
+        ASSERT_LT(ini.nEvents, 1000);
+    }
+    ini.DeleteParser(); // the last text's place is used again
 }
 
 TEST(IniFileRead, RandomTextsStayInBounds) {
@@ -235,6 +299,43 @@ TEST_F(IniFileReadData, StopsAtATerminatorAndCompletesAnOddByte) {
     EXPECT_EQ(1, Read(Bytes(L"[a]\nx=1") + "2"));
     EXPECT_EQ((Lines{L"begin", L"[a] x=12", L"end"}), ini.lines);
     EXPECT_EQ(1, Read("["));
+}
+
+TEST_F(IniFileReadData, EndsAtTheBlocksEndWithoutATerminator) {
+    // Sizes around those in which memory is given, so that there is no zero behind by chance.
+    for (std::size_t cb : {2u, 8u, 16u, 62u, 64u, 510u, 512u, 4094u, 4096u, 65534u, 65536u}) {
+        std::wstring str = L"[a]\nx=" + std::wstring(cb, L'v');
+        str = str.substr(str.size() - cb / sizeof(wchar_t)); // ends in the value
+        Recorder whole;
+        int nExpected = whole.ReadAll(str.c_str(), 0);
+        EXPECT_EQ(nExpected, Read(Bytes(str))) << cb;
+        EXPECT_EQ(whole.lines, ini.lines) << cb;
+    }
+    Lines expected{L"begin", L"[a] x=" + std::wstring(100, L'v'), L"end"};
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(1, Read(Bytes(L"[a]\nx=" + std::wstring(100, L'v'))));
+        ASSERT_EQ(expected, ini.lines);
+    }
+}
+
+TEST_F(IniFileReadData, RandomFilesReadAsTheirBlock) {
+    std::mt19937 random(20240704);
+    const wchar_t kChars[] = L"[]=;\r\n ab";
+    for (int n = 0; n < 150; ++n) {
+        std::wstring str(1 + random() % 60, 0);
+        for (wchar_t& ch : str) ch = kChars[random() % std::size(kChars)];
+        if (n % 2) str = L"\xFEFF[a]\n" + str;
+        Recorder whole;
+        int nExpected = whole.ReadAll(str.c_str(), 0);
+        ASSERT_EQ(nExpected, Read(Bytes(str)));
+        ASSERT_EQ(whole.lines, ini.lines);
+    }
+}
+
+TEST_F(IniFileReadData, LeavesNoParserOverItsBlock) {
+    wchar_t szValue[IniFile::kValueSize];
+    EXPECT_EQ(1, Read(Bytes(L"[a]\nlost")));
+    EXPECT_EQ(0, ini.GetVal(szValue));
 }
 
 TEST_F(IniFileReadData, MissingEmptyAndHeldFilesGiveZero) {
@@ -334,6 +435,48 @@ TEST_F(IniFileWrite, NothingToWriteDeletesTheFile) {
     EXPECT_EQ(1, ini.WriteData());
     EXPECT_FALSE(std::filesystem::exists(strPath));
     EXPECT_EQ(1, ini.WriteData());
+}
+
+TEST_F(IniFileWrite, FileThatCannotBeDeletedGivesOne) {
+    ini.bEmpty = true;
+    folder.MakeFile(L"a.ini", "old");
+    HANDLE h = ::CreateFileW(strPath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                             0, nullptr);
+    EXPECT_EQ(1, ini.WriteData());
+    ::CloseHandle(h);
+    EXPECT_EQ("old", folder.ReadFile(L"a.ini"));
+}
+
+TEST_F(IniFileWrite, FullDiskGivesOne) {
+    std::wstring strFull = FullDiskFile();
+    if (strFull.empty()) GTEST_SKIP() << "no file here whose disk is full";
+    EXPECT_EQ(1, Writer(strFull.c_str()).WriteData());
+}
+
+TEST_F(IniFileWrite, MoreThanABlockCanHoldGivesZeroAndTouchesNothing) {
+    struct Boaster : IniFile {
+        using IniFile::IniFile;
+        unsigned MakeData(wchar_t* pszOut) override {
+            EXPECT_EQ(nullptr, pszOut);
+            return 0xFFFFFFFF;
+        }
+    } boaster(strPath.c_str());
+    folder.MakeFile(L"a.ini", "old");
+    EXPECT_EQ(0, boaster.WriteData());
+    EXPECT_EQ("old", folder.ReadFile(L"a.ini"));
+}
+
+TEST_F(IniFileWrite, OneCharacterIsAFile) {
+    struct OneCharacter : IniFile {
+        using IniFile::IniFile;
+        unsigned MakeData(wchar_t* pszOut) override {
+            unsigned nCount = 0;
+            CharAdd(pszOut, L'x', nCount);
+            return nCount;
+        }
+    } one(strPath.c_str());
+    EXPECT_EQ(1, one.WriteData());
+    EXPECT_EQ(Bytes(L"\xFEFFx"), folder.ReadFile(L"a.ini"));
 }
 
 // The boot folder
