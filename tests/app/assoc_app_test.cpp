@@ -1,5 +1,5 @@
 #include "app/assoc_app.h"
-#include "app/launch_reports.h"
+#include "support/launch_reports.h"
 #include "support/guard_page.h"
 #include "support/temp_folder.h"
 

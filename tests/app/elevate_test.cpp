@@ -1,8 +1,9 @@
 #include "app/elevate.h"
 #include "app/fake_windows.h"
 #include "app/hand_over.h"
-#include "app/launch_reports.h"
+#include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
+#include "files/path_home.h"
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
@@ -195,6 +196,30 @@ TEST_F(Elevate, SatellitesOnlyHaveTheirPathFound) {
         0, RunSatelliteFileElevated(nullptr, strLong.c_str(), L"p", L"d", &hProcess, &dwError, 0));
     EXPECT_EQ(nullptr, hProcess);
     EXPECT_NE(0u, dwError);
+    EXPECT_TRUE(shell.calls.empty());
+}
+
+TEST_F(Elevate, LocalFilesOnlyHaveTheirPathFound) {
+    wchar_t szPath[MAX_PATH];
+    ASSERT_EQ(1, GetLocalPath(szPath, L"x.exe", nullptr));
+    EXPECT_EQ(1, RunLocalFileNonElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 1));
+    ShellCall call = shell.TakeOne();
+    EXPECT_EQ(szPath, call.file);
+    EXPECT_EQ(L"p", call.parameters);
+    EXPECT_EQ(nullptr, call.verb);
+    EXPECT_EQ(fake.Thread(), call.dwThread);
+    EXPECT_EQ(1, RunLocalFileElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 0));
+    call = shell.TakeOne();
+    EXPECT_EQ(szPath, call.file);
+    EXPECT_EQ(L"runas", call.verb);
+    wstring strLong(MAX_PATH, L'x');
+    for (auto* pfn : {&RunLocalFileNonElevated, &RunLocalFileElevated}) {
+        for (const wchar_t* psz : {strLong.c_str(), static_cast<const wchar_t*>(nullptr)}) {
+            hProcess = &dwError;
+            EXPECT_EQ(0, pfn(nullptr, psz, L"p", L"d", &hProcess, &dwError, 0));
+            EXPECT_EQ(nullptr, hProcess);
+        }
+    }
     EXPECT_TRUE(shell.calls.empty());
 }
 
@@ -410,6 +435,21 @@ TEST_F(Elevate, CallWithinACallGivesZero) {
     EXPECT_EQ(static_cast<DWORD>(ERROR_BUSY), dwInner);
     EXPECT_EQ(L"outer", shell.TakeOne().file);
     EXPECT_EQ(1, RunNonElevated(nullptr, L"next", nullptr, nullptr, nullptr, &dwError, 1));
+}
+
+TEST_F(Elevate, CallWaitsForTheLockOfAnother) {
+    HANDLE hMutex = ::CreateMutexW(nullptr, TRUE, L"Global\\Orvanta_Tessaly_HandOver");
+    ASSERT_NE(nullptr, hMutex);
+    std::atomic<int> nResult{-1};
+    std::thread other(
+        [&] { nResult = RunNonElevated(nullptr, L"f", nullptr, nullptr, nullptr, nullptr, 1); });
+    EXPECT_FALSE(WaitUntil([&] { return nResult != -1; }, 200));
+    EXPECT_TRUE(shell.calls.empty());
+    ::ReleaseMutex(hMutex);
+    other.join();
+    EXPECT_EQ(1, nResult);
+    EXPECT_EQ(L"f", shell.TakeOne().file);
+    ::CloseHandle(hMutex);
 }
 
 TEST_F(Elevate, LockOfACallThatDiedIsTakenOver) {

@@ -1,5 +1,5 @@
 #include "app/open_html.h"
-#include "app/launch_reports.h"
+#include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
 #include "resources/resource_ids.h"
 #include "runtime/res_str.h"

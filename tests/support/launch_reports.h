@@ -1,6 +1,4 @@
 #pragma once
-#include "support/wait_until.h"
-
 #include <windows.h>
 #include <filesystem>
 #include <fstream>
@@ -48,9 +46,14 @@ class LaunchReports {
     /// The next report, which is taken away; nothing if none comes. Messages of the test's windows
     /// go on.
     std::optional<LaunchReport> Take() {
-        std::optional<LaunchReport> found;
-        PumpUntil([&] { return (found = Look()).has_value(); });
-        return found;
+        constexpr DWORD kDeadlineMs = 10000, kPollMs = 5;
+        for (DWORD dwStart = ::GetTickCount();;) {
+            if (auto found = Look()) return found;
+            if (::GetTickCount() - dwStart > kDeadlineMs) return {};
+            MSG msg;
+            while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) ::DispatchMessageW(&msg);
+            ::Sleep(kPollMs);
+        }
     }
     int IsEmpty() const { return std::filesystem::is_empty(folder); }
 
