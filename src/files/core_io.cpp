@@ -1,6 +1,7 @@
 #include "files/core_io.h"
 
 #include "files/core_file.h"
+#include "files/uni_path.h"
 
 #include <algorithm>
 #include <atomic>
@@ -26,6 +27,9 @@ long CoreIOObj::GetLastHRESULT() { return lLastResult.load(std::memory_order_rel
 void CoreIOObj::SetLastHRESULT(long lNew) { lLastResult.store(lNew, std::memory_order_relaxed); }
 
 void CoreIOObj::SetLastWin32Error(DWORD dwError) { SetLastHRESULT(HRESULT_FROM_WIN32(dwError)); }
+
+CoreIO::CoreIO(UniPath* pPath, int bToWrite)
+    : pInner(CoreFile::CreateObject(pPath ? pPath->Path() : nullptr, bToWrite)) {}
 
 CoreIO::~CoreIO() { delete pInner; }
 

@@ -2,6 +2,8 @@
 #include "runtime/export.h"
 #include <windows.h>
 
+class UniPath;
+
 /// A stream of bytes with a position. Results are 1 for success and 0 for failure unless told
 /// otherwise; nothing is buffered here. An object belongs to one thread at a time.
 class TESSALY_API CoreIOObj {
@@ -50,6 +52,9 @@ class TESSALY_API CoreIO : public CoreIOObj {
   public:
     /// Takes the stream, which was made by new; may be null.
     explicit CoreIO(CoreIOObj* pTaken) : pInner(pTaken) {}
+    /// Owns a new file, opened as CoreFile::CreateObject opens it: IsReady tells whether it is. A
+    /// null path, or one without a text, is a file that cannot be found.
+    CoreIO(UniPath* pPath, int bToWrite);
     CoreIO(const CoreIO&) = default;            // shares the inner stream
     CoreIO& operator=(const CoreIO&) = default; // shares it; the old one is not deleted
     ~CoreIO() override;

@@ -103,6 +103,66 @@ class TESSALY_API RegKey {
     /// Empties the key of subkeys and values; the key itself stays. Always 1.
     int DelAll();
 
+    /// 1 if the key has no subkey and no value but the default one, which does not count. The index
+    /// of the enumerations goes to 0. A key that is not open is not empty.
+    int IsKeyEmpty();
+    /// Deletes the subkey if it is empty by IsKeyEmpty; 0 if it is not, or could not be deleted. 1
+    /// if there is none, and 1 for one that cannot be opened for writing.
+    int DelSubKeyIfEmpty(const wchar_t* pszSubkey);
+    /// Deletes the values whose names start with the prefix: null takes all, an empty prefix all
+    /// but the default value. Names of more than 256 characters are passed over. Always 1.
+    int DelValuesStartingWith(const wchar_t* pszPrefix, int bNoCase);
+
+    /// Copies one value with its type. 0 if it is missing or could not be copied.
+    // QUIRK: a value with no bytes counts as missing: CopyTo, RenameSubkey and CS2WA lose it.
+    // Test: RegKeyTree.ValueWithoutBytesIsNotCopied
+    int CopyValueTo(RegKey& target, const wchar_t* pszName) const;
+    /// Copies all values and, with all that they hold, all subkeys into target, over what is there.
+    /// What cannot be read or made is passed over, as are subkeys more than 512 levels down, the
+    /// platform's own limit, so that a copy into a key below its source ends. Always 1.
+    int CopyTo(RegKey& target);
+    /// Copies the subkey to the new name and deletes the old one, which is the result; 0 without a
+    /// change if the old one cannot be read or the new one not be made, and if the new one is the
+    /// old one or lies below it. A new one that exists keeps what it has besides.
+    int RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew);
+    /// The place behind the last backslash, the start if there is none. Null for no path.
+    static const wchar_t* FindLastSubkeyName(const wchar_t* pszPath);
+    /// The path in front of FindLastSubkeyName, without the backslash, cut to fit cchOut; empty if
+    /// there is no backslash. 0, with an empty text, for a null or empty path.
+    static int GetParentSubkeyName(const wchar_t* pszPath, wchar_t* pszOut, unsigned cchOut);
+
+    /// Moves a product's settings from the maker's earlier root below Software to the present one,
+    /// in HKCU if bUser, else in HKLM. Once the new key exists the old one is left alone. 0 only if
+    /// the new key cannot be made.
+    static int CS2WA(int bUser, const wchar_t* pszName);
+
+    /// Writes the key with all below it into a hive file, which needs the privilege SE_BACKUP_NAME.
+    /// A file that is there is deleted first, whatever its attributes, and the new one gets them;
+    /// otherwise it gets FILE_ATTRIBUTE_ARCHIVE. The platform's status is kept in lError.
+    static int SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity);
+    int Save(const wchar_t* pszFile) const { return SaveKey(hkey, pszFile, nullptr); }
+    /// Hangs a hive file up as a subkey of HKEY_LOCAL_MACHINE or HKEY_USERS, and takes it down;
+    /// both need SE_RESTORE_NAME too.
+    static int LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile);
+    static int UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey);
+
+    /// The operations of the same names, on the value whose name is the two texts joined with
+    /// pszFmtPrefix, cut at 255 characters; a null one counts as empty. Those that write compare
+    /// first; PutBinPrefix writes REG_BINARY.
+    int DelValuePrefix(const wchar_t* pszPrefix, const wchar_t* pszName);
+    int GetIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nDefault) const;
+    DWORD GetDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwDefault) const;
+    unsigned GetBinSizePrefix(const wchar_t* pszPrefix, const wchar_t* pszName) const;
+    int GetBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, void* pBuffer,
+                     unsigned cbMax) const;
+    int GetStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, wchar_t* pszBuffer,
+                     int cchBuffer, const wchar_t* pszDefault) const;
+    int PutIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nValue);
+    int PutDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwValue);
+    int PutStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const wchar_t* pszText);
+    int PutBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const void* pBytes,
+                     unsigned cbBytes);
+
     /// Names in the platform's order. One index serves both kinds, so walks cannot be interleaved.
     /// All give 0 only for "no more": an error, such as a name that does not fit or a key that is
     /// not open, gives 1 and an empty name. Test the open first.
@@ -151,6 +211,8 @@ class TESSALY_API RegKey {
     int HoldsStr(const wchar_t* pszName, const wchar_t* pszText) const;
     int HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const;
     int TestStr(const wchar_t* pszName, const wchar_t* pszText, int bNoCase) const;
+    int CopyTree(RegKey& target, int nLevelsLeft);
+    void CopyValues(RegKey& target);
     void DelSubKeys(int bEmptyFirst);
     void DelValues();
 

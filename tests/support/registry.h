@@ -23,18 +23,52 @@ struct RegContent {
     bool operator==(const RegContent&) const = default;
 };
 
+/// Deletes a key with all below it; links as such, which RegDeleteKey would follow.
+inline void DeleteRegTree(HKEY hkeyRoot, const std::wstring& strPath) {
+    HKEY hkeyTree = nullptr;
+    if (::RegOpenKeyExW(hkeyRoot, strPath.c_str(), REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, &hkeyTree))
+        return;
+    std::vector<std::wstring> names;
+    wchar_t szName[300];
+    for (DWORD n = 0, cch = 300;
+         ::RegEnumKeyExW(hkeyTree, n, szName, &cch, nullptr, nullptr, nullptr, nullptr) == 0;
+         ++n, cch = 300) {
+        names.push_back(szName);
+    }
+    for (const auto& strName : names) DeleteRegTree(hkeyTree, strName);
+    using DeleteKeyFunc = LONG WINAPI(HANDLE);
+    static RuntimeFunc<DeleteKeyFunc> deleteKey(L"ntdll.dll", "NtDeleteKey");
+    deleteKey.Get()(hkeyTree);
+    ::RegCloseKey(hkeyTree);
+}
+
+/// Makes a key that is listed and can be neither opened nor made nor deleted by name: a link to a
+/// key that does not exist. DeleteRegTree takes it away.
+inline bool PlantDeadLink(HKEY hkeyRoot, const std::wstring& strPath) {
+    HKEY hkeyLink = nullptr;
+    if (::RegCreateKeyExW(hkeyRoot, strPath.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK,
+                          KEY_ALL_ACCESS | KEY_CREATE_LINK, nullptr, &hkeyLink, nullptr)) {
+        return false;
+    }
+    RegBytes target = BytesOf(L"\\Registry\\User\\NoSuchUser\\Nowhere", false);
+    LSTATUS status = ::RegSetValueExW(hkeyLink, L"SymbolicLinkValue", 0, REG_LINK, target.data(),
+                                      static_cast<DWORD>(target.size()));
+    ::RegCloseKey(hkeyLink);
+    return status == ERROR_SUCCESS;
+}
+
 /// A key below HKCU, made for a test and deleted with all below it at the end.
 class TestKey {
   public:
     explicit TestKey(const std::wstring& strBelowCurrentUser) : strPath(strBelowCurrentUser) {
-        DeleteTree(strPath);
+        DeleteRegTree(HKEY_CURRENT_USER, strPath);
         Create();
     }
     TestKey(const TestKey&) = delete;
     TestKey& operator=(const TestKey&) = delete;
     ~TestKey() {
         ::RegCloseKey(hkey);
-        DeleteTree(strPath);
+        DeleteRegTree(HKEY_CURRENT_USER, strPath);
     }
 
     /// As a path for RegKey, with what is given added.
@@ -51,7 +85,7 @@ class TestKey {
     void Delete() {
         ::RegCloseKey(hkey);
         hkey = nullptr;
-        DeleteTree(strPath);
+        DeleteRegTree(HKEY_CURRENT_USER, strPath);
     }
 
     void Put(const std::wstring& strName, DWORD dwType, const RegBytes& bytes,
@@ -124,44 +158,10 @@ class TestKey {
         return static_cast<unsigned long long>(ft.dwHighDateTime) << 32 | ft.dwLowDateTime;
     }
 
-    /// Makes a child that is listed and cannot be opened or deleted by name: a link to a key that
-    /// does not exist. The guard takes it away.
-    bool PlantUndeletable(const std::wstring& strBelow) {
-        HKEY hkeyLink = nullptr;
-        if (::RegCreateKeyExW(hkey, strBelow.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK,
-                              KEY_ALL_ACCESS | KEY_CREATE_LINK, nullptr, &hkeyLink, nullptr)) {
-            return false;
-        }
-        std::wstring strTarget = L"\\Registry\\User\\NoSuchUser\\Nowhere";
-        RegBytes target = BytesOf(strTarget, false);
-        LSTATUS status = ::RegSetValueExW(hkeyLink, L"SymbolicLinkValue", 0, REG_LINK,
-                                          target.data(), static_cast<DWORD>(target.size()));
-        ::RegCloseKey(hkeyLink);
-        return status == ERROR_SUCCESS;
-    }
+    /// A dead link as a child. The guard takes it away.
+    bool PlantUndeletable(const std::wstring& strBelow) { return PlantDeadLink(hkey, strBelow); }
 
   private:
-    /// Deletes links as such, which RegDeleteKey would follow.
-    static void DeleteTree(const std::wstring& strBelowCurrentUser) {
-        HKEY hkeyTree = nullptr;
-        if (::RegOpenKeyExW(HKEY_CURRENT_USER, strBelowCurrentUser.c_str(), REG_OPTION_OPEN_LINK,
-                            KEY_ALL_ACCESS, &hkeyTree)) {
-            return;
-        }
-        std::vector<std::wstring> names;
-        wchar_t szName[300];
-        for (DWORD n = 0, cch = 300;
-             ::RegEnumKeyExW(hkeyTree, n, szName, &cch, nullptr, nullptr, nullptr, nullptr) == 0;
-             ++n, cch = 300) {
-            names.push_back(szName);
-        }
-        for (const auto& strName : names) DeleteTree(strBelowCurrentUser + L"\\" + strName);
-        using DeleteKeyFunc = LONG WINAPI(HANDLE);
-        static RuntimeFunc<DeleteKeyFunc> deleteKey(L"ntdll.dll", "NtDeleteKey");
-        deleteKey.Get()(hkeyTree);
-        ::RegCloseKey(hkeyTree);
-    }
-
     std::wstring strPath;
     HKEY hkey = nullptr;
 };

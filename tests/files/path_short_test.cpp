@@ -1,0 +1,305 @@
+#include "files/path_short.h"
+
+#include "files/path_fs.h"
+#include "files/short_names.h"
+#include "support/guard_page.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+/// The result of a change in place, in a path buffer against a guard page.
+template <class Fn>
+std::wstring Changed(const std::wstring& str, Fn change) {
+    GuardedMemory memory(260 * sizeof(wchar_t));
+    auto* psz = static_cast<wchar_t*>(memory.Get());
+    std::wmemset(psz, L'\xEEEE', 260);
+    std::wcscpy(psz, str.c_str());
+    change(psz);
+    return psz;
+}
+std::wstring Short(const std::wstring& str) {
+    return Changed(str, [](wchar_t* psz) { ConvertToShortPath(psz, 260); });
+}
+std::wstring Long(const std::wstring& str) {
+    return Changed(str, [](wchar_t* psz) { EXPECT_EQ(1, ShortToLFN(psz)); });
+}
+std::wstring Shown(const std::wstring& str) {
+    return Changed(str, [](wchar_t* psz) { DosPathToShellPath(psz); });
+}
+
+class ShortTest : public testing::Test {
+  protected:
+    ShortTest() {
+        std::filesystem::create_directory(strFolder);
+        folder.MakeFile(L"A Long Folder\\A Long File.Text", "abc");
+        strFolderAlt = folder.Get() + L"\\" + AltNameOf(strFolder);
+        strFileAlt = strFolderAlt + L"\\" + AltNameOf(strFile);
+        wchar_t sz[MAX_PATH] = L"";
+        ::GetShortPathNameW(folder.Get().c_str(), sz, MAX_PATH);
+        strBaseShort = sz;
+    }
+    static std::wstring Lower(std::wstring str) {
+        for (wchar_t& ch : str) ch = static_cast<wchar_t>(std::towlower(ch));
+        return str;
+    }
+    TempFolder folder;
+    std::wstring strFolder = folder.File(L"A Long Folder");
+    std::wstring strFile = strFolder + L"\\A Long File.Text";
+    std::wstring strFolderAlt, strFileAlt; // the two names short
+    std::wstring strBaseShort;             // the folder above, all short
+};
+using ConvertToShortPathTest = ShortTest;
+using ShortToLFNTest = ShortTest;
+using ConvertPathToLFNTest = ShortTest;
+using DosPathToShellPathTest = ShortTest;
+
+// To short names
+
+TEST_F(ConvertToShortPathTest, EveryNameIsShortened) {
+    ASSERT_FALSE(AltNameOf(strFolder).empty());
+    std::wstring strExpected = strBaseShort + L"\\" + AltNameOf(strFolder);
+    EXPECT_EQ(strExpected, Short(strFolder));
+    EXPECT_EQ(strExpected + L"\\" + AltNameOf(strFile), Short(strFile));
+    EXPECT_EQ(1, FileExists(Short(strFile).c_str()));
+    EXPECT_EQ(Short(strFile), Short(Short(strFile)));
+}
+
+TEST_F(ConvertToShortPathTest, TailThatIsMissingStaysBehindWhatExists) {
+    std::wstring strBelow = Short(strFolder);
+    EXPECT_EQ(strBelow + L"\\no such name", Short(strFolder + L"\\no such name"));
+    EXPECT_EQ(strBelow + L"\\no such\\name here", Short(strFolder + L"\\no such\\name here"));
+    EXPECT_EQ(strBelow + L"\\no such\\name\\", Short(strFolder + L"/no such/name/"));
+}
+
+TEST_F(ConvertToShortPathTest, DriveRootGetsItsLetterInUpperCase) {
+    EXPECT_EQ(L"C:\\", Short(L"c:\\"));
+    EXPECT_EQ(L"C:", Short(L"c:"));
+    EXPECT_EQ(L"Q:\\", Short(L"q:\\")); // there need be no such drive
+}
+
+TEST_F(ConvertToShortPathTest, NothingThatExistsLeavesThePathAlone) {
+    for (const wchar_t* psz : {L"", L"x", L"no such name", L"no such/name", L"q:\\no such\\name",
+                               L"\\\\server\\share\\a long name.text"}) {
+        EXPECT_EQ(psz, Short(psz));
+    }
+    EXPECT_EQ(0, ConvertToShortPath(nullptr, 260));
+    wchar_t sz[16] = L"no such name";
+    EXPECT_EQ(0, ConvertToShortPath(sz, 16));
+    EXPECT_STREQ(L"no such name", sz);
+}
+
+TEST_F(ConvertToShortPathTest, ShortFormHasToFit) {
+    std::wstring strExpected = Short(strFile);
+    std::vector<wchar_t> buffer(300);
+    std::wcscpy(buffer.data(), strFile.c_str());
+    auto cch = static_cast<unsigned>(strExpected.size());
+    EXPECT_EQ(0, ConvertToShortPath(buffer.data(), cch));
+    EXPECT_EQ(strFile, buffer.data());
+    EXPECT_EQ(0, ConvertToShortPath(buffer.data(), 0));
+    EXPECT_EQ(strFile, buffer.data());
+    EXPECT_EQ(1, ConvertToShortPath(buffer.data(), cch + 1));
+    EXPECT_EQ(strExpected, buffer.data());
+}
+
+TEST_F(ConvertToShortPathTest, ResultHasAtMost259Characters) {
+    // A name of one letter gets longer by nothing, so that only the tail decides.
+    std::wstring strTail = strFolder + L"\\" + std::wstring(259 - strFolder.size() - 1, L't');
+    ASSERT_EQ(259u, strTail.size());
+    std::wstring strResult = Short(strTail);
+    EXPECT_EQ(Short(strFolder) + strTail.substr(strFolder.size()), strResult);
+    std::wstring strTooLong = strTail + L"t";
+    std::vector<wchar_t> buffer(strTooLong.begin(), strTooLong.end());
+    buffer.push_back(0);
+    EXPECT_EQ(0, ConvertToShortPath(buffer.data(), 300));
+    EXPECT_EQ(strTooLong, buffer.data());
+}
+
+// To long names
+
+TEST_F(ShortToLFNTest, EveryNameIsLong) {
+    EXPECT_EQ(strFile, Long(strFileAlt));
+    EXPECT_EQ(strFolder, Long(strFolderAlt));
+    EXPECT_EQ(strFile, Long(Short(strFile)));
+    EXPECT_EQ(strFile, Long(strFile));
+    EXPECT_EQ(strFile, Long(Lower(strFile))); // in the case that the file system has
+    EXPECT_EQ(strFolder + L"\\", Long(strFolderAlt + L"\\"));
+}
+
+TEST_F(ShortToLFNTest, SlashesBecomeBackslashes) {
+    std::wstring str = strFileAlt;
+    std::replace(str.begin(), str.end(), L'\\', L'/');
+    EXPECT_EQ(strFile, Long(str));
+    EXPECT_EQ(L"a\\b", Long(L"a/b"));
+}
+
+TEST_F(ShortToLFNTest, TailThatIsMissingStays) {
+    EXPECT_EQ(strFolder + L"\\NOSUCH~1\\x", Long(strFolderAlt + L"\\NOSUCH~1\\x"));
+    EXPECT_EQ(strFile + L"\\x", Long(strFileAlt + L"\\x"));
+    EXPECT_EQ(strFolder + L"\\\\" + AltNameOf(strFile),
+              Long(strFolderAlt + L"\\\\" + AltNameOf(strFile))); // no name between
+}
+
+TEST_F(ShortToLFNTest, DotsAreNoNames) {
+    EXPECT_EQ(strFolder + L"\\.", Long(strFolderAlt + L"\\."));
+    EXPECT_EQ(strFolder + L"\\..\\A Long Folder\\A Long File.Text",
+              Long(strFolderAlt + L"\\..\\" + AltNameOf(strFolder) + L"\\" + AltNameOf(strFile)));
+}
+
+TEST_F(ShortToLFNTest, DriveRootGetsItsLetterInUpperCase) {
+    EXPECT_EQ(L"C:\\", Long(L"c:\\"));
+    EXPECT_EQ(L"C:\\", Long(L"c:/"));
+    EXPECT_EQ(L"C:", Long(L"c:"));
+    EXPECT_EQ(L"Q:\\", Long(L"q:\\"));
+    EXPECT_EQ(L"Q:\\no\\such", Long(L"q:\\no\\such"));
+}
+
+TEST_F(ShortToLFNTest, PathsWithoutARootStay) {
+    for (const wchar_t* psz : {L"", L"a", L"PROGRA~1", L"c:a", L"\\a", L"\\", L"\\\\"}) {
+        EXPECT_EQ(psz, Long(psz));
+    }
+    EXPECT_EQ(0, ShortToLFN(nullptr));
+}
+
+TEST_F(ShortToLFNTest, NetworkRootIsCopied) {
+    for (const wchar_t* psz : {L"\\\\server\\share\\FOLDER~1\\x", L"\\\\server\\share\\",
+                               L"\\\\server\\share", L"\\\\server\\", L"\\\\server", L"\\\\s"}) {
+        EXPECT_EQ(psz, Long(psz));
+    }
+    EXPECT_EQ(L"\\\\server\\share\\x", Long(L"//server/share/x"));
+}
+
+TEST_F(ShortToLFNTest, WhatDoesNotFitIsCut) {
+    std::wstring strLong = MakeFolderOfLength(folder.Get(), 250);
+    std::wstring strAlt = Short(strLong);
+    ASSERT_LT(strAlt.size(), 200u);
+    std::wstring strTail = L"\\0123456789abcdef"; // missing
+    EXPECT_EQ((strLong + strTail).substr(0, 259), Long(strAlt + strTail));
+}
+
+TEST_F(ConvertPathToLFNTest, LeavesTheOutputAloneWithoutARoot) {
+    for (const wchar_t* psz : {L"", L"a\\b", L"c:a", L"\\a", L"c:"}) {
+        wchar_t szIn[64], szOut[260] = L"before";
+        std::wcscpy(szIn, psz);
+        ConvertPathToLFN(szOut, szIn, nullptr, nullptr);
+        EXPECT_STREQ(L"before", szOut);
+        EXPECT_STREQ(psz, szIn);
+    }
+}
+
+TEST_F(ConvertPathToLFNTest, MendsItsInputAndWritesBackslashes) {
+    std::wstring strIn = strFileAlt;
+    std::replace(strIn.begin(), strIn.end(), L'\\', L'/');
+    std::vector<wchar_t> in(strIn.begin(), strIn.end());
+    in.push_back(0);
+    wchar_t szOut[260] = L"before";
+    ConvertPathToLFN(szOut, in.data(), nullptr, nullptr);
+    EXPECT_EQ(strFile, szOut);
+    EXPECT_EQ(strIn, in.data());
+}
+
+TEST_F(ConvertPathToLFNTest, GoesOnAtGivenPlaces) {
+    std::vector<wchar_t> in(strFileAlt.begin(), strFileAlt.end());
+    in.push_back(0);
+    wchar_t szOut[260] = L"before it";
+    ConvertPathToLFN(szOut, in.data(), szOut + 7, in.data() + strFolderAlt.size() + 1);
+    EXPECT_STREQ(L"before A Long File.Text", szOut);
+}
+
+TEST_F(ConvertPathToLFNTest, NullTextsDoNothing) {
+    wchar_t sz[260] = L"C:\\";
+    ConvertPathToLFN(nullptr, sz, nullptr, nullptr);
+    ConvertPathToLFN(sz, nullptr, nullptr, nullptr);
+    EXPECT_STREQ(L"C:\\", sz);
+}
+
+// As the shell shows it
+
+TEST_F(DosPathToShellPathTest, CaseAndLongNamesAreTheFileSystems) {
+    EXPECT_EQ(strFile, Shown(Lower(strFile)));
+    EXPECT_EQ(strFile, Shown(strFileAlt));
+    EXPECT_EQ(strFile, Shown(Lower(Short(strFile))));
+    std::wstring str = Lower(strFile);
+    std::replace(str.begin(), str.end(), L'\\', L'/');
+    EXPECT_EQ(strFile, Shown(str));
+}
+
+TEST_F(DosPathToShellPathTest, TailThatIsMissingStays) {
+    EXPECT_EQ(strFolder + L"\\missing", Shown(Lower(strFolder) + L"\\missing"));
+    EXPECT_EQ(strFolder + L"\\Missing\\x", Shown(strFolderAlt + L"\\Missing\\x"));
+}
+
+TEST_F(DosPathToShellPathTest, RootsGetTheirLetterInUpperCase) {
+    EXPECT_EQ(L"C:\\", Shown(L"c:\\"));
+    EXPECT_EQ(L"C:\\", Shown(L"c:/"));
+    EXPECT_EQ(L"C:", Shown(L"c:"));
+    EXPECT_EQ(L"Q:\\x", Shown(L"q:\\x"));
+}
+
+TEST_F(DosPathToShellPathTest, ShortTexts) {
+    EXPECT_EQ(L"", Shown(L""));
+    EXPECT_EQ(L"A", Shown(L"a"));
+    EXPECT_EQ(L"Ab", Shown(L"ab"));
+    EXPECT_EQ(L"\\", Shown(L"/"));
+    EXPECT_EQ(L"\\a", Shown(L"/a"));
+    EXPECT_EQ(L"\u00C4b", Shown(L"\u00E4b"));
+    DosPathToShellPath(nullptr);
+}
+
+TEST_F(DosPathToShellPathTest, RelativeNamesStayRelative) {
+    wchar_t szBefore[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, szBefore);
+    ASSERT_TRUE(::SetCurrentDirectoryW(folder.Get().c_str()));
+    EXPECT_EQ(L"A Long Folder", Shown(L"a long folder"));
+    EXPECT_EQ(L"A Long Folder\\A Long File.Text", Shown(L"a long folder/a long file.text"));
+    EXPECT_EQ(L"c:A Long Folder", Shown(L"c:a long folder").replace(0, 1, L"c"));
+    EXPECT_EQ(L"A Long Folder\\..\\A Long Folder", Shown(L"a long folder\\..\\a long folder"));
+    EXPECT_EQ(L"no such", Shown(L"no such"));
+    ::SetCurrentDirectoryW(szBefore);
+}
+
+TEST_F(DosPathToShellPathTest, PathBelowASingleSeparatorKeepsIt) {
+    std::wstring strNoDrive = strFile.substr(2);
+    wchar_t szBefore[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, szBefore);
+    ASSERT_TRUE(::SetCurrentDirectoryW(folder.Get().c_str()));
+    EXPECT_EQ(strNoDrive, Shown(Lower(strNoDrive)));
+    ::SetCurrentDirectoryW(szBefore);
+}
+
+TEST_F(DosPathToShellPathTest, NetworkPathsStay) {
+    EXPECT_EQ(L"\\\\server\\share\\x", Shown(L"\\\\server\\share\\x"));
+    EXPECT_EQ(L"\\\\server", Shown(L"\\\\server"));
+}
+
+TEST_F(DosPathToShellPathTest, FolderThatLooksLikeAnEnvironmentString) {
+    ASSERT_TRUE(::SetEnvironmentVariableW(L"TESSALY_CASE", L"other"));
+    std::wstring strOdd = folder.File(L"%TESSALY_CASE%");
+    std::filesystem::create_directory(strOdd);
+    folder.MakeFile(L"%TESSALY_CASE%\\file", "");
+    EXPECT_EQ(folder.File(L"other\\file"), Shown(strOdd + L"\\file"));
+    EXPECT_EQ(strOdd, Shown(strOdd)); // the last name is not a folder above
+    ::SetEnvironmentVariableW(L"TESSALY_CASE", nullptr);
+}
+
+TEST_F(DosPathToShellPathTest, ResultThatReachesTheLimitIsEmpty) {
+    std::wstring strOdd = folder.File(L"%T%");
+    std::filesystem::create_directory(strOdd);
+    folder.MakeFile(L"%T%\\file", "");
+    std::size_t cchOthers = folder.Get().size() + 1 + 5; // all but what %T% stands for
+    for (auto [cchAll, bFits] : {std::pair{259u, true}, {260u, false}}) {
+        std::wstring strValue(cchAll - cchOthers, L'v');
+        ASSERT_TRUE(::SetEnvironmentVariableW(L"T", strValue.c_str()));
+        EXPECT_EQ(bFits ? folder.File(strValue + L"\\file") : L"", Shown(strOdd + L"\\file"));
+    }
+    // What does not fit at all is not expanded.
+    ASSERT_TRUE(::SetEnvironmentVariableW(L"T", std::wstring(300, L'v').c_str()));
+    EXPECT_EQ(strOdd + L"\\file", Shown(strOdd + L"\\file"));
+    ::SetEnvironmentVariableW(L"T", nullptr);
+}
+
+TEST_F(DosPathToShellPathTest, LongestPath) {
+    LongestFile file(folder.Get());
+    EXPECT_EQ(file.Path(0), Shown(Lower(file.Path(0))));
+}
+} // namespace
