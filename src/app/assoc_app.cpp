@@ -1,5 +1,6 @@
 #include "app/assoc_app.h"
 #include "files/path_env.h"
+#include "files/path_fs.h"
 #include "files/path_split.h"
 #include "runtime/text_format.h"
 #include "store/reg_key.h"
@@ -29,18 +30,13 @@ void CutToProgram(wchar_t* pszCommand) {
     pszCommand[std::wcscspn(pszCommand, bQuoted ? L"\"" : L" ")] = 0;
 }
 
-int IsFile(const wchar_t* pszPath) {
-    DWORD dwAttributes = ::GetFileAttributesW(pszPath);
-    return dwAttributes != INVALID_FILE_ATTRIBUTES && !(dwAttributes & FILE_ATTRIBUTE_DIRECTORY);
-}
-
 /// The program of a type or a scheme, which have their command in the same place.
 int FindProgram(const wchar_t* pszType, wchar_t* pszProgram, wchar_t* pszCommand) {
     wchar_t szCommand[MAX_PATH], szPath[MAX_PATH];
     if (!ReadUnnamed(L"HKCLS\\%s\\shell\\open\\command", pszType, szCommand, MAX_PATH)) return 0;
     if (pszCommand) std::wcscpy(pszCommand, szCommand);
     CutToProgram(szCommand);
-    if (!ExpandEnvStrings(szCommand, szPath, MAX_PATH) || !IsFile(szPath)) return 0;
+    if (!ExpandEnvStrings(szCommand, szPath, MAX_PATH) || !FileExists(szPath)) return 0;
     if (pszProgram) std::wcscpy(pszProgram, szPath);
     return 1;
 }

@@ -1,6 +1,7 @@
 #include "app/elevate.h"
 #include "app/hand_over.h"
 #include "app/shell_start.h"
+#include "files/path_home.h"
 #include "runtime/elevation.h"
 #include "runtime/runtime_func.h"
 #include "runtime/win_version.h"
@@ -39,6 +40,14 @@ int RunNonElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParamete
     return HandOver(hwnd, nullptr, pszFile, pszParameters, pszDirectory, phProcess, pdwError);
 }
 
+int RunLocalFileNonElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                            const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
+                            int bForce) {
+    wchar_t szPath[MAX_PATH];
+    if (!pszName || !GetLocalPath(szPath, pszName, nullptr)) return NotFound(phProcess, pdwError);
+    return RunNonElevated(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
+}
+
 int RunSatelliteFileNonElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                                 const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                                 int bForce) {
@@ -60,6 +69,14 @@ int RunElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
                         pdwError);
     return MyShellExec(hwnd, WinVista() ? kAsAdministrator : nullptr, pszFile, pszParameters,
                        pszDirectory, phProcess, pdwError);
+}
+
+int RunLocalFileElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                         const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
+                         int bForce) {
+    wchar_t szPath[MAX_PATH];
+    if (!pszName || !GetLocalPath(szPath, pszName, nullptr)) return NotFound(phProcess, pdwError);
+    return RunElevated(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
 }
 
 int RunSatelliteFileElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,

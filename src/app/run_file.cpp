@@ -1,5 +1,7 @@
 #include "app/run_file.h"
+#include "app/dll_line.h"
 #include "app/shell_start.h"
+#include "files/path_home.h"
 #include "files/path_split.h"
 #include "runtime/elevation.h"
 #include "runtime/runtime_func.h"
@@ -8,6 +10,7 @@
 
 namespace {
 constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this is no error
+constexpr int kDllLineSize = 1024;
 
 /// The file of a found path, for RunLocalFile and RunSatelliteFile.
 int RunFound(HWND hwnd, const wchar_t* pszPath, const wchar_t* pszParameters,
@@ -79,6 +82,13 @@ int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
     return StartByShell(start);
 }
 
+int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                 const wchar_t* pszVerb) {
+    wchar_t szPath[MAX_PATH];
+    return pszName && GetLocalPath(szPath, pszName, nullptr) &&
+           RunFound(hwnd, szPath, pszParameters, pszVerb);
+}
+
 int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                      const wchar_t* pszVerb) {
     wchar_t szPath[MAX_PATH];
@@ -120,4 +130,12 @@ int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
     start.pszDirectory = pszDirectory;
     start.phProcess = phProcess;
     return StartWaiting(start);
+}
+
+int RunDll32(const wchar_t* pszArguments) {
+    // By its full path: a bare name is looked for in the current folder before the system's.
+    wchar_t szProgram[MAX_PATH], szParameters[kDllLineSize];
+    return MakeSystemPath(szProgram, kRunDll32) &&
+           MakeDllLine(szParameters, kDllLineSize, pszArguments) &&
+           RunFile(szProgram, szParameters, nullptr, nullptr);
 }

@@ -4,11 +4,16 @@
 namespace {
 struct Switch {
     const wchar_t* pszName;
-    int HostOptions::*pbOption;
+    void (*pfnApply)(HostOptions& options);
 };
 constexpr Switch kSwitches[] = {
-    {L"QUIET", &HostOptions::bQuiet},
-    {L"EXIT", &HostOptions::bExit},
+    {L"QUIET", [](HostOptions& options) { options.bQuiet = 1; }},
+    {L"EXIT", [](HostOptions& options) { options.bExit = 1; }},
+    {L"AUTOSTART", [](HostOptions& options) { options.autoStart = AutoStart::Tell; }},
+    {L"AUTOSTART:ON", [](HostOptions& options) { options.autoStart = AutoStart::On; }},
+    {L"AUTOSTART=ON", [](HostOptions& options) { options.autoStart = AutoStart::On; }},
+    {L"AUTOSTART:OFF", [](HostOptions& options) { options.autoStart = AutoStart::Off; }},
+    {L"AUTOSTART=OFF", [](HostOptions& options) { options.autoStart = AutoStart::Off; }},
 };
 
 const Switch* FindSwitch(const wchar_t* pszArgument) {
@@ -27,7 +32,7 @@ HostOptions ParseHostOptions(int nArguments, const wchar_t* const* ppszArguments
     HostOptions options;
     for (int i = 1; i < nArguments; ++i) {
         if (const Switch* pKnown = FindSwitch(ppszArguments[i]))
-            options.*(pKnown->pbOption) = 1;
+            pKnown->pfnApply(options);
         else if (!options.pszUnknown)
             options.pszUnknown = ppszArguments[i];
     }

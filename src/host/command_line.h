@@ -1,12 +1,17 @@
 #pragma once
 
+/// What to do about the start with Windows.
+enum class AutoStart { None, Tell, On, Off };
+
 /// What the program was asked for.
 struct HostOptions {
-    int bQuiet = 0;                      // start without the opening balloon
-    int bExit = 0;                       // ask the running program to close, and start nothing
-    const wchar_t* pszUnknown = nullptr; // the first argument that means nothing; borrowed
+    int bQuiet = 0;                        // start without the opening balloon
+    int bExit = 0;                         // ask the running program to close, and start nothing
+    AutoStart autoStart = AutoStart::None; // other than None: start nothing
+    const wchar_t* pszUnknown = nullptr;   // the first argument that means nothing; borrowed
 };
 
 /// Reads the arguments, of which the first is the program itself. Switches begin with "/" or "-"
-/// and are in any case of letters.
+/// and are in any case of letters; data of theirs follow ":" or "=". Of several about the start
+/// with Windows the last one counts.
 HostOptions ParseHostOptions(int nArguments, const wchar_t* const* ppszArguments);

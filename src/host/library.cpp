@@ -12,6 +12,7 @@ constexpr const wchar_t* kLibraryName = L"TSDLL64.dll";
 constexpr const char* kFunctions[] = {
     "_Z3MsgP6HWND__j7MsgText",
     "_Z16GetMyProductInfov",
+    "_Z18GetSetAutoRunDll32iPiiiPKwS1_",
     "_Z16PostMyCompanyMsgP6HWND__yx",
     "_ZN16SingleInstanceXP15IsFirstInstanceEiPKw",
 };

@@ -1,10 +1,13 @@
 // The program: it maps the library beside it, and leaves the work to that.
 
+#include "app/auto_run.h"
 #include "app/my_product_info.h"
 #include "app/single_instance.h"
+#include "app/start_monitor.h"
 #include "host/close_running.h"
 #include "host/command_line.h"
 #include "host/library.h"
+#include "resources/resource_ids.h"
 #include "runtime/msg.h"
 #include "runtime/owned_handle.h"
 #include "runtime/text_format.h"
@@ -17,6 +20,8 @@ enum ExitCode {
     kExitStillRunning = 1, // the running one did not close in time
     kExitBadSwitch = 2,
     kExitNoLibrary = 3,
+    kExitNoAutoStart = 4, // asked whether it starts with Windows: it does not
+    kExitNotWritten = 5,  // the start with Windows could not be set
 };
 
 constexpr DWORD kCloseTimeoutMs = 15000;
@@ -28,7 +33,10 @@ int TellBadSwitch(const wchar_t* pszUnknown) {
                L"\"%.200s\" is not a switch of this program.\n\n"
                L"It knows:\n"
                L"/QUIET\tstarts without the opening balloon\n"
-               L"/EXIT\tcloses the running program",
+               L"/EXIT\tcloses the running program\n"
+               L"/AUTOSTART:ON\tstarts with Windows from now on\n"
+               L"/AUTOSTART:OFF\tno longer starts with Windows\n"
+               L"/AUTOSTART\ttells whether it starts with Windows",
                pszUnknown);
     Msg(nullptr, MB_ICONWARNING, szText);
     return kExitBadSwitch;
@@ -50,6 +58,34 @@ int CloseTheRunningOne() {
     return kExitStillRunning;
 }
 
+/// The start with Windows, of the current user. *pnOn is as for the library's function.
+int ProcessAutoStart(int bWrite, int bOn, int* pnOn) {
+    constexpr int kCurrentUser = 1;
+    return GetSetAutoRunDll32(bWrite, pnOn, bOn, kCurrentUser, GetMyProductInfo().GetName(),
+                              kStartMonitorEntry);
+}
+
+int SetAutoStart(int bOn) {
+    if (ProcessAutoStart(1, bOn, nullptr)) return kExitDone;
+    Msg(nullptr, MB_ICONWARNING, -IDS_REGISTRY_NOT_WRITTEN);
+    return kExitNotWritten;
+}
+
+/// With bQuiet only the exit code tells.
+int TellAutoStart(int bQuiet) {
+    int bOn = 0;
+    ProcessAutoStart(0, 0, &bOn); // no key: no programs start with Windows
+    if (!bQuiet)
+        Msg(nullptr, MB_ICONINFORMATION,
+            bOn ? L"Tessaly starts with Windows." : L"Tessaly does not start with Windows.");
+    return bOn ? kExitDone : kExitNoAutoStart;
+}
+
+int RunAutoStart(const HostOptions& options) {
+    if (options.autoStart == AutoStart::Tell) return TellAutoStart(options.bQuiet);
+    return SetAutoStart(options.autoStart == AutoStart::On);
+}
+
 int RunMonitor(MonitorFunc* pfnMonitor, int bQuiet) {
     SingleInstanceXP instance;
     if (!instance.IsFirstInstance(0, GetMyProductInfo().GetName())) return kExitDone;
@@ -64,7 +100,14 @@ int Run(const HostOptions& options) {
     if (GetLibraryPath(szPath)) problem = LoadLibraryFile(szPath, pfnMonitor);
     if (problem != LibraryProblem::None) return TellNoLibrary(problem, szPath);
     if (options.pszUnknown) return TellBadSwitch(options.pszUnknown);
-    return options.bExit ? CloseTheRunningOne() : RunMonitor(pfnMonitor, options.bQuiet);
+    int bAutoStart = options.autoStart != AutoStart::None;
+    int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
+    if (options.bExit) {
+        int nCloseCode = CloseTheRunningOne();
+        return nCloseCode != kExitDone ? nCloseCode : nExitCode;
+    }
+    if (bAutoStart) return nExitCode;
+    return RunMonitor(pfnMonitor, options.bQuiet);
 }
 } // namespace
 

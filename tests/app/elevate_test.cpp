@@ -3,6 +3,7 @@
 #include "app/hand_over.h"
 #include "app/launch_reports.h"
 #include "app/shell_start_recorder.h"
+#include "files/path_home.h"
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
@@ -195,6 +196,30 @@ TEST_F(Elevate, SatellitesOnlyHaveTheirPathFound) {
         0, RunSatelliteFileElevated(nullptr, strLong.c_str(), L"p", L"d", &hProcess, &dwError, 0));
     EXPECT_EQ(nullptr, hProcess);
     EXPECT_NE(0u, dwError);
+    EXPECT_TRUE(shell.calls.empty());
+}
+
+TEST_F(Elevate, LocalFilesOnlyHaveTheirPathFound) {
+    wchar_t szPath[MAX_PATH];
+    ASSERT_EQ(1, GetLocalPath(szPath, L"x.exe", nullptr));
+    EXPECT_EQ(1, RunLocalFileNonElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 1));
+    ShellCall call = shell.TakeOne();
+    EXPECT_EQ(szPath, call.file);
+    EXPECT_EQ(L"p", call.parameters);
+    EXPECT_EQ(nullptr, call.verb);
+    EXPECT_EQ(fake.Thread(), call.dwThread);
+    EXPECT_EQ(1, RunLocalFileElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 0));
+    call = shell.TakeOne();
+    EXPECT_EQ(szPath, call.file);
+    EXPECT_EQ(L"runas", call.verb);
+    wstring strLong(MAX_PATH, L'x');
+    for (auto* pfn : {&RunLocalFileNonElevated, &RunLocalFileElevated}) {
+        for (const wchar_t* psz : {strLong.c_str(), static_cast<const wchar_t*>(nullptr)}) {
+            hProcess = &dwError;
+            EXPECT_EQ(0, pfn(nullptr, psz, L"p", L"d", &hProcess, &dwError, 0));
+            EXPECT_EQ(nullptr, hProcess);
+        }
+    }
     EXPECT_TRUE(shell.calls.empty());
 }
 

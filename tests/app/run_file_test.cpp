@@ -2,7 +2,7 @@
 #include "app/fake_windows.h"
 #include "app/launch_reports.h"
 #include "app/shell_start_recorder.h"
-#include "runtime/library_instance.h"
+#include "files/path_home.h"
 #include "shell/pidl_of_path.h"
 #include "shell/shell_malloc.h"
 #include "support/runtime_lookup.h"
@@ -185,6 +185,27 @@ TEST_F(RunRecorded, SatellitePathsAreNeverCut) {
     EXPECT_TRUE(shell.calls.empty());
 }
 
+TEST_F(RunRecorded, LocalFilesLieInTheHomeFolder) {
+    wchar_t szHome[MAX_PATH];
+    ASSERT_EQ(1, GetLocalPath(szHome, L"a b.exe", nullptr));
+    EXPECT_EQ(1, RunLocalFile(nullptr, L"a b.exe", L"p", L"v"));
+    ShellCall call = shell.TakeOne();
+    EXPECT_EQ(szHome, call.file);
+    EXPECT_EQ(::GetDesktopWindow(), call.hwnd);
+    EXPECT_EQ(L"p", call.parameters);
+    EXPECT_EQ(L"v", call.verb);
+    EXPECT_EQ(nullptr, call.directory);
+    EXPECT_EQ(SW_SHOWNORMAL, call.nShow);
+    EXPECT_EQ(WaitCursor(), call.hcur);
+    ExpectCursorBack();
+    TestWindow window;
+    RunLocalFile(window.Get(), L"x", nullptr, nullptr);
+    EXPECT_EQ(window.Get(), shell.TakeOne().hwnd);
+    EXPECT_EQ(0, RunLocalFile(nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(0, RunLocalFile(nullptr, std::wstring(MAX_PATH, L'x').c_str(), nullptr, nullptr));
+    EXPECT_TRUE(shell.calls.empty());
+}
+
 DWORD WINAPI CutModuleName(HMODULE, LPWSTR psz, DWORD cch) {
     std::fill(psz, psz + cch, L'x');
     return cch;
@@ -199,7 +220,7 @@ TEST_F(RunRecorded, ProgramWithAPathTooLongIsNotStarted) {
         EXPECT_EQ(0, RunMyselfElevated(nullptr, L"", &hProcess));
         EXPECT_EQ(nullptr, hProcess);
         EXPECT_EQ(0, RunSatelliteFile(nullptr, L"x", nullptr, nullptr));
-        // EXPECT_EQ(0, RunDll32(L"x"));
+        EXPECT_EQ(0, RunDll32(L"x"));
     }
     EXPECT_TRUE(shell.calls.empty());
 }
@@ -371,6 +392,14 @@ TEST_F(RunReal, SatelliteIsStarted) {
     auto report = reports.Take();
     ASSERT_TRUE(report);
     EXPECT_EQ(L"\"" + ProbePath() + L"\" /satellite", report->strLine);
+}
+
+TEST_F(RunReal, LocalFileIsStarted) {
+    // Without a stored home it is the folder of this program.
+    ASSERT_EQ(1, RunLocalFile(nullptr, L"launch_probe.exe", L"/local", nullptr));
+    auto report = reports.Take();
+    ASSERT_TRUE(report);
+    EXPECT_TRUE(report->strLine.ends_with(L"launch_probe.exe\" /local")) << report->strLine.size();
 }
 
 TEST_F(RunReal, ProgramStartsItselfOnceMore) {

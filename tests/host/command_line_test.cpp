@@ -31,6 +31,23 @@ TEST(ParseHostOptions, TakesSwitchesInAnyCaseWithEitherSign) {
     EXPECT_EQ(1, both.bExit);
 }
 
+TEST(ParseHostOptions, TakesDataOfTheStartWithWindows) {
+    EXPECT_EQ(AutoStart::None, Parse({L"/quiet"}).autoStart);
+    for (const wchar_t* psz : {L"/AUTOSTART", L"-autostart"})
+        EXPECT_EQ(AutoStart::Tell, Parse({psz}).autoStart) << psz;
+    for (const wchar_t* psz : {L"/AUTOSTART:ON", L"-autostart:on", L"/AutoStart=On"})
+        EXPECT_EQ(AutoStart::On, Parse({psz}).autoStart) << psz;
+    for (const wchar_t* psz : {L"/AUTOSTART:OFF", L"-autostart:off", L"/AutoStart=Off"})
+        EXPECT_EQ(AutoStart::Off, Parse({psz}).autoStart) << psz;
+    HostOptions options = Parse({L"/autostart:on", L"/quiet", L"/autostart:off"});
+    EXPECT_EQ(AutoStart::Off, options.autoStart);
+    EXPECT_EQ(1, options.bQuiet);
+    EXPECT_EQ(nullptr, options.pszUnknown);
+    for (const wchar_t* psz : {L"/autostart:", L"/autostart:o", L"/autostart: on", L"/autostart on",
+                               L"/autostart:on:off", L"autostart:on", L"/autostart:1"})
+        EXPECT_EQ(psz, Parse({psz}).pszUnknown) << psz;
+}
+
 TEST(ParseHostOptions, NamesTheFirstUnknownArgument) {
     for (const wchar_t* psz :
          {L"/quie", L"/quiets", L"quiet", L"", L"/", L"-", L"//quiet", L"--exit", L"/quiet "})

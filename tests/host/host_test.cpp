@@ -159,8 +159,9 @@ TEST_F(HostFolder, LibraryWithoutAVersionIsTold) {
 }
 
 TEST_F(HostFolder, LibraryWithoutAFunctionIsTold) {
-    for (std::string strName : {"DoMonitor", "_Z16PostMyCompanyMsg", "_Z3MsgP6HWND__",
-                                "_Z16GetMyProductInfov", "_ZN16SingleInstanceXP15IsFirst"}) {
+    for (std::string strName :
+         {"DoMonitor", "_Z16PostMyCompanyMsg", "_Z3MsgP6HWND__", "_Z16GetMyProductInfov",
+          "_ZN16SingleInstanceXP15IsFirst", "_Z18GetSetAutoRunDll32"}) {
         Bytes bytes = RealLibrary();
         std::string strOther = strName;
         strOther.back() = '~';
@@ -185,6 +186,9 @@ TEST(Host, UnknownSwitchIsToldWithWhatIsKnown) {
     EXPECT_EQ(0u, ended.strBox.find(L"\"/no such\" is not a switch of this program."));
     EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/QUIET\t"));
     EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/EXIT\t"));
+    EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/AUTOSTART:ON\t"));
+    EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/AUTOSTART:OFF\t"));
+    EXPECT_NE(std::wstring::npos, ended.strBox.find(L"/AUTOSTART\t"));
     EXPECT_EQ(2u, RunHost(BinFolder(), std::wstring(2000, L'x')).dwExitCode);
 }
 
@@ -225,6 +229,71 @@ TEST(Host, ExitClosesTheRunningOneAndWaitsForItsProcess) {
     ::CloseHandle(hRead);
     ::CloseHandle(pi.hThread);
     ::CloseHandle(pi.hProcess);
+}
+
+/// The value that starts the program with Windows; what stood there before comes back.
+class AutoStartValue : public testing::Test {
+  protected:
+    AutoStartValue() { strBefore = Read(); }
+    ~AutoStartValue() override { Write(strBefore); }
+    static std::wstring Read() {
+        wchar_t sz[512] = L"";
+        DWORD cb = sizeof(sz);
+        HKEY hkey = nullptr;
+        if (::RegOpenKeyExW(HKEY_CURRENT_USER, kRunKey, 0, KEY_READ, &hkey)) return L"";
+        ::RegQueryValueExW(hkey, L"Tessaly", nullptr, nullptr, reinterpret_cast<BYTE*>(sz), &cb);
+        ::RegCloseKey(hkey);
+        return sz;
+    }
+    /// The empty text deletes.
+    static void Write(const std::wstring& str) {
+        HKEY hkey = nullptr;
+        ::RegCreateKeyExW(HKEY_CURRENT_USER, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hkey,
+                          nullptr);
+        if (str.empty())
+            ::RegDeleteValueW(hkey, L"Tessaly");
+        else
+            ::RegSetValueExW(hkey, L"Tessaly", 0, REG_SZ,
+                             reinterpret_cast<const BYTE*>(str.c_str()),
+                             static_cast<DWORD>((str.size() + 1) * sizeof(wchar_t)));
+        ::RegCloseKey(hkey);
+    }
+    static void Expect(const wchar_t* pszArguments, DWORD dwExitCode, const wchar_t* pszBox) {
+        Ended ended = RunHost(BinFolder(), pszArguments);
+        EXPECT_EQ(dwExitCode, ended.dwExitCode) << pszArguments;
+        EXPECT_EQ(pszBox, ended.strBox);
+        EXPECT_EQ(nullptr, ::FindWindowW(L"TessalyWnd", nullptr)); // nothing else was started
+    }
+    static constexpr const wchar_t* kRunKey = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+    std::wstring strBefore;
+};
+
+TEST_F(AutoStartValue, IsSetToldAndDeleted) {
+    constexpr const wchar_t *kOn = L"Tessaly starts with Windows.",
+                            *kOff = L"Tessaly does not start with Windows.";
+    Expect(L"/AUTOSTART:OFF", 0, L"");
+    EXPECT_EQ(L"", Read());
+    Expect(L"/AUTOSTART", 4, kOff);
+    Expect(L"/autostart /quiet", 4, L"");
+    Expect(L"/AUTOSTART:ON", 0, L"");
+    std::wstring strLine = Read();
+    EXPECT_EQ(0u, strLine.find(L"RunDll32.exe "));
+    EXPECT_TRUE(strLine.ends_with(L",StartMonitor")) << strLine.size();
+    Expect(L"/AUTOSTART", 0, kOn);
+    Expect(L"-quiet -autostart", 0, L"");
+    Expect(L"/autostart:on", 0, L""); // again
+    EXPECT_EQ(strLine, Read());
+    Expect(L"/exit /autostart", 0, kOn);
+    Expect(L"-AutoStart=Off", 0, L"");
+    EXPECT_EQ(L"", Read());
+    Expect(L"/exit /autostart /quiet", 4, L"");
+}
+
+TEST_F(AutoStartValue, LineOfAnotherPlaceIsNotThisProgram) {
+    Write(L"RunDll32.exe C:\\elsewhere\\TSDLL64.dll,StartMonitor");
+    Expect(L"/autostart /quiet", 4, L"");
+    Expect(L"/autostart:on", 0, L"");
+    Expect(L"/autostart /quiet", 0, L"");
 }
 
 int nAsked = 0;

@@ -1,0 +1,23 @@
+#include "app/dll_line.h"
+#include "app/shell_start.h"
+#include "files/path_quote.h"
+#include "files/path_short.h"
+#include "runtime/library_instance.h"
+#include "runtime/text_format.h"
+
+#include <cwchar>
+
+int MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments) {
+    constexpr int kQuotes = 2;
+    wchar_t szLibrary[MAX_PATH], szQuoted[MAX_PATH + kQuotes];
+    if (!pszArguments) pszArguments = L"";
+    *pszLine = 0;
+    if (!GetModulePath(GetLibraryInstance(), szLibrary)) return 0;
+    ConvertToShortPath(szLibrary, MAX_PATH);
+    std::wcscpy(szQuoted, szLibrary);
+    AddQuotesIfSpace(szQuoted);
+    std::size_t cch = std::wcslen(szQuoted) + 1 + std::wcslen(pszArguments);
+    if (cch >= static_cast<std::size_t>(cchLine)) return 0;
+    FormatText(pszLine, static_cast<std::size_t>(cchLine), L"%s,%s", szQuoted, pszArguments);
+    return 1;
+}
