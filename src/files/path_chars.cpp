@@ -2,6 +2,19 @@
 
 #include <cwchar>
 
+namespace {
+std::size_t LengthUpTo(const wchar_t* psz, std::size_t cchMax) {
+    std::size_t cch = 0;
+    while (psz && cch < cchMax && psz[cch]) ++cch;
+    return cch;
+}
+
+void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch) {
+    if (cch && psz != pszOut) std::wmemmove(pszOut, psz, cch);
+    pszOut[cch] = 0;
+}
+} // namespace
+
 int FitsPath(const wchar_t* psz) {
     if (!psz) return 0;
     for (std::size_t i = 0; i < kPathChars; ++i) {
@@ -12,19 +25,16 @@ int FitsPath(const wchar_t* psz) {
 
 std::size_t CopyTextPart(wchar_t* pszOut, const wchar_t* psz, std::size_t cchMax) {
     if (!pszOut) return 0;
-    std::size_t cch = 0;
-    while (psz && cch < cchMax && psz[cch]) ++cch;
-    if (cch && psz != pszOut) std::wmemmove(pszOut, psz, cch);
-    pszOut[cch] = 0;
+    std::size_t cch = LengthUpTo(psz, cchMax);
+    PutText(pszOut, psz, cch);
     return cch;
 }
 
 int CopyTextCut(wchar_t* pszOut, std::size_t cchOut, const wchar_t* psz) {
     if (!pszOut || cchOut == 0) return 0;
-    const wchar_t* pszEnd = psz;
-    while (pszEnd && *pszEnd && static_cast<std::size_t>(pszEnd - psz) < cchOut) ++pszEnd;
-    bool bWhole = static_cast<std::size_t>(pszEnd - psz) < cchOut;
-    CopyTextPart(pszOut, psz, cchOut - 1);
+    std::size_t cch = LengthUpTo(psz, cchOut - 1);
+    int bWhole = !psz || !psz[cch]; // before the copy, which may lie over it
+    PutText(pszOut, psz, cch);
     return bWhole;
 }
 

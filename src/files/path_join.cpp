@@ -106,17 +106,17 @@ int MakePath(wchar_t* pszOut, const wchar_t* pszFolder, const wchar_t* pszName,
     int bSeparator = cch && !EndsInSeparator(pszOut, cch);
     int bDot = NeedsDot(pszExt);
     pszName = SkipOneSeparator(pszName);
-    if (cch + bSeparator + std::wcslen(pszName) + bDot + LengthOf(pszExt) >= kPathChars) {
-        if (!bCut) *pszOut = 0;
-        if (!bCut) return 0;
-        if (bSeparator) AppendTextCut(pszOut, kPathChars, L"\\");
-        AppendTextCut(pszOut, kPathChars, pszName);
+    int bFits = cch + bSeparator + std::wcslen(pszName) + bDot + LengthOf(pszExt) < kPathChars;
+    if (!bFits && !bCut) {
+        *pszOut = 0;
         return 0;
     }
     if (bSeparator) AppendTextCut(pszOut, kPathChars, L"\\");
     AppendTextCut(pszOut, kPathChars, pszName);
+    if (!bFits) return 0;
     if (bDot) AppendTextCut(pszOut, kPathChars, L".");
-    return AppendTextCut(pszOut, kPathChars, pszExt);
+    AppendTextCut(pszOut, kPathChars, pszExt);
+    return 1;
 }
 
 int MakePathEx(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszFolder, const wchar_t* pszName,

@@ -6,12 +6,10 @@
 #include <cwchar>
 
 namespace {
-constexpr wchar_t kNameTable[] = L"\"*./:<>?\\|";
+constexpr AsciiSet kNameTable(L"\"*./:<>?\\|");
 constexpr wchar_t kFirstDash = 0x2012, kLastDash = 0x2015; // figure dash to horizontal bar
 constexpr std::size_t kMaxName = kPathChars - 1;
 constexpr unsigned kLargestCode = 0xFFFF;
-
-bool IsInNameTable(wchar_t ch) { return ch && std::wcschr(kNameTable, ch); }
 
 bool IsDash(wchar_t ch) { return ch >= kFirstDash && ch <= kLastDash; }
 
@@ -26,7 +24,7 @@ wchar_t TakeGroup(const wchar_t*& psz) {
     while (*psz && *psz != L';') ++psz;
     if (*psz) ++psz;
     auto ch = static_cast<wchar_t>(nCode <= kLargestCode ? nCode : 0);
-    return IsInNameTable(ch) ? ch : L'\0';
+    return kNameTable.Has(ch) ? ch : L'\0';
 }
 } // namespace
 
@@ -52,7 +50,7 @@ int FixFileName(wchar_t* pszOut, const wchar_t* pszIn) {
     if (!pszOut) return 0;
     int bWhole = CopyPath(pszOut, pszIn ? pszIn : pszOut);
     for (wchar_t* p = pszOut; *p; ++p) {
-        if (IsInNameTable(*p)) *p = L'-';
+        if (kNameTable.Has(*p)) *p = L'-';
     }
     return bWhole;
 }
@@ -63,10 +61,9 @@ int EncodeFileName(wchar_t* pszOut, const wchar_t* pszIn) {
     std::size_t cch = 0;
     const wchar_t* p = pszIn ? pszIn : L"";
     for (; *p; ++p) {
-        std::size_t cchPiece = 1;
+        int bEncode = kNameTable.Has(*p);
         szPiece[0] = *p;
-        if (IsInNameTable(*p))
-            cchPiece = static_cast<std::size_t>(FormatText(szPiece, L"&#%d;", *p));
+        auto cchPiece = static_cast<std::size_t>(bEncode ? FormatText(szPiece, L"&#%d;", *p) : 1);
         if (cch + cchPiece > kMaxName) break;
         cch += CopyTextPart(szOut + cch, szPiece, cchPiece);
     }

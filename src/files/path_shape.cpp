@@ -13,22 +13,14 @@
 namespace {
 constexpr wchar_t kInvalidFileNameChars[] = L"\\ / : * ? \" < > |";
 constexpr wchar_t kInvalidFolderNameChars[] = L": * ? \" < > |";
+constexpr AsciiSet kInvalidInFileName(kInvalidFileNameChars);
+constexpr AsciiSet kInvalidInFolderName(kInvalidFolderNameChars);
+constexpr AsciiSet kMaskChars(L"*?");
+constexpr AsciiSet kSeparators(L"\\/");
 constexpr std::ptrdiff_t kMaxAltName = 8;
 constexpr std::size_t kMaxAltExt = 4; // with its "."
 
-bool HoldsSeparator(const wchar_t* psz) {
-    for (; *psz; ++psz) {
-        if (IsPathSeparator(*psz)) return true;
-    }
-    return false;
-}
-
-bool HoldsOneOf(const wchar_t* psz, const wchar_t* pszShown) {
-    for (; *psz; ++psz) {
-        if (*psz != L' ' && std::wcschr(pszShown, *psz)) return true;
-    }
-    return false;
-}
+bool HoldsSeparator(const wchar_t* psz) { return kSeparators.AnyIn(psz); }
 
 bool HoldsSeparatorPair(const wchar_t* psz) {
     for (; *psz; ++psz) {
@@ -59,7 +51,7 @@ int IsPath(const wchar_t* pszPath) {
     return pszPath[1] == L':' || HoldsSeparator(pszPath);
 }
 
-int IsMask(const wchar_t* pszPath) { return pszPath && std::wcspbrk(pszPath, L"*?"); }
+int IsMask(const wchar_t* pszPath) { return pszPath && kMaskChars.AnyIn(pszPath); }
 
 int IsDrivePath(const wchar_t* pszPath) {
     if (!pszPath || !StartsWithDrive(pszPath)) return 0;
@@ -123,7 +115,7 @@ int IsFileInFolder(const wchar_t* pszFile, const wchar_t* pszFolder) {
 }
 
 int IsValidFileName(const wchar_t* pszName) {
-    return pszName && *pszName && !HoldsOneOf(pszName, kInvalidFileNameChars);
+    return pszName && *pszName && !kInvalidInFileName.AnyIn(pszName);
 }
 
 int IsValidAltFileName(const wchar_t* pszName) {
@@ -137,7 +129,7 @@ int IsValidAltFileName(const wchar_t* pszName) {
 int IsValidFolderName(const wchar_t* pszPath) {
     if (!pszPath) return 0;
     if (!StartsWithDrive(pszPath) && std::wcsncmp(pszPath, L"\\\\", 2) != 0) return 0;
-    return !HoldsSeparatorPair(pszPath + 2) && !HoldsOneOf(pszPath + 2, kInvalidFolderNameChars);
+    return !HoldsSeparatorPair(pszPath + 2) && !kInvalidInFolderName.AnyIn(pszPath + 2);
 }
 
 const wchar_t* GetInvalidFileNameChars() { return kInvalidFileNameChars; }

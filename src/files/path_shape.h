@@ -10,6 +10,8 @@ TESSALY_API int IsFullPathName(const wchar_t* pszPath);
 /// The second character is ":", or the text holds a separator.
 TESSALY_API int IsPath(const wchar_t* pszPath);
 /// The text holds "*" or "?".
+// QUIRK: no other character that a pattern may have counts.
+// Test: IsMask.HoldsAStarOrAQuestionMarkAndNothingElseCounts
 TESSALY_API int IsMask(const wchar_t* pszPath);
 /// Exactly "X:" or "X:\", the latter with a backslash.
 TESSALY_API int IsDrivePath(const wchar_t* pszPath);
@@ -18,7 +20,9 @@ TESSALY_API int IsDosFolder(const wchar_t* pszPath);
 /// Exactly "X:" and a separator. With bUnc also two separators and a name without a further one:
 /// "\\server", not "\\server\share".
 TESSALY_API int IsRootFolder(const wchar_t* pszPath, int bUnc);
-/// Two backslashes (no slashes) and at least one more character.
+/// Two backslashes and at least one more character.
+// QUIRK: here, and in the two tests below, slashes at the start do not count, while GetRootPath
+// takes them. Test: IsNetworkPath.IsTwoBackslashesAndMore
 TESSALY_API int IsNetworkPath(const wchar_t* pszPath);
 /// The same without a further separator.
 TESSALY_API int IsNetworkComputer(const wchar_t* pszPath);
@@ -33,7 +37,8 @@ TESSALY_API int IsSubFolderOf(const wchar_t* pszPath, const wchar_t* pszFolder, 
 /// Only the first 259 characters count. A null text counts as empty.
 TESSALY_API int IsSamePath(const wchar_t* pszPath1, const wchar_t* pszPath2);
 /// The file's text is the folder's, with case, a separator, and a name without separators, which
-/// may be empty. A folder that ends in a separator thus holds nothing.
+/// may be empty.
+// QUIRK: a folder that ends in a separator holds nothing. Test: IsFileInFolder.TableOfAllCases
 TESSALY_API int IsFileInFolder(const wchar_t* pszFile, const wchar_t* pszFolder);
 
 /// Not empty, and without the characters of GetInvalidFileNameChars.

@@ -51,4 +51,6 @@ TESSALY_API int ParsePath(wchar_t* pszFolder, wchar_t* pszName, wchar_t* pszExt,
 /// a single separator, and without a share. pszOut may be the path.
 TESSALY_API int GetRootPath(wchar_t* pszOut, const wchar_t* pszPath);
 /// The same, but "X:" of a path on a drive and "\\server" of one in the network.
+// QUIRK: unlike GetRootPath it gives no separator and needs no share; what it gives for a drive is
+// no root by IsRootFolder. Test: RootPaths.OfFullPathsOnly
 TESSALY_API int ExtractRootPath(wchar_t* pszOut, const wchar_t* pszPath);

@@ -1,8 +1,9 @@
 #include "icons/front_end.h"
 #include "icons/monitor_wnd.h"
+#include "icons/tray_front_end.h"
 
 namespace {
-constinit MonitorFrontEnd* pFrontEndInForce = nullptr;
+constinit MonitorFrontEnd* pFrontEndInForce = &trayFrontEnd;
 } // namespace
 
 MonitorFrontEnd* GetMonitorFrontEnd() { return pFrontEndInForce; }

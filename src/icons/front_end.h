@@ -23,7 +23,8 @@ class MonitorFrontEnd {
     virtual void OnRoundEnd() = 0;
 };
 
-/// The front end in force, null for none. It is not owned.
+/// The front end in force, null for none; the tray's (icons/tray_front_end.h) unless another one
+/// was set. It is not owned.
 MonitorFrontEnd* GetMonitorFrontEnd();
 void SetMonitorFrontEnd(MonitorFrontEnd* pNew);
 

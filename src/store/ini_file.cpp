@@ -12,17 +12,6 @@ namespace {
 constexpr wchar_t kByteOrderMark = 0xFEFF;
 constexpr unsigned long long kMaxBlock = 0xFFFFFFFF; // what CSBuf can be told
 
-/// Copies while fnGoesOn says so, up to what the buffer holds; the rest is passed over.
-template <class Fn>
-unsigned CopyWhile(Parser& parser, wchar_t* pszBuffer, unsigned cchBuffer, Fn fnGoesOn) {
-    unsigned cch = 0;
-    for (; parser.NotEnd() && fnGoesOn(); parser.SkipChar()) {
-        if (cch + 1 < cchBuffer) pszBuffer[cch++] = parser.GetCurrentChar();
-    }
-    pszBuffer[cch] = 0;
-    return cch;
-}
-
 void Emit(wchar_t*& pszOut, const wchar_t* pszText, unsigned& nCount) {
     for (; pszText && *pszText; ++pszText, ++nCount) {
         if (pszOut) *pszOut++ = *pszText;
@@ -59,7 +48,7 @@ int IniFile::DeleteParser() {
 int IniFile::GetComment(wchar_t* pszBuffer) {
     if (!pParser || !pszBuffer || !pParser->SkipWhite()) return 0;
     if (!pParser->IsCR() && pParser->GetCurrentChar() != L';') return 0;
-    CopyWhile(*pParser, pszBuffer, kTextSize, [&] { return !pParser->IsCR(); });
+    pParser->CopyToLineEnd(pszBuffer, kTextSize);
     pParser->SkipCR();
     return 1;
 }
@@ -68,7 +57,7 @@ int IniFile::GetSec(wchar_t* pszBuffer) {
     if (!pParser || !pszBuffer) return 0;
     pParser->SkipWhiteLines();
     if (!pParser->MustBe(L'[')) return 0;
-    CopyWhile(*pParser, pszBuffer, kTextSize, [&] { return pParser->GetCurrentChar() != L']'; });
+    pParser->CopyToChar(L']', pszBuffer, kTextSize);
     if (!pParser->NotEnd()) return 0;
     pParser->SkipLine();
     return 1;
@@ -77,9 +66,9 @@ int IniFile::GetSec(wchar_t* pszBuffer) {
 int IniFile::GetVar(wchar_t* pszBuffer) {
     if (!pParser || !pszBuffer) return 0;
     pParser->SkipWhiteLines();
-    if (pParser->IsOneOf(L"[;")) return 0; // or the end
-    unsigned cch = CopyWhile(*pParser, pszBuffer, kTextSize,
-                             [&] { return pParser->GetCurrentChar() != L'='; });
+    if (!pParser->NotEnd()) return 0;
+    if (pParser->GetCurrentChar() == L'[' || pParser->GetCurrentChar() == L';') return 0;
+    unsigned cch = pParser->CopyToChar(L'=', pszBuffer, kTextSize);
     if (!pParser->MustBe(L'=')) return 0;
     while (cch && pszBuffer[cch - 1] == L' ') pszBuffer[--cch] = 0;
     return 1;
@@ -88,7 +77,7 @@ int IniFile::GetVar(wchar_t* pszBuffer) {
 int IniFile::GetVal(wchar_t* pszBuffer) {
     if (!pParser || !pszBuffer) return 0;
     pParser->SkipWhite();
-    CopyWhile(*pParser, pszBuffer, kValueSize, [&] { return !pParser->IsCR(); });
+    pParser->CopyToLineEnd(pszBuffer, kValueSize);
     pParser->SkipCR();
     return 1;
 }

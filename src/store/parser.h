@@ -30,27 +30,52 @@ class TESSALY_API Parser {
 
     int SkipUnicodePrefix() { return SkipIf(kUnicodePrefix); }
     int SkipChar();
-    int SkipWhite();
+    int SkipWhite() {
+        while (IsWhite()) ++p;
+        return NotEnd();
+    }
     /// Passes one carriage return and one line feed, each if it is there.
-    int SkipCR();
+    int SkipCR() {
+        SkipIf(L'\r');
+        return SkipIf(L'\n');
+    }
     /// Passes the rest of the line and its end.
     int SkipLine();
     /// Passes empty lines and the indentation of the first line with content.
-    int SkipWhiteLines();
+    int SkipWhiteLines() {
+        for (SkipWhite(); IsCR(); SkipWhite()) SkipCR();
+        return NotEnd();
+    }
     /// Passes what stands before the next white character or line end.
     int SkipToken();
     /// Passes that character; 0 if another one stands here.
-    int MustBe(wchar_t ch);
+    int MustBe(wchar_t ch) {
+        if (!NotEnd() || *p != ch) return 0;
+        ++p;
+        return 1;
+    }
     /// Copies one character, without any test, and moves both on.
     void CharCopy(wchar_t*& pszOut) { *pszOut++ = *p++; }
     /// Copies a token of at most cchOut - 1 characters, and terminates it.
     void TokenCopy(wchar_t* pszOut, unsigned cchOut);
+    /// Both pass what stands before the line end, or before that character, or all of the text, and
+    /// copy of it what fits into cchOut characters with the terminator, of which there must be one.
+    /// The length of the copy.
+    unsigned CopyToLineEnd(wchar_t* pszOut, unsigned cchOut);
+    unsigned CopyToChar(wchar_t ch, wchar_t* pszOut, unsigned cchOut);
 
   private:
     static constexpr wchar_t kUnicodePrefix = 0xFEFF;
 
     int IsTokenChar() const { return NotEnd() && !IsWhite() && !IsCR(); }
-    int SkipIf(wchar_t ch);
+    int SkipIf(wchar_t ch) {
+        MustBe(ch);
+        return NotEnd();
+    }
+    /// At the end of the line or of the text, but for the block's length.
+    int IsLineEnd(const wchar_t* pAt) const;
+    template <class Fn>
+    unsigned CopyWhile(wchar_t* pszOut, unsigned cchOut, Fn fnGoesOn);
 
     const wchar_t* p;
     const wchar_t* pEnd;

@@ -136,6 +136,33 @@ class TESSALY_API RegKey {
     /// the new key cannot be made.
     static int CS2WA(int bUser, const wchar_t* pszName);
 
+    /// Writes the key with all below it into a hive file, which needs the privilege SE_BACKUP_NAME.
+    /// A file that is there is deleted first, whatever its attributes, and the new one gets them;
+    /// otherwise it gets FILE_ATTRIBUTE_ARCHIVE. The platform's status is kept in lError.
+    static int SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity);
+    int Save(const wchar_t* pszFile) const { return SaveKey(hkey, pszFile, nullptr); }
+    /// Hangs a hive file up as a subkey of HKEY_LOCAL_MACHINE or HKEY_USERS, and takes it down;
+    /// both need SE_RESTORE_NAME too.
+    static int LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile);
+    static int UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey);
+
+    /// The operations of the same names, on the value whose name is the two texts joined with
+    /// pszFmtPrefix, cut at 255 characters; a null one counts as empty. Those that write compare
+    /// first; PutBinPrefix writes REG_BINARY.
+    int DelValuePrefix(const wchar_t* pszPrefix, const wchar_t* pszName);
+    int GetIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nDefault) const;
+    DWORD GetDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwDefault) const;
+    unsigned GetBinSizePrefix(const wchar_t* pszPrefix, const wchar_t* pszName) const;
+    int GetBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, void* pBuffer,
+                     unsigned cbMax) const;
+    int GetStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, wchar_t* pszBuffer,
+                     int cchBuffer, const wchar_t* pszDefault) const;
+    int PutIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nValue);
+    int PutDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwValue);
+    int PutStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const wchar_t* pszText);
+    int PutBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const void* pBytes,
+                     unsigned cbBytes);
+
     /// Names in the platform's order. One index serves both kinds, so walks cannot be interleaved.
     /// All give 0 only for "no more": an error, such as a name that does not fit or a key that is
     /// not open, gives 1 and an empty name. Test the open first.

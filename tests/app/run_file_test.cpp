@@ -1,4 +1,5 @@
 #include "app/run_file.h"
+#include "app/fake_windows.h"
 #include "app/launch_reports.h"
 #include "app/shell_start_recorder.h"
 #include "runtime/library_instance.h"
@@ -12,7 +13,6 @@
 #include <shellapi.h>
 #include <string>
 
-extern "C" FARPROC __imp_GetVersionExW;
 extern "C" FARPROC __imp_GetModuleFileNameW;
 
 namespace {
@@ -32,25 +32,6 @@ std::wstring OwnPath() {
     ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
     return sz;
 }
-
-/// Windows of that version.
-DWORD dwFakeMajor = 0, dwFakeMinor = 0;
-BOOL WINAPI FakeVersion(OSVERSIONINFOW* p) {
-    p->dwMajorVersion = dwFakeMajor;
-    p->dwMinorVersion = dwFakeMinor;
-    p->dwPlatformId = VER_PLATFORM_WIN32_NT;
-    return TRUE;
-}
-class FakeWindows {
-  public:
-    FakeWindows(DWORD dwMajor, DWORD dwMinor) : replaced(__imp_GetVersionExW, &FakeVersion) {
-        dwFakeMajor = dwMajor;
-        dwFakeMinor = dwMinor;
-    }
-
-  private:
-    ReplaceImport replaced;
-};
 
 // What each function asks of the shell.
 
@@ -262,14 +243,6 @@ TEST_F(RunRecorded, RunMyselfElevatedAsksForIt) {
     EXPECT_EQ(::GetDesktopWindow(), call.hwnd);
 }
 
-bool bFakeAdmin = false;
-BOOL WINAPI FakeIsUserAnAdmin() { return bFakeAdmin; }
-FARPROC LookUpFakeAdmin(const wchar_t* pszModule, const char* pszName) {
-    if (std::string(pszName) == "IsUserAnAdmin")
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&FakeIsUserAnAdmin));
-    return FindSystemFunc(pszModule, pszName);
-}
-
 TEST_F(RunRecorded, RunMyselfElevatedAsksNoAdministratorBeforeVista) {
     for (DWORD dwMinor : {0, 1, 2}) {
         FakeWindows windows(5, dwMinor);
@@ -278,14 +251,11 @@ TEST_F(RunRecorded, RunMyselfElevatedAsksNoAdministratorBeforeVista) {
             RunMyselfElevated(nullptr, nullptr, nullptr);
             EXPECT_EQ(L"open", shell.TakeOne().verb);
         }
-        SetRuntimeLookup(&LookUpFakeAdmin);
-        bFakeAdmin = true;
-        RunMyselfElevated(nullptr, nullptr, nullptr);
-        EXPECT_EQ(L"open", shell.TakeOne().verb);
-        bFakeAdmin = false;
-        RunMyselfElevated(nullptr, nullptr, nullptr);
-        EXPECT_EQ(L"runas", shell.TakeOne().verb);
-        SetRuntimeLookup(nullptr);
+        for (BOOL bAdmin : {TRUE, FALSE}) {
+            FakeAdmin admin(bAdmin);
+            RunMyselfElevated(nullptr, nullptr, nullptr);
+            EXPECT_EQ(bAdmin ? L"open" : L"runas", shell.TakeOne().verb);
+        }
     }
     FakeWindows windows(6, 0);
     RunMyselfElevated(nullptr, nullptr, nullptr);

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 #include <shellapi.h>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,7 @@ struct ShellCall {
     int nShow = -1;
     const void* pidl = nullptr;
     HCURSOR hcur = nullptr; // that showed during the call
+    DWORD dwThread = 0;
 };
 
 /// Takes what goes to the shell, for the length of a block: nothing is started. Results are what
@@ -45,6 +47,7 @@ class ShellStartRecorder {
         nResult = 33;
         hProcess = nullptr;
         dwError = ERROR_SUCCESS;
+        fnDuring = nullptr;
     }
     /// The one call that there was since the last time.
     ShellCall TakeOne() {
@@ -58,11 +61,14 @@ class ShellStartRecorder {
     static inline INT_PTR nResult = 33; // of ShellExecuteW
     static inline HANDLE hProcess = nullptr;
     static inline DWORD dwError = ERROR_SUCCESS;
+    static inline std::function<void(SHELLEXECUTEINFOW&)> fnDuring; // within ShellExecuteExW
 
   private:
     static BOOL WINAPI TakeEx(SHELLEXECUTEINFOW* p) {
         calls.push_back({1, p->cbSize, p->fMask, p->hwnd, p->lpVerb, p->lpFile, p->lpParameters,
-                         p->lpDirectory, p->nShow, p->lpIDList, ::GetCursor()});
+                         p->lpDirectory, p->nShow, p->lpIDList, ::GetCursor(),
+                         ::GetCurrentThreadId()});
+        if (fnDuring) fnDuring(*p);
         p->hProcess = hProcess;
         ::SetLastError(dwError);
         return bSucceed;
@@ -70,7 +76,7 @@ class ShellStartRecorder {
     static HINSTANCE WINAPI Take(HWND hwnd, LPCWSTR pszVerb, LPCWSTR pszFile, LPCWSTR pszParameters,
                                  LPCWSTR pszDirectory, INT nShow) {
         calls.push_back({0, 0, 0, hwnd, pszVerb, pszFile, pszParameters, pszDirectory, nShow,
-                         nullptr, ::GetCursor()});
+                         nullptr, ::GetCursor(), ::GetCurrentThreadId()});
         return reinterpret_cast<HINSTANCE>(nResult);
     }
     ReplaceImport replacedEx, replaced;

@@ -169,8 +169,10 @@ TEST_F(CoreFileCopy, EmptySourceGivesAnEmptyTarget) {
 }
 
 TEST_F(CoreFileCopy, AboveTheBufferGoesInChunks) {
-    static_assert(kCopyBufferSize == 32 * 1024 * 1024);
-    for (std::size_t cb : {std::size_t{kCopyBufferSize}, kCopyBufferSize + std::size_t{12345}}) {
+    constexpr std::size_t kCeiling = 32 * 1024 * 1024;
+    static_assert(kCopyBufferSize <= kCeiling);
+    for (std::size_t cb : {std::size_t{kCopyBufferSize}, std::size_t{kCopyBufferSize} + 1, kCeiling,
+                           kCeiling + 12345}) {
         std::string strContent = Pattern(cb);
         folder.MakeFile(L"source", strContent);
         EXPECT_EQ(1, Copy());

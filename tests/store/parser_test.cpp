@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <cwchar>
 #include <iterator>
 #include <random>
 #include <string>
@@ -209,6 +210,82 @@ TEST(Parser, TokenCopyKeepsToItsBuffer) {
     parser.TokenCopy(&ch, 0);
     EXPECT_EQ(L'?', ch);
     EXPECT_EQ(L"abc", Rest(parser));
+}
+
+/// What both of a parser's copies are to give, told slowly: the copy, and what is left.
+struct Copied {
+    std::wstring strCopy, strRest;
+    bool operator==(const Copied&) const = default;
+};
+Copied CopySlowly(const std::wstring& strText, unsigned cchOut, int bLine, wchar_t ch) {
+    Parser parser(strText.c_str(), 0);
+    Copied copied;
+    while (parser.NotEnd() && !(bLine ? parser.IsCR() : parser.GetCurrentChar() == ch)) {
+        if (copied.strCopy.size() + 1 < cchOut) copied.strCopy += parser.GetCurrentChar();
+        parser.SkipChar();
+    }
+    copied.strRest = Rest(parser);
+    return copied;
+}
+Copied CopyAtGuards(const std::wstring& strText, unsigned cchOut, int bLine, wchar_t ch,
+                    int bByLength) {
+    GuardedArea in(100 * sizeof(wchar_t)), out(100 * sizeof(wchar_t));
+    auto* psz = static_cast<wchar_t*>(in.Put(strText.size() * sizeof(wchar_t)));
+    std::copy(strText.begin(), strText.end(), psz);
+    if (!bByLength) psz = in.Put(strText);
+    auto* pszOut = static_cast<wchar_t*>(out.Put(cchOut * sizeof(wchar_t)));
+    Parser parser(psz, bByLength ? static_cast<unsigned>(strText.size()) : 0);
+    unsigned cch =
+        bLine ? parser.CopyToLineEnd(pszOut, cchOut) : parser.CopyToChar(ch, pszOut, cchOut);
+    EXPECT_EQ(cch, std::wcslen(pszOut));
+    return {pszOut, Rest(parser)};
+}
+
+TEST(Parser, CopyToLineEndCutsWhatDoesNotFitAndPassesIt) {
+    struct {
+        const wchar_t* pszText;
+        unsigned cchOut;
+        const wchar_t *pszCopy, *pszRest;
+    } rows[] = {
+        {L"", 5, L"", L""},
+        {L"ab", 5, L"ab", L""},
+        {L"abcd\nx", 5, L"abcd", L"\nx"},
+        {L"abcde\r\nx", 5, L"abcd", L"\r\nx"},
+        {L"abc\nx", 1, L"", L"\nx"},
+        {L"\r\n", 5, L"", L"\r\n"},
+        {L"a\rb\n", 9, L"a\rb", L"\n"}, // a carriage return alone is no line end
+        {L"ab\r", 9, L"ab\r", L""},
+        {L"a\tb\v\x01\xFFFF", 9, L"a\tb\v\x01\xFFFF", L""},
+    };
+    for (const auto& row : rows) {
+        Copied expected{row.pszCopy, row.pszRest};
+        for (int bByLength : {0, 1}) {
+            if (bByLength && !*row.pszText) continue; // length 0 is up to the terminator
+            EXPECT_EQ(expected, CopyAtGuards(row.pszText, row.cchOut, 1, 0, bByLength))
+                << &row - rows;
+        }
+    }
+}
+
+TEST(Parser, CopyToCharGoesOverLineEnds) {
+    EXPECT_EQ((Copied{L"a\r\nb", L"=c=d"}), CopyAtGuards(L"a\r\nb=c=d", 9, 0, L'=', 0));
+    EXPECT_EQ((Copied{L"a", L"=c=d"}), CopyAtGuards(L"ab=c=d", 2, 0, L'=', 1));
+    EXPECT_EQ((Copied{L"ab", L""}), CopyAtGuards(L"ab", 9, 0, L'=', 1));
+}
+
+TEST(Parser, RandomCopiesAreThoseOfSingleSteps) {
+    std::mt19937 random(20240702);
+    constexpr wchar_t kChars[] = L"ab=\r\n\t\x000E\xFFFF";
+    for (int n = 0; n < 3000; ++n) {
+        std::wstring strText(1 + random() % 40, 0);
+        for (wchar_t& ch : strText) ch = kChars[random() % (std::size(kChars) - 1)];
+        unsigned cchOut = 1 + random() % 45;
+        for (int bLine : {0, 1}) {
+            ASSERT_EQ(CopySlowly(strText, cchOut, bLine, L'='),
+                      CopyAtGuards(strText, cchOut, bLine, L'=', random() % 2))
+                << n;
+        }
+    }
 }
 
 TEST(Parser, RandomStepsStayInBounds) {

@@ -1,8 +1,11 @@
 #include "store/reg_key.h"
 
+#include "store/home_folder.h"
+#include "store/reg_values.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -147,5 +150,66 @@ TEST_F(RegKeyLog, OperationsOnEntriesLogWhatTheyWouldWrite) {
     EXPECT_EQ(1, key.ProcessEntry(RegKey::OpSet, L"z", dwZero));
     EXPECT_EQ(1, key.ProcessEntry(RegKey::OpDelete, L"s", L"text"));
     EXPECT_EQ(L"[HKCU\\X]\r\ns=text\r\nn=dword:00000001\r\ns=@\r\n", End());
+}
+
+TEST_F(RegKeyLog, LogIsByteForByteWhatWasAsked) {
+    RegKey key(L"HKLM\\Software\\X", 1);
+    RECT rc{1, -1, 255, 0};
+    EXPECT_EQ(1, key.PutStr(L"A", L"text \u4E2D", 1));
+    EXPECT_EQ(1, key.PutDwordPrefix(L"pre", L"B", 255));
+    EXPECT_EQ(1, key.PutStrPrefix(L"pre", L"C", L""));
+    EXPECT_EQ(1, key.DelValuePrefix(L"pre", L"D"));
+    EXPECT_EQ(1, RegPutRect(key, &rc, L"pos"));
+    EXPECT_EQ(1, RegPutLogFont(key, L"Font", nullptr));
+    const wchar_t kExpected[] = L"[HKLM\\Software\\X]\r\nA=text \u4E2D\r\npreB=dword:000000FF\r\n"
+                                L"preC=\r\npreD=@\r\nposL=dword:00000001\r\n"
+                                L"posT=dword:FFFFFFFF\r\nposR=dword:000000FF\r\n"
+                                L"posB=dword:00000000\r\nFont=@\r\n";
+    EXPECT_EQ(std::size(kExpected), RegKey::EndLog());
+    EXPECT_EQ(0, std::memcmp(kExpected, szLog, sizeof(kExpected)));
+    EXPECT_EQ(L'#', szLog[std::size(kExpected)]); // nothing behind the terminator
+}
+
+TEST_F(RegKeyLog, CountWithoutABufferIsTheSizeOfTheBufferToGive) {
+    for (int bBuffer : {0, 1}) {
+        RegKey::StartLog(bBuffer ? szLog : nullptr);
+        RegKey key(L"HKCU\\Software\\X", 1);
+        key.PutStr(L"A", std::wstring(300, L'x').c_str(), 0);
+        key.DelValue(L"B");
+        EXPECT_EQ(19u + 254u + 5u + 1u, RegKey::EndLog());
+    }
+}
+
+TEST_F(RegKeyLog, ExtrasFailOrSucceedOnThePretendKeyAsOnNone) {
+    RegKey key(L"HKCU\\X", 1), other(L"HKCU\\Y", 1);
+    LOGFONTW lf{};
+    wchar_t szName[10];
+    EXPECT_EQ(0, key.IsKeyEmpty());
+    EXPECT_EQ(1, key.DelSubKeyIfEmpty(L"sub"));
+    EXPECT_EQ(1, key.DelValuesStartingWith(nullptr, 0));
+    EXPECT_EQ(0, key.CopyValueTo(other, L"v"));
+    EXPECT_EQ(1, key.CopyTo(other));
+    EXPECT_EQ(0, key.RenameSubkey(L"a", L"b"));
+    EXPECT_EQ(0, key.PutBinPrefix(L"p", L"b", "\1", 1));
+    EXPECT_EQ(0, RegPutLogFont(key, L"Font", &lf));
+    EXPECT_EQ(7, key.GetIntPrefix(L"p", L"n", 7));
+    EXPECT_EQ(0, key.GetStrPrefix(L"p", L"s", szName, 10, nullptr));
+    EXPECT_EQ(L"[HKCU\\X]\r\n[HKCU\\Y]\r\n", End());
+}
+
+TEST_F(RegKeyLog, MoveAndHomeFolderTakeThePretendKeyForThePresentOne) {
+    wchar_t sz[MAX_PATH] = L"C:\\App";
+    EXPECT_EQ(1, RegKey::CS2WA(1, L"P"));
+    EXPECT_EQ(1, ProcessHomeFolder(RegKey::OpSet, L"P", sz, MAX_PATH));
+    EXPECT_EQ(0, GetHomeFolder(L"P", sz));
+    EXPECT_EQ(0, Restricted(L"P", L"Menu"));
+    EXPECT_EQ(1, IsPowerUser());
+    EXPECT_EQ(L"[HKCU\\Software\\Orvanta\\P]\r\n"
+              L"[HKLM\\Software\\Orvanta\\P]\r\n[HKLM\\Software\\Orvanta\\P\\Setup]\r\n"
+              L"Home=C:\\App\r\n"
+              L"[HKLM\\Software\\Orvanta\\P\\Setup]\r\n"
+              L"[HKCU\\Software\\Orvanta\\P\\Setup\\Restrictions]\r\n"
+              L"[HKLM\\Software\\Orvanta]\r\nTemp=dword:00000000\r\nTemp=@\r\n",
+              End());
 }
 } // namespace

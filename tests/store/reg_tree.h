@@ -60,6 +60,9 @@ class RegTree {
                 const std::wstring& strBelow = L"") const {
         Put(strName, REG_SZ, BytesOf(strText), strBelow);
     }
+    bool PlantDeadLink(const std::wstring& strBelow) const {
+        return ::PlantDeadLink(hkeyRoot, PathOf(strBelow));
+    }
     RegDump Dump(const std::wstring& strBelow = L"") const {
         return DumpOf(hkeyRoot, PathOf(strBelow));
     }

@@ -42,6 +42,21 @@ inline void DeleteRegTree(HKEY hkeyRoot, const std::wstring& strPath) {
     ::RegCloseKey(hkeyTree);
 }
 
+/// Makes a key that is listed and can be neither opened nor made nor deleted by name: a link to a
+/// key that does not exist. DeleteRegTree takes it away.
+inline bool PlantDeadLink(HKEY hkeyRoot, const std::wstring& strPath) {
+    HKEY hkeyLink = nullptr;
+    if (::RegCreateKeyExW(hkeyRoot, strPath.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK,
+                          KEY_ALL_ACCESS | KEY_CREATE_LINK, nullptr, &hkeyLink, nullptr)) {
+        return false;
+    }
+    RegBytes target = BytesOf(L"\\Registry\\User\\NoSuchUser\\Nowhere", false);
+    LSTATUS status = ::RegSetValueExW(hkeyLink, L"SymbolicLinkValue", 0, REG_LINK, target.data(),
+                                      static_cast<DWORD>(target.size()));
+    ::RegCloseKey(hkeyLink);
+    return status == ERROR_SUCCESS;
+}
+
 /// A key below HKCU, made for a test and deleted with all below it at the end.
 class TestKey {
   public:
@@ -143,21 +158,8 @@ class TestKey {
         return static_cast<unsigned long long>(ft.dwHighDateTime) << 32 | ft.dwLowDateTime;
     }
 
-    /// Makes a child that is listed and cannot be opened or deleted by name: a link to a key that
-    /// does not exist. The guard takes it away.
-    bool PlantUndeletable(const std::wstring& strBelow) {
-        HKEY hkeyLink = nullptr;
-        if (::RegCreateKeyExW(hkey, strBelow.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK,
-                              KEY_ALL_ACCESS | KEY_CREATE_LINK, nullptr, &hkeyLink, nullptr)) {
-            return false;
-        }
-        std::wstring strTarget = L"\\Registry\\User\\NoSuchUser\\Nowhere";
-        RegBytes target = BytesOf(strTarget, false);
-        LSTATUS status = ::RegSetValueExW(hkeyLink, L"SymbolicLinkValue", 0, REG_LINK,
-                                          target.data(), static_cast<DWORD>(target.size()));
-        ::RegCloseKey(hkeyLink);
-        return status == ERROR_SUCCESS;
-    }
+    /// A dead link as a child. The guard takes it away.
+    bool PlantUndeletable(const std::wstring& strBelow) { return PlantDeadLink(hkey, strBelow); }
 
   private:
     std::wstring strPath;

@@ -1,0 +1,38 @@
+#include "icons/tray_front_end.h"
+#include "app/my_product_info.h"
+#include "icons/monitor_wnd.h"
+#include "icons/my_tb_icon.h"
+
+namespace {
+constexpr unsigned kBalloonSeconds = 5;
+} // namespace
+
+constinit TrayFrontEnd trayFrontEnd;
+
+void TrayFrontEnd::OnMonitorStart() {
+    // The day counter belongs here.
+}
+
+void TrayFrontEnd::OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) {
+    MyTBIcon::StartRound(monitor);
+    if (bAnnounce) ShowBalloon(L"Monitoring the desktop icons...");
+}
+
+void TrayFrontEnd::OnMenuRequest(MyMonitor_Wnd& /*monitor*/) {
+    // The tray menu opens here.
+}
+
+void TrayFrontEnd::OnCaptureOutcome(const wchar_t* pszText) { ShowBalloon(pszText); }
+
+void TrayFrontEnd::OnMonitorClose() {
+    if (MyTBIcon* pIcon = MyTBIcon::GetCurrent()) pIcon->ShowIcon(0);
+}
+
+void TrayFrontEnd::OnRoundEnd() { MyTBIcon::EndRound(); }
+
+void TrayFrontEnd::ShowBalloon(const wchar_t* pszText) {
+    MyTBIcon* pIcon = MyTBIcon::GetCurrent();
+    if (!pIcon) return;
+    pIcon->SetBalloon(GetMyProductInfo().GetName(), NIIF_INFO, kBalloonSeconds, L"%s", pszText);
+    pIcon->UpdateIcon();
+}

@@ -1,0 +1,115 @@
+// What the running product asks of the notification area.
+
+#include "e2e/engine_test_support.h"
+#include "support/fake_tray.h"
+
+#include <functional>
+#include <thread>
+
+namespace {
+/// The tests' notification area, on a thread of its own that answers while the test waits.
+class TrayThread {
+  public:
+    TrayThread()
+        : hReady(::CreateEventW(nullptr, TRUE, FALSE, nullptr)), thread([this] { Main(); }) {
+        ::WaitForSingleObject(hReady, kPatienceMs);
+    }
+    ~TrayThread() {
+        ::PostThreadMessageW(dwThread, WM_QUIT, 0, 0);
+        thread.join();
+        ::CloseHandle(hReady);
+    }
+    TrayThread(const TrayThread&) = delete;
+    TrayThread& operator=(const TrayThread&) = delete;
+
+    /// Runs fn beside the tray's calls, none of which comes meanwhile.
+    void Run(const std::function<void(FakeTray&)>& fn) {
+        HANDLE hDone = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        std::function<void(FakeTray&)> fnTold = [&](FakeTray& tray) {
+            fn(tray);
+            ::SetEvent(hDone);
+        };
+        ::PostThreadMessageW(dwThread, kRunMsg, 0, reinterpret_cast<LPARAM>(&fnTold));
+        ::WaitForSingleObject(hDone, INFINITE);
+        ::CloseHandle(hDone);
+    }
+    std::vector<FakeTray::Call> Calls() {
+        std::vector<FakeTray::Call> calls;
+        Run([&](FakeTray& tray) { calls = tray.calls; });
+        return calls;
+    }
+    std::string TakeNames() {
+        std::string str;
+        Run([&](FakeTray& tray) { str = tray.TakeNames(); });
+        return str;
+    }
+    bool WaitForCalls(std::size_t n) {
+        return WaitUntil([&] { return Calls().size() >= n; });
+    }
+
+  private:
+    static constexpr UINT kRunMsg = WM_APP;
+
+    void Main() {
+        FakeTray tray;
+        dwThread = ::GetCurrentThreadId();
+        ::SetEvent(hReady);
+        MSG msg;
+        while (::GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            if (!msg.hwnd && msg.message == kRunMsg) {
+                (*reinterpret_cast<std::function<void(FakeTray&)>*>(msg.lParam))(tray);
+            } else {
+                ::DispatchMessageW(&msg);
+            }
+        }
+    }
+
+    HANDLE hReady;
+    DWORD dwThread = 0;
+    std::thread thread;
+};
+
+DWORD ProcessOf(HWND hwnd) {
+    DWORD dwProcess = 0;
+    ::GetWindowThreadProcessId(hwnd, &dwProcess);
+    return dwProcess;
+}
+
+class TrayIcon : public EngineTest {
+  protected:
+    TrayThread tray;
+};
+
+TEST_F(TrayIcon, ComesWithItsTipAndBalloonAndGoesAtTheEnd) {
+    StartPlain(3);
+    monitor.StartOn(*desktop, L"");
+    ASSERT_TRUE(tray.WaitForCalls(2));
+    auto calls = tray.Calls();
+    EXPECT_EQ(static_cast<DWORD>(NIM_ADD), calls[0].dwMessage);
+    EXPECT_EQ(monitor.ProcessId(), ProcessOf(calls[0].hwnd));
+    EXPECT_EQ(L"Tessaly", calls[0].strTip);
+    EXPECT_EQ(static_cast<UINT>(::GetSystemMetrics(SM_CXSMICON)), calls[0].cxIcon);
+    EXPECT_FALSE(calls[0].iconBits.empty());
+    EXPECT_EQ(L"Tessaly", calls[1].strInfoTitle);
+    EXPECT_EQ(L"Monitoring the desktop icons...", calls[1].strInfo);
+    EXPECT_EQ("add modify", tray.TakeNames());
+    ASSERT_TRUE(monitor.Exit());
+    EXPECT_EQ("delete", tray.TakeNames());
+}
+
+TEST_F(TrayIcon, IsMadeAnewForEachShellAndStaysOne) {
+    StartPlain(3);
+    monitor.StartOn(*desktop);
+    ASSERT_TRUE(tray.WaitForCalls(1));
+    EXPECT_EQ("add", tray.TakeNames()) << "quiet";
+    for (int n = 0; n < 3; ++n) {
+        ::PostMessageW(monitor.Window(), ::RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
+        ASSERT_TRUE(tray.WaitForCalls(2));
+        EXPECT_EQ("delete add", tray.TakeNames());
+        ASSERT_TRUE(monitor.WaitUntilOn(*desktop));
+    }
+    tray.Run([](FakeTray& area) { EXPECT_EQ(1u, area.CountIcons()); });
+    ASSERT_TRUE(monitor.Exit());
+    tray.Run([](FakeTray& area) { EXPECT_EQ(0u, area.CountIcons()); });
+}
+} // namespace
