@@ -69,12 +69,12 @@ int PreparePathArg(const wchar_t* pszCommand, const wchar_t* pszPath, wchar_t* p
     const wchar_t* pszRest = pszCommand ? pszCommand : L"";
     std::size_t cchWord = 0;
     const wchar_t* pWord = TakeWord(pszRest, cchWord);
-    if (PutProgram(pszProgram, cch < kPathChars ? cch : kPathChars, pWord, cchWord) &&
-        PutArgs(pszArgs, cch, pszRest, pszPath ? pszPath : L"")) {
-        return 1;
+    *pszArgs = 0;
+    if (!PutProgram(pszProgram, cch < kPathChars ? cch : kPathChars, pWord, cchWord)) {
+        *pszProgram = 0; // a cut name would be another program
+        return 0;
     }
-    // What is cut short would start another program, or open another file.
-    *pszProgram = 0;
+    if (PutArgs(pszArgs, cch, pszRest, pszPath ? pszPath : L"")) return 1;
     *pszArgs = 0;
     return 0;
 }

@@ -191,6 +191,7 @@ LRESULT TBIcon::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         if (OnCompanyMessage(wParam, lParam, &lResult)) return lResult;
     } else if (uMsg != WM_NULL && uMsg == uTaskbarCreated) {
         ShowIcon(0);
+        shown = 0; // a shell that has just started refuses to delete what it never had
         ShowIcon(1);
     } else if (uMsg >= kFirstEventMsg && uMsg < kFirstEventMsg + std::size(kEvents)) {
         OnEvent(uMsg);

@@ -380,6 +380,9 @@ TEST_F(CoreFileCopySafe, BackupThatCannotBeDeletedGivesZero) {
     EXPECT_EQ(0, CopySafe());
     EXPECT_EQ("old", Content(L"target"));
     EXPECT_EQ("left over", Content(L"target.temp"));
+    ASSERT_EQ(1, CoreFile::Delete(strTarget.c_str(), 0));
+    EXPECT_EQ(0, CopySafe()); // without a target, which could not be renamed, as well
+    EXPECT_FALSE(Exists(strTarget));
 }
 
 TEST_F(CoreFileCopySafe, TargetThatCannotBeRenamedGivesZero) {

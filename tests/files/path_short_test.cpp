@@ -1,6 +1,8 @@
 #include "files/path_short.h"
 
+#include "files/path_folder.h"
 #include "files/path_fs.h"
+#include "files/path_support.h"
 #include "files/short_names.h"
 #include "support/guard_page.h"
 #include "support/temp_folder.h"
@@ -301,5 +303,65 @@ TEST_F(DosPathToShellPathTest, ResultThatReachesTheLimitIsEmpty) {
 TEST_F(DosPathToShellPathTest, LongestPath) {
     LongestFile file(folder.Get());
     EXPECT_EQ(file.Path(0), Shown(Lower(file.Path(0))));
+}
+
+// Random paths: every call asks the file system, so there are fewer
+
+TEST_F(ShortTest, RandomPaths) {
+    RandomPaths random(8104);
+    PathBuffer path;
+    for (int i = 0; i < 300; ++i) {
+        std::wstring str = random.Next(259);
+        if (random.Below(2) == 0) str = strFolderAlt + L"\\" + str;
+        str = str.substr(0, 259);
+        path.Set(str);
+        int bShort = ConvertToShortPath(path, MAX_PATH);
+        ASSERT_LT(path.Str().size(), 260u);
+        ASSERT_TRUE(bShort || path.Str() == str);
+        path.Set(str);
+        ASSERT_EQ(1, ShortToLFN(path));
+        ASSERT_LT(path.Str().size(), 260u);
+        ASSERT_EQ(std::wstring::npos, path.Str().find(L'/'));
+        path.Set(str);
+        DosPathToShellPath(path);
+        ASSERT_LT(path.Str().size(), 260u);
+        ASSERT_EQ(std::wstring::npos, path.Str().find(L'/'));
+    }
+}
+
+TEST_F(ShortTest, RandomPathsBehindAGuardPage) {
+    RandomPaths random(8105);
+    FrontGuardedPath front;
+    for (int i = 0; i < 300; ++i) {
+        std::wstring str = random.Next();
+        ConvertToShortPath(front.Put(str), MAX_PATH);
+        DosPathToShellPath(front.Put(str.substr(0, 259)));
+        // No guard page behind these: the platform here reads eight bytes of any text.
+        const wchar_t* psz = str.c_str();
+        ASSERT_EQ(FileOrFolderExists(psz), FileExists(psz) + FolderExists(psz));
+        ASSERT_EQ(IsFileOrFolderExists(psz), IsFileExists(psz) + IsFolderExists(psz));
+        ASSERT_LE(IsFileOrFolderExists(psz), FileOrFolderExists(psz));
+        CanRecycle(psz);
+        wchar_t szOut[8];
+        int bAlt = GetAltFileName(szOut, 8, psz);
+        ASSERT_EQ(bAlt, *szOut != 0);
+    }
+}
+
+TEST_F(ShortTest, RandomFoldersAreMadeOrNot) {
+    RandomPaths random(8106);
+    GuardedArea in(600 * sizeof(wchar_t));
+    constexpr std::wstring_view kPieces[] = {L"\\", L"/", L"a", L"b", L"file"};
+    folder.MakeFile(L"file", "");
+    int nMade = 0;
+    for (int i = 0; i < 300; ++i) {
+        std::wstring str = folder.Get() + L"\\";
+        for (auto n = random.Below(8); n > 0; --n) str += kPieces[random.Below(std::size(kPieces))];
+        if (random.Below(20) == 0) str.append(200 + random.Below(80), L'x');
+        int bMade = CreateFolder(in.Put(str));
+        ASSERT_EQ(bMade, FolderExists(in.Put(str))) << testing::PrintToString(str);
+        nMade += bMade;
+    }
+    EXPECT_GT(nMade, 100);
 }
 } // namespace

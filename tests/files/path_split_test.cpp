@@ -258,6 +258,14 @@ TEST(ParsePath, GivesThreeParts) {
     EXPECT_STREQ(L"", ext);
 }
 
+TEST(ParsePath, LongNameBehindAFoldersDotIsCut) {
+    PathBuffer name, ext;
+    std::wstring str = L"d.e\\" + std::wstring(300, L'n');
+    EXPECT_EQ(1, ParsePath(nullptr, name, ext, str.c_str()));
+    EXPECT_EQ(std::wstring(259, L'n'), name.Str());
+    EXPECT_EQ(str.substr(1, 259), ext.Str());
+}
+
 TEST(ParsePath, NameKeepsItsExtensionUnlessThatIsAskedFor) {
     PathBuffer name, ext;
     EXPECT_EQ(1, ParsePath(nullptr, name, nullptr, L"C:\\d\\a.txt"));

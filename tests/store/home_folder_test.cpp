@@ -97,6 +97,17 @@ TEST_F(HomeFolder, DeletionMovesTheFormerSettingsFirst) {
     EXPECT_FALSE(former.Exists());
 }
 
+TEST_F(HomeFolder, WritingNeverFallsBackToTheFormerRoot) {
+    maker.Create(kProduct); // taken over, so that nothing is moved
+    ASSERT_TRUE(maker.PlantDeadLink(strSetup));
+    former.PutStr(L"Home", L"C:\\Old", strSetup);
+    RegDump before = former.Dump();
+    EXPECT_EQ(0, Process(RegKey::OpSet, L"C:\\Old"));
+    EXPECT_EQ(0, Process(RegKey::OpDelete, L""));
+    EXPECT_EQ(before, former.Dump());
+    EXPECT_EQ(L"C:\\Old", Get());
+}
+
 TEST_F(HomeFolder, LongestThatIsReadHas259Characters) {
     std::wstring strLongest(259, L'x');
     maker.PutStr(L"Home", strLongest, strSetup);

@@ -301,6 +301,24 @@ TEST_F(IniFileReadData, StopsAtATerminatorAndCompletesAnOddByte) {
     EXPECT_EQ(1, Read("["));
 }
 
+/// Leaves freed memory behind that is not zero, for blocks of about that size.
+void SoilFreedMemory(std::size_t cb) {
+    std::vector<std::string> blocks;
+    for (std::size_t cbMore = 0; cbMore < 16; ++cbMore) {
+        for (int i = 0; i < 30; ++i) blocks.emplace_back(cb + cbMore, '\xAA');
+    }
+}
+
+TEST_F(IniFileReadData, ByteBehindAnOddFileIsZero) {
+    for (std::size_t cch = 3; cch < 60; ++cch) {
+        std::wstring strValue(cch, L'v');
+        std::string strContent = Bytes(L"[a]\nx=" + strValue) + "2";
+        SoilFreedMemory(strContent.size());
+        EXPECT_EQ(1, Read(strContent));
+        EXPECT_EQ((Lines{L"begin", L"[a] x=" + strValue + L"2", L"end"}), ini.lines) << cch;
+    }
+}
+
 TEST_F(IniFileReadData, EndsAtTheBlocksEndWithoutATerminator) {
     // Sizes around those in which memory is given, so that there is no zero behind by chance.
     for (std::size_t cb : {2u, 8u, 16u, 62u, 64u, 510u, 512u, 4094u, 4096u, 65534u, 65536u}) {

@@ -5,6 +5,8 @@
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <random>
 
 namespace {
 class RegKeyTree : public testing::Test {
@@ -295,6 +297,18 @@ TEST_F(RegKeyTree, ChildThatCannotBeCopiedIsPassedOver) {
     EXPECT_EQ(expected, raw.Dump(L"to"));
 }
 
+TEST_F(RegKeyTree, ChildWhoseNameIsTooLongIsPassedOver) {
+    raw.Create(L"from\\" + std::wstring(256, L'k'));
+    if (raw.Dump(L"from").subkeys.empty())
+        GTEST_SKIP() << "this platform has no key names over 255 characters";
+    raw.PutStr(L"v", L"text", L"from\\z");
+    RegKey from(key, L"from", 0), to(key, L"to", 1);
+    EXPECT_EQ(1, from.CopyTo(to));
+    RegDump expected;
+    expected.subkeys[L"z"].values[L"v"] = StrContent(L"text");
+    EXPECT_EQ(expected, raw.Dump(L"to"));
+}
+
 TEST_F(RegKeyTree, CopyOfOrToNoKeyEndsWithOne) {
     raw.PutStr(L"v", L"text", L"sub");
     RegDump before = raw.Dump();
@@ -449,6 +463,36 @@ TEST(RegSubkeyName, ParentIsCutToTheBuffer) {
     EXPECT_EQ(0, RegKey::GetParentSubkeyName(L"a\\b", &ch, 0));
     EXPECT_EQ(L'#', ch);
     EXPECT_EQ(0, RegKey::GetParentSubkeyName(L"a\\b", nullptr, 5));
+}
+
+TEST(RegSubkeyName, RandomPathsStayInTheirBuffers) {
+    std::mt19937 random(20090607);
+    GuardedArea area(200), areaOut(200), areaOther(200);
+    for (int nRound = 0; nRound < 200000; ++nRound) {
+        auto make = [&] {
+            std::wstring str(random() % 12, L' ');
+            for (wchar_t& ch : str) ch = L"\\aAb\\"[random() % 5];
+            return str;
+        };
+        std::wstring strPath = make(), strOther = make();
+        const wchar_t* pszPath = area.Put(strPath);
+        unsigned cch = 1 + random() % 12;
+        auto* pszOut = static_cast<wchar_t*>(areaOut.Put(cch * sizeof(wchar_t)));
+        std::size_t nSlash = strPath.rfind(L'\\');
+        bool bSlash = nSlash != std::wstring::npos;
+        ASSERT_EQ(!strPath.empty(), RegKey::GetParentSubkeyName(pszPath, pszOut, cch));
+        ASSERT_EQ(strPath.substr(0, bSlash ? nSlash : 0).substr(0, cch - 1), pszOut);
+        const wchar_t* pszLast = RegKey::FindLastSubkeyName(pszPath);
+        ASSERT_EQ(strPath.empty() ? nullptr : pszPath + (bSlash ? nSlash + 1 : 0), pszLast);
+        const wchar_t* pszOther = areaOther.Put(strOther);
+        if (IsRegPathWithin(pszPath, pszOther) && IsRegPathWithin(pszOther, pszPath)) {
+            auto count = [](const std::wstring& str) {
+                return std::count_if(str.begin(), str.end(),
+                                     [](wchar_t ch) { return ch != L'\\'; });
+            };
+            ASSERT_EQ(count(strPath), count(strOther));
+        }
+    }
 }
 
 // Moving from the maker's former root

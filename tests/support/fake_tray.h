@@ -46,6 +46,8 @@ class FakeTray {
     bool IsInFront() const { return ::FindWindowW(kClass, nullptr) == hwnd; }
     /// From now on every call fails, or no longer does.
     void Refuse(bool bNew) { bRefuses = bNew; }
+    /// As a shell that has just started: knows of no icon.
+    void Restart() { icons.clear(); }
     /// The calls since the last time, which are then forgotten, as "add", "modify", "delete",
     /// "focus" or a number, divided by blanks.
     std::string TakeNames() {

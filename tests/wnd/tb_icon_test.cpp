@@ -325,9 +325,24 @@ TEST_F(TBIconTest, DestructorLeavesTheIconIn) {
 TEST_F(TBIconTest, RestartOfTheShellPutsItInAgain) {
     wnd.ShowIcon(1);
     tray.TakeNames();
+    tray.Restart(); // and refuses to delete what it does not know
     Send(TaskbarCreated());
     EXPECT_EQ("delete add", tray.TakeNames());
     EXPECT_EQ(1, wnd.IsIconShown());
+    EXPECT_EQ(1u, tray.CountIcons());
+}
+
+TEST_F(TBIconTest, AnnouncementOfAShellThatStillHasItTakesItOutFirst) {
+    wnd.ShowIcon(1);
+    tray.TakeNames();
+    Send(TaskbarCreated());
+    EXPECT_EQ("delete add", tray.TakeNames());
+    EXPECT_EQ(1, wnd.IsIconShown());
+}
+
+TEST_F(TBIconTest, RestartOfTheShellShowsWhatWasNotShown) {
+    Send(TaskbarCreated());
+    EXPECT_EQ("add", tray.TakeNames());
 }
 
 TEST_F(TBIconTest, RestartOfTheShellPutsInWhatWasRefused) {
