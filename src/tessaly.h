@@ -94,6 +94,7 @@
 #include "wnd/csdc.h"
 #include "wnd/csicon.h"
 #include "wnd/csimage_list.h"
+#include "wnd/csmenu.h"
 #include "wnd/cswnd.h"
 #include "wnd/dib_bits.h"
 #include "wnd/draw_util.h"
