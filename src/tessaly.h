@@ -1,5 +1,6 @@
 #pragma once
 // Everything that the library offers to programs that use it.
+#include "app/about.h"
 #include "app/activate_prev.h"
 #include "app/app_instance.h"
 #include "app/assoc_app.h"
