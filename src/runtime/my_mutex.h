@@ -3,7 +3,8 @@
 #include "runtime/owned_handle.h"
 #include <windows.h>
 
-/// A mutex, not owned by anybody at first; of this logon session or, if bGlobal, of the whole machine.
+/// A mutex, not owned by anybody at first; of this logon session or, if bGlobal, of the whole
+/// machine.
 class TESSALY_API MyMutex {
   public:
     /// A null name makes an unnamed mutex. Without a handle, when the platform refused, every Wait

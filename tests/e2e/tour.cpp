@@ -194,7 +194,7 @@ int Tour::RowOf(const StoredSnapshot& snapshot) const {
 void Tour::Restore(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& wanted) {
     std::vector<DesktopItem> before = desktop.Items();
     Menu().Open(mouse::Button::Right);
-    Menu().Press({Key::Down, Key::Down, Key::Right}, 2);
+    Menu().Press({Key::Down, Key::Right}, 2);
     std::vector<Key> keys(static_cast<size_t>(RowOf(snapshot)), Key::Down);
     if (!keys.empty()) Menu().Press(keys, 2);
     TakeScreenshot(L"submenu");
@@ -240,7 +240,7 @@ void Tour::RestartShell() {
 void Tour::DeleteAllFromMenu() {
     Say("The menu deletes all snapshots, after a question");
     Menu().Open();
-    Menu().Press({Key::Down, Key::Down, Key::Down, Key::Return}, 0);
+    Menu().Press({Key::Down, Key::Down, Key::Return}, 0);
     HWND hwndBox = nullptr;
     Check(WaitUntil([&] {
               hwndBox = ::FindWindowW(L"#32770", L"Tessaly");
@@ -248,7 +248,9 @@ void Tour::DeleteAllFromMenu() {
           }),
           "it asks");
     TakeScreenshot(L"question");
-    keyboard::Press({Key::Return});
+    RECT rc{};
+    ::GetWindowRect(::GetDlgItem(hwndBox, IDYES), &rc);
+    mouse::Click({(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
     Check(WaitUntil([&] { return store.Count() == 0; }), "there is no snapshot any more");
 }
 

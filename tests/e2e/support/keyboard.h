@@ -9,4 +9,7 @@ enum class Key { Up, Down, Left, Right, Return, Escape };
 
 /// Presses and lets go one key after another. Throws std::runtime_error.
 void Press(const std::vector<Key>& keys);
+/// The same on the display's keyboard, where there is xdotool: keys reach the window that was
+/// clicked last.
+void PressOnDisplay(const std::vector<Key>& keys);
 } // namespace keyboard

@@ -1,7 +1,6 @@
 #include "e2e/support/mouse.h"
 #include "e2e/support/unix_shell.h"
 
-#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -75,11 +74,7 @@ class PlatformHand final : public Hand {
 Hand& TheHand() {
     static XdotoolHand xdotool;
     static PlatformHand platform;
-    const char* pszWanted = getenv("TESSALY_MOUSE");
-    bool bPlatform = pszWanted && std::string(pszWanted) == "sendinput";
-    if (bPlatform || ::GetFileAttributesW(L"Z:\\usr\\bin\\xdotool") == INVALID_FILE_ATTRIBUTES) {
-        return platform;
-    }
+    if (!UsesXdotool()) return platform;
     return xdotool;
 }
 } // namespace

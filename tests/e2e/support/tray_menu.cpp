@@ -2,6 +2,7 @@
 #include "e2e/support/wait_until.h"
 
 #include <stdexcept>
+#include <string>
 
 namespace {
 constexpr const wchar_t* kMenuClass = L"#32768";
@@ -50,16 +51,18 @@ int TrayMenu::CountOpen() const {
 
 void TrayMenu::WaitForOpen(int nCount) const {
     if (!WaitUntil([&] { return CountOpen() == nCount; }))
-        throw std::runtime_error(nCount ? "the menu does not open" : "the menu does not close");
+        throw std::runtime_error(std::to_string(CountOpen()) +
+                                 " popups of the menu are open, not " + std::to_string(nCount));
 }
 
 void TrayMenu::Open(mouse::Button button) const {
     mouse::Click(Icon(), button);
     WaitForOpen(1);
+    mouse::MoveTo(FirstRow()); // the display's keys go to what lies below the pointer
 }
 
 void TrayMenu::Press(const std::vector<keyboard::Key>& keys, int nOpenAfter) const {
-    keyboard::Press(keys);
+    keyboard::PressOnDisplay(keys);
     WaitForOpen(nOpenAfter);
 }
 
@@ -74,10 +77,12 @@ void TrayMenu::Click(POINT pt) const {
     WaitForOpen(0);
 }
 
-void TrayMenu::ClickFirst() const {
+POINT TrayMenu::FirstRow() const {
     RECT rc = Place();
-    Click({(rc.left + rc.right) / 2, rc.top + kIntoRow});
+    return {(rc.left + rc.right) / 2, rc.top + kIntoRow};
 }
+
+void TrayMenu::ClickFirst() const { Click(FirstRow()); }
 
 void TrayMenu::ClickLast() const {
     RECT rc = Place();

@@ -15,7 +15,7 @@ class TrayMenu {
     /// Waits for a balloon above the notification area; false if none comes.
     static bool WaitForBalloon();
 
-    /// Clicks on the icon and waits for the menu.
+    /// Clicks on the icon, waits for the menu and moves the pointer onto its first row.
     void Open(mouse::Button button = mouse::Button::Left) const;
     /// Presses the keys and waits until as many popups are open.
     void Press(const std::vector<keyboard::Key>& keys, int nOpenAfter) const;
@@ -27,6 +27,7 @@ class TrayMenu {
 
   private:
     RECT Place() const;
+    POINT FirstRow() const;
     void Click(POINT pt) const;
     void WaitForOpen(int nCount) const;
 

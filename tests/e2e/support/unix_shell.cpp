@@ -1,6 +1,7 @@
 #include "e2e/support/unix_shell.h"
 #include "e2e/support/wait_until.h"
 
+#include <cstdlib>
 #include <stdexcept>
 
 namespace {
@@ -28,4 +29,10 @@ void RunUnixShell(const std::wstring& strLine) {
     if (!WaitUntil([&] { return ::DeleteFileW(strPath.c_str()) != 0; })) {
         throw std::runtime_error("a Unix command did not succeed");
     }
+}
+
+bool UsesXdotool() {
+    const char* pszWanted = getenv("TESSALY_MOUSE");
+    if (pszWanted && std::string(pszWanted) == "sendinput") return false;
+    return ::GetFileAttributesW(L"Z:\\usr\\bin\\xdotool") != INVALID_FILE_ATTRIBUTES;
 }
