@@ -228,6 +228,43 @@ TEST_F(RenameTest, TheShellIsToldWhenAskedFor) {
               ear.Hear(4));
 }
 
+TEST_F(RenameTest, LongestPathsAreTakenAndLongerOnesAreNot) {
+    LongestFile file(folder.Get());
+    for (std::size_t cchMore : {1u, 2u}) { // 260 and 261 characters, of the same file
+        std::wstring strLong = file.Path(cchMore);
+        EXPECT_EQ(0, RenameFile(strLong.c_str(), Path(L"new").c_str(), 1));
+        EXPECT_EQ(0, RenameFolder(strLong.c_str(), Path(L"new").c_str(), 1));
+        EXPECT_EQ(0, Recycle(nullptr, strLong.c_str()));
+        EXPECT_EQ(1, FileExists(file.Path(0).c_str()));
+    }
+    EXPECT_EQ(1, RenameFile(file.Path(0).c_str(), Path(L"new").c_str(), 0));
+    for (std::size_t cchMore : {1u, 2u}) {
+        EXPECT_EQ(0, RenameFile(Path(L"new").c_str(), file.Path(cchMore).c_str(), 1));
+        EXPECT_EQ(0, RenameFolder(Path(L"new").c_str(), file.Path(cchMore).c_str(), 1));
+        EXPECT_EQ(0, CreateFolderEx(nullptr, file.Path(cchMore).c_str()));
+        EXPECT_EQ(0, FileOrFolderExists(file.Path(0).c_str()));
+    }
+    EXPECT_EQ(1, RenameFile(Path(L"new").c_str(), file.Path(0).c_str(), 0));
+    std::filesystem::remove(file.Path(0));
+    std::filesystem::create_directory(file.Path(0));
+    for (std::size_t cchMore : {1u, 2u}) {
+        EXPECT_EQ(0, RemoveDirectoryEx(file.Path(cchMore).c_str(), 1));
+    }
+    EXPECT_EQ(1, RemoveDirectoryEx(file.Path(0).c_str(), 0));
+}
+
+TEST_F(RenameTest, AcrossDrivesIsForFilesOnly) {
+    wchar_t szOther[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, szOther);
+    if (szOther[0] == folder.Get()[0]) GTEST_SKIP() << "the tests run on the drive of their folder";
+    ASSERT_EQ(1, CreateFolder(Path(L"old").c_str()));
+    std::wstring strTarget = std::wstring(szOther) + L"\\tessaly_rename_test.dir";
+    int bMoved = RenameFolder(Path(L"old").c_str(), strTarget.c_str(), 0);
+    EXPECT_EQ(bMoved, FolderExists(strTarget.c_str()));
+    EXPECT_NE(bMoved, FolderExists(Path(L"old").c_str()));
+    ::RemoveDirectoryW(strTarget.c_str());
+}
+
 // The recycle bin
 
 TEST_F(RecycleTest, OnlyFixedDrivesHaveOne) {

@@ -70,10 +70,17 @@ using SatelliteTest = PathHomeTest;
 // The home folder
 
 TEST_F(HomeDirTest, IsTheStoredOneAsItStands) {
-    for (const wchar_t* psz : {L"C:\\Some\\Folder", L"c:\\windows\\", L"%TEMP%\\x", L"x"}) {
+    for (const wchar_t* psz : {L"C:\\Some\\Folder", L"c:\\windows", L"%TEMP%\\x", L"x", L"D:\\"}) {
         Store(psz);
         EXPECT_EQ(psz, HomeDir());
     }
+}
+
+TEST_F(HomeDirTest, StoredOneLosesASeparatorAtItsEnd) {
+    Store(L"C:\\Some\\Folder\\");
+    EXPECT_EQ(L"C:\\Some\\Folder", HomeDir());
+    Store(L"\\\\server\\share/");
+    EXPECT_EQ(L"\\\\server\\share", HomeDir());
 }
 
 TEST_F(HomeDirTest, IsReadAnewWithEachCall) {
@@ -192,6 +199,19 @@ TEST_F(LocalPathTest, LocalFileExists) {
     folder.MakeFile(NameOf(strProgram), "");
     EXPECT_EQ(1, LocalFileExists(nullptr));
     EXPECT_EQ(0, LocalFileExists(std::wstring(260, L'x').c_str()));
+}
+
+TEST_F(LocalPathTest, NameMayBeTheOutput) {
+    Store(L"C:\\Home");
+    auto inPlace = [](int (*get)(wchar_t*, const wchar_t*, HINSTANCE), HINSTANCE hinst) {
+        wchar_t sz[MAX_PATH] = L"a.txt";
+        EXPECT_EQ(1, get(sz, sz, hinst));
+        return std::wstring(sz);
+    };
+    EXPECT_EQ(L"C:\\Home\\a.txt", inPlace(GetLocalPath, nullptr));
+    EXPECT_EQ(L"\"C:\\Home\\a.txt\"", inPlace(GetLocalFileNameQuoted, nullptr));
+    EXPECT_EQ(strSystem + L"\\a.txt", inPlace(GetSatellitePath, hinstUser));
+    EXPECT_EQ(L"\"" + strSystem + L"\\a.txt\"", inPlace(GetSatellitePathQuoted, hinstUser));
 }
 
 TEST_F(LocalPathTest, NullOutputsGiveZero) {
