@@ -113,6 +113,7 @@ TEST_F(MakeMixPathTest, LongestPath) {
     std::wstring strMix = Mix(file.Path(0));
     EXPECT_EQ(1, IsMixPath(strMix.c_str(), file.Path(0).c_str()));
     EXPECT_EQ(L"", Mix(file.Path(1), 0)); // 260 characters
+    EXPECT_EQ(L"", Mix(file.Path(0) + L"\\", 0));
 }
 
 TEST_F(MakeMixPathTest, NamesBeyondAscii) {

@@ -54,6 +54,9 @@ TEST_F(Attributes, OfAMaskAreThoseOfTheFirstThatFits) {
     EXPECT_EQ(1, FileOrFolderExists(strMask.c_str()));
     EXPECT_EQ(0, IsFileExists(strMask.c_str()));
     EXPECT_EQ(0, IsFileOrFolderExists(strMask.c_str()));
+    std::filesystem::create_directory(folder.File(L"inner"));
+    EXPECT_EQ(1, FolderExists(folder.File(L"inn*").c_str()));
+    EXPECT_EQ(0, IsFolderExists(folder.File(L"inn*").c_str()));
 }
 
 struct ExistsCase {
@@ -318,6 +321,19 @@ TEST_F(DirWritable, FileOfThatNameIsTakenAndDeleted) {
     for (DWORD n = nNow; n < nNow + 30; ++n)
         nLeft += FileExists(folder.File(TestFileName(n)).c_str());
     EXPECT_EQ(29, nLeft);
+}
+
+TEST_F(DirWritable, FourBytesAreWritten) {
+    // Another name of the file that is taken shows them when it is gone.
+    std::wstring strKept = folder.MakeFile(L"kept", "before");
+    DWORD nNow = GetCurTime();
+    for (DWORD n = nNow; n < nNow + 30; ++n) {
+        if (!::CreateHardLinkW(folder.File(TestFileName(n)).c_str(), strKept.c_str(), nullptr)) {
+            GTEST_SKIP() << "no second name can be given to a file here";
+        }
+    }
+    EXPECT_EQ(1, IsDirWritable(strFolder.c_str()));
+    EXPECT_EQ("\x78\x56\x34\x12re", folder.ReadFile(L"kept"));
 }
 
 TEST_F(DirWritable, FolderThatLeavesNoRoomForTheNameIsNot) {

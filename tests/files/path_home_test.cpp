@@ -106,6 +106,53 @@ TEST_F(HomeDirTest, IsTheModulesFolderIfNoneIsStored) {
     EXPECT_EQ(0, GetHomeDir(nullptr));
 }
 
+/// A copy of one of the platform's modules, loaded from there without being run.
+class ModuleCopy {
+  public:
+    explicit ModuleCopy(const std::wstring& strPath) {
+        ::CopyFileW(ModulePath(::GetModuleHandleW(L"msvcrt.dll")).c_str(), strPath.c_str(), TRUE);
+        hmod = ::LoadLibraryExW(strPath.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+    }
+    ModuleCopy(const ModuleCopy&) = delete;
+    ModuleCopy& operator=(const ModuleCopy&) = delete;
+    ~ModuleCopy() { ::FreeLibrary(hmod); }
+    HMODULE Get() const { return hmod; }
+
+  private:
+    HMODULE hmod = nullptr;
+};
+
+TEST_F(HomeDirTest, ModulesFolderIsAsTheShellShowsIt) {
+    TempFolder folder;
+    std::wstring strShown = folder.File(L"A Long Folder"), strLower = folder.File(L"a long folder");
+    std::filesystem::create_directory(strShown);
+    ModuleCopy copy(strLower + L"\\copy.dll");
+    ASSERT_TRUE(copy.Get());
+    if (FolderOf(ModulePath(copy.Get())) == strShown) {
+        GTEST_SKIP() << "the platform knows its modules by their true names";
+    }
+    SetLibraryInstance(copy.Get());
+    EXPECT_EQ(strShown, HomeDir());
+    SetLibraryInstance(hinstBefore);
+}
+
+TEST_F(HomeDirTest, ModulesFolderIsAsItIsWhereTheShellsFormIsTooLong) {
+    TempFolder folder;
+    std::wstring strOdd = folder.File(L"%T%\\inner");
+    std::filesystem::create_directories(strOdd);
+    ModuleCopy copy(strOdd + L"\\copy.dll");
+    ASSERT_TRUE(copy.Get());
+    SetLibraryInstance(copy.Get());
+    std::size_t cchRest = folder.Get().size() + 1 + 6; // all but what %T% stands for
+    for (auto [cchAll, bFits] : {std::pair{259u, true}, {260u, false}}) {
+        std::wstring strValue(cchAll - cchRest, L't');
+        ::SetEnvironmentVariableW(L"T", strValue.c_str());
+        EXPECT_EQ(bFits ? folder.File(strValue + L"\\inner") : strOdd, HomeDir());
+    }
+    ::SetEnvironmentVariableW(L"T", nullptr);
+    SetLibraryInstance(hinstBefore);
+}
+
 TEST_F(HomeDirTest, LongestStoredFolder) {
     std::wstring str = L"C:\\" + std::wstring(256, L'x');
     Store(str);
@@ -251,13 +298,9 @@ TEST_F(SatelliteTest, ModulesFolderIsNotExpanded) {
     TempFolder folder;
     std::wstring strOdd = folder.File(L"%TESSALY_SAT%");
     std::filesystem::create_directory(strOdd);
-    std::wstring strCopy = strOdd + L"\\copy.dll";
-    ASSERT_TRUE(
-        ::CopyFileW(ModulePath(::GetModuleHandleW(L"msvcrt.dll")).c_str(), strCopy.c_str(), TRUE));
-    HMODULE hmod = ::LoadLibraryExW(strCopy.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
-    ASSERT_TRUE(hmod);
-    EXPECT_EQ(strOdd + L"\\a", Satellite(L"a", hmod));
-    ::FreeLibrary(hmod);
+    ModuleCopy copy(strOdd + L"\\copy.dll");
+    ASSERT_TRUE(copy.Get());
+    EXPECT_EQ(strOdd + L"\\a", Satellite(L"a", copy.Get()));
     ::SetEnvironmentVariableW(L"TESSALY_SAT", nullptr);
 }
 

@@ -269,6 +269,11 @@ TEST_F(DosPathToShellPathTest, PathBelowASingleSeparatorKeepsIt) {
     ::SetCurrentDirectoryW(szBefore);
 }
 
+TEST_F(DosPathToShellPathTest, OneOfTwoSeparatorsBeforeTheLastNameGoes) {
+    EXPECT_EQ(strFolder, Shown(folder.Get() + L"\\/a long folder"));
+    EXPECT_EQ(L"C:\\windows", Shown(L"c:\\\\WINDOWS"));
+}
+
 TEST_F(DosPathToShellPathTest, NetworkPathsStay) {
     EXPECT_EQ(L"\\\\server\\share\\x", Shown(L"\\\\server\\share\\x"));
     EXPECT_EQ(L"\\\\server", Shown(L"\\\\server"));
