@@ -9,7 +9,7 @@
 /// Gives the path that form if it lies right in one of the three folders; otherwise a copy. A null
 /// path counts as empty.
 // QUIRK: a folder's path with a separator at its end counts as lying in itself, so that the Windows
-// folder's gives "%W\windows". Test: MakeCanonicalPath.FolderWithASeparatorLiesInItself
+// folder's gives "%W\windows". Test: MakeCanonicalPathTest.FolderWithASeparatorLiesInItself
 TESSALY_API void MakeCanonicalPath(const wchar_t* pszPath, wchar_t* pszOut);
 /// The reverse. 1 for a text that starts with "%"; any other is copied, with 0, and null gives an
 /// empty one. The letter counts with its case; if it is none of the three, what follows it remains,

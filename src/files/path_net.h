@@ -13,7 +13,7 @@
 // QUIRK: a connection that the list does not show is read from the device's name only where that
 // is "\??\UNC\..." or has ";X:0" directly before the server's backslash; newer systems put a longer
 // number there, whose rest is then taken along.
-// Test: GetUniversalName.LongerNumberInTheDeviceNameIsTakenAlong
+// Test: GetUniversalNameTest.LongerNumberInTheDeviceNameIsTakenAlong
 TESSALY_API int GetUniversalName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszPath,
                                  int bUpper);
 /// The same in place in a buffer of 260 characters. A path without a network form stays.

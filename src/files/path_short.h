@@ -28,5 +28,6 @@ TESSALY_API int ShortToLFN(wchar_t* pszPath);
 /// characters, the path becomes empty.
 // QUIRK: the folders above a name that was found go through ExpandEnvStrings, so that one with the
 // name "%TEMP%" is replaced. A path of one or two characters gets the first one in upper case,
-// whatever it is. Test: DosPathToShellPath.FolderThatLooksLikeAnEnvironmentString and ShortTexts
+// whatever it is. Test: DosPathToShellPathTest.FolderThatLooksLikeAnEnvironmentString and
+// ShortTexts
 TESSALY_API void DosPathToShellPath(wchar_t* pszPath);
