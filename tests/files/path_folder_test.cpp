@@ -327,12 +327,16 @@ TEST_F(RecycleTest, WhatIsTakenAwayLiesInTheBin) {
     ::GetEnvironmentVariableW(L"WINEHOMEDIR", szHome, MAX_PATH);
     std::wstring strBin = szHome, strName = std::filesystem::path(folder.Get()).filename();
     if (!strBin.starts_with(L"\\??\\")) GTEST_SKIP() << "only here it is known where the bin lies";
-    strBin = strBin.substr(4) + L"\\.local\\share\\Trash\\files\\" + strName;
+    strBin = strBin.substr(4) + L"\\.local\\share\\Trash\\";
+    std::wstring strInfo = strBin + L"info\\" + strName + L".trashinfo";
+    strBin += L"files\\" + strName;
+    ::DeleteFileW(strInfo.c_str()); // one that is left from another run would take the name
     EXPECT_EQ(0, FileOrFolderExists(strBin.c_str()));
     std::wstring strFile = folder.MakeFile(strName, "abc");
     EXPECT_EQ(1, Recycle(nullptr, strFile.c_str()));
     EXPECT_EQ(1, FileExists(strBin.c_str()));
     ::DeleteFileW(strBin.c_str());
+    ::DeleteFileW(strInfo.c_str());
 }
 
 TEST_F(RecycleTest, MissingFileGivesZero) {
