@@ -19,7 +19,7 @@ template <class Fn>
 int ChangeOrCopy(Fn&& change, const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
     if (!pszOut || cchOut == 0) return 0;
     wchar_t szIn[kPathChars];
-    if (pszIn == pszOut) {
+    if (pszIn >= pszOut && pszIn < pszOut + cchOut) {
         if (!CopyPath(szIn, pszIn)) return CopyTextCut(pszOut, cchOut, pszIn);
         pszIn = szIn;
     }

@@ -3,8 +3,8 @@
 
 /// Replaces "%NAME%" by the environment's value (ExpandEnvironmentStringsW). Without such strings,
 /// if the platform fails, or if the result is empty or longer than pszOut, that gets a copy of the
-/// input as it is. cchOut counts the terminator; a null input counts as empty. pszOut may be the
-/// input if that has less than 260 characters; a longer one is not expanded in place.
+/// input as it is. cchOut counts the terminator; a null input counts as empty. The input may lie in
+/// pszOut if it has less than 260 characters; a longer one is not expanded there.
 /// Returns 1; 0 if the text was cut to fit.
 TESSALY_API int ExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut);
 /// The reverse for the start of a path, for the folders that the platform knows

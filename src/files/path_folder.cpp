@@ -86,8 +86,7 @@ int RenameFolder(const wchar_t* pszOld, const wchar_t* pszNew, int bNotify) {
 
 int CanRecycle(const wchar_t* pszPath) {
     wchar_t szRoot[kPathChars];
-    return GetRootPath(szRoot, pszPath) && IsDosFolder(szRoot) &&
-           GetDriveTypeFromPath(szRoot) == DRIVE_FIXED;
+    return GetRootPath(szRoot, pszPath) && GetDriveTypeFromPath(szRoot) == DRIVE_FIXED;
 }
 
 int Recycle(HWND hwnd, const wchar_t* pszPath) {

@@ -30,10 +30,9 @@ int IsFolder(DWORD dwAttributes) {
 int MakeTestFileName(wchar_t (&szFile)[kPathChars], const wchar_t* pszFolder) {
     wchar_t szName[16]; // eight digits and the extension
     FormatText(szName, L"%08d.tmp", static_cast<int>(GetCurTime() % kTestNames));
-    if (std::wcslen(pszFolder) + 1 + std::wcslen(szName) >= kPathChars) return 0;
     CopyPath(szFile, pszFolder);
-    AppendFileName(szFile, szName);
-    return 1;
+    AppendFileName(szFile, L""); // a separator, if there is none
+    return AppendTextCut(szFile, kPathChars, szName);
 }
 } // namespace
 

@@ -61,6 +61,7 @@ int GetHomeDir(wchar_t* pszOut) {
     wchar_t szHome[kPathChars] = L"";
     int bStored = GetHomeFolder(GetMyProductInfo().GetName(), szHome) && *szHome;
     if (!bStored && !GetOwnFolder(szHome)) return Empty(pszOut);
+    RemoveBackSlash(szHome);
     return CopyPath(pszOut, szHome);
 }
 
@@ -84,7 +85,10 @@ int GetLocalPath(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst) {
         if (!GetModuleFNameExt(hinst, szName)) return Empty(pszOut);
         pszName = szName;
     }
-    return MakePath(pszOut, szHome, pszName, nullptr, 0);
+    wchar_t szPath[kPathChars]; // the name may lie in the output
+    int bFits = MakePath(szPath, szHome, pszName, nullptr, 0);
+    CopyPath(pszOut, szPath);
+    return bFits;
 }
 
 int GetLocalFileNameQuoted(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst) {
@@ -96,8 +100,10 @@ int GetSatellitePath(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst) {
     if (!pszOut || !GetModuleFolder(hinst ? hinst : GetLibraryInstance(), szFolder)) {
         return Empty(pszOut);
     }
-    CopyPath(pszOut, szFolder); // as it is: a real folder may have a "%" in its name
-    return MakePath(pszOut, pszOut, pszName, nullptr, 0);
+    // As the output it is not expanded: a real folder may have a "%" in its name.
+    int bFits = MakePath(szFolder, szFolder, pszName, nullptr, 0);
+    CopyPath(pszOut, szFolder);
+    return bFits;
 }
 
 int GetSatellitePathQuoted(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst) {

@@ -9,7 +9,8 @@
 
 /// The folder in which the product is installed, as stored (ProcessHomeFolder; read anew with each
 /// call); without one, the folder of the module that this library is part of, as
-/// DosPathToShellPath gives it. Stored text is given as it is.
+/// DosPathToShellPath gives it. Stored text is given as it is but for a separator at its end, which
+/// only a root keeps.
 TESSALY_API int GetHomeDir(wchar_t* pszOut);
 /// Stores that module's folder as the product's home, unless one is stored. 1 if one is stored
 /// then; 0 for a user who may not write it.
@@ -18,7 +19,7 @@ TESSALY_API int SetHomeDir();
 /// The module's file name with its extension.
 TESSALY_API int GetModuleFNameExt(HINSTANCE hinst, wchar_t* pszOut);
 /// The home folder (GetHomeDir) joined to the name by MakePath; to the file name of that module
-/// if pszName is null.
+/// if pszName is null. In this and the next three functions the name may be pszOut.
 TESSALY_API int GetLocalPath(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst);
 /// The same in double quotes.
 TESSALY_API int GetLocalFileNameQuoted(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst);

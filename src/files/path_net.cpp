@@ -5,7 +5,6 @@
 #include "files/path_join.h"
 #include "files/path_shape.h"
 #include "runtime/runtime_func.h"
-#include "runtime/scope_exit.h"
 #include "runtime/str_case.h"
 #include "runtime/str_find.h"
 
@@ -21,6 +20,8 @@ constexpr int kMaxPieces = 1000;            // nor as many
 constexpr wchar_t kUncDevice[] = L"\\??\\UNC";
 constexpr std::size_t kUncDeviceLength = 7;
 constexpr DWORD kAllEntries = 0xFFFFFFFF;
+/// Room for a connection's name and all that a path can take behind it.
+constexpr std::size_t kUncChars = 2 * kPathChars;
 
 // Found when a connection is first asked for: few programs ever do.
 constinit RuntimeFunc<decltype(::WNetOpenEnumW)> fnOpenEnum(L"mpr.dll", "WNetOpenEnumW");
@@ -172,8 +173,8 @@ int GetNetworkDrivePath(int nDrive, wchar_t* pszOut) {
 
 int DosPathFromUncPath(wchar_t* pszOut, const wchar_t* pszUnc) {
     if (!pszOut) return 0;
-    wchar_t szUnc[kPathChars] = L"";
-    if (IsNetworkPath(pszUnc)) CopyPath(szUnc, pszUnc);
+    wchar_t szUnc[kUncChars] = L"";
+    if (IsNetworkPath(pszUnc)) CopyTextCut(szUnc, kUncChars, pszUnc);
     *pszOut = 0;
     DWORD dwMask = *szUnc ? GetNetworkDrivesMask() : 0;
     for (int i = 0; i < kDrives; ++i) {

@@ -25,6 +25,7 @@ TESSALY_API DWORD GetNetworkDrivesMask();
 /// with an empty text.
 TESSALY_API int GetNetworkDrivePath(int nDrive, wchar_t* pszOut);
 /// The path on a connected drive, "X:\...", for a network path at or below a drive's root, into 260
-/// characters, cut to fit; of several drives the first in the alphabet. 1; 0 with an empty text if
-/// no drive leads there. pszOut may be the path.
+/// characters, cut to fit; of several drives the first in the alphabet. The network path may be
+/// longer than other paths. 1; 0 with an empty text if no drive leads there. pszOut may be the
+/// path.
 TESSALY_API int DosPathFromUncPath(wchar_t* pszOut, const wchar_t* pszUnc);

@@ -113,6 +113,26 @@ TEST_F(MakeMixPathTest, LongestPath) {
     std::wstring strMix = Mix(file.Path(0));
     EXPECT_EQ(1, IsMixPath(strMix.c_str(), file.Path(0).c_str()));
     EXPECT_EQ(L"", Mix(file.Path(1), 0)); // 260 characters
+    EXPECT_EQ(L"", Mix(file.Path(0) + L"\\", 0));
+}
+
+TEST_F(MakeMixPathTest, NamesBeyondAscii) {
+    for (const wchar_t* psz : {L"\u00C4 Long Name", L"\U0001F600 long name", L"%TEMP% long"}) {
+        std::wstring strOdd = folder.MakeFile(psz, ""), strMix = Mix(strOdd);
+        EXPECT_EQ(strBase + Level(strOdd), strMix);
+        EXPECT_EQ(1, IsMixPath(strMix.c_str(), strOdd.c_str()));
+        std::wstring strOther = strOdd;
+        strOther.back() = L'x';
+        EXPECT_EQ(0, IsMixPath(strMix.c_str(), strOther.c_str()));
+    }
+    std::wstring strMix = Mix(folder.MakeFile(L"\u00C4", ""));
+    EXPECT_EQ(0, IsMixPath(strMix.c_str(), folder.File(L"\u00E4").c_str())); // case counts
+}
+
+TEST_F(MakeMixPathTest, OutputMayBeThePath) {
+    PathBuffer path(strFolder, 600);
+    EXPECT_EQ(1, MakeMixPath(path, 600, path));
+    EXPECT_EQ(strBase + Level(strFolder), path.Str());
 }
 
 TEST_F(MakeMixPathTest, EverySpellingOfThePathIsRecognised) {

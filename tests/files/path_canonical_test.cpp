@@ -1,6 +1,7 @@
 #include "files/path_canonical.h"
 
 #include "files/path_support.h"
+#include "runtime/library_instance.h"
 #include "store/reg_tree.h"
 
 #include <gtest/gtest.h>
@@ -73,6 +74,15 @@ TEST_F(MakeCanonicalPathTest, OtherPathsAreCopied) {
 TEST_F(MakeCanonicalPathTest, FolderInTheWindowsFolderIsAFileThere) {
     // A path's own folder is asked for, so that the system folder's name lies in the Windows one.
     EXPECT_EQ(L"%W\\system32", Make(strSystem));
+}
+
+TEST_F(MakeCanonicalPathTest, NameAloneLiesInNoHomeThatIsUnknown) {
+    StoreHome(L"");
+    HINSTANCE hinstBefore = GetLibraryInstance();
+    SetLibraryInstance(reinterpret_cast<HINSTANCE>(0x123450000)); // no module: no folder either
+    EXPECT_EQ(L"a", Make(L"a"));
+    EXPECT_EQ(L"\\a", Back(L"%_\\a"));
+    SetLibraryInstance(hinstBefore);
 }
 
 TEST_F(MakeCanonicalPathTest, FolderWithASeparatorLiesInItself) {

@@ -77,6 +77,25 @@ TEST_F(EnvStrings, SizesAtTheLimit) {
     }
 }
 
+TEST_F(EnvStrings, InputMayLieInTheOutput) {
+    PathBuffer text;
+    for (const wchar_t* psz : {L"%TSLY_TEST%\\a", L"a\\%TSLY_TEST%", L"plain", L""}) {
+        std::wstring str = psz, strExpected = str;
+        if (auto n = str.find(L"%TSLY_TEST%"); n != str.npos) strExpected.replace(n, 11, L"value");
+        for (std::size_t nAt : {1u, 5u, 100u}) {
+            text.Set(std::wstring(nAt, L'x') + str);
+            EXPECT_EQ(1, ExpandEnvStrings(text + nAt, text, MAX_PATH));
+            EXPECT_EQ(strExpected, text.Str());
+        }
+    }
+    std::wstring strPath = WindowsFolder() + L"\\notepad.exe";
+    PathBuffer expected;
+    EXPECT_EQ(1, UnExpandEnvStrings(strPath.c_str(), expected, MAX_PATH));
+    text.Set(L"xx" + strPath);
+    EXPECT_EQ(1, UnExpandEnvStrings(text + 2, text, MAX_PATH));
+    EXPECT_EQ(expected.Str(), text.Str());
+}
+
 TEST_F(EnvStrings, LongTextIsNotExpandedInPlace) {
     std::wstring str = L"%TSLY_TEST%" + std::wstring(249, L'n'); // 260
     PathBuffer text(str, 300);

@@ -5,9 +5,13 @@
 #include "files/read_only.h"
 #include "files/shell_ear.h"
 #include "files/short_names.h"
+#include "runtime/scope_exit.h"
 #include "support/temp_folder.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
+#include <atomic>
+#include <thread>
 
 namespace {
 const wchar_t* kNull = nullptr;
@@ -115,6 +119,31 @@ TEST_F(CreateFolderTest, CursorIsTheSameAfterwardsOnEveryWayOut) {
         EXPECT_EQ(hcurMine, ::GetCursor());
     }
     ::SetCursor(hcurBefore);
+}
+
+TEST_F(CreateFolderTest, WaitCursorIsShownMeanwhile) {
+    std::wstring strDeep = MakeFolderOfLength(folder.Get(), 250);
+    const HCURSOR hcurWait = ::LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
+    ::SetCursor(nullptr);
+    ASSERT_NE(hcurWait, ::GetCursor());
+    // Another thread that shares this one's input looks on while folders are made over and over.
+    std::atomic<bool> bAttached{false}, bSeen{false}, bOver{false};
+    std::thread watcher([&, nMain = ::GetCurrentThreadId()] {
+        MSG msg;
+        ::PeekMessageW(&msg, nullptr, 0, 0, PM_NOREMOVE); // makes the thread's queue
+        bAttached = ::AttachThreadInput(::GetCurrentThreadId(), nMain, TRUE) != 0;
+        while (bAttached && !bSeen && !bOver) bSeen = ::GetCursor() == hcurWait;
+        ::AttachThreadInput(::GetCurrentThreadId(), nMain, FALSE);
+    });
+    ScopeExit end([&] {
+        bOver = true;
+        watcher.join();
+    });
+    EXPECT_TRUE(WaitUntil([&] {
+        for (int i = 0; i < 20 && !bSeen; ++i) CreateFolder(strDeep.c_str());
+        return bSeen.load();
+    })) << "attached: "
+        << bAttached;
 }
 
 // The other ways to make and remove folders
@@ -228,6 +257,48 @@ TEST_F(RenameTest, TheShellIsToldWhenAskedFor) {
               ear.Hear(4));
 }
 
+TEST_F(RenameTest, LongestPathsAreTakenAndLongerOnesAreNot) {
+    LongestFile file(folder.Get());
+    for (std::size_t cchMore : {1u, 2u}) { // 260 and 261 characters, of the same file
+        std::wstring strLong = file.Path(cchMore);
+        EXPECT_EQ(0, RenameFile(strLong.c_str(), Path(L"new").c_str(), 1));
+        EXPECT_EQ(0, RenameFolder(strLong.c_str(), Path(L"new").c_str(), 1));
+        EXPECT_EQ(0, Recycle(nullptr, strLong.c_str()));
+        EXPECT_EQ(1, FileExists(file.Path(0).c_str()));
+    }
+    EXPECT_EQ(1, RenameFile(file.Path(0).c_str(), Path(L"new").c_str(), 0));
+    for (std::size_t cchMore : {1u, 2u}) {
+        EXPECT_EQ(0, RenameFile(Path(L"new").c_str(), file.Path(cchMore).c_str(), 1));
+        EXPECT_EQ(0, RenameFolder(Path(L"new").c_str(), file.Path(cchMore).c_str(), 1));
+        EXPECT_EQ(0, CreateFolderEx(nullptr, file.Path(cchMore).c_str()));
+        EXPECT_EQ(0, FileOrFolderExists(file.Path(0).c_str()));
+    }
+    EXPECT_EQ(1, RenameFile(Path(L"new").c_str(), file.Path(0).c_str(), 0));
+    std::filesystem::remove(file.Path(0));
+    std::filesystem::create_directory(file.Path(0));
+    for (std::size_t cchMore : {1u, 2u}) {
+        EXPECT_EQ(0, RemoveDirectoryEx(file.Path(cchMore).c_str(), 1));
+    }
+    EXPECT_EQ(1, RemoveDirectoryEx(file.Path(0).c_str(), 0));
+}
+
+TEST_F(RenameTest, OnlyFilesGoToAnotherFileSystem) {
+    const std::wstring strOther = L"Z:\\dev\\shm\\tessaly_rename_test";
+    if (::CreateDirectoryW(strOther.c_str(), nullptr)) ::RemoveDirectoryW(strOther.c_str());
+    ASSERT_EQ(1, CreateFolder(Path(L"old").c_str()));
+    if (::MoveFileExW(Path(L"old").c_str(), strOther.c_str(), 0)) {
+        ::RemoveDirectoryW(strOther.c_str());
+        GTEST_SKIP() << "this machine has no second file system that folders cannot be moved to";
+    }
+    EXPECT_EQ(0, RenameFolder(Path(L"old").c_str(), strOther.c_str(), 1));
+    EXPECT_EQ(1, FolderExists(Path(L"old").c_str()));
+    folder.MakeFile(L"file", "abc");
+    EXPECT_EQ(1, RenameFile(Path(L"file").c_str(), strOther.c_str(), 0));
+    EXPECT_EQ(0, FileExists(Path(L"file").c_str()));
+    EXPECT_EQ(1, RenameFile(strOther.c_str(), Path(L"back").c_str(), 0));
+    EXPECT_EQ("abc", folder.ReadFile(L"back"));
+}
+
 // The recycle bin
 
 TEST_F(RecycleTest, OnlyFixedDrivesHaveOne) {
@@ -249,6 +320,23 @@ TEST_F(RecycleTest, TakesFilesAndFoldersAway) {
     ASSERT_EQ(1, CreateFolder(Path(L"a\\b").c_str()));
     EXPECT_EQ(1, Recycle(nullptr, Path(L"a").c_str()));
     EXPECT_EQ(0, FileOrFolderExists(Path(L"a").c_str()));
+}
+
+TEST_F(RecycleTest, WhatIsTakenAwayLiesInTheBin) {
+    wchar_t szHome[MAX_PATH] = L"";
+    ::GetEnvironmentVariableW(L"WINEHOMEDIR", szHome, MAX_PATH);
+    std::wstring strBin = szHome, strName = std::filesystem::path(folder.Get()).filename();
+    if (!strBin.starts_with(L"\\??\\")) GTEST_SKIP() << "only here it is known where the bin lies";
+    strBin = strBin.substr(4) + L"\\.local\\share\\Trash\\";
+    std::wstring strInfo = strBin + L"info\\" + strName + L".trashinfo";
+    strBin += L"files\\" + strName;
+    ::DeleteFileW(strInfo.c_str()); // one that is left from another run would take the name
+    EXPECT_EQ(0, FileOrFolderExists(strBin.c_str()));
+    std::wstring strFile = folder.MakeFile(strName, "abc");
+    EXPECT_EQ(1, Recycle(nullptr, strFile.c_str()));
+    EXPECT_EQ(1, FileExists(strBin.c_str()));
+    ::DeleteFileW(strBin.c_str());
+    ::DeleteFileW(strInfo.c_str());
 }
 
 TEST_F(RecycleTest, MissingFileGivesZero) {

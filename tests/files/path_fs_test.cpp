@@ -54,6 +54,9 @@ TEST_F(Attributes, OfAMaskAreThoseOfTheFirstThatFits) {
     EXPECT_EQ(1, FileOrFolderExists(strMask.c_str()));
     EXPECT_EQ(0, IsFileExists(strMask.c_str()));
     EXPECT_EQ(0, IsFileOrFolderExists(strMask.c_str()));
+    std::filesystem::create_directory(folder.File(L"inner"));
+    EXPECT_EQ(1, FolderExists(folder.File(L"inn*").c_str()));
+    EXPECT_EQ(0, IsFolderExists(folder.File(L"inn*").c_str()));
 }
 
 struct ExistsCase {
@@ -108,7 +111,11 @@ TEST_F(Attributes, LongestPathIsTakenAndLongerOnesAreNot) {
     EXPECT_EQ(1, FileExists(file.Path(0).c_str()));
     EXPECT_EQ(1, IsFileExists(file.Path(0).c_str()));
     EXPECT_EQ(3u, FileSize(file.Path(0).c_str()));
+    EXPECT_NE(INVALID_FILE_ATTRIBUTES, GetFileAttributes2(file.Path(0).c_str()));
+    EXPECT_EQ(1, IsFileOrFolderExists(file.Path(0).c_str()));
     for (std::size_t cchMore : {1u, 2u}) { // 260 and 261 characters, of the same file
+        EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributes2(file.Path(cchMore).c_str()));
+        EXPECT_EQ(0, IsFileOrFolderExists(file.Path(cchMore).c_str()));
         EXPECT_EQ(0, FileExists(file.Path(cchMore).c_str()));
         EXPECT_EQ(0, IsFileExists(file.Path(cchMore).c_str()));
         EXPECT_EQ(0u, FileSize(file.Path(cchMore).c_str()));
@@ -183,11 +190,42 @@ TEST_F(AltName, IsCutToItsBuffer) {
     EXPECT_EQ(0, GetAltFileName(nullptr, 4, strLong.c_str()));
 }
 
+TEST_F(AltName, OfTheLongestPath) {
+    LongestFile file(folder.Get());
+    wchar_t sz[MAX_PATH];
+    WIN32_FIND_DATAW data;
+    EXPECT_EQ(1, GetAltFileName(sz, MAX_PATH, file.Path(0).c_str()));
+    EXPECT_EQ(AltNameOf(file.Path(0)), sz);
+    EXPECT_EQ(1, GetShortFileName(file.Path(0).c_str(), sz, &data));
+    EXPECT_EQ(AltNameOf(file.Path(0)), sz);
+    for (std::size_t cchMore : {1u, 2u}) {
+        EXPECT_EQ(0, GetAltFileName(sz, MAX_PATH, file.Path(cchMore).c_str()));
+        EXPECT_STREQ(L"", sz);
+        EXPECT_EQ(0, GetShortFileName(file.Path(cchMore).c_str(), sz, &data));
+        EXPECT_EQ(L'\0', data.cFileName[0]);
+    }
+}
+
+TEST_F(AltName, OutputMayBeThePath) {
+    wchar_t sz[MAX_PATH];
+    std::wstring strLong = folder.MakeFile(L"a rather long name.text", "");
+    std::wcscpy(sz, strLong.c_str());
+    EXPECT_EQ(1, GetAltFileName(sz, MAX_PATH, sz));
+    EXPECT_EQ(AltNameOf(strLong), sz);
+    std::wcscpy(sz, strLong.c_str());
+    EXPECT_EQ(1, GetShortFileName(sz, sz, nullptr));
+    EXPECT_EQ(AltNameOf(strLong), sz);
+}
+
 TEST_F(AltName, OfAJoinThatIsTooLongIsEmpty) {
     wchar_t sz[MAX_PATH] = L"before";
     std::wstring strName(260 - folder.Get().size() - 1, L'n'); // 260 with the folder
     EXPECT_EQ(0, GetAltFileName(sz, MAX_PATH, strFolder.c_str(), strName.c_str()));
     EXPECT_STREQ(L"", sz);
+    strName.pop_back();
+    folder.MakeFile(strName, "");
+    EXPECT_EQ(1, GetAltFileName(sz, MAX_PATH, strFolder.c_str(), strName.c_str()));
+    EXPECT_EQ(AltNameOf(folder.File(strName)), sz);
 }
 
 TEST_F(AltName, FoldersEnvironmentStringsAreExpanded) {
@@ -285,11 +323,29 @@ TEST_F(DirWritable, FileOfThatNameIsTakenAndDeleted) {
     EXPECT_EQ(29, nLeft);
 }
 
+TEST_F(DirWritable, FourBytesAreWritten) {
+    // Another name of the file that is taken shows them when it is gone.
+    std::wstring strKept = folder.MakeFile(L"kept", "before");
+    DWORD nNow = GetCurTime();
+    for (DWORD n = nNow; n < nNow + 30; ++n) {
+        if (!::CreateHardLinkW(folder.File(TestFileName(n)).c_str(), strKept.c_str(), nullptr)) {
+            GTEST_SKIP() << "no second name can be given to a file here";
+        }
+    }
+    EXPECT_EQ(1, IsDirWritable(strFolder.c_str()));
+    EXPECT_EQ("\x78\x56\x34\x12re", folder.ReadFile(L"kept"));
+}
+
 TEST_F(DirWritable, FolderThatLeavesNoRoomForTheNameIsNot) {
     // The test file's name has 12 characters, with the separator 13.
     for (auto [cchFolder, nExpected] : {std::pair{246u, 1}, {247u, 0}, {259u, 0}}) {
         std::wstring strDeep = MakeFolderOfLength(folder.Get(), cchFolder);
         ASSERT_EQ(1, FolderExists(strDeep.c_str()));
+        EXPECT_EQ(nExpected, IsDirWritable(strDeep.c_str())) << cchFolder;
+    }
+    // With its own separator the folder may be one longer.
+    for (auto [cchFolder, nExpected] : {std::pair{247u, 1}, {248u, 0}}) {
+        std::wstring strDeep = MakeFolderOfLength(folder.Get(), cchFolder - 1) + L"/";
         EXPECT_EQ(nExpected, IsDirWritable(strDeep.c_str())) << cchFolder;
     }
 }

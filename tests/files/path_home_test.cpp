@@ -70,10 +70,17 @@ using SatelliteTest = PathHomeTest;
 // The home folder
 
 TEST_F(HomeDirTest, IsTheStoredOneAsItStands) {
-    for (const wchar_t* psz : {L"C:\\Some\\Folder", L"c:\\windows\\", L"%TEMP%\\x", L"x"}) {
+    for (const wchar_t* psz : {L"C:\\Some\\Folder", L"c:\\windows", L"%TEMP%\\x", L"x", L"D:\\"}) {
         Store(psz);
         EXPECT_EQ(psz, HomeDir());
     }
+}
+
+TEST_F(HomeDirTest, StoredOneLosesASeparatorAtItsEnd) {
+    Store(L"C:\\Some\\Folder\\");
+    EXPECT_EQ(L"C:\\Some\\Folder", HomeDir());
+    Store(L"\\\\server\\share/");
+    EXPECT_EQ(L"\\\\server\\share", HomeDir());
 }
 
 TEST_F(HomeDirTest, IsReadAnewWithEachCall) {
@@ -97,6 +104,53 @@ TEST_F(HomeDirTest, IsTheModulesFolderIfNoneIsStored) {
     SetLibraryInstance(hinstUser);
     EXPECT_EQ(L"C:\\windows\\system32", HomeDir()); // in the case that the file system has
     EXPECT_EQ(0, GetHomeDir(nullptr));
+}
+
+/// A copy of one of the platform's modules, loaded from there without being run.
+class ModuleCopy {
+  public:
+    explicit ModuleCopy(const std::wstring& strPath) {
+        ::CopyFileW(ModulePath(::GetModuleHandleW(L"msvcrt.dll")).c_str(), strPath.c_str(), TRUE);
+        hmod = ::LoadLibraryExW(strPath.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+    }
+    ModuleCopy(const ModuleCopy&) = delete;
+    ModuleCopy& operator=(const ModuleCopy&) = delete;
+    ~ModuleCopy() { ::FreeLibrary(hmod); }
+    HMODULE Get() const { return hmod; }
+
+  private:
+    HMODULE hmod = nullptr;
+};
+
+TEST_F(HomeDirTest, ModulesFolderIsAsTheShellShowsIt) {
+    TempFolder folder;
+    std::wstring strShown = folder.File(L"A Long Folder"), strLower = folder.File(L"a long folder");
+    std::filesystem::create_directory(strShown);
+    ModuleCopy copy(strLower + L"\\copy.dll");
+    ASSERT_TRUE(copy.Get());
+    if (FolderOf(ModulePath(copy.Get())) == strShown) {
+        GTEST_SKIP() << "the platform knows its modules by their true names";
+    }
+    SetLibraryInstance(copy.Get());
+    EXPECT_EQ(strShown, HomeDir());
+    SetLibraryInstance(hinstBefore);
+}
+
+TEST_F(HomeDirTest, ModulesFolderIsAsItIsWhereTheShellsFormIsTooLong) {
+    TempFolder folder;
+    std::wstring strOdd = folder.File(L"%T%\\inner");
+    std::filesystem::create_directories(strOdd);
+    ModuleCopy copy(strOdd + L"\\copy.dll");
+    ASSERT_TRUE(copy.Get());
+    SetLibraryInstance(copy.Get());
+    std::size_t cchRest = folder.Get().size() + 1 + 6; // all but what %T% stands for
+    for (auto [cchAll, bFits] : {std::pair{259u, true}, {260u, false}}) {
+        std::wstring strValue(cchAll - cchRest, L't');
+        ::SetEnvironmentVariableW(L"T", strValue.c_str());
+        EXPECT_EQ(bFits ? folder.File(strValue + L"\\inner") : strOdd, HomeDir());
+    }
+    ::SetEnvironmentVariableW(L"T", nullptr);
+    SetLibraryInstance(hinstBefore);
 }
 
 TEST_F(HomeDirTest, LongestStoredFolder) {
@@ -194,6 +248,19 @@ TEST_F(LocalPathTest, LocalFileExists) {
     EXPECT_EQ(0, LocalFileExists(std::wstring(260, L'x').c_str()));
 }
 
+TEST_F(LocalPathTest, NameMayBeTheOutput) {
+    Store(L"C:\\Home");
+    auto inPlace = [](int (*get)(wchar_t*, const wchar_t*, HINSTANCE), HINSTANCE hinst) {
+        wchar_t sz[MAX_PATH] = L"a.txt";
+        EXPECT_EQ(1, get(sz, sz, hinst));
+        return std::wstring(sz);
+    };
+    EXPECT_EQ(L"C:\\Home\\a.txt", inPlace(GetLocalPath, nullptr));
+    EXPECT_EQ(L"\"C:\\Home\\a.txt\"", inPlace(GetLocalFileNameQuoted, nullptr));
+    EXPECT_EQ(strSystem + L"\\a.txt", inPlace(GetSatellitePath, hinstUser));
+    EXPECT_EQ(L"\"" + strSystem + L"\\a.txt\"", inPlace(GetSatellitePathQuoted, hinstUser));
+}
+
 TEST_F(LocalPathTest, NullOutputsGiveZero) {
     EXPECT_EQ(0, GetLocalPath(nullptr, L"a", nullptr));
     EXPECT_EQ(0, GetLocalFileNameQuoted(nullptr, L"a", nullptr));
@@ -231,13 +298,9 @@ TEST_F(SatelliteTest, ModulesFolderIsNotExpanded) {
     TempFolder folder;
     std::wstring strOdd = folder.File(L"%TESSALY_SAT%");
     std::filesystem::create_directory(strOdd);
-    std::wstring strCopy = strOdd + L"\\copy.dll";
-    ASSERT_TRUE(
-        ::CopyFileW(ModulePath(::GetModuleHandleW(L"msvcrt.dll")).c_str(), strCopy.c_str(), TRUE));
-    HMODULE hmod = ::LoadLibraryExW(strCopy.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
-    ASSERT_TRUE(hmod);
-    EXPECT_EQ(strOdd + L"\\a", Satellite(L"a", hmod));
-    ::FreeLibrary(hmod);
+    ModuleCopy copy(strOdd + L"\\copy.dll");
+    ASSERT_TRUE(copy.Get());
+    EXPECT_EQ(strOdd + L"\\a", Satellite(L"a", copy.Get()));
     ::SetEnvironmentVariableW(L"TESSALY_SAT", nullptr);
 }
 

@@ -182,6 +182,16 @@ TEST(MakePath, FolderThatIsTheOutputStaysAsItIs) {
     EXPECT_STREQ(L"%TSLY_TEST%\\a", out);
 }
 
+TEST(MakePath, FolderMayLieInTheOutput) {
+    SetEnv env(L"D:\\env");
+    PathBuffer out(L"xx%TSLY_TEST%");
+    EXPECT_EQ(1, MakePath(out, out + 2, L"a", nullptr, 0));
+    EXPECT_STREQ(L"D:\\env\\a", out);
+    out.Set(L"xxC:\\d");
+    EXPECT_EQ(1, MakePathEx(out, MAX_PATH, out + 2, L"a", nullptr));
+    EXPECT_STREQ(L"C:\\d\\a", out);
+}
+
 TEST(MakePath, LongNameIsCutOrEmptiesTheOutput) {
     PathBuffer out;
     std::wstring strName(300, L'n');

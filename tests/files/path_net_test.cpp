@@ -272,7 +272,17 @@ TEST_F(DosPathFromUncPathTest, WorksInPlaceAndCutsWhatDoesNotFit) {
     EXPECT_EQ(L"X:\\a", path.Str());
     drives.connections = {{L"X:", L"\\\\s"}};
     std::wstring strRest(300, L'r');
-    EXPECT_EQ(L"X:\\" + strRest.substr(0, 255), DosPath((L"\\\\s\\" + strRest).c_str()));
+    path.Set(L"\\\\s\\" + strRest.substr(0, 255)); // 259
+    EXPECT_EQ(1, DosPathFromUncPath(path, path));
+    EXPECT_EQ(L"X:\\" + strRest.substr(0, 255), path.Str());
+    for (std::size_t cch : {255u, 256u, 257u, 300u}) {
+        std::wstring strUnc = L"\\\\s\\" + strRest.substr(0, cch);
+        EXPECT_EQ(L"X:\\" + strRest.substr(0, std::min<std::size_t>(cch, 256)),
+                  DosPath(strUnc.c_str()));
+    }
+    std::wstring strLongest = L"\\\\" + std::wstring(257, L's'); // the longest name of a drive
+    drives.connections = {{L"X:", strLongest.c_str()}};
+    EXPECT_EQ(L"X:\\" + strRest.substr(0, 256), DosPath((strLongest + L"\\" + strRest).c_str()));
 }
 
 // Random texts

@@ -269,6 +269,11 @@ TEST_F(DosPathToShellPathTest, PathBelowASingleSeparatorKeepsIt) {
     ::SetCurrentDirectoryW(szBefore);
 }
 
+TEST_F(DosPathToShellPathTest, OneOfTwoSeparatorsBeforeTheLastNameGoes) {
+    EXPECT_EQ(strFolder, Shown(folder.Get() + L"\\/a long folder"));
+    EXPECT_EQ(L"C:\\windows", Shown(L"c:\\\\WINDOWS"));
+}
+
 TEST_F(DosPathToShellPathTest, NetworkPathsStay) {
     EXPECT_EQ(L"\\\\server\\share\\x", Shown(L"\\\\server\\share\\x"));
     EXPECT_EQ(L"\\\\server", Shown(L"\\\\server"));
@@ -303,6 +308,54 @@ TEST_F(DosPathToShellPathTest, ResultThatReachesTheLimitIsEmpty) {
 TEST_F(DosPathToShellPathTest, LongestPath) {
     LongestFile file(folder.Get());
     EXPECT_EQ(file.Path(0), Shown(Lower(file.Path(0))));
+}
+
+// Odd names
+
+/// A file for the length of a block.
+struct OddFile {
+    explicit OddFile(const std::wstring& str) : strPath(str) {
+        h = ::CreateFileW(str.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+        ::CloseHandle(h);
+    }
+    OddFile(const OddFile&) = delete;
+    OddFile& operator=(const OddFile&) = delete;
+    ~OddFile() { ::DeleteFileW(strPath.c_str()); }
+    std::wstring strPath;
+    HANDLE h;
+};
+
+TEST_F(ShortTest, NameOf255Characters) {
+    OddFile file(L"C:\\tessaly " + std::wstring(247, L'n'));
+    if (file.h == INVALID_HANDLE_VALUE) GTEST_SKIP() << "no file can be made in the drive's root";
+    std::wstring strAlt = L"C:\\" + AltNameOf(file.strPath);
+    ASSERT_LT(strAlt.size(), 20u);
+    EXPECT_EQ(strAlt, Short(file.strPath));
+    EXPECT_EQ(file.strPath, Long(strAlt));
+    EXPECT_EQ(file.strPath, Shown(Lower(strAlt)));
+    // 255 and the root leave room for a separator, and for nothing behind it.
+    EXPECT_EQ(file.strPath + L"\\", Long(strAlt + L"\\missing"));
+}
+
+TEST_F(ShortTest, NamesBeyondAscii) {
+    for (const wchar_t* psz : {L"\u00C4 Long \u00D6 Name", L"\U0001F600 long \U00020000 name",
+                               L"100% A Long Name", L"%%", L"a+b;c,d=[e] long"}) {
+        std::wstring strOdd = folder.MakeFile(psz, "");
+        ASSERT_EQ(1, FileExists(strOdd.c_str()));
+        std::wstring strLower = strOdd;
+        ::CharLowerW(strLower.data());
+        std::wstring strShort = Short(strOdd);
+        EXPECT_EQ(1, FileExists(strShort.c_str()));
+        EXPECT_EQ(strOdd, Long(strShort));
+        EXPECT_EQ(strOdd, Long(strLower));
+        EXPECT_EQ(strOdd, Shown(strShort));
+        EXPECT_EQ(strOdd, Shown(strLower));
+    }
+}
+
+TEST_F(ShortTest, MaskBecomesTheFirstNameThatFits) {
+    EXPECT_EQ(strFolder, Long(folder.Get() + L"\\A Lon*"));
+    EXPECT_EQ(strFile, Shown(folder.Get() + L"\\a*\\*.t?xt"));
 }
 
 // Random paths: every call asks the file system, so there are fewer

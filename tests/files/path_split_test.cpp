@@ -156,49 +156,50 @@ TEST(StripFileExt, CutsAtTheLastDotOfTheName) {
                   StripFileExt);
 }
 
-TEST(DirFromPath, IsTheFolderWithoutATrailingSeparator) {
-    const ChangeRow rows[] = {{L"", L""},
-                              {L"a", L""},
-                              {L"C:\\a", L"C:\\"},
-                              {L"C:a", L"C:"},
-                              {L"C:\\a\\b", L"C:\\a"},
-                              {L"C:\\a\\", L"C:\\a"},
-                              {L"C:/a/b", L"C:/a"},
-                              {L"a\\\\b", L"a\\\\"},
-                              {L"\\\\s\\x", L"\\\\s"}};
+/// Each row from another text and in place.
+void ExpectCopies(std::initializer_list<ChangeRow> rows, void (*copy)(wchar_t*, const wchar_t*)) {
     PathBuffer out;
     for (const ChangeRow& row : rows) {
-        DirFromPath(out, row.pszPath);
+        copy(out, row.pszPath);
         EXPECT_STREQ(row.pszChanged, out) << row.pszPath;
         out.Set(row.pszPath);
-        DirFromPath(out, out);
+        copy(out, out);
         EXPECT_STREQ(row.pszChanged, out) << row.pszPath;
     }
-    DirFromPath(out, nullptr);
+    copy(out, nullptr);
     EXPECT_STREQ(L"", out);
+    copy(nullptr, L"a\\b");
+}
+
+TEST(DirFromPath, IsTheFolderWithoutATrailingSeparator) {
+    ExpectCopies({{L"", L""},
+                  {L"a", L""},
+                  {L"\\", L""},
+                  {L"C:", L"C:"},
+                  {L"C:\\a", L"C:\\"},
+                  {L"C:a", L"C:"},
+                  {L"C:\\a\\b", L"C:\\a"},
+                  {L"C:\\a\\", L"C:\\a"},
+                  {L"C:/a/b", L"C:/a"},
+                  {L"a\\\\b", L"a\\\\"},
+                  {L"\\\\s\\x", L"\\\\s"}},
+                 DirFromPath);
 }
 
 TEST(GetParentFolder, CutsAtTheLastSeparator) {
-    const ChangeRow rows[] = {{L"", L""},
-                              {L"a", L"a"},
-                              {L"C:a", L"C:a"},
-                              {L"C:\\a", L"C:\\"},
-                              {L"C:\\", L"C:\\"},
-                              {L"\\a", L""},
-                              {L"C:\\a\\b", L"C:\\a"},
-                              {L"C:\\a\\", L"C:\\a"},
-                              {L"C:/a/b", L"C:/a"},
-                              {L"\\\\s\\x", L"\\\\s"}};
-    PathBuffer out;
-    for (const ChangeRow& row : rows) {
-        GetParentFolder(out, row.pszPath);
-        EXPECT_STREQ(row.pszChanged, out) << row.pszPath;
-        out.Set(row.pszPath);
-        GetParentFolder(out, out);
-        EXPECT_STREQ(row.pszChanged, out) << row.pszPath;
-    }
-    GetParentFolder(out, nullptr);
-    EXPECT_STREQ(L"", out);
+    ExpectCopies({{L"", L""},
+                  {L"a", L"a"},
+                  {L"\\", L""},
+                  {L"C:", L"C:"},
+                  {L"C:a", L"C:a"},
+                  {L"C:\\a", L"C:\\"},
+                  {L"C:\\", L"C:\\"},
+                  {L"\\a", L""},
+                  {L"C:\\a\\b", L"C:\\a"},
+                  {L"C:\\a\\", L"C:\\a"},
+                  {L"C:/a/b", L"C:/a"},
+                  {L"\\\\s\\x", L"\\\\s"}},
+                 GetParentFolder);
 }
 
 TEST(SplitCopies, CutWhatReaches260Characters) {
@@ -310,6 +311,9 @@ TEST(RootPaths, OfFullPathsOnly) {
         out.Set(row.pszPath);
         GetRootPath(out, out);
         EXPECT_STREQ(row.pszRoot, out) << row.pszPath;
+        out.Set(row.pszPath);
+        ExtractRootPath(out, out);
+        EXPECT_STREQ(row.pszExtract, out) << row.pszPath;
     }
     out.Set(L"x");
     EXPECT_EQ(0, GetRootPath(out, nullptr));
