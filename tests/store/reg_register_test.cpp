@@ -200,6 +200,27 @@ TEST_F(RegisterCom, OtherOperationsWriteNothing) {
     EXPECT_EQ(classes, Classes());
 }
 
+TEST_F(RegisterCom, SetAlwaysOpensNothingForWriting) {
+    auto classes = Classes();
+    RegDump approved = Approved(), helpers = Helpers();
+    EXPECT_EQ(0, Com(RegKey::OpSetAlways));
+    EXPECT_EQ(0, Obj(RegKey::OpSetAlways));
+    EXPECT_EQ(0, Ext(RegKey::OpSetAlways));
+    EXPECT_EQ(0, RegisterBHO(RegKey::OpSetAlways, kName, kDll, kClsid, 0));
+    EXPECT_TRUE(cls.Dump().values.empty());
+    EXPECT_EQ(approved, Approved());
+    EXPECT_EQ(helpers, Helpers());
+    EXPECT_FALSE(type1.Exists());
+}
+
+TEST_F(RegisterCom, SetAlwaysEmptiesTheClass) {
+    EXPECT_EQ(1, Obj(RegKey::OpSet));
+    RegDump approved = Approved();
+    EXPECT_EQ(0, Obj(RegKey::OpSetAlways));
+    EXPECT_EQ(RegDump(), cls.Dump()); // replaced, and then not open for writing
+    EXPECT_EQ(approved, Approved());
+}
+
 TEST_F(RegisterShell, ObjectIsSetTestedAndDeleted) {
     auto classes = Classes();
     RegDump approved = Approved();
@@ -505,6 +526,14 @@ TEST_F(RegisterDriver, FailureEndsTheList) {
     RegDump dump = Dump();
     EXPECT_FALSE(dump.subkeys[L"Minimal"].subkeys.count(std::wstring(64, L'd')));
     EXPECT_FALSE(dump.subkeys[L"Minimal"].values.count(L""));
+}
+
+TEST_F(RegisterDriver, SetAlwaysEmptiesTheFirstKey) {
+    Run(RegKey::OpSet, L"TessalyTestDriver");
+    RegDump expected = Dump();
+    expected.subkeys[L"Minimal"].subkeys[L"TessalyTestDriver"].values.clear();
+    EXPECT_EQ(0, Run(RegKey::OpSetAlways, L"TessalyTestDriver"));
+    EXPECT_EQ(expected, Dump());
 }
 
 TEST_F(RegisterDriver, FailureHalfWayLeavesWhatWasDone) {
