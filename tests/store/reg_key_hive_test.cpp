@@ -11,6 +11,7 @@
 
 extern "C" FARPROC __imp_DeleteFileW;
 extern "C" FARPROC __imp_RegSaveKeyW;
+extern "C" FARPROC __imp_SetFileAttributesW;
 
 namespace {
 class RegKeyHive : public testing::Test {
@@ -86,6 +87,21 @@ TEST_F(RegKeyHive, OldFileIsMadePlainAndDeletedFirst) {
         EXPECT_TRUE(deleted.empty());
     }
     EXPECT_TRUE(Attributes() & FILE_ATTRIBUTE_READONLY);
+}
+
+ReplaceImport* pReplacedAttributes = nullptr;
+std::vector<DWORD> attributesSet;
+BOOL WINAPI NoteAttributes(LPCWSTR pszFile, DWORD dwAttributes) {
+    attributesSet.push_back(dwAttributes);
+    return pReplacedAttributes->Original<decltype(NoteAttributes)>()(pszFile, dwAttributes);
+}
+
+TEST_F(RegKeyHive, NewFileIsMarkedForTheArchive) {
+    ReplaceImport replaced(__imp_SetFileAttributesW, &NoteAttributes);
+    pReplacedAttributes = &replaced;
+    attributesSet.clear();
+    EXPECT_EQ(1, key.Save(strFile.c_str()));
+    EXPECT_EQ((std::vector<DWORD>{32}), attributesSet);
 }
 
 TEST_F(RegKeyHive, FileInUseStaysAsItIs) {

@@ -2,11 +2,16 @@
 
 #include "reg_tree.h"
 #include "shell/shell_notify.h"
+#include "support/replace_import.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <utility>
+#include <vector>
+
+extern "C" FARPROC __imp_SHChangeNotify;
 
 namespace {
 constexpr const wchar_t* kClsid = L"{7E55A117-0000-4000-8000-0123456789AB}";
@@ -373,6 +378,27 @@ TEST_F(RegisterShell, ShellIsToldOnlyWhenAsked) {
             Obj(row.op);
             EXPECT_EQ(0, ear.Count());
         }
+    }
+}
+
+std::vector<std::pair<LONG, UINT>> told; // events and flags
+void WINAPI NoteTold(LONG nEvent, UINT nFlags, LPCVOID p1, LPCVOID p2) {
+    told.push_back({nEvent, nFlags});
+    EXPECT_EQ(nullptr, p1);
+    EXPECT_EQ(nullptr, p2);
+}
+
+TEST_F(RegisterShell, ShellIsToldAtOnceButOfComServers) {
+    ReplaceImport replaced(__imp_SHChangeNotify, &NoteTold);
+    RegTree helper(HKEY_LOCAL_MACHINE, kHelpers + L"\\" + kClsid);
+    for (RegKey::Op op : {RegKey::OpSet, RegKey::OpDelete}) {
+        told.clear();
+        Com(op, 1);
+        Ext(op, 1);
+        RegisterBHO(op, kName, kDll, kClsid, 1);
+        EXPECT_EQ((std::vector<std::pair<LONG, UINT>>{
+                      {0x8000000, 0}, {0x8000000, 0x1000}, {0x8000000, 0x1000}}),
+                  told);
     }
 }
 
