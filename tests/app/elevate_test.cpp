@@ -362,8 +362,9 @@ class HandOverHook : public Elevate {
         handOverData.uMsg = WM_APP;
         wcscpy(handOverData.szFile, L"f");
     }
+    void Call(int nCode = HC_ACTION, UINT uMsg = WM_APP) { CallWith(SealedMsg(uMsg), nCode); }
     /// With the digest of what is in the section now.
-    void Call(int nCode = HC_ACTION, UINT uMsg = WM_APP) {
+    CWPSTRUCT SealedMsg(UINT uMsg) {
         HandOverData request = handOverData;
         request.hhook = nullptr;
         request.uMsg = 0;
@@ -375,7 +376,7 @@ class HandOverHook : public Elevate {
         CWPSTRUCT msg{0, 0, uMsg, window};
         memcpy(&msg.wParam, digest, 8);
         memcpy(&msg.lParam, digest + 8, 8);
-        CallWith(msg, nCode);
+        return msg;
     }
     void CallWith(CWPSTRUCT msg, int nCode = HC_ACTION) {
         HandOverHookProc(nCode, 0, reinterpret_cast<LPARAM>(&msg));
@@ -446,10 +447,19 @@ TEST_F(HandOverHook, RequestThatWasChangedUnderWayIsNotServed) {
 }
 
 TEST_F(HandOverHook, MessageWithoutTheDigestIsNotServed) {
-    Fill();
-    CallWith({0, 0, WM_APP, window});
-    EXPECT_TRUE(shell.calls.empty());
-    EXPECT_EQ(0, handOverData.nResult);
+    for (int n = -1; n < 128; ++n) { // nothing, or one bit that differs
+        Fill();
+        CWPSTRUCT msg = SealedMsg(WM_APP);
+        if (n < 0)
+            msg.wParam = msg.lParam = 0;
+        else if (n < 64)
+            msg.wParam ^= WPARAM{1} << n;
+        else
+            msg.lParam ^= static_cast<LPARAM>(WPARAM{1} << (n - 64));
+        CallWith(msg);
+        EXPECT_TRUE(shell.calls.empty()) << n;
+        EXPECT_EQ(0, handOverData.nResult);
+    }
 }
 
 TEST_F(HandOverHook, ChangesDuringTheCallDoNotReachIt) {

@@ -187,6 +187,18 @@ TEST_F(OpenHtmlRecorded, AddressTooLongForACommandLineGoesPastTheHandler) {
     }
 }
 
+TEST_F(OpenHtmlRecorded, EncodedCharactersAreNotCut) {
+    shell.bSucceed = TRUE;
+    handler.Write(HandlerCommand(L"").c_str()); // the address is all of the arguments
+    wstring strUrl(8188, L'x');
+    EXPECT_EQ(1, OpenHTML(nullptr, (strUrl + L" ").c_str(), 0, 0));
+    ASSERT_EQ(3u, shell.calls.size());
+    EXPECT_EQ((strUrl + L"%20").c_str(), shell.calls[1].parameters);
+    shell.calls.clear();
+    EXPECT_EQ(1, OpenHTML(nullptr, (strUrl + L"x ").c_str(), 0, 0));
+    EXPECT_EQ(2u, shell.calls.size());
+}
+
 TEST_F(OpenHtmlRecorded, NoAddressIsNothingToOpen) {
     for (const wchar_t* psz : {L"", static_cast<const wchar_t*>(nullptr)}) {
         MessageBoxDriver driver({IDOK});
