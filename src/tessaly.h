@@ -1,5 +1,6 @@
 #pragma once
 // Everything that the library offers to programs that use it.
+#include "app/about.h"
 #include "app/activate_prev.h"
 #include "app/app_instance.h"
 #include "app/assoc_app.h"
@@ -94,6 +95,7 @@
 #include "wnd/csdc.h"
 #include "wnd/csicon.h"
 #include "wnd/csimage_list.h"
+#include "wnd/csmenu.h"
 #include "wnd/cswnd.h"
 #include "wnd/dib_bits.h"
 #include "wnd/draw_util.h"

@@ -5,8 +5,10 @@
 
 #include <new>
 
+void FreeSnapshotTime(void* pTime) { delete static_cast<unsigned __int64*>(pTime); }
+
 int SnapshotList::FreeTime(unsigned long long, unsigned, void* pElement) {
-    delete static_cast<unsigned __int64*>(pElement);
+    FreeSnapshotTime(pElement);
     return 0;
 }
 

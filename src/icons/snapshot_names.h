@@ -21,6 +21,9 @@ class TESSALY_API SnapshotList : public CSList {
     static int FreeTime(unsigned long long qwContext, unsigned nCode, void* pElement);
 };
 
+/// Gives back a time stamp that was taken out of a list; null does nothing.
+void FreeSnapshotTime(void* pTime);
+
 /// The time stamp at pos, which must not be null.
 TESSALY_API unsigned __int64 GetSnapshotTime(const CSList& list, POS pos);
 /// Inserts a copy of the time stamp before the first smaller one. 0 when out of memory.

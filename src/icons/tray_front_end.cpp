@@ -1,7 +1,9 @@
 #include "icons/tray_front_end.h"
 #include "app/my_product_info.h"
+#include "icons/day_count.h"
 #include "icons/monitor_wnd.h"
 #include "icons/my_tb_icon.h"
+#include "icons/tray_menu.h"
 
 namespace {
 constexpr unsigned kBalloonSeconds = 5;
@@ -9,18 +11,14 @@ constexpr unsigned kBalloonSeconds = 5;
 
 constinit TrayFrontEnd trayFrontEnd;
 
-void TrayFrontEnd::OnMonitorStart() {
-    // The day counter belongs here.
-}
+void TrayFrontEnd::OnMonitorStart() { UpdateDayCount(); }
 
 void TrayFrontEnd::OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) {
     MyTBIcon::StartRound(monitor);
     if (bAnnounce) ShowBalloon(L"Monitoring the desktop icons...");
 }
 
-void TrayFrontEnd::OnMenuRequest(MyMonitor_Wnd& /*monitor*/) {
-    // The tray menu opens here.
-}
+void TrayFrontEnd::OnMenuRequest(MyMonitor_Wnd& monitor) { OpenTrayMenu(monitor); }
 
 void TrayFrontEnd::OnCaptureOutcome(const wchar_t* pszText) { ShowBalloon(pszText); }
 

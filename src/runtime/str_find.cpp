@@ -34,12 +34,18 @@ int StrStartsWith(const wchar_t* pszText, const wchar_t* pszPrefix, int bIgnoreC
     return *SkipSame(pszPrefix, pszText, bIgnoreCase) == 0;
 }
 
+int StrIsSame(const wchar_t* pszText, const wchar_t* pszOther, int bIgnoreCase) {
+    if (!pszText) pszText = L"";
+    if (!pszOther) pszOther = L"";
+    const wchar_t* pEnd = SkipSame(pszText, pszOther, bIgnoreCase);
+    return !*pEnd && !pszOther[pEnd - pszText];
+}
+
 unsigned StrFindInList(const wchar_t* pszList, const wchar_t* pszText, int bIgnoreCase) {
     if (!pszList || !pszText) return kNotFound;
     unsigned nIndex = 0;
     for (const wchar_t* p = pszList; *p; p += std::wcslen(p) + 1, ++nIndex) {
-        std::size_t cchSame = static_cast<std::size_t>(SkipSame(p, pszText, bIgnoreCase) - p);
-        if (!p[cchSame] && !pszText[cchSame]) return nIndex;
+        if (StrIsSame(p, pszText, bIgnoreCase)) return nIndex;
     }
     return kNotFound;
 }

@@ -2,12 +2,15 @@
 #include "runtime/export.h"
 #include "runtime/str_count.h" // kNotFound
 
-// Comparing beginnings and finding texts in lists. bIgnoreCase compares through CharUpperW, that
+// Comparing texts and finding texts in lists. bIgnoreCase compares through CharUpperW, that
 // is by the platform's tables for the user's language, character by character.
 
 /// 1 if the text starts with the prefix. A null prefix gives 1. An empty prefix gives 1 only if the
 /// text is not empty. A null text counts as empty.
 TESSALY_API int StrStartsWith(const wchar_t* pszText, const wchar_t* pszPrefix, int bIgnoreCase);
+
+/// 1 if the two texts are the same. A null text counts as empty.
+TESSALY_API int StrIsSame(const wchar_t* pszText, const wchar_t* pszOther, int bIgnoreCase);
 
 /// The list is terminated texts one after another, with an empty text as its end. The index of the
 /// first one that equals pszText; kNotFound if none does or an argument is null. An empty text is

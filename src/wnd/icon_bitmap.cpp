@@ -2,6 +2,7 @@
 #include "runtime/owned_handle.h"
 #include "runtime/scope_exit.h"
 #include "runtime/win_version.h"
+#include "wnd/owned_gdi.h"
 
 #include <objbase.h>
 #include <wincodec.h>
@@ -14,7 +15,6 @@ void ReleaseInterface(Interface* p) {
 }
 template <class Interface>
 using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
-using OwnedBitmap = OwnedHandleOf<HBITMAP, &::DeleteObject>;
 
 constexpr WORD kBitCount = 32;
 constexpr unsigned kBytesPerPixel = kBitCount / 8;

@@ -1,14 +1,14 @@
 // The product's main job on a real desktop, step by step, for a person to read: each step says what
 // was seen, and the program ends with 0 only if all of them held. With /KEEP the desktop and the
-// product stay up at the end. TESSALY_SCREENSHOT names the picture's file.
+// product stay up at the end. TESSALY_SCREENSHOTS names the folder for the pictures.
 
 #include "e2e/support/monitor_process.h"
 #include "e2e/support/mouse.h"
 #include "e2e/support/snapshot_reader.h"
 #include "e2e/support/test_desktop.h"
+#include "e2e/support/tray_menu.h"
 #include "e2e/support/unix_shell.h"
 #include "e2e/support/wait_until.h"
-#include "icons/snapshot_store.h"
 
 #include <windows.h>
 #include <algorithm>
@@ -17,6 +17,8 @@
 #include <stdexcept>
 
 namespace {
+using keyboard::Key;
+
 constexpr DWORD kDebounceMs = 10000;
 constexpr const wchar_t* kFiles[] = {L"Budget.txt",  L"Holiday photos.txt", L"Letter to Anna.txt",
                                      L"Recipes.txt", L"To do.txt",          L"\u00DCbersicht.txt"};
@@ -44,6 +46,21 @@ std::string Utf8(const std::wstring& str) {
 
 bool operator==(POINT pt1, POINT pt2) { return pt1.x == pt2.x && pt1.y == pt2.y; }
 
+const DesktopItem* Find(const std::vector<DesktopItem>& items, const std::wstring& strName) {
+    auto it = std::find_if(items.begin(), items.end(),
+                           [&](const DesktopItem& item) { return item.strName == strName; });
+    return it == items.end() ? nullptr : &*it;
+}
+
+/// The same icons, in any order, at the same places.
+bool IsLaidOutAs(const std::vector<DesktopItem>& wanted, const std::vector<DesktopItem>& items) {
+    return items.size() == wanted.size() &&
+           std::all_of(wanted.begin(), wanted.end(), [&](const DesktopItem& item) {
+               const DesktopItem* pFound = Find(items, item.strName);
+               return pFound && pFound->pt == item.pt;
+           });
+}
+
 class Tour {
   public:
     void Run();
@@ -54,10 +71,14 @@ class Tour {
     void FirstCapture();
     void UnchangedCapture();
     void DragAndCapture();
+    void RememberFromMenu();
     void ScatterAndRestore();
     void RestartShell();
-    void TakeScreenshot();
-    void LeaveCleanly();
+    void DeleteAllFromMenu();
+    void LeaveByMenu();
+    TrayMenu Menu() const { return TrayMenu(monitor.ProcessId()); }
+    int RowOf(const StoredSnapshot& snapshot) const;
+    void TakeScreenshot(const std::wstring& strName);
     bool Holds(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& items) const;
     void Restore(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& wanted);
 
@@ -92,6 +113,8 @@ bool Tour::Holds(const StoredSnapshot& snapshot, const std::vector<DesktopItem>&
 void Tour::FirstCapture() {
     Say("TSEXE64.exe starts on the desktop and stores a first capture");
     monitor.StartOn(desktop, L"");
+    Check(TrayMenu::WaitForBalloon(), "a balloon tells that it is at work");
+    TakeScreenshot(L"balloon");
     Check(WaitUntil([&] { return store.Count() == 1; }), "one snapshot is stored");
     StoredSnapshot snapshot = *store.Newest();
     std::vector<DesktopItem> items = desktop.Items();
@@ -138,31 +161,61 @@ void Tour::DragAndCapture() {
     Check(chosen.DigestHolds() && Holds(chosen, layout), "it holds the new layout");
 }
 
-/// Restores it as the program's menu will, and compares every icon with where it shall lie.
+void Tour::RememberFromMenu() {
+    Say("An icon is dragged again; a click on the tray icon, and the menu remembers at once");
+    POINT ptHold = desktop.OnScreen(desktop.ItemNamed(kDragged).nIndex);
+    mouse::Drag(ptHold, {ptHold.x - 110, ptHold.y + 90});
+    ULONGLONG nBegin = ::GetTickCount64();
+    Menu().Open();
+    TakeScreenshot(L"menu");
+    Menu().ClickFirst();
+    Check(WaitUntil([&] { return store.Count() == 3; }, kDebounceMs / 2),
+          "a third snapshot is stored without the ten seconds' wait");
+    printf("   %.1f seconds after the drop\n",
+           static_cast<double>(::GetTickCount64() - nBegin) / 1000);
+    Check(TrayMenu::WaitForBalloon(), "a balloon tells the outcome");
+    TakeScreenshot(L"remembered");
+    layout = desktop.Items();
+    chosen = *store.Newest();
+    Check(chosen.DigestHolds() && Holds(chosen, layout), "it holds the layout");
+}
+
+/// Its row in the sub-menu, which has the newest first.
+int Tour::RowOf(const StoredSnapshot& snapshot) const {
+    int nRow = store.Count() - 1;
+    for (const StoredSnapshot& stored : store.Values()) {
+        if (stored.strName == snapshot.strName) return nRow;
+        --nRow;
+    }
+    throw std::runtime_error("the snapshot is no longer stored");
+}
+
+/// Restores it from the menu and compares every icon with where it shall lie.
 void Tour::Restore(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& wanted) {
     std::vector<DesktopItem> before = desktop.Items();
-    RestoreSnapshot(std::stoull(snapshot.strName, nullptr, 16));
-    std::vector<DesktopItem> after = desktop.Items();
+    Menu().Open(mouse::Button::Right);
+    Menu().Press({Key::Down, Key::Down, Key::Right}, 2);
+    std::vector<Key> keys(static_cast<size_t>(RowOf(snapshot)), Key::Down);
+    if (!keys.empty()) Menu().Press(keys, 2);
+    TakeScreenshot(L"submenu");
+    Menu().Press({Key::Return}, 0);
+    std::vector<DesktopItem> after;
+    bool bAll = WaitUntil([&] { return IsLaidOutAs(wanted, after = desktop.Items()); });
     printf("   %-22s %12s %12s %12s\n", "icon", "snapshot", "before", "after");
-    bool bAll = after.size() == wanted.size();
     for (const DesktopItem& item : wanted) {
-        auto sameName = [&](const DesktopItem& other) { return other.strName == item.strName; };
-        auto itBefore = std::find_if(before.begin(), before.end(), sameName);
-        auto itAfter = std::find_if(after.begin(), after.end(), sameName);
-        if (itBefore == before.end() || itAfter == after.end()) {
-            bAll = false;
-            continue;
-        }
+        const DesktopItem *pBefore = Find(before, item.strName),
+                          *pAfter = Find(after, item.strName);
+        if (!pBefore || !pAfter) continue;
         printf("   %-22s   %4ld, %4ld   %4ld, %4ld   %4ld, %4ld\n", Utf8(item.strName).c_str(),
-               item.pt.x, item.pt.y, itBefore->pt.x, itBefore->pt.y, itAfter->pt.x, itAfter->pt.y);
-        bAll = bAll && itAfter->pt == item.pt;
+               item.pt.x, item.pt.y, pBefore->pt.x, pBefore->pt.y, pAfter->pt.x, pAfter->pt.y);
     }
     Check(bAll, "every icon lies where the snapshot has it");
-    Check(store.Marked() == snapshot.strName, "the snapshot is marked as the one restored last");
+    Check(WaitUntil([&] { return store.Marked() == snapshot.strName; }),
+          "the snapshot is marked as the one restored last");
 }
 
 void Tour::ScatterAndRestore() {
-    Say("All icons are scattered; the snapshot is restored");
+    Say("All icons are scattered; the snapshot is restored from the menu, by mouse and keyboard");
     int nMoved = 0;
     for (const DesktopItem& item : desktop.Items()) {
         desktop.Move(item.nIndex, {40 + 97 * nMoved % 800, 30 + 211 * nMoved % 600});
@@ -184,23 +237,40 @@ void Tour::RestartShell() {
     Restore(chosen, layout);
 }
 
-void Tour::TakeScreenshot() {
-    const wchar_t* pszFile = _wgetenv(L"TESSALY_SCREENSHOT");
-    if (!pszFile) return;
-    ::RedrawWindow(desktop.Progman(), nullptr, nullptr,
-                   RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-    desktop.Count(); // answered after the painting
-    RunUnixShell(L"import -window root -crop 1024x768+0+0 +repage '" + std::wstring(pszFile) +
-                 L"'");
-    printf("\n   screenshot: %s\n", Utf8(pszFile).c_str());
+void Tour::DeleteAllFromMenu() {
+    Say("The menu deletes all snapshots, after a question");
+    Menu().Open();
+    Menu().Press({Key::Down, Key::Down, Key::Down, Key::Return}, 0);
+    HWND hwndBox = nullptr;
+    Check(WaitUntil([&] {
+              hwndBox = ::FindWindowW(L"#32770", L"Tessaly");
+              return hwndBox && ::IsWindowVisible(hwndBox);
+          }),
+          "it asks");
+    TakeScreenshot(L"question");
+    keyboard::Press({Key::Return});
+    Check(WaitUntil([&] { return store.Count() == 0; }), "there is no snapshot any more");
 }
 
-void Tour::LeaveCleanly() {
-    Say("TSEXE64.exe /EXIT ends the program and leaves nothing in the shell");
-    Check(monitor.Exit(), "both processes have ended");
+void Tour::LeaveByMenu() {
+    Say("Exit in the menu ends the program and leaves nothing in the shell");
+    Menu().Open();
+    Menu().ClickLast();
+    Check(monitor.WaitForEnd() == 0u, "the process has ended");
     Check(!desktop.HasGuest(), "the desktop's windows have their own procedures and no property");
     desktop.Count();
     Check(desktop.IsRunning(), "the shell goes on");
+}
+
+void Tour::TakeScreenshot(const std::wstring& strName) {
+    const wchar_t* pszFolder = _wgetenv(L"TESSALY_SCREENSHOTS");
+    if (!pszFolder) return;
+    ::RedrawWindow(desktop.Progman(), nullptr, nullptr,
+                   RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    desktop.Count(); // answered after the painting
+    std::wstring strFile = std::wstring(pszFolder) + L"/screenshot-" + strName + L".png";
+    RunUnixShell(L"import -window root -crop 1024x768+0+0 +repage '" + strFile + L"'");
+    printf("   picture: %s\n", Utf8(strFile).c_str());
 }
 
 void Tour::Run() {
@@ -208,10 +278,12 @@ void Tour::Run() {
     FirstCapture();
     UnchangedCapture();
     DragAndCapture();
+    RememberFromMenu();
     ScatterAndRestore();
+    TakeScreenshot(L"desktop");
     RestartShell();
-    TakeScreenshot();
-    LeaveCleanly();
+    DeleteAllFromMenu();
+    LeaveByMenu();
 }
 
 void Tour::Keep() {

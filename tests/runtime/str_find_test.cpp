@@ -38,6 +38,25 @@ TEST(StrStartsWith, TableOfAllCases) {
     }
 }
 
+TEST(StrIsSame, TableOfAllCases) {
+    const struct {
+        const wchar_t* pszText;
+        const wchar_t* pszOther;
+        int bIgnoreCase;
+        int nResult;
+    } rows[] = {
+        {L"abc", L"abc", 0, 1},       {L"abc", L"aBc", 0, 0},   {L"abc", L"aBc", 1, 1},
+        {L"abc", L"ab", 1, 0},        {L"ab", L"abc", 1, 0},    {L"\u00E4", L"\u00C4", 1, 1},
+        {L"\u00E4", L"\u00C4", 0, 0}, {L"", L"", 0, 1},         {L"", L"a", 0, 0},
+        {nullptr, L"", 0, 1},         {nullptr, nullptr, 1, 1}, {L"a", nullptr, 1, 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.nResult, StrIsSame(row.pszText, row.pszOther, row.bIgnoreCase))
+            << (row.pszText ? row.pszText : L"(null)") << " "
+            << (row.pszOther ? row.pszOther : L"(null)");
+    }
+}
+
 TEST(StrFindInList, GivesTheIndexOfTheFirstEqualText) {
     GuardedText list(std::wstring_view(L"one\0two\0Two\0three\0", 18));
     EXPECT_EQ(0u, StrFindInList(list.Get(), L"one", 0));

@@ -1,5 +1,6 @@
 #include "runtime/win_version.h"
 #include "runtime/runtime_func.h"
+#include "support/other_windows.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -7,50 +8,6 @@
 #include <string>
 
 namespace {
-bool IsWine() {
-    HMODULE hmod = ::GetModuleHandleW(L"ntdll.dll");
-    return FindModuleFunc(hmod, "wine_get_version") != nullptr;
-}
-
-std::wstring FolderOfThisProgram() {
-    wchar_t sz[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
-    std::wstring str = sz;
-    return str.substr(0, str.rfind(L'\\') + 1);
-}
-
-std::wstring TempFolder() {
-    wchar_t sz[MAX_PATH];
-    ::GetTempPathW(MAX_PATH, sz);
-    return sz;
-}
-
-/// What a program prints.
-std::string OutputOf(const std::wstring& strProgram) {
-    SECURITY_ATTRIBUTES security{sizeof(security), nullptr, TRUE};
-    HANDLE hRead = nullptr, hWrite = nullptr;
-    if (!::CreatePipe(&hRead, &hWrite, &security, 0)) return "no pipe";
-    STARTUPINFOW si{};
-    si.cb = sizeof(si);
-    si.dwFlags = STARTF_USESTDHANDLES;
-    si.hStdOutput = hWrite;
-    PROCESS_INFORMATION pi{};
-    std::wstring strLine = L"\"" + strProgram + L"\"";
-    BOOL bStarted = ::CreateProcessW(strProgram.c_str(), strLine.data(), nullptr, nullptr, TRUE, 0,
-                                     nullptr, nullptr, &si, &pi);
-    ::CloseHandle(hWrite);
-    std::string str;
-    char ab[512];
-    for (DWORD cb = 0; bStarted && ::ReadFile(hRead, ab, sizeof(ab), &cb, nullptr) && cb;)
-        str.append(ab, cb);
-    ::CloseHandle(hRead);
-    if (!bStarted) return "not started";
-    ::WaitForSingleObject(pi.hProcess, 10000);
-    ::CloseHandle(pi.hThread);
-    ::CloseHandle(pi.hProcess);
-    return str;
-}
-
 struct VersionCase {
     const char* pszVersion; // the platform's name for it
     const char* pszTrue;    // the tests that say yes, beside WinNT, Win2K, WinPro and WinServer
@@ -60,26 +17,10 @@ struct VersionCase {
 class VersionTest : public testing::TestWithParam<VersionCase> {};
 
 TEST_P(VersionTest, EachTestAnswersForThisWindows) {
-    if (!IsWine()) GTEST_SKIP() << "a real Windows does not show itself as another";
+    if (!CanShowOtherWindows()) GTEST_SKIP() << "a real Windows does not show itself as another";
     const VersionCase& row = GetParam();
-    std::wstring strExe = L"tessaly_probe_";
-    for (const char* p = row.pszVersion; *p; ++p) strExe += static_cast<wchar_t>(*p);
-    strExe += L".exe";
-    std::wstring strKey = L"Software\\Wine\\AppDefaults\\" + strExe;
-    HKEY hkey = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(HKEY_CURRENT_USER, strKey.c_str(), 0, nullptr, 0,
-                                               KEY_ALL_ACCESS, nullptr, &hkey, nullptr));
     std::wstring strVersion(row.pszVersion, row.pszVersion + strlen(row.pszVersion));
-    ::RegSetValueExW(hkey, L"Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(strVersion.c_str()),
-                     static_cast<DWORD>((strVersion.size() + 1) * sizeof(wchar_t)));
-    ::RegCloseKey(hkey);
-    std::wstring strProgram = TempFolder() + strExe;
-    ASSERT_TRUE(::CopyFileW((FolderOfThisProgram() + L"version_probe.exe").c_str(),
-                            strProgram.c_str(), FALSE));
-
-    std::istringstream stream(OutputOf(strProgram));
-    ::DeleteFileW(strProgram.c_str());
-    ::RegDeleteKeyW(HKEY_CURRENT_USER, strKey.c_str());
+    std::istringstream stream(OutputOnOtherWindows(L"version_probe.exe", strVersion));
     std::map<std::string, std::string> answers;
     for (std::string strName, strValue; stream >> strName >> strValue;) {
         if (!strValue.empty() && strValue.back() == '\r') strValue.pop_back();

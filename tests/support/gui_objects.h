@@ -25,14 +25,20 @@ inline int CountGdiObjects() {
     return n;
 }
 
-/// Menus, icons and cursors of this process. The low words of such handles are all even numbers
-/// from 0x20 on, and a handle without its high word is accepted.
+/// Menus and top-level windows of this process. The low words of menu handles are even numbers from
+/// 0x20 on, and a handle without its high word is accepted. (What icons and cursors are drawn with
+/// is among the drawing objects.)
 inline int CountUserObjects() {
     int n = 0;
     for (unsigned w = 0x20; w < 0x10000; w += 2) {
-        auto h = reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(w));
-        if (::IsMenu(static_cast<HMENU>(h))) ++n;
-        if (::IsWindow(static_cast<HWND>(h))) ++n;
+        if (::IsMenu(reinterpret_cast<HMENU>(static_cast<UINT_PTR>(w)))) ++n;
     }
+    auto Count = [](HWND hwnd, LPARAM lCount) -> BOOL {
+        DWORD dwProcess = 0;
+        ::GetWindowThreadProcessId(hwnd, &dwProcess);
+        if (dwProcess == ::GetCurrentProcessId()) ++*reinterpret_cast<int*>(lCount);
+        return TRUE;
+    };
+    ::EnumWindows(Count, reinterpret_cast<LPARAM>(&n));
     return n;
 }

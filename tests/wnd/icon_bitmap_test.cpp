@@ -1,6 +1,6 @@
 #include "wnd/icon_bitmap.h"
 #include "support/gui_objects.h"
-#include "support/test_icon.h"
+#include "support/made_icon.h"
 
 #include <gtest/gtest.h>
 #include <objbase.h>
@@ -28,7 +28,7 @@ const std::vector<Pixel> kPixels = {0xFFFF0000, 0xFF00FF00, 0x80FF8040, 0x00FFFF
 } // namespace
 
 TEST(MakeIconBitmap, PremultipliesTheColoursAndKeepsTheAlpha) {
-    TestIcon icon(4, 2, kPixels);
+    MadeIcon icon(4, 2, kPixels);
     OwnedTestBitmap bitmap(MakeIconBitmap(icon.Get()));
     auto pixels = PixelsOf(bitmap.h);
     ASSERT_EQ(kPixels.size(), pixels.size());
@@ -42,7 +42,7 @@ TEST(MakeIconBitmap, PremultipliesTheColoursAndKeepsTheAlpha) {
 }
 
 TEST(MakeIconBitmap, FirstRowInMemoryIsTheTopmost) {
-    TestIcon icon(1, 3, {0xFF0000FF, 0xFF00FF00, 0xFFFF0000});
+    MadeIcon icon(1, 3, {0xFF0000FF, 0xFF00FF00, 0xFFFF0000});
     OwnedTestBitmap bitmap(MakeIconBitmap(icon.Get()));
     EXPECT_EQ((std::vector<Pixel>{0xFF0000FF, 0xFF00FF00, 0xFFFF0000}), PixelsOf(bitmap.h));
     // And it is drawn that way round.
@@ -57,7 +57,7 @@ TEST(MakeIconBitmap, FirstRowInMemoryIsTheTopmost) {
 TEST(MakeIconBitmap, HasTheIconsSize) {
     const SIZE kSizes[] = {{1, 1}, {16, 16}, {17, 5}, {48, 48}, {256, 256}};
     for (SIZE size : kSizes) {
-        TestIcon icon(size.cx, size.cy,
+        MadeIcon icon(size.cx, size.cy,
                       std::vector<Pixel>(static_cast<size_t>(size.cx * size.cy), 0xFF336699));
         OwnedTestBitmap bitmap(MakeIconBitmap(icon.Get()));
         BITMAP bm{};
@@ -74,7 +74,7 @@ TEST(MakeIconBitmap, NoIconGivesNull) {
     EXPECT_EQ(nullptr, MakeIconBitmap(nullptr));
     HICON hiconGone = nullptr;
     {
-        TestIcon icon(4, 2, kPixels);
+        MadeIcon icon(4, 2, kPixels);
         hiconGone = icon.Get();
     }
     EXPECT_EQ(nullptr, MakeIconBitmap(hiconGone));
@@ -82,7 +82,7 @@ TEST(MakeIconBitmap, NoIconGivesNull) {
 }
 
 TEST(MakeIconBitmap, WorksOnThreadsWithAndWithoutComAndLeavesThemSo) {
-    TestIcon icon(4, 2, kPixels);
+    MadeIcon icon(4, 2, kPixels);
     HRESULT hrAfter = S_OK;
     std::thread([&] {
         OwnedTestBitmap bitmap(MakeIconBitmap(icon.Get()));
@@ -105,7 +105,7 @@ TEST(MakeIconBitmap, WorksOnThreadsWithAndWithoutComAndLeavesThemSo) {
 }
 
 TEST(MakeIconBitmap, LeavesNoObjectBehind) {
-    TestIcon icon(4, 2, kPixels);
+    MadeIcon icon(4, 2, kPixels);
     ::DeleteObject(MakeIconBitmap(icon.Get()));
     int nBefore = CountGdiObjects();
     ASSERT_GT(nBefore, 0);

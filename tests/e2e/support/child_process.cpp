@@ -59,6 +59,10 @@ std::optional<DWORD> ChildProcess::WaitForEnd(DWORD nMs) {
     return dwCode;
 }
 
+void ChildProcess::WaitUntilIdle(DWORD nMs) {
+    if (hProcess) ::WaitForInputIdle(hProcess, nMs);
+}
+
 void ChildProcess::Kill() {
     if (IsRunning()) {
         ::TerminateProcess(hProcess, 1);

@@ -25,6 +25,8 @@ class ChildProcess {
     DWORD Id() const { return dwId; }
     /// The exit code once it has ended by itself within the time; nothing if it still runs.
     std::optional<DWORD> WaitForEnd(DWORD nMs = kPatienceMs);
+    /// Returns when it first waits for messages, or after that time.
+    void WaitUntilIdle(DWORD nMs = kPatienceMs);
     /// Ends it without warning and waits until it has gone.
     void Kill();
     /// Leaves the program running when the object goes.

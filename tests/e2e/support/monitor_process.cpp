@@ -13,6 +13,8 @@ void MonitorProcess::Start(const std::wstring& strArguments) {
 void MonitorProcess::StartOn(TestDesktop& desktop, const std::wstring& strArguments) {
     Start(strArguments);
     if (!WaitUntilOn(desktop)) throw std::runtime_error("the monitor did not take up the desktop");
+    // Only then has it asked for its first capture, behind what it tells the notification area.
+    process.WaitUntilIdle();
 }
 
 bool MonitorProcess::WaitUntilOn(TestDesktop& desktop, DWORD nMs) {

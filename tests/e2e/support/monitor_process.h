@@ -13,8 +13,8 @@ class MonitorProcess {
 
     /// Starts TSEXE64.exe and returns at once.
     void Start(const std::wstring& strArguments = L"/QUIET");
-    /// Starts it and returns when its window is there and both of the desktop's windows are
-    /// attached. Throws std::runtime_error if that takes too long.
+    /// Starts it and returns when its window is there, both of the desktop's windows are attached and
+    /// it waits for messages. Throws std::runtime_error if that takes too long.
     void StartOn(TestDesktop& desktop, const std::wstring& strArguments = L"/QUIET");
     /// Returns when the running monitor has taken up the desktop; false if that takes too long.
     bool WaitUntilOn(TestDesktop& desktop, DWORD nMs = kPatienceMs);

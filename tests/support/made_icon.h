@@ -7,9 +7,9 @@ using Pixel = unsigned;
 
 /// An icon of 32 bits a pixel from its rows, topmost first, with straight alpha. Destroyed with the
 /// object.
-class TestIcon {
+class MadeIcon {
   public:
-    TestIcon(int cx, int cy, const std::vector<Pixel>& pixels) {
+    MadeIcon(int cx, int cy, const std::vector<Pixel>& pixels) {
         BITMAPINFO info{};
         info.bmiHeader.biSize = sizeof(info.bmiHeader);
         info.bmiHeader.biWidth = cx;
@@ -27,9 +27,9 @@ class TestIcon {
         ::DeleteObject(icon.hbmColor);
         ::DeleteObject(icon.hbmMask);
     }
-    ~TestIcon() { ::DestroyIcon(hicon); }
-    TestIcon(const TestIcon&) = delete;
-    TestIcon& operator=(const TestIcon&) = delete;
+    ~MadeIcon() { ::DestroyIcon(hicon); }
+    MadeIcon(const MadeIcon&) = delete;
+    MadeIcon& operator=(const MadeIcon&) = delete;
 
     HICON Get() const { return hicon; }
 

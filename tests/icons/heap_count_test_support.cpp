@@ -1,0 +1,28 @@
+#include "icons/heap_count_test_support.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+// In place of the C++ runtime's; all other forms of new and delete come down to these.
+
+namespace {
+std::atomic<long> nLive{0};
+} // namespace
+
+long CountLiveBlocks() { return nLive; }
+
+void* operator new(std::size_t cb) {
+    void* p = std::malloc(cb ? cb : 1);
+    if (!p) throw std::bad_alloc();
+    ++nLive;
+    return p;
+}
+
+void operator delete(void* p) noexcept {
+    if (!p) return;
+    --nLive;
+    std::free(p);
+}
+
+void operator delete(void* p, std::size_t) noexcept { operator delete(p); }

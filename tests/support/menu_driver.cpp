@@ -1,0 +1,100 @@
+#include "support/menu_driver.h"
+#include "support/wait_until.h"
+
+#include <vector>
+
+namespace {
+constexpr const wchar_t* kPopupClass = L"#32768";
+
+/// The visible popups of this process, the one in front first.
+std::vector<HWND> Popups() {
+    std::vector<HWND> found;
+    for (HWND hwnd = nullptr; (hwnd = ::FindWindowExW(nullptr, hwnd, kPopupClass, nullptr));) {
+        DWORD dwProcess = 0;
+        ::GetWindowThreadProcessId(hwnd, &dwProcess);
+        if (dwProcess == ::GetCurrentProcessId() && ::IsWindowVisible(hwnd)) found.push_back(hwnd);
+    }
+    return found;
+}
+
+void SendMouse(DWORD dwFlags, POINT pt = {}) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = dwFlags;
+    if (dwFlags & MOUSEEVENTF_ABSOLUTE) { // in 65,536ths of the screen
+        input.mi.dx = ::MulDiv(pt.x, 65536, ::GetSystemMetrics(SM_CXSCREEN)) + 1;
+        input.mi.dy = ::MulDiv(pt.y, 65536, ::GetSystemMetrics(SM_CYSCREEN)) + 1;
+    }
+    ::SendInput(1, &input, sizeof(input));
+}
+} // namespace
+
+void PutCursor(POINT pt) {
+    int nStays = 0;
+    PumpUntil([&] {
+        POINT ptNow{};
+        ::GetCursorPos(&ptNow);
+        bool bThere = ptNow.x == pt.x && ptNow.y == pt.y;
+        if (!bThere) ::SetCursorPos(pt.x, pt.y);
+        nStays = bThere ? nStays + 1 : 0;
+        return nStays == 4;
+    });
+}
+
+MenuDriver::MenuDriver(HWND hwndMenuOwner, Steps fnSteps)
+    : hwndOwner(hwndMenuOwner), fn(std::move(fnSteps)) {
+    // A click that closed a menu stays in the queue and would close the next one, too.
+    PumpUntil([] { return ::GetAsyncKeyState(VK_LBUTTON) >= 0; });
+    thread = std::thread([this] { Run(); });
+}
+
+MenuDriver::~MenuDriver() {
+    bStop = true;
+    if (thread.joinable()) thread.join();
+}
+
+bool MenuDriver::Finish() {
+    thread.join();
+    return bDone;
+}
+
+void MenuDriver::Run() {
+    if (!WaitUntil([this] { return bStop || CountPopups() > 0; }, 3000) || bStop) return;
+    fn(*this);
+    bDone = WaitUntil([] { return CountPopups() == 0; }, 3000);
+    if (!bDone) ::SendMessageW(hwndOwner, WM_CANCELMODE, 0, 0);
+}
+
+void MenuDriver::PressKey(WORD wKey) {
+    INPUT inputs[2]{};
+    for (INPUT& input : inputs) {
+        input.type = INPUT_KEYBOARD;
+        input.ki.wVk = wKey;
+        input.ki.wScan = static_cast<WORD>(::MapVirtualKeyW(wKey, MAPVK_VK_TO_VSC));
+    }
+    inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
+    ::SendInput(2, inputs, sizeof(INPUT));
+}
+
+void MenuDriver::MoveTo(POINT pt) { SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, pt); }
+
+void MenuDriver::Click(POINT pt, bool bRight) {
+    MoveTo(pt);
+    SendMouse(bRight ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN);
+    SendMouse(bRight ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP);
+}
+
+POINT MenuDriver::PlaceOf(HMENU hmenu, unsigned nPos) const {
+    RECT rc{};
+    ::GetMenuItemRect(nullptr, hmenu, nPos, &rc); // null: the popup's own window
+    return {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2};
+}
+
+int MenuDriver::CountPopups() { return static_cast<int>(Popups().size()); }
+
+RECT MenuDriver::FirstPopup() {
+    RECT rc{};
+    auto popups = Popups();
+    if (!popups.empty()) ::GetWindowRect(popups.back(), &rc);
+    return rc;
+}
