@@ -2,11 +2,13 @@
 #include "app/elevate.h"
 #include "app/shell_start.h"
 #include "runtime/library_instance.h"
+#include "runtime/md5.h"
 #include "runtime/owned_handle.h"
 #include "runtime/scope_exit.h"
 
 #include <sddl.h>
 #include <atomic>
+#include <cstring>
 #include <cwchar>
 #include <utility>
 
@@ -77,13 +79,37 @@ int IsTerminated(const wchar_t (&szField)[MAX_PATH]) {
     return std::wmemchr(szField, 0, MAX_PATH) != nullptr;
 }
 
+/// What a request asks for, as the two parameters of the message. That way comes to the shell past
+/// the section: who can write there but not send to the shell cannot change a request.
+struct Seal {
+    WPARAM wParam;
+    LPARAM lParam;
+};
+
+Seal SealOf(const HandOverData& request) {
+    HandOverData sealed = request;
+    sealed.hhook = nullptr; // what is no part of the request
+    sealed.uMsg = 0;
+    sealed.nResult = 0;
+    sealed.dwError = 0;
+    sealed.hProcess = nullptr;
+    unsigned char digest[16];
+    CalcMD5(digest, &sealed, sizeof(sealed));
+    Seal seal;
+    static_assert(sizeof(seal) == sizeof(digest));
+    std::memcpy(&seal, digest, sizeof(seal));
+    return seal;
+}
+
 /// A handle to the process that the shell has started, out of a handle of the shell's, which is
 /// closed. What is not the handle of a process gives null.
 HANDLE TakeProcessHandle(HWND hwndShell, HANDLE hOfShell) {
+    // One below 0 stands for the shell itself, whichever process it is looked up in.
+    if (reinterpret_cast<INT_PTR>(hOfShell) <= 0) return nullptr;
     DWORD dwShell = 0;
     ::GetWindowThreadProcessId(hwndShell, &dwShell);
     OwnedHandle shell(::OpenProcess(PROCESS_DUP_HANDLE, FALSE, dwShell));
-    if (!shell || !hOfShell) return nullptr;
+    if (!shell) return nullptr;
     OwnedHandle process;
     if (!::DuplicateHandle(shell.Get(), hOfShell, ::GetCurrentProcess(), process.Put(), 0, FALSE,
                            DUPLICATE_SAME_ACCESS) ||
@@ -101,6 +127,9 @@ void Serve(const CWPSTRUCT& msg) {
     if (!uMsg || msg.message != uMsg) return;
     handOverData.uMsg = 0;
     HandOverData request = handOverData;
+    std::atomic_signal_fence(std::memory_order_seq_cst); // no second look at the section
+    Seal seal = SealOf(request);
+    if (seal.wParam != msg.wParam || seal.lParam != msg.lParam) return;
     if (!IsTerminated(request.szVerb) || !IsTerminated(request.szFile) ||
         !IsTerminated(request.szParameters) || !IsTerminated(request.szDirectory)) {
         return;
@@ -141,20 +170,23 @@ int HandOver(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
     if (!uMsg || !dwThread) return Fail(pdwError, ERROR_INVALID_WINDOW_HANDLE);
     Clear();
     ScopeExit clear([] { Clear(); });
-    handOverData.hhook =
+    // Kept here too: others can write to the section.
+    HHOOK hhook =
         ::SetWindowsHookExW(WH_CALLWNDPROC, &HandOverHookProc, GetLibraryInstance(), dwThread);
-    if (!handOverData.hhook) return Fail(pdwError, ::GetLastError());
-    HHOOK hhook = handOverData.hhook; // not from the section, where others write
+    if (!hhook) return Fail(pdwError, ::GetLastError());
     ScopeExit unhook([hhook] { ::UnhookWindowsHookEx(hhook); });
-    if (!Put(handOverData.szVerb, pszVerb) || !Put(handOverData.szFile, pszFile) ||
-        !Put(handOverData.szParameters, pszParameters) ||
-        !Put(handOverData.szDirectory, pszDirectory)) {
+    HandOverData request{};
+    if (!Put(request.szVerb, pszVerb) || !Put(request.szFile, pszFile) ||
+        !Put(request.szParameters, pszParameters) || !Put(request.szDirectory, pszDirectory)) {
         return Fail(pdwError, ERROR_INVALID_PARAMETER);
     }
-    handOverData.hwndOwner = hwnd ? hwnd : hwndShell;
-    handOverData.bWantHandle = phProcess != nullptr;
-    handOverData.uMsg = uMsg;
-    ::SendMessageW(hwndShell, uMsg, 0, 0);
+    request.hhook = hhook;
+    request.uMsg = uMsg;
+    request.hwndOwner = hwnd ? hwnd : hwndShell;
+    request.bWantHandle = phProcess != nullptr;
+    handOverData = request;
+    Seal seal = SealOf(request);
+    ::SendMessageW(hwndShell, uMsg, seal.wParam, seal.lParam);
     if (phProcess) *phProcess = TakeProcessHandle(hwndShell, handOverData.hProcess);
     if (pdwError) *pdwError = handOverData.dwError;
     return handOverData.nResult != 0;

@@ -2,8 +2,10 @@
 #include <windows.h>
 
 /// A request to the shell's process, in a section of the library ("ve_share") whose pages every
-/// process that maps the library shares. It serves one call at a time; everybody can write to it,
-/// so that nothing in it is believed. All zero between two calls.
+/// process that maps the library shares. It serves one call at a time. Everybody can write to it,
+/// also who may not send to the shell: the message's two parameters are the MD5 digest of the
+/// request (the structure with hhook, uMsg and the results zero), and only a request that fits them
+/// is served. All zero between two calls.
 struct HandOverData {
     HHOOK hhook; // the hook on the thread of the shell's window
     UINT uMsg;   // id of the message "VistaElevatorMsg"; 0 once it was taken up

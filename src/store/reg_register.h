@@ -7,6 +7,10 @@
 // stays: OpDelete over the same list cleans up. Without a class, name of a subkey or driver (null
 // or empty) nothing is done, 0.
 //
+// QUIRK: RegKey::OpSetAlways is no operation for these lists: keys are open for writing with OpSet
+// and OpDelete only, so that it empties the first subkey of a list, writes nothing and gives 0.
+// Test: RegisterCom.SetAlwaysEmptiesTheClass
+//
 // pszClsid is the class as text, with its braces; pszName what the class is called; pszDllPath the
 // library that has it. With bNotify the shell is told that associations changed.
 

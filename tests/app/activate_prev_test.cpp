@@ -1,11 +1,15 @@
 #include "app/activate_prev.h"
 #include "app/instance_process.h"
 #include "app/other_window.h"
+#include "support/replace_import.h"
 #include "wnd/company_msg.h"
 
 #include <gtest/gtest.h>
 #include <chrono>
 #include <memory>
+#include <vector>
+
+extern "C" FARPROC __imp_SendMessageTimeoutW;
 
 namespace {
 constexpr unsigned kId = 0x9A71; // no other window answers to it
@@ -154,6 +158,44 @@ TEST(ActivatePreviousInstance, SecondProcessFindsAndRestoresTheFirst) {
     EXPECT_EQ(first.hwnd, second.hwnd);
     EXPECT_FALSE(::IsIconic(first.hwnd));
     EXPECT_TRUE(HasForeground(first.hwnd));
+}
+
+struct SentMsg {
+    UINT uMsg;
+    WPARAM wParam;
+    LPARAM lParam;
+    UINT nFlags, nTimeoutMs;
+};
+std::vector<SentMsg> sent;
+LRESULT WINAPI NoteSent(HWND, UINT uMsg, WPARAM wParam, LPARAM lParam, UINT nFlags, UINT nTimeoutMs,
+                        DWORD_PTR* pdwAnswer) {
+    sent.push_back({uMsg, wParam, lParam, nFlags, nTimeoutMs});
+    *pdwAnswer = wParam == 121;
+    return 1;
+}
+
+TEST(ActivatePrev, EveryQuestionIsAbortedIfTheWindowHangsAndAfterASecond) {
+    OtherWindow window({}, OtherWindow::kClass, L"asked");
+    ReplaceImport replaced(__imp_SendMessageTimeoutW, &NoteSent);
+    sent.clear();
+    EXPECT_EQ(nullptr, ActivatePreviousInstance(kId));
+    EXPECT_FALSE(sent.empty());
+    for (const SentMsg& msg : sent) EXPECT_EQ(3u, msg.wParam);
+    ClosePrevWnd(nullptr, L"asked", kDialog);
+    ActivatePrevWnd(nullptr, L"asked", kDialog);
+    ASSERT_LE(4u, sent.size());
+    const SentMsg* p = &sent[sent.size() - 4];
+    EXPECT_EQ(121u, p[0].wParam);
+    EXPECT_EQ(static_cast<UINT>(WM_CLOSE), p[1].uMsg);
+    EXPECT_EQ(121u, p[2].wParam);
+    EXPECT_EQ(kDialog, p[2].lParam);
+    EXPECT_EQ(3u, p[3].wParam);
+    EXPECT_EQ(kDialog, p[3].lParam);
+    for (const SentMsg& msg : sent) {
+        EXPECT_TRUE(msg.uMsg == GetMyCompanyMsgId() || &msg == p + 1);
+        EXPECT_EQ(2u, msg.nFlags);
+        EXPECT_EQ(1000u, msg.nTimeoutMs);
+    }
 }
 
 TEST(OnActivatePreviousInstance, OtherMessagesGiveZeroAndDoNothing) {

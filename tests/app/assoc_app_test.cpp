@@ -197,6 +197,13 @@ TEST_F(AssocIcon, ThenItsFirst) {
     EXPECT_EQ(0, nIcon);
 }
 
+TEST_F(AssocIcon, DotOfAFoldersNameBeginsNoExtension) {
+    command.Write((L"\"" + WindowsFile(L"regedit.exe") + L"\" %1").c_str());
+    ClassKey below(kExtension + wstring(L"\\file"), kType);
+    EXPECT_EQ(1, Look(&GetAssociatedApp, (kExtension + wstring(L"\\file")).c_str()).nResult);
+    EXPECT_EQ(0, Icon(L"C:\\a" + wstring(kExtension) + L"\\file"));
+}
+
 TEST_F(AssocIcon, NothingFoundChangesNothing) {
     command.Write(folder.MakeFile(L"without.exe", "no icon").c_str());
     for (const wstring& str :

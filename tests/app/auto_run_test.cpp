@@ -3,6 +3,7 @@
 #include "app/run_file.h"
 #include "app/shell_start_recorder.h"
 #include "support/replace_import.h"
+#include "support/run_key_away.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -123,9 +124,36 @@ TEST_P(AutoRun, RefusalGivesZero) {
     EXPECT_EQ(1, Look(L"Entry"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Roots, AutoRun, testing::Values(1, 0), [](const auto& row) {
-    return std::string(row.param ? "CurrentUser" : "Machine");
-});
+class AutoRunWithoutKey : public testing::TestWithParam<int> {
+  protected:
+    RunKeyAway run{GetParam()};
+    int bOn = -5;
+};
+
+TEST_P(AutoRunWithoutKey, LookGivesZeroAndMakesNone) {
+    EXPECT_EQ(0, GetSetAutoRunDll32(0, &bOn, 1, GetParam(), kName, L"Entry"));
+    EXPECT_EQ(-5, bOn);
+    EXPECT_FALSE(run.IsThere());
+}
+
+TEST_P(AutoRunWithoutKey, WriteMakesIt) {
+    EXPECT_EQ(1, AutoRunDll32(&bOn, 1, GetParam(), kName, L"Entry"));
+    EXPECT_EQ(1, bOn);
+    EXPECT_TRUE(run.IsThere());
+}
+
+TEST_P(AutoRunWithoutKey, WriteThatCannotMakeItGivesZero) {
+    ASSERT_TRUE(run.Block());
+    EXPECT_EQ(0, AutoRunDll32(&bOn, 1, GetParam(), kName, L"Entry"));
+    EXPECT_EQ(0, AutoRunDll32(&bOn, 0, GetParam(), kName, L"Entry"));
+    EXPECT_EQ(-5, bOn);
+}
+
+std::string NameOfRoot(const testing::TestParamInfo<int>& row) {
+    return row.param ? "CurrentUser" : "Machine";
+}
+INSTANTIATE_TEST_SUITE_P(Roots, AutoRunWithoutKey, testing::Values(1, 0), NameOfRoot);
+INSTANTIATE_TEST_SUITE_P(Roots, AutoRun, testing::Values(1, 0), NameOfRoot);
 
 /// The library lies where no short names can be had.
 constexpr const wchar_t* kLongPath = L"Q:\\no such folder\\a b.dll";

@@ -4,6 +4,7 @@
 #include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
 #include "files/path_home.h"
+#include "runtime/md5.h"
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
@@ -15,10 +16,12 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 extern "C" FARPROC __imp_FindWindowW;
 extern "C" FARPROC __imp_GetTokenInformation;
+extern "C" FARPROC __imp_SendMessageW;
 extern "C" FARPROC __imp_SetWindowsHookExW;
 extern "C" FARPROC __imp_UnhookWindowsHookEx;
 
@@ -246,7 +249,9 @@ TEST_F(Elevate, HandOverGivesWhatTheOtherSideGot) {
 
 TEST_F(Elevate, HandleThatIsNoProcessIsNotTaken) {
     HANDLE hEvent = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    for (HANDLE h : {hEvent, SomeHandle()}) {
+    // The last two stand for the shell's process and thread, in whichever process they are looked
+    // up.
+    for (HANDLE h : {hEvent, SomeHandle(), ::GetCurrentProcess(), ::GetCurrentThread()}) {
         shell.hProcess = h;
         EXPECT_EQ(1, RunNonElevated(nullptr, L"f", nullptr, nullptr, &hProcess, &dwError, 1));
         EXPECT_EQ(nullptr, hProcess);
@@ -328,7 +333,26 @@ TEST_F(Elevate, HookGoesAfterEveryCall) {
     EXPECT_TRUE(replaced.Original<decltype(CountUnhook)>()(hhookSeen));
 }
 
+TEST_F(Elevate, HookIsNotLookedUpInTheSection) {
+    ReplaceImport replaced(__imp_UnhookWindowsHookEx, &CountUnhook);
+    HHOOK hhookSet = nullptr;
+    shell.fnDuring = [&](SHELLEXECUTEINFOW&) {
+        hhookSet = std::exchange(handOverData.hhook, reinterpret_cast<HHOOK>(INT_PTR{0x77}));
+    };
+    EXPECT_EQ(1, RunNonElevated(nullptr, L"f", nullptr, nullptr, nullptr, nullptr, 1));
+    EXPECT_NE(nullptr, hhookSet);
+    EXPECT_EQ(hhookSet, hhookSeen);
+    EXPECT_TRUE(replaced.Original<decltype(CountUnhook)>()(hhookSeen));
+}
+
 // The other side, which may find anything in the section.
+
+ReplaceImport* pReplacedSend = nullptr;
+unsigned char* pChanged = nullptr; // by somebody else who maps the library
+LRESULT WINAPI SendAfterAChange(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    if (pChanged) *pChanged ^= 1;
+    return pReplacedSend->Original<decltype(SendAfterAChange)>()(hwnd, uMsg, wParam, lParam);
+}
 
 class HandOverHook : public Elevate {
   protected:
@@ -338,8 +362,23 @@ class HandOverHook : public Elevate {
         handOverData.uMsg = WM_APP;
         wcscpy(handOverData.szFile, L"f");
     }
-    void Call(int nCode = HC_ACTION, UINT uMsg = WM_APP) {
+    void Call(int nCode = HC_ACTION, UINT uMsg = WM_APP) { CallWith(SealedMsg(uMsg), nCode); }
+    /// With the digest of what is in the section now.
+    CWPSTRUCT SealedMsg(UINT uMsg) {
+        HandOverData request = handOverData;
+        request.hhook = nullptr;
+        request.uMsg = 0;
+        request.nResult = 0;
+        request.dwError = 0;
+        request.hProcess = nullptr;
+        unsigned char digest[16];
+        CalcMD5(digest, &request, sizeof(request));
         CWPSTRUCT msg{0, 0, uMsg, window};
+        memcpy(&msg.wParam, digest, 8);
+        memcpy(&msg.lParam, digest + 8, 8);
+        return msg;
+    }
+    void CallWith(CWPSTRUCT msg, int nCode = HC_ACTION) {
         HandOverHookProc(nCode, 0, reinterpret_cast<LPARAM>(&msg));
     }
     TestWindow window;
@@ -377,6 +416,49 @@ TEST_F(HandOverHook, TextWithoutAnEndIsNotBelieved) {
         EXPECT_TRUE(shell.calls.empty());
         EXPECT_EQ(0, handOverData.nResult);
         EXPECT_EQ(0u, handOverData.uMsg);
+    }
+}
+
+TEST_F(HandOverHook, RequestThatWasChangedUnderWayIsNotServed) {
+    // Any one byte of what is asked for, between the message's way and the look at the section.
+    const struct {
+        const char* pszName;
+        void* p;
+    } rows[] = {{"owner", &handOverData.hwndOwner},
+                {"handle wanted", &handOverData.bWantHandle},
+                {"verb", handOverData.szVerb},
+                {"file", handOverData.szFile},
+                {"parameters", handOverData.szParameters},
+                {"end of the parameters", &handOverData.szParameters[MAX_PATH - 2]},
+                {"directory", &handOverData.szDirectory[10]}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.pszName);
+        ReplaceImport replaced(__imp_SendMessageW, &SendAfterAChange);
+        pReplacedSend = &replaced;
+        pChanged = static_cast<unsigned char*>(row.p);
+        dwError = 99;
+        EXPECT_EQ(0, HandOver(nullptr, L"v", L"f", L"p", L"d", &hProcess, &dwError));
+        EXPECT_EQ(nullptr, hProcess);
+        EXPECT_TRUE(shell.calls.empty());
+        pChanged = nullptr;
+        EXPECT_EQ(1, HandOver(nullptr, L"v", L"f", L"p", L"d", nullptr, &dwError));
+        EXPECT_EQ(L"f", shell.TakeOne().file);
+    }
+}
+
+TEST_F(HandOverHook, MessageWithoutTheDigestIsNotServed) {
+    for (int n = -1; n < 128; ++n) { // nothing, or one bit that differs
+        Fill();
+        CWPSTRUCT msg = SealedMsg(WM_APP);
+        if (n < 0)
+            msg.wParam = msg.lParam = 0;
+        else if (n < 64)
+            msg.wParam ^= WPARAM{1} << n;
+        else
+            msg.lParam ^= static_cast<LPARAM>(WPARAM{1} << (n - 64));
+        CallWith(msg);
+        EXPECT_TRUE(shell.calls.empty()) << n;
+        EXPECT_EQ(0, handOverData.nResult);
     }
 }
 

@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
+extern "C" FARPROC __imp_MessageBoxW;
+
 namespace {
 using std::wstring;
 constexpr const wchar_t* kUrl = L"http://site.example/page?a=b&c=d";
@@ -161,8 +163,11 @@ TEST_F(OpenHtmlRecorded, AllWaysComeInTheirOrderBeforeTheMessage) {
 
 TEST_F(OpenHtmlRecorded, SilentWayIsEnough) {
     shell.bSucceed = TRUE;
+    HCURSOR hcurBefore = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32515));
+    ::SetCursor(hcurBefore);
     EXPECT_EQ(1, OpenHTML(nullptr, kUrl, 0, 0));
     EXPECT_EQ(3u, shell.calls.size());
+    EXPECT_EQ(hcurBefore, ::GetCursor());
     EXPECT_FALSE(IsMessageBoxOpen());
 }
 
@@ -180,6 +185,18 @@ TEST_F(OpenHtmlRecorded, AddressTooLongForACommandLineGoesPastTheHandler) {
         ASSERT_EQ(2u, shell.calls.size()) << str.size();
         EXPECT_EQ(str.c_str(), shell.calls[1].file);
     }
+}
+
+TEST_F(OpenHtmlRecorded, EncodedCharactersAreNotCut) {
+    shell.bSucceed = TRUE;
+    handler.Write(HandlerCommand(L"").c_str()); // the address is all of the arguments
+    wstring strUrl(8188, L'x');
+    EXPECT_EQ(1, OpenHTML(nullptr, (strUrl + L" ").c_str(), 0, 0));
+    ASSERT_EQ(3u, shell.calls.size());
+    EXPECT_EQ((strUrl + L"%20").c_str(), shell.calls[1].parameters);
+    shell.calls.clear();
+    EXPECT_EQ(1, OpenHTML(nullptr, (strUrl + L"x ").c_str(), 0, 0));
+    EXPECT_EQ(2u, shell.calls.size());
 }
 
 TEST_F(OpenHtmlRecorded, NoAddressIsNothingToOpen) {
@@ -210,6 +227,22 @@ TEST_F(OpenHtmlRecorded, QuestionDecides) {
             shell.calls.clear();
         }
     }
+}
+
+std::vector<UINT> boxFlags;
+int WINAPI TakeBox(HWND, LPCWSTR, LPCWSTR, UINT nFlags) {
+    boxFlags.push_back(nFlags & ~static_cast<UINT>(MB_SETFOREGROUND)); // that of all boxes
+    return IDOK;
+}
+
+TEST_F(OpenHtmlRecorded, QuestionAndMessageHaveTheirFlags) {
+    ReplaceImport replaced(__imp_MessageBoxW, &TakeBox);
+    boxFlags.clear();
+    HCURSOR hcurBefore = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32515));
+    ::SetCursor(hcurBefore);
+    EXPECT_EQ(0, OpenHTML(nullptr, kUrl, 1, 0));
+    EXPECT_EQ((std::vector<UINT>{65, 16}), boxFlags);
+    EXPECT_EQ(hcurBefore, ::GetCursor());
 }
 
 // The maker's pages.

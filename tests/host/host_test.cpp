@@ -1,6 +1,9 @@
 // The program itself, as it was built, in folders with and without a good library.
 #include "app/my_product_info.h"
 #include "app/single_instance.h"
+#include "resources/resource_ids.h"
+#include "runtime/res_str.h"
+#include "support/run_key_away.h"
 #include "wnd/company_msg.h"
 
 #include <gtest/gtest.h>
@@ -294,6 +297,14 @@ TEST_F(AutoStartValue, LineOfAnotherPlaceIsNotThisProgram) {
     Expect(L"/autostart /quiet", 4, L"");
     Expect(L"/autostart:on", 0, L"");
     Expect(L"/autostart /quiet", 0, L"");
+}
+
+TEST_F(AutoStartValue, RefusalIsTold) {
+    RunKeyAway run(1);
+    ASSERT_TRUE(run.Block());
+    for (const wchar_t* psz : {L"/autostart:on", L"/autostart:off", L"/exit /autostart:on"})
+        Expect(psz, 5, ResStr(-IDS_REGISTRY_NOT_WRITTEN));
+    Expect(L"/autostart", 4, L"Tessaly does not start with Windows.");
 }
 
 int nAsked = 0;

@@ -2,9 +2,16 @@
 
 #include "reg_tree.h"
 #include "runtime/elevation.h"
+#include "support/replace_import.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
+
+extern "C" FARPROC __imp_DeleteFileW;
+extern "C" FARPROC __imp_RegSaveKeyW;
+extern "C" FARPROC __imp_SetFileAttributesW;
 
 namespace {
 class RegKeyHive : public testing::Test {
@@ -54,6 +61,74 @@ TEST_F(RegKeyHive, FileThatIsThereIsReplacedAndGivesItsAttributes) {
         EXPECT_EQ(1, RegKey::UnLoadKey(HKEY_USERS, L"TessalyHive"));
         ::DeleteFileW(strFile.c_str());
     }
+}
+
+// Only the look at these tells a file that is replaced from one that is written over.
+ReplaceImport* pReplacedDelete = nullptr;
+std::vector<std::pair<std::wstring, DWORD>> deleted; // files, and what attributes they had
+BOOL WINAPI NoteDelete(LPCWSTR pszFile) {
+    deleted.push_back({pszFile, ::GetFileAttributesW(pszFile)});
+    return pReplacedDelete->Original<decltype(NoteDelete)>()(pszFile);
+}
+
+TEST_F(RegKeyHive, OldFileIsMadePlainAndDeletedFirst) {
+    folder.MakeFile(L"hive", "no hive");
+    ASSERT_TRUE(::SetFileAttributesW(strFile.c_str(), FILE_ATTRIBUTE_READONLY));
+    {
+        ReplaceImport replaced(__imp_DeleteFileW, &NoteDelete);
+        pReplacedDelete = &replaced;
+        deleted.clear();
+        EXPECT_EQ(1, key.Save(strFile.c_str()));
+        ASSERT_EQ(1u, deleted.size());
+        EXPECT_EQ(strFile, deleted[0].first);
+        EXPECT_EQ(0u, deleted[0].second & FILE_ATTRIBUTE_READONLY);
+        deleted.clear();
+        EXPECT_EQ(1, key.Save(folder.File(L"new").c_str()));
+        EXPECT_TRUE(deleted.empty());
+    }
+    EXPECT_TRUE(Attributes() & FILE_ATTRIBUTE_READONLY);
+}
+
+ReplaceImport* pReplacedAttributes = nullptr;
+std::vector<DWORD> attributesSet;
+BOOL WINAPI NoteAttributes(LPCWSTR pszFile, DWORD dwAttributes) {
+    attributesSet.push_back(dwAttributes);
+    return pReplacedAttributes->Original<decltype(NoteAttributes)>()(pszFile, dwAttributes);
+}
+
+TEST_F(RegKeyHive, NewFileIsMarkedForTheArchive) {
+    ReplaceImport replaced(__imp_SetFileAttributesW, &NoteAttributes);
+    pReplacedAttributes = &replaced;
+    attributesSet.clear();
+    EXPECT_EQ(1, key.Save(strFile.c_str()));
+    EXPECT_EQ((std::vector<DWORD>{32}), attributesSet);
+}
+
+TEST_F(RegKeyHive, FileInUseStaysAsItIs) {
+    folder.MakeFile(L"hive", "no hive");
+    ASSERT_TRUE(::SetFileAttributesW(strFile.c_str(), FILE_ATTRIBUTE_HIDDEN));
+    DWORD dwBefore = Attributes();
+    HANDLE hFile = ::CreateFileW(strFile.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                 OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, hFile);
+    EXPECT_EQ(0, key.Save(strFile.c_str()));
+    EXPECT_NE(0, RegKey::lError);
+    EXPECT_EQ(dwBefore, Attributes());
+    ::CloseHandle(hFile);
+    EXPECT_EQ("no hive", folder.ReadFile(L"hive"));
+}
+
+LSTATUS WINAPI NoteSecurity(HKEY, LPCWSTR, SECURITY_ATTRIBUTES* pSecurity) {
+    return pSecurity ? static_cast<LSTATUS>(pSecurity->nLength) : ERROR_SUCCESS;
+}
+
+TEST_F(RegKeyHive, SecurityAndStatusGoAlong) {
+    ReplaceImport replaced(__imp_RegSaveKeyW, &NoteSecurity);
+    SECURITY_ATTRIBUTES security{12345, nullptr, FALSE};
+    EXPECT_EQ(0, RegKey::SaveKey(key.GetHandle(), strFile.c_str(), &security));
+    EXPECT_EQ(12345, RegKey::lError);
+    EXPECT_EQ(1, key.Save(strFile.c_str())); // without
+    EXPECT_EQ(0, RegKey::lError);
 }
 
 TEST_F(RegKeyHive, PlainAttributesStayPlain) {

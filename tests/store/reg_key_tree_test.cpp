@@ -3,10 +3,16 @@
 #include "reg_tree.h"
 #include "store/reg_key_names.h"
 #include "support/guard_page.h"
+#include "support/replace_import.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>
+
+extern "C" FARPROC __imp_RegCloseKey;
+extern "C" FARPROC __imp_RegCreateKeyExW;
+extern "C" FARPROC __imp_RegDeleteKeyW;
+extern "C" FARPROC __imp_RegOpenKeyExW;
 
 namespace {
 class RegKeyTree : public testing::Test {
@@ -114,6 +120,72 @@ TEST_F(RegKeyTree, MissingSubKeyGivesOneAndIsNotMade) {
     EXPECT_EQ(1, key.DelSubKeyIfEmpty(L"none"));
     EXPECT_EQ(RegDump(), raw.Dump());
     EXPECT_EQ(1, RegKey().DelSubKeyIfEmpty(L"none"));
+}
+
+LSTATUS WINAPI RefuseDeleteKey(HKEY, LPCWSTR) { return ERROR_ACCESS_DENIED; }
+
+TEST_F(RegKeyTree, EmptySubKeyThatStaysGivesZeroAndHasLostItsDefaultValue) {
+    raw.PutStr(L"", L"default", L"sub");
+    ReplaceImport replaced(__imp_RegDeleteKeyW, &RefuseDeleteKey);
+    EXPECT_EQ(0, key.DelSubKeyIfEmpty(L"sub"));
+    RegDump expected;
+    expected.subkeys[L"sub"];
+    EXPECT_EQ(expected, raw.Dump());
+}
+
+/// Counts the keys that were opened and not closed again, for the length of a block.
+class OpenKeys {
+  public:
+    OpenKeys()
+        : open(__imp_RegOpenKeyExW, &NoteOpen), create(__imp_RegCreateKeyExW, &NoteCreate),
+          close(__imp_RegCloseKey, &NoteClose) {
+        pThis = this;
+    }
+    int nOpen = 0;
+
+  private:
+    static LSTATUS WINAPI NoteOpen(HKEY hkey, LPCWSTR psz, DWORD dw, REGSAM sam, HKEY* phkey) {
+        LSTATUS status = pThis->open.Original<decltype(NoteOpen)>()(hkey, psz, dw, sam, phkey);
+        pThis->nOpen += status == ERROR_SUCCESS;
+        return status;
+    }
+    static LSTATUS WINAPI NoteCreate(HKEY hkey, LPCWSTR psz, DWORD dw, LPWSTR pszClass, DWORD dwOpt,
+                                     REGSAM sam, SECURITY_ATTRIBUTES* p, HKEY* phkey, DWORD* pdw) {
+        LSTATUS status = pThis->create.Original<decltype(NoteCreate)>()(hkey, psz, dw, pszClass,
+                                                                        dwOpt, sam, p, phkey, pdw);
+        pThis->nOpen += status == ERROR_SUCCESS;
+        return status;
+    }
+    static LSTATUS WINAPI NoteClose(HKEY hkey) {
+        bool bRoot = reinterpret_cast<INT_PTR>(hkey) < 0 || HandleToULong(hkey) >> 31;
+        if (!bRoot) --pThis->nOpen;
+        return pThis->close.Original<decltype(NoteClose)>()(hkey);
+    }
+    static inline OpenKeys* pThis = nullptr;
+    ReplaceImport open, create, close;
+};
+
+TEST_F(RegKeyTree, WhatIsOpenedIsClosed) {
+    RegTree former(HKEY_CURRENT_USER, L"Software\\Quenby");
+    RegTree present(HKEY_CURRENT_USER, L"Software\\Orvanta\\TessalyMoveTest");
+    for (const wchar_t* psz : {L"full\\a\\b", L"full\\c", L"empty", L"default"}) raw.Create(psz);
+    raw.PutStr(L"", L"default", L"default");
+    former.PutStr(L"v", L"text", L"TessalyMoveTest\\a");
+    RegKey full(key, L"full", 1), target(key, L"target", 1);
+    OpenKeys keys;
+    for (const wchar_t* psz : {L"full", L"empty", L"default", L"none", L""})
+        key.DelSubKeyIfEmpty(psz);
+    EXPECT_EQ(0, keys.nOpen);
+    full.CopyTo(target);
+    EXPECT_EQ(0, keys.nOpen);
+    EXPECT_EQ(1, full.RenameSubkey(L"a", L"new"));
+    EXPECT_EQ(0, full.RenameSubkey(L"new", std::wstring(300, L'x').c_str()));
+    EXPECT_EQ(0, full.RenameSubkey(L"none", L"other"));
+    EXPECT_EQ(0, keys.nOpen);
+    for (const wchar_t* psz : {L"TessalyMoveTest", L"TessalyMoveTest", L"Other"}) {
+        EXPECT_EQ(1, RegKey::CS2WA(1, psz));
+        EXPECT_EQ(0, keys.nOpen);
+    }
 }
 
 TEST_F(RegKeyTree, NamelessSubKeyIsNotTheEmptyKeyItself) {
@@ -327,6 +399,13 @@ TEST_F(RegKeyTree, CopyIntoItselfChangesNothing) {
     EXPECT_EQ(before, raw.Dump());
 }
 
+int DepthOf(const RegDump& dump) {
+    int nDeepest = 0;
+    for (const auto& [strName, subkey] : dump.subkeys)
+        nDeepest = std::max(nDeepest, DepthOf(subkey) + 1);
+    return nDeepest;
+}
+
 TEST_F(RegKeyTree, CopyBelowItselfEnds) {
     raw.PutStr(L"v", L"text", L"from");
     raw.PutStr(L"v", L"text", L"from\\a");
@@ -334,6 +413,7 @@ TEST_F(RegKeyTree, CopyBelowItselfEnds) {
     EXPECT_EQ(1, from.CopyTo(to));
     RegDump dump = raw.Dump(L"from");
     EXPECT_EQ(StrContent(L"text"), dump.subkeys[L"a"].subkeys[L"b"].values[L"v"]);
+    EXPECT_GE(2 + 512, DepthOf(dump)); // the target, and as many levels as are copied
     to.Close();
     from.Close();
     EXPECT_EQ(1, key.DelSubKey(L"from"));

@@ -2,11 +2,16 @@
 
 #include "reg_tree.h"
 #include "shell/shell_notify.h"
+#include "support/replace_import.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <utility>
+#include <vector>
+
+extern "C" FARPROC __imp_SHChangeNotify;
 
 namespace {
 constexpr const wchar_t* kClsid = L"{7E55A117-0000-4000-8000-0123456789AB}";
@@ -200,6 +205,27 @@ TEST_F(RegisterCom, OtherOperationsWriteNothing) {
     EXPECT_EQ(classes, Classes());
 }
 
+TEST_F(RegisterCom, SetAlwaysOpensNothingForWriting) {
+    auto classes = Classes();
+    RegDump approved = Approved(), helpers = Helpers();
+    EXPECT_EQ(0, Com(RegKey::OpSetAlways));
+    EXPECT_EQ(0, Obj(RegKey::OpSetAlways));
+    EXPECT_EQ(0, Ext(RegKey::OpSetAlways));
+    EXPECT_EQ(0, RegisterBHO(RegKey::OpSetAlways, kName, kDll, kClsid, 0));
+    EXPECT_TRUE(cls.Dump().values.empty());
+    EXPECT_EQ(approved, Approved());
+    EXPECT_EQ(helpers, Helpers());
+    EXPECT_FALSE(type1.Exists());
+}
+
+TEST_F(RegisterCom, SetAlwaysEmptiesTheClass) {
+    EXPECT_EQ(1, Obj(RegKey::OpSet));
+    RegDump approved = Approved();
+    EXPECT_EQ(0, Obj(RegKey::OpSetAlways));
+    EXPECT_EQ(RegDump(), cls.Dump()); // replaced, and then not open for writing
+    EXPECT_EQ(approved, Approved());
+}
+
 TEST_F(RegisterShell, ObjectIsSetTestedAndDeleted) {
     auto classes = Classes();
     RegDump approved = Approved();
@@ -355,6 +381,27 @@ TEST_F(RegisterShell, ShellIsToldOnlyWhenAsked) {
     }
 }
 
+std::vector<std::pair<LONG, UINT>> told; // events and flags
+void WINAPI NoteTold(LONG nEvent, UINT nFlags, LPCVOID p1, LPCVOID p2) {
+    told.push_back({nEvent, nFlags});
+    EXPECT_EQ(nullptr, p1);
+    EXPECT_EQ(nullptr, p2);
+}
+
+TEST_F(RegisterShell, ShellIsToldAtOnceButOfComServers) {
+    ReplaceImport replaced(__imp_SHChangeNotify, &NoteTold);
+    RegTree helper(HKEY_LOCAL_MACHINE, kHelpers + L"\\" + kClsid);
+    for (RegKey::Op op : {RegKey::OpSet, RegKey::OpDelete}) {
+        told.clear();
+        Com(op, 1);
+        Ext(op, 1);
+        RegisterBHO(op, kName, kDll, kClsid, 1);
+        EXPECT_EQ((std::vector<std::pair<LONG, UINT>>{
+                      {0x8000000, 0}, {0x8000000, 0x1000}, {0x8000000, 0x1000}}),
+                  told);
+    }
+}
+
 TEST_F(RegisterShell, LogHoldsTheLinesAndTheKeysStay) {
     auto classes = Classes();
     RegDump approved = Approved();
@@ -505,6 +552,14 @@ TEST_F(RegisterDriver, FailureEndsTheList) {
     RegDump dump = Dump();
     EXPECT_FALSE(dump.subkeys[L"Minimal"].subkeys.count(std::wstring(64, L'd')));
     EXPECT_FALSE(dump.subkeys[L"Minimal"].values.count(L""));
+}
+
+TEST_F(RegisterDriver, SetAlwaysEmptiesTheFirstKey) {
+    Run(RegKey::OpSet, L"TessalyTestDriver");
+    RegDump expected = Dump();
+    expected.subkeys[L"Minimal"].subkeys[L"TessalyTestDriver"].values.clear();
+    EXPECT_EQ(0, Run(RegKey::OpSetAlways, L"TessalyTestDriver"));
+    EXPECT_EQ(expected, Dump());
 }
 
 TEST_F(RegisterDriver, FailureHalfWayLeavesWhatWasDone) {
