@@ -48,7 +48,7 @@ int CSImageList::AddIcon(HICON hicon) { return ReplaceIcon(-1, hicon); }
 int CSImageList::AddIcon(int iconId, HINSTANCE hinst) { return ReplaceIcon(-1, iconId, hinst); }
 
 int CSImageList::AddMasked(HBITMAP hbm, unsigned long maskColor) {
-    return ::ImageList_AddMasked(hList, hbm, maskColor);
+    return ::ImageList_AddMasked(GetLiveList(), hbm, maskColor);
 }
 
 int CSImageList::AddFromBitmap(int bitmapId, HINSTANCE hinst, unsigned long maskColor) {
@@ -61,7 +61,7 @@ int CSImageList::AddFromBitmap(int bitmapId, HINSTANCE hinst, unsigned long mask
 }
 
 int CSImageList::ReplaceIcon(int index, HICON hicon) {
-    return ::ImageList_ReplaceIcon(hList, index, hicon);
+    return ::ImageList_ReplaceIcon(GetLiveList(), index, hicon);
 }
 
 int CSImageList::ReplaceIcon(int index, int iconId, HINSTANCE hinst) {
@@ -72,19 +72,19 @@ int CSImageList::ReplaceIcon(int index, int iconId, HINSTANCE hinst) {
 }
 
 int CSImageList::SetIconSize(int width, int height) {
-    return ::ImageList_SetIconSize(hList, width, height) != FALSE;
+    return ::ImageList_SetIconSize(GetLiveList(), width, height) != FALSE;
 }
 
 unsigned long CSImageList::GetIconSize() {
     int cx = 0, cy = 0;
-    ::ImageList_GetIconSize(hList, &cx, &cy);
+    ::ImageList_GetIconSize(GetLiveList(), &cx, &cy);
     return static_cast<unsigned long>(MAKELONG(cx, cy));
 }
 
 int CSImageList::Draw(int index, HDC hdc, int x, int y, unsigned int style) {
-    return ::ImageList_Draw(hList, index, hdc, x, y, style) != FALSE;
+    return ::ImageList_Draw(GetLiveList(), index, hdc, x, y, style) != FALSE;
 }
 
 int CSImageList::SetOverlayImage(int index, int overlay) {
-    return ::ImageList_SetOverlayImage(hList, index, overlay) != FALSE;
+    return ::ImageList_SetOverlayImage(GetLiveList(), index, overlay) != FALSE;
 }

@@ -20,7 +20,8 @@ class TESSALY_API CSImageList {
     int CreateFromBitmap(int width, int height, int initial, int grow, int bitmapId,
                          HINSTANCE hinst, unsigned long maskColor);
     /// Destroys the list. 1 on success and without a list; 0 for one that is destroyed already.
-    // QUIRK: the handle stays in the object. Test: CSImageList.DestroyKeepsTheHandle
+    // QUIRK: the handle stays in the object; all but operator HIMAGELIST and IsReady then do as
+    // without a list. Test: CSImageList.DestroyKeepsTheHandle
     int Destroy();
     /// Takes the list, destroying one held before. Returns whether it is non-null.
     int Attach(HIMAGELIST hListTaken);
@@ -55,6 +56,8 @@ class TESSALY_API CSImageList {
     SIZE GetBitmapSize() const { return {bitmapWidth, bitmapHeight}; }
 
   private:
+    HIMAGELIST GetLiveList() const { return bDestroyed ? nullptr : hList; }
+
     int bitmapWidth = -1;
     int bitmapHeight = -1;
     HIMAGELIST hList = nullptr;

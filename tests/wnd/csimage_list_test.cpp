@@ -4,6 +4,7 @@
 #include "support/test_resource_ids.h"
 
 #include <gtest/gtest.h>
+#include <cstring>
 
 namespace {
 constexpr COLORREF kRed = RGB(255, 0, 0), kGreen = RGB(0, 255, 0), kBlue = RGB(0, 0, 255),
@@ -37,6 +38,19 @@ TEST(CSImageList, StartsWithoutAList) {
     EXPECT_EQ(-1, list.AddIcon(IDI_TEST, nullptr));
     EXPECT_EQ(0, list.Detach());
     EXPECT_EQ(1, list.Destroy()) << "nothing to destroy";
+}
+
+TEST(CSImageList, HoldsTheBitmapsSizeBeforeTheHandle) {
+    struct Layout {
+        int bitmapWidth, bitmapHeight;
+        HIMAGELIST hList;
+    } layout;
+    CSImageList list;
+    list.Create(16, 16, ILC_COLOR32, 0, 1);
+    std::memcpy(&layout, static_cast<const void*>(&list), sizeof(layout));
+    EXPECT_EQ(-1, layout.bitmapWidth);
+    EXPECT_EQ(-1, layout.bitmapHeight);
+    EXPECT_EQ(static_cast<HIMAGELIST>(list), layout.hList);
 }
 
 TEST(CSImageList, CreateMakesAListOfThatSize) {
@@ -75,6 +89,14 @@ TEST(CSImageList, DestroyKeepsTheHandle) {
     EXPECT_EQ(hList, static_cast<HIMAGELIST>(list));
     EXPECT_EQ(1, list.IsReady());
     EXPECT_EQ(0, list.Destroy()) << "there is a handle but no list";
+    EXPECT_EQ(-1, list.AddIcon(IDI_TEST, nullptr));
+    EXPECT_EQ(-1, list.AddIcon(::LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_ERROR))));
+    EXPECT_EQ(-1, list.AddFromBitmap(IDB_TEST_STRIP, nullptr, kMagenta));
+    EXPECT_EQ(0u, list.GetIconSize());
+    EXPECT_EQ(0, list.SetIconSize(8, 8));
+    EXPECT_EQ(0, list.SetOverlayImage(0, 1));
+    MemoryPicture picture(1, 1);
+    EXPECT_EQ(0, list.Draw(0, picture, 0, 0, ILD_NORMAL));
     EXPECT_EQ(1, list.Create(16, 16, ILC_COLOR32, 0, 1));
     EXPECT_EQ(1, list.Destroy());
 }
