@@ -65,7 +65,7 @@ void PaintShadedRect(HDC hdc, const RECT& rc, unsigned long color, int fromTop, 
 void DrawBitmap(HDC hdc, HBITMAP hbm, int x, int y, int srcX, int srcY, int width, int height) {
     if (!hdc || !hbm) return;
     CompatibleDC dcBitmap(hdc);
-    ::SelectObject(dcBitmap, hbm);
+    if (!::SelectObject(dcBitmap, hbm)) return; // it is selected elsewhere
     ::SetMapMode(dcBitmap, ::GetMapMode(hdc));
     if (width == 0) {
         SIZE sizeWhole = GetBitmapSize(hbm);

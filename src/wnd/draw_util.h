@@ -23,7 +23,8 @@ TESSALY_API void PaintShadedRect(HDC hdc, const RECT& rc, unsigned long color, i
                                  int steps);
 
 /// Copies a part of the bitmap to (x, y). Its origin and size are in the bitmap's pixels, whatever
-/// the mapping mode of hdc. With a width of 0 the size is the bitmap's, whatever the height.
+/// the mapping mode of hdc. With a width of 0 the size is the bitmap's, whatever the height. A
+/// bitmap that is selected somewhere is not drawn.
 TESSALY_API void DrawBitmap(HDC hdc, HBITMAP hbm, int x, int y, int srcX, int srcY, int width,
                             int height);
 

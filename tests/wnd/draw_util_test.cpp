@@ -3,9 +3,44 @@
 #include "support/memory_picture.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 const COLORREF kA = MemoryPicture::ColorOf('A');
+
+/// What was asked of a context, in order.
+struct Recorded {
+    std::vector<LOGBRUSH32> brushes;
+    std::vector<LOGPEN> pens;
+    std::vector<std::pair<char, POINT>> strokes; // 'm'oved to, drew a 'l'ine to
+};
+template <class Fn>
+Recorded Record(Fn fnDraw) {
+    HDC hdc = ::CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
+    fnDraw(hdc);
+    HENHMETAFILE hemf = ::CloseEnhMetaFile(hdc);
+    Recorded recorded;
+    auto fnEach = [](HDC, HANDLETABLE*, const ENHMETARECORD* p, int, LPARAM lParam) -> int {
+        auto& r = *reinterpret_cast<Recorded*>(lParam);
+        switch (p->iType) {
+        case EMR_CREATEBRUSHINDIRECT:
+            r.brushes.push_back(reinterpret_cast<const EMRCREATEBRUSHINDIRECT*>(p)->lb);
+            break;
+        case EMR_CREATEPEN: r.pens.push_back(reinterpret_cast<const EMRCREATEPEN*>(p)->lopn); break;
+        case EMR_MOVETOEX:
+        case EMR_LINETO:
+            const POINTL& pt = reinterpret_cast<const EMRLINETO*>(p)->ptl;
+            r.strokes.push_back({p->iType == EMR_LINETO ? 'l' : 'm', {pt.x, pt.y}});
+            break;
+        }
+        return 1;
+    };
+    ::EnumEnhMetaFile(nullptr, hemf, fnEach, &recorded, nullptr);
+    ::DeleteEnhMetaFile(hemf);
+    return recorded;
+}
 
 TEST(PaintRect, FillsWithoutTheRightAndBottomEdge) {
     MemoryPicture picture(5, 4);
@@ -49,6 +84,19 @@ TEST(DrawRect, TakesThePensStyle) {
     MemoryPicture picture(4, 3);
     DrawRect(picture, 0, 0, 4, 3, kA, PS_NULL);
     EXPECT_EQ("..../..../....", picture.Read());
+}
+
+TEST(DrawRect, GoesClockwiseFromTheTopLeftWithAPenOfWidth0) {
+    Recorded recorded =
+        Record([](HDC hdc) { DrawRect(hdc, 3, 4, 10, 20, RGB(1, 2, 3), PS_DASHDOT); });
+    ASSERT_EQ(1u, recorded.pens.size());
+    EXPECT_EQ(static_cast<UINT>(PS_DASHDOT), recorded.pens[0].lopnStyle);
+    EXPECT_EQ(0, recorded.pens[0].lopnWidth.x);
+    EXPECT_EQ(RGB(1, 2, 3), recorded.pens[0].lopnColor);
+    std::string str;
+    for (auto [chKind, pt] : recorded.strokes)
+        str += chKind + std::to_string(pt.x) + "," + std::to_string(pt.y) + " ";
+    EXPECT_EQ("m3,4 l12,4 l12,23 l3,23 l3,4 ", str);
 }
 
 TEST(DrawRect, LeavesThePenThatWasSelected) {
@@ -106,6 +154,15 @@ TEST(PaintShadedRect, BandsAreAtLeastOnePixelHigh) {
         int n = Shade(160, 4 - y, 4);
         EXPECT_EQ(RGB(n, n, n), picture.Get(0, y)) << y;
     }
+}
+
+TEST(PaintShadedRect, TakesPaletteColours) {
+    Recorded recorded = Record([](HDC hdc) {
+        PaintShadedRect(hdc, RECT{0, 0, 1, 4}, RGB(160, 80, 40), 1, 2);
+    });
+    ASSERT_EQ(1u, recorded.brushes.size());
+    EXPECT_EQ(0x02000000u | RGB(Shade(160, 2, 4), Shade(80, 2, 4), Shade(40, 2, 4)),
+              recorded.brushes[0].lbColor);
 }
 
 TEST(PaintShadedRect, StartsAtTheLeftEdge0) {
@@ -204,6 +261,12 @@ TEST(DrawBitmap, CountsSizesFromNoOrigin) {
     ::SetViewportOrgEx(picture, 1, 1, nullptr);
     DrawBitmap(picture, bitmap, 0, 0, 0, 0, 0, 0);
     EXPECT_EQ("..../.ABC/.DEF", picture.Read());
+}
+
+TEST(DrawBitmap, DoesNothingWithABitmapThatIsSelectedElsewhere) {
+    MemoryPicture selected(2, 2, kA), picture(2, 2);
+    DrawBitmap(picture, selected.GetBitmap(), 0, 0, 0, 0, 0, 0);
+    EXPECT_EQ("../..", picture.Read());
 }
 
 TEST(DrawBitmap, WithoutContextOrBitmapDoesNothing) {
