@@ -1,5 +1,4 @@
 #include "icons/my_tb_icon.h"
-#include "icons/engine_codes.h"
 #include "icons/icons_test_support.h"
 #include "resources/resource_ids.h"
 #include "runtime/library_instance.h"
@@ -34,7 +33,7 @@ class MyTBIconTest : public EngineTest {
     int TakeRequests() {
         PumpAll();
         int n = 0;
-        for (const SeenMessage& message : spy.GetCode(kCodeOpenMenu)) n += message.lParam == 1;
+        for (const SeenMessage& message : spy.GetCode(371)) n += message.lParam == 1;
         EXPECT_EQ(n, spy.CountOf(GetTestCompanyMsg())) << "nothing else is asked";
         spy.Clear();
         return n;

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 #include <cstring>
+#include <functional>
+#include <iterator>
 
 namespace {
 /// A Windows with or without a GetDpiForMonitor that tells what it is told to.
@@ -164,6 +166,67 @@ TEST(CDPI, FindsTheOtherSpellingToo) {
     PCDPI()->Invalidate();
     EXPECT_EQ(144, PCDPI()->GetDPIX());
     EXPECT_EQ(2, fake.nSearches) << "the function is remembered";
+}
+
+TEST(CDPI, AsksTheModuleThatIsLoadedAndLoadsNone) {
+    SetRuntimeLookup(nullptr); // has it looked for anew
+    bool bLoaded = ::GetModuleHandleW(L"Shcore.dll") != nullptr;
+    UINT nX = 7, nY = 7;
+    HMONITOR hmonitor = ::MonitorFromWindow(nullptr, MONITOR_DEFAULTTOPRIMARY);
+    EXPECT_EQ(bLoaded ? S_OK : E_NOTIMPL, CDPI::MyGetDPIForMonitor(hmonitor, 0, &nX, &nY));
+    UINT nExpected = bLoaded ? static_cast<UINT>(ScreenDpi()) : 7;
+    EXPECT_EQ(nExpected, nX);
+    EXPECT_EQ(nExpected, nY);
+    EXPECT_EQ(bLoaded, ::GetModuleHandleW(L"Shcore.dll") != nullptr);
+}
+
+TEST(CDPI, FieldsAreTheFlagAndTheTwoValues) {
+    FakeMonitorDpi fake;
+    fake.Set(120, 144);
+    struct Layout {
+        char isInit;
+        int dpiX, dpiY;
+    } layout;
+    static_assert(sizeof(CDPI) == sizeof(Layout));
+    CDPI dpi;
+    auto fnLook = [&] {
+        std::memcpy(&layout, static_cast<const void*>(&dpi), sizeof(layout));
+        return std::vector<int>{layout.isInit, layout.dpiX, layout.dpiY};
+    };
+    EXPECT_EQ((std::vector<int>{0, 96, 96}), fnLook());
+    dpi.GetDPIY();
+    EXPECT_EQ((std::vector<int>{1, 120, 144}), fnLook());
+    dpi.Invalidate();
+    EXPECT_EQ((std::vector<int>{0, 120, 144}), fnLook()) << "only the flag";
+}
+
+TEST(CDPI, EveryQuestionReadsTheValuesFirst) {
+    FakeMonitorDpi fake;
+    RECT rc{};
+    SIZE size{};
+    const std::function<void(CDPI&)> questions[] = {
+        [](CDPI& dpi) { dpi.GetDPIX(); },
+        [](CDPI& dpi) { dpi.GetDPIY(); },
+        [](CDPI& dpi) { dpi.IsCustom(); },
+        [](CDPI& dpi) { dpi.ScaleX(1); },
+        [](CDPI& dpi) { dpi.ScaleY(1); },
+        [](CDPI& dpi) { dpi.UnscaleX(1); },
+        [](CDPI& dpi) { dpi.UnscaleY(1); },
+        [&](CDPI& dpi) { dpi.ScaleRect(&rc); },
+        [&](CDPI& dpi) { dpi.ScaleSize(&size); },
+        [](CDPI& dpi) { dpi.ScaledScreenWidth(); },
+        [](CDPI& dpi) { dpi.ScaledScreenHeight(); },
+        [](CDPI& dpi) { dpi.IsResolutionAtLeast(1, 1); },
+        [](CDPI& dpi) { dpi.ShouldAdjustForSkin(); },
+        [](CDPI& dpi) { dpi.GetAdjustedSysIconSize(); },
+        [](CDPI& dpi) { dpi.GetAdjustedIconSize48_64(); },
+    };
+    for (std::size_t i = 0; i < std::size(questions); ++i) {
+        CDPI dpi;
+        fake.nCalls = 0;
+        questions[i](dpi);
+        EXPECT_EQ(1, fake.nCalls) << i;
+    }
 }
 
 TEST(CDPI, ZeroIsNotTaken) {

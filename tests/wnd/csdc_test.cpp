@@ -72,6 +72,23 @@ TEST(CSDC, IsDestroyedThroughItsBase) {
     EXPECT_EQ(0u, ::GetObjectType(hdc));
 }
 
+TEST(CSDC, HoldsTheContextBeforeWhatIsToBeDone) {
+    struct Probe : CSDC {
+        using CSDC::CSDC;
+        using CSDC::deleteDC;
+        using CSDC::hDC;
+        using CSDC::restoreDC;
+    };
+    static_assert(sizeof(CSDC) == 2 * sizeof(void*) + 2 * sizeof(int));
+    MemoryPicture picture(1, 1);
+    Probe saved(picture, 7), plain(picture, 0), display;
+    EXPECT_LT(static_cast<void*>(&saved.hDC), static_cast<void*>(&saved.restoreDC));
+    EXPECT_LT(&saved.restoreDC, &saved.deleteDC);
+    EXPECT_TRUE(saved.restoreDC && !saved.deleteDC);
+    EXPECT_TRUE(!plain.restoreDC && !plain.deleteDC);
+    EXPECT_TRUE(!display.restoreDC && display.deleteDC);
+}
+
 TEST(CompatibleDC, IsLikeTheGivenOneAndDeleted) {
     MemoryPicture picture(1, 1);
     HDC hdc;
@@ -93,6 +110,19 @@ TEST(CompatibleDC, TakesOutWhatWasSelectedSoThatItCanBeDeleted) {
     }
     EXPECT_TRUE(::DeleteObject(hbm));
     EXPECT_EQ(0u, ::GetObjectType(hbm));
+}
+
+TEST(CompatibleDC, AndTheWindowsContextsAreSaved) {
+    MemoryPicture picture(1, 1);
+    CompatibleDC dcMemory(picture);
+    EXPECT_EQ(2, ::SaveDC(dcMemory));
+    PlainWnd wnd;
+    ClientDC dcClient(wnd);
+    EXPECT_EQ(2, ::SaveDC(dcClient));
+    ::RestoreDC(dcClient, -1);
+    DCWindow dcWhole(wnd);
+    EXPECT_EQ(2, ::SaveDC(dcWhole));
+    ::RestoreDC(dcWhole, -1);
 }
 
 TEST(CompatibleDC, IsADisplayContextWhereNoneCanBeMade) {

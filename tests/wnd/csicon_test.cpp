@@ -6,6 +6,7 @@
 #include "wnd/resource_id.h"
 
 #include <gtest/gtest.h>
+#include <cstring>
 
 namespace {
 constexpr COLORREF kRed = RGB(255, 0, 0), kBlue = RGB(0, 0, 255), kWhite = RGB(255, 255, 255);
@@ -35,6 +36,20 @@ TEST(CSIcon, StartsWithoutAnIcon) {
     EXPECT_EQ(0, icon.GetSize(cx, cy));
     EXPECT_EQ(0, cx);
     EXPECT_EQ(0, cy);
+}
+
+TEST(CSIcon, HoldsTheHandleBeforeItsSize) {
+    struct Layout {
+        HICON hIcon;
+        int width, height;
+    } layout;
+    static_assert(sizeof(CSIcon) == sizeof(Layout));
+    CSIcon icon;
+    icon.Load(IDI_TEST, 0, 0);
+    std::memcpy(&layout, static_cast<const void*>(&icon), sizeof(layout));
+    EXPECT_EQ(static_cast<HICON>(icon), layout.hIcon);
+    EXPECT_EQ(32, layout.width);
+    EXPECT_EQ(32, layout.height);
 }
 
 struct LoadCase {

@@ -9,7 +9,9 @@
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <cstring>
 #include <functional>
+#include <iterator>
 #include <memory>
 
 namespace {
@@ -121,6 +123,36 @@ TEST(TBIconData, StartsZeroedWithIdAndCallback) {
     icon.nid.uID = icon.nid.uFlags = icon.nid.uCallbackMessage = 0;
     for (unsigned char b : icon.nidBytes) EXPECT_EQ(0, b);
     EXPECT_EQ(976u, sizeof(icon.nidBytes));
+}
+
+TEST(TBIconData, FieldsStandInTheirOrder) {
+    ProbeIcon icon;
+    const void* fields[] = {static_cast<CSWnd*>(&icon), &icon.nid,          &icon.shown,
+                            &icon.timerBlink,           &icon.timerBalloon, &icon.icon,
+                            &icon.pIconAlternate,       &icon.blinkPhase,   &icon.blinkPeriod};
+    for (std::size_t i = 1; i < std::size(fields); ++i) EXPECT_LT(fields[i - 1], fields[i]) << i;
+    EXPECT_EQ(static_cast<void*>(&icon.nid), static_cast<void*>(icon.nidBytes));
+}
+
+/// The place of a virtual operation in the class's table, as this compiler writes it down.
+template <class Fn>
+std::size_t SlotOf(Fn pfn) {
+    std::size_t n = 0;
+    std::memcpy(&n, &pfn, sizeof(n));
+    return (n - 1) / sizeof(void*);
+}
+
+TEST(TBIconData, VirtualOperationsFollowTheBasesInTheirOrder) {
+    std::size_t nLastOfBase = SlotOf(&CSWnd::OnSystemSettingChange);
+    const std::size_t slots[] = {
+        SlotOf(&TBIcon::ShouldShowIcon), SlotOf(&TBIcon::OnMyCompanyMessage),
+        SlotOf(&TBIcon::OnLeftClick),    SlotOf(&TBIcon::OnDoubleClick),
+        SlotOf(&TBIcon::OnRightClick),   SlotOf(&TBIcon::OnBaloonShow),
+        SlotOf(&TBIcon::OnBaloonHide),   SlotOf(&TBIcon::OnBaloonTimeout),
+        SlotOf(&TBIcon::OnBaloonClick),  SlotOf(&TBIcon::OnMouseMove),
+        SlotOf(&TBIcon::OnCreateWnd),    SlotOf(&TBIcon::OnDestroyWnd)};
+    for (std::size_t i = 0; i < std::size(slots); ++i) EXPECT_EQ(nLastOfBase + 1 + i, slots[i]);
+    EXPECT_EQ(SlotOf(&CSWnd::OnWndMessage), SlotOf(&TBIcon::OnWndMessage));
 }
 
 struct SizeCase {
@@ -340,6 +372,42 @@ TEST_F(TBIconTest, AnnouncementOfAShellThatStillHasItTakesItOutFirst) {
     EXPECT_EQ(1, wnd.IsIconShown());
 }
 
+TEST_F(TBIconTest, RestartOfTheShellAsksWhetherToShowIt) {
+    wnd.ShowIcon(1);
+    tray.TakeNames();
+    tray.Restart();
+    wnd.bShould = 0;
+    Send(TaskbarCreated());
+    EXPECT_EQ("delete", tray.TakeNames());
+    EXPECT_EQ(0, wnd.IsIconShown());
+}
+
+TEST_F(TBIconTest, RestartOfTheShellIsTwoStepsOfTheBlinking) {
+    wnd.SetIcon(kLibraryIcon, kLibraryIcon, 60000);
+    wnd.ShowIcon(1);
+    EXPECT_EQ("add modify", tray.TakeNames());
+    Send(TaskbarCreated());
+    EXPECT_EQ("delete add modify", tray.TakeNames());
+    EXPECT_EQ(1, wnd.blinkPhase);
+    tray.Restart();
+    Send(TaskbarCreated());
+    EXPECT_EQ("delete modify add modify", tray.TakeNames()) << "still shown after the refusal";
+    EXPECT_EQ(1, wnd.blinkPhase);
+    EXPECT_TRUE(wnd.timerBlink.IsTicking());
+}
+
+TEST_F(TBIconTest, RestartOfTheShellShowsAPreparedBalloonAgain) {
+    wnd.ShowIcon(1);
+    wnd.SetBalloon(L"title", NIIF_INFO, 60, L"text");
+    tray.calls.clear();
+    tray.Restart();
+    Send(TaskbarCreated());
+    ASSERT_EQ(2u, tray.calls.size());
+    EXPECT_EQ(L"text", tray.calls[1].strInfo);
+    EXPECT_TRUE(tray.calls[1].uFlags & NIF_INFO);
+    EXPECT_TRUE(wnd.timerBalloon.IsTicking());
+}
+
 TEST_F(TBIconTest, RestartOfTheShellShowsWhatWasNotShown) {
     Send(TaskbarCreated());
     EXPECT_EQ("add", tray.TakeNames());
@@ -448,6 +516,40 @@ TEST_F(TBIconTest, BalloonsTimeBeginsWithTheIconAndNotWithAnUpdate) {
     EXPECT_FALSE(wnd.timerBalloon.IsTicking());
 }
 
+TEST_F(TBIconTest, HideBalloonEndsItsTimeWithOrWithoutUpdate) {
+    for (int bUpdate : {0, 1}) {
+        wnd.SetBalloon(L"title", NIIF_INFO, 60, L"text");
+        wnd.ShowIcon(1);
+        EXPECT_TRUE(wnd.timerBalloon.IsTicking());
+        wnd.HideBalloon(bUpdate);
+        EXPECT_FALSE(wnd.timerBalloon.IsTicking());
+        wnd.ShowIcon(0); // NIF_INFO is still set
+        EXPECT_TRUE(wnd.timerBalloon.IsTicking());
+    }
+}
+
+TEST_F(TBIconTest, BalloonThatIsNotEnabledHasNoTime) {
+    wnd.SetBalloon(L"title", NIIF_INFO, 60, L"text");
+    wnd.EnableBaloon(0);
+    wnd.ShowIcon(1);
+    EXPECT_FALSE(tray.calls.at(0).uFlags & NIF_INFO);
+    EXPECT_FALSE(wnd.timerBalloon.IsTicking());
+    wnd.EnableBaloon(1);
+    wnd.UpdateIcon();
+    EXPECT_EQ(L"text", tray.calls.at(1).strInfo);
+}
+
+TEST_F(TBIconTest, SecondShowBeginsTheBalloonsTimeAnew) {
+    wnd.SetBalloon(L"title", NIIF_INFO, 60, L"text");
+    wnd.ShowIcon(1);
+    wnd.nid.uTimeout = 20;
+    wnd.ShowIcon(0);
+    wnd.ShowIcon(1);
+    EXPECT_EQ(1u, wnd.timerBalloon.GetID());
+    EXPECT_TRUE(PumpUntil([&] { return !wnd.timerBalloon.IsTicking(); })) << "not after a minute";
+    EXPECT_STREQ(L"", wnd.nid.szInfo);
+}
+
 TEST_F(TBIconTest, WithoutABalloonNoTimeBegins) {
     wnd.ShowIcon(1);
     EXPECT_FALSE(wnd.timerBalloon.IsTicking());
@@ -512,6 +614,33 @@ TEST_F(TBIconTest, DestructorDestroysBothIcons) {
     }
     EXPECT_FALSE(IsIconAlive(hicon));
     EXPECT_FALSE(IsIconAlive(hiconAlternate));
+}
+
+TEST_F(TBIconTest, DestructorStopsBothTimers) {
+    auto pOther = std::make_unique<ProbeIcon>();
+    ASSERT_EQ(1, pOther->CreateWnd(kClass));
+    pOther->SetBalloon(L"title", NIIF_INFO, 60, L"text");
+    pOther->ShowIcon(1);
+    pOther->SetIcon(kLibraryIcon, kLibraryIcon, 60000);
+    pOther->Blink(1);
+    ASSERT_TRUE(pOther->timerBalloon.IsTicking() && pOther->timerBlink.IsTicking());
+    HWND hwnd = pOther->Detach();
+    pOther.reset();
+    EXPECT_FALSE(::KillTimer(hwnd, 1));
+    EXPECT_FALSE(::KillTimer(hwnd, 2));
+    ::DestroyWindow(hwnd);
+}
+
+TEST_F(TBIconTest, AlternateIconIsLoadedLikewise) {
+    AppInstance app(::LoadLibraryW(L"shell32.dll"), nullptr);
+    wnd.SetIcon(kLibraryIcon, 1, 60000);
+    ASSERT_NE(nullptr, wnd.pIconAlternate);
+    EXPECT_TRUE(wnd.pIconAlternate->IsReady()) << "the application's";
+    int cx = 0, cy = 0;
+    wnd.pIconAlternate->GetSize(cx, cy);
+    EXPECT_EQ(::GetSystemMetrics(SM_CXSMICON), cx);
+    EXPECT_EQ(::GetSystemMetrics(SM_CYSMICON), cy);
+    EXPECT_EQ(static_cast<HICON>(wnd.icon), wnd.nid.hIcon);
 }
 
 TEST_F(TBIconTest, WithoutTheAlternateIconBlinkingEnds) {
