@@ -1,11 +1,14 @@
 #include "wnd/cdpi.h"
 #include "runtime/runtime_func.h"
+#include "support/replace_import.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <cstring>
 #include <functional>
 #include <iterator>
+
+extern "C" FARPROC __imp_GetDC;
 
 namespace {
 /// A Windows with or without a GetDpiForMonitor that tells what it is told to.
@@ -141,6 +144,20 @@ TEST(CDPI, FailedFunctionFallsBackToTheContext) {
     fake.hr = E_INVALIDARG;
     EXPECT_EQ(ScreenDpi(), PCDPI()->GetDPIX());
     EXPECT_EQ(1, fake.nCalls);
+}
+
+TEST(CDPI, WithoutAnyContextTheValuesStay) {
+    FakeMonitorDpi fake;
+    fake.Set(120, 144);
+    CDPI dpi;
+    EXPECT_EQ(120, dpi.GetDPIX());
+    dpi.Invalidate();
+    fake.hr = E_FAIL;
+    HDC(WINAPI * pfnNone)(HWND) = [](HWND) -> HDC { return nullptr; };
+    ReplaceImport replaced(__imp_GetDC, pfnNone);
+    EXPECT_EQ(120, dpi.GetDPIX());
+    EXPECT_EQ(144, dpi.GetDPIY());
+    EXPECT_EQ(2, fake.nCalls) << "and count as read";
 }
 
 TEST(CDPI, FailedSearchIsRememberedWhateverIsLoadedLater) {

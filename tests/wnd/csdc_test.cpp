@@ -1,8 +1,16 @@
 #include "wnd/csdc.h"
 #include "support/memory_picture.h"
+#include "support/replace_import.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <utility>
+
+extern "C" FARPROC __imp_SaveDC;
+extern "C" FARPROC __imp_ReleaseDC;
+extern "C" FARPROC __imp_RestoreDC;
+extern "C" FARPROC __imp_DeleteDC;
 
 namespace {
 constexpr COLORREF kBefore = RGB(1, 2, 3), kInside = RGB(40, 50, 60);
@@ -207,6 +215,59 @@ TEST(ClientDC, OfADeadWindowIsADisplayContextThatIsDeleted) {
         EXPECT_EQ(1, ::SaveDC(hdc)) << "nothing was saved before";
     }
     EXPECT_EQ(0u, ::GetObjectType(hdc));
+}
+
+/// The calls that contexts are made and given up by, in order, in place of the platform's.
+class ContextCalls {
+  public:
+    ContextCalls() { str.clear(); }
+    std::string Take() { return std::exchange(str, {}); }
+
+  private:
+    static int WINAPI Save(HDC) {
+        str += "save ";
+        return 1;
+    }
+    static int WINAPI Release(HWND hwnd, HDC hdc) {
+        str += hwnd && hdc ? "release " : "release nothing ";
+        return 1;
+    }
+    static BOOL WINAPI Restore(HDC, int nSaved) {
+        str += "restore" + std::to_string(nSaved) + " ";
+        return TRUE;
+    }
+    static BOOL WINAPI Delete(HDC) {
+        str += "delete ";
+        return TRUE;
+    }
+    static inline std::string str;
+    ReplaceImport save{__imp_SaveDC, &Save}, release{__imp_ReleaseDC, &Release},
+        restore{__imp_RestoreDC, &Restore}, erase{__imp_DeleteDC, &Delete};
+};
+
+template <class WindowContext>
+void ExpectContextCalls() {
+    OwnContextWindow wnd;
+    HWND hwndDead = DeadWindow();
+    ContextCalls calls;
+    { WindowContext dc(wnd); }
+    EXPECT_EQ("save release restore-1 ", calls.Take());
+    { WindowContext dc(hwndDead); }
+    EXPECT_EQ("release delete ", calls.Take()) << "the display's context is released too";
+}
+
+TEST(ClientDC, IsReleasedBeforeItIsRestoredOrDeleted) { ExpectContextCalls<ClientDC>(); }
+
+TEST(DCWindow, IsReleasedBeforeItIsRestoredOrDeleted) { ExpectContextCalls<DCWindow>(); }
+
+TEST(CompatibleDC, IsRestoredBeforeItIsDeleted) {
+    MemoryPicture picture(1, 1);
+    HDC hdcDead = DeadDC();
+    ContextCalls calls;
+    { CompatibleDC dc(picture); }
+    EXPECT_EQ("save restore-1 delete ", calls.Take());
+    { CompatibleDC dc(hdcDead); }
+    EXPECT_EQ("delete ", calls.Take());
 }
 
 TEST(DCWindow, CoversTheFrameToo) {

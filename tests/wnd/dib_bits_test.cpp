@@ -1,9 +1,12 @@
 #include "wnd/dib_bits.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
+#include "support/replace_import.h"
 
 #include <gtest/gtest.h>
 #include <cstdlib>
+
+extern "C" FARPROC __imp_SetDIBits;
 
 namespace {
 TEST(GetDibBits, GivesTheTopRowFirst) {
@@ -154,6 +157,27 @@ TEST(RotateMemoryDC, LeavesNothingBehindWhenItSucceeds) {
         if (i == 9) nBefore = CountGdiObjects();
     }
     EXPECT_EQ(nBefore, CountGdiObjects());
+}
+
+TEST(RotateMemoryDC, WritesABitmapThatIsNotSelected) {
+    static int nWritten, nSelected;
+    static decltype(::SetDIBits)* pfnSetDIBits;
+    nWritten = nSelected = 0;
+    decltype(::SetDIBits)* pfnLook = [](HDC hdc, HBITMAP hbm, UINT uStart, UINT nRows,
+                                        const void* p, const BITMAPINFO* pInfo,
+                                        UINT uUsage) -> int {
+        ++nWritten;
+        nSelected += ::GetCurrentObject(hdc, OBJ_BITMAP) == hbm;
+        return pfnSetDIBits(hdc, hbm, uStart, nRows, p, pInfo, uUsage);
+    };
+    MemoryPicture picture(2, 2);
+    RECT rc{0, 0, 2, 2};
+    ReplaceImport replaced(__imp_SetDIBits, pfnLook);
+    pfnSetDIBits = replaced.Original<decltype(::SetDIBits)>();
+    EXPECT_EQ(1, RotateMemoryDC(picture, &rc, picture, 1));
+    EXPECT_EQ(1, TwistMemoryDC(picture, &rc, picture));
+    EXPECT_EQ(2, nWritten);
+    EXPECT_EQ(0, nSelected);
 }
 
 TEST(RotateMemoryDC, FourQuartersAreTheWholePicture) {

@@ -304,6 +304,14 @@ TEST_F(TBIconTest, ShowTakesTheWindowFromTheObjectIfTheDataHaveNone) {
     EXPECT_EQ(static_cast<HWND>(wnd), tray.calls.at(0).hwnd);
 }
 
+TEST_F(TBIconTest, ShowKeepsAWindowThatTheDataHave) {
+    PlainWnd other;
+    wnd.nid.hWnd = other;
+    wnd.ShowIcon(1);
+    EXPECT_EQ(other, tray.calls.at(0).hwnd);
+    wnd.ShowIcon(0);
+}
+
 TEST_F(TBIconTest, ShowWithoutAnyWindowIsTriedAllTheSame) {
     ProbeIcon other;
     other.ShowIcon(1);
