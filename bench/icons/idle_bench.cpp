@@ -95,7 +95,8 @@ int main() {
         SnapshotReader reader;
         reader.Clear();
         MonitorProcess monitor;
-        monitor.StartOn(desktop);
+        // As its users start it: the opening balloon has no timer either.
+        monitor.StartOn(desktop, L"");
         if (!WaitUntil([&] { return reader.Count() > 0; })) throw std::runtime_error("no snapshot");
         bool bOk = Measure(monitor);
         monitor.Exit();
