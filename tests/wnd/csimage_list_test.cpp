@@ -1,10 +1,20 @@
 #include "wnd/csimage_list.h"
 #include "app/app_instance.h"
 #include "support/memory_picture.h"
+#include "support/replace_import.h"
 #include "support/test_resource_ids.h"
 
 #include <gtest/gtest.h>
 #include <cstring>
+#include <utility>
+#include <vector>
+
+extern "C" FARPROC __imp_ImageList_AddMasked;
+extern "C" FARPROC __imp_ImageList_ReplaceIcon;
+extern "C" FARPROC __imp_ImageList_SetIconSize;
+extern "C" FARPROC __imp_ImageList_GetIconSize;
+extern "C" FARPROC __imp_ImageList_Draw;
+extern "C" FARPROC __imp_ImageList_SetOverlayImage;
 
 namespace {
 constexpr COLORREF kRed = RGB(255, 0, 0), kGreen = RGB(0, 255, 0), kBlue = RGB(0, 0, 255),
@@ -99,6 +109,34 @@ TEST(CSImageList, DestroyKeepsTheHandle) {
     EXPECT_EQ(0, list.Draw(0, picture, 0, 0, ILD_NORMAL));
     EXPECT_EQ(1, list.Create(16, 16, ILC_COLOR32, 0, 1));
     EXPECT_EQ(1, list.Destroy());
+}
+
+TEST(CSImageList, HandsNoDestroyedListToThePlatform) {
+    static std::vector<HIMAGELIST> seen;
+    seen.clear();
+    // In 64 bits a function may be called with more arguments than it takes.
+    int(WINAPI * pfnNote)(HIMAGELIST) = [](HIMAGELIST hList) -> int {
+        seen.push_back(hList);
+        return 0;
+    };
+    ReplaceImport add(__imp_ImageList_AddMasked, pfnNote),
+        replace(__imp_ImageList_ReplaceIcon, pfnNote), set(__imp_ImageList_SetIconSize, pfnNote),
+        get(__imp_ImageList_GetIconSize, pfnNote), draw(__imp_ImageList_Draw, pfnNote),
+        overlay(__imp_ImageList_SetOverlayImage, pfnNote);
+    CSImageList list;
+    list.Create(16, 16, ILC_COLOR32, 0, 1);
+    auto fnAskAll = [&] {
+        list.AddMasked(nullptr, 0);
+        list.AddIcon(static_cast<HICON>(nullptr));
+        list.SetIconSize(1, 1);
+        list.GetIconSize();
+        list.Draw(0, nullptr, 0, 0, 0);
+        list.SetOverlayImage(0, 1);
+        return std::exchange(seen, {});
+    };
+    EXPECT_EQ(std::vector<HIMAGELIST>(6, list), fnAskAll());
+    list.Destroy();
+    EXPECT_EQ(std::vector<HIMAGELIST>(6, nullptr), fnAskAll());
 }
 
 TEST(CSImageList, CreateAndAttachDestroyTheListHeld) {
