@@ -128,6 +128,47 @@ TEST_F(RestoreMenu, LongDateThatDoesNotFitIsLeftOut) {
     EXPECT_EQ(L" " + TimeText(st), str.substr(str.size() - TimeText(st).size() - 1));
 }
 
+TEST_F(RestoreMenu, LongDateThatDoesNotFitIsNeverTodays) {
+    key.Plant(StampOf(2017, 11, 3, 9, 8, 7), layout);
+    key.Plant(StampOf(2016, 11, 3, 9, 8, 7), layout);
+    // One that today's buffer still holds, and one for which that is too small as well.
+    for (const wchar_t* pszFormat :
+         {L"'Thirty-two and more characters: 'yyyy",
+          L"'Sixty-four and more characters, as nobody would write a date: 'yyyy"}) {
+        LocaleEntry longDate(LOCALE_SLONGDATE, pszFormat);
+        if (!longDate.IsSet()) GTEST_SKIP() << "the user's locale can't be changed here";
+        ASSERT_EQ(2, Build());
+        for (const std::wstring& str : TextsOf(menu)) {
+            EXPECT_EQ(std::wstring::npos, str.find(L"Today"));
+            EXPECT_NE(std::wstring::npos, str.find(L' ' + TimeText({2017, 11, 5, 3, 9, 8, 7, 0})));
+        }
+    }
+}
+
+TEST_F(RestoreMenu, DatesThatAreWrittenTheSameAreTodays) {
+    // The texts are compared: a locale that tells no day has the whole month as today.
+    key.Plant(StampOf(2017, 11, 30), layout);
+    key.Plant(StampOf(2017, 11, 3), layout);
+    key.Plant(StampOf(2017, 10, 31), layout);
+    LocaleEntry longDate(LOCALE_SLONGDATE, L"MMMM yyyy");
+    if (!longDate.IsSet()) GTEST_SKIP() << "the user's locale can't be changed here";
+    ASSERT_EQ(3, Build());
+    auto texts = TextsOf(menu);
+    EXPECT_EQ(0u, texts[0].find(L"Today at "));
+    EXPECT_EQ(0u, texts[1].find(L"Today at "));
+    EXPECT_EQ(0u, texts[2].find(DateText({2017, 10, 2, 31, 0, 0, 0, 0}, DATE_LONGDATE) + L" "));
+}
+
+TEST_F(RestoreMenu, TimeThatDoesNotFitLeavesTheRestOfTheLabel) {
+    key.Plant(StampOf(2017, 11, 3, 9, 8, 7), layout);
+    LocaleEntry time(LOCALE_STIMEFORMAT, L"'thirty-two and more characters: 'HH:mm:ss");
+    if (!time.IsSet()) GTEST_SKIP() << "the user's locale can't be changed here";
+    ASSERT_EQ(1, Build());
+    std::wstring str = TextsOf(menu)[0];
+    EXPECT_EQ(0u, str.find(L"Today at "));
+    EXPECT_LT(str.size(), std::wstring(L"Today at ").size() + 32);
+}
+
 TEST_F(RestoreMenu, SnapshotRestoredLastIsTheDefaultItem) {
     for (int n = 1; n <= 3; ++n) key.Plant(StampOf(2017, 10, n), layout);
     Build();
