@@ -249,6 +249,25 @@ TEST_F(TrayMenu, RestoreByTheMouse) {
     EXPECT_FALSE(monitor->IsCapturePending());
 }
 
+TEST_F(TrayMenu, RestoreLeadsToNoCaptureOfItsOwn) {
+    key.Plant(StampOf(2017, 10, 1), MakeLayout(3));
+    monitor->ScheduleCapture();
+    view.spyListView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
+        if (uMsg == WM_COPYDATA) { // the icons move, and the shell tells of it
+            ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0);
+            EXPECT_FALSE(monitor->IsCapturePending());
+        }
+        return 0;
+    };
+    Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN);
+    view.spyListView.handler = nullptr;
+    ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0); // a little later, too
+    EXPECT_FALSE(monitor->IsCapturePending());
+    EXPECT_TRUE(PumpUntil([&] { return !monitor->IsSuppressing(); }, 3000));
+    ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0);
+    EXPECT_TRUE(monitor->IsCapturePending());
+}
+
 TEST_F(TrayMenu, OldestOfAnyNumberOfSnapshotsCanBeRestored) {
     for (int nCount : {1, 25, 26}) {
         key.Delete();
