@@ -1,13 +1,26 @@
 #include "icons/restore_menu.h"
 #include "icons/heap_count_test_support.h"
 #include "icons/menu_test_support.h"
+#include "support/replace_import.h"
 #include "wnd/csmenu.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>
 
+extern "C" FARPROC __imp_GetDateFormatW;
+
 namespace {
+using DateFormatFunc = int WINAPI(LCID, DWORD, const SYSTEMTIME*, LPCWSTR, LPWSTR, int);
+DateFormatFunc* pfnPlatformsDate = nullptr;
+
+/// Leaves the buffer alone when the date does not fit, as not every platform does.
+int WINAPI WholeDatesOnly(LCID lcid, DWORD dwFlags, const SYSTEMTIME* pst, LPCWSTR pszFormat,
+                          LPWSTR psz, int cch) {
+    if (pfnPlatformsDate(lcid, dwFlags, pst, pszFormat, nullptr, 0) > cch) return 0;
+    return pfnPlatformsDate(lcid, dwFlags, pst, pszFormat, psz, cch);
+}
+
 struct RestoreMenu : testing::Test {
     RestoreMenu() { menu.CreatePopup(); }
     ~RestoreMenu() override { FreeRestoreMenuData(menu); }
@@ -142,6 +155,11 @@ TEST_F(RestoreMenu, LongDateThatDoesNotFitIsNeverTodays) {
             EXPECT_EQ(std::wstring::npos, str.find(L"Today"));
             EXPECT_NE(std::wstring::npos, str.find(L' ' + TimeText({2017, 11, 5, 3, 9, 8, 7, 0})));
         }
+        ReplaceImport replaced(__imp_GetDateFormatW, &WholeDatesOnly);
+        pfnPlatformsDate = replaced.Original<DateFormatFunc>();
+        ASSERT_EQ(2, Build());
+        for (const std::wstring& str : TextsOf(menu))
+            EXPECT_EQ(L' ' + TimeText({2017, 11, 5, 3, 9, 8, 7, 0}), str);
     }
 }
 

@@ -16,12 +16,29 @@
 #include "support/gui_objects.h"
 #include "support/menu_driver.h"
 #include "support/message_box_driver.h"
+#include "support/replace_import.h"
 #include "wnd/wm_hook.h"
 
 #include <gtest/gtest.h>
 #include <thread>
 
+extern "C" FARPROC __imp_DestroyMenu, __imp_RegSetValueExW;
+
 namespace {
+using DestroyMenuFunc = BOOL WINAPI(HMENU);
+DestroyMenuFunc* pfnPlatformsDestroy = nullptr;
+int nMenusDestroyed = 0, nDestroyedTwice = 0, nValuesSet = 0;
+
+BOOL WINAPI CountDestroyed(HMENU hmenu) {
+    ++(::IsMenu(hmenu) ? nMenusDestroyed : nDestroyedTwice);
+    return pfnPlatformsDestroy(hmenu);
+}
+
+LSTATUS WINAPI CountSet(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) {
+    ++nValuesSet;
+    return ERROR_SUCCESS;
+}
+
 constexpr const wchar_t* kTestRoot = L"Software\\Orvanta\\TrayMenuTest";
 
 /// Sees the menus of a window when they open, and what becomes of the window.
@@ -178,7 +195,15 @@ TEST_F(TrayMenu, OpeningCountsTheDay) {
     EXPECT_EQ(1, *reinterpret_cast<const int*>(setup.Value(L"DayCount").bytes.data()));
     unsigned long long qwWritten = setup.LastWrite(), qwRoot = root.LastWrite();
     unsigned long long qwStore = key.LastWrite();
-    for (int n = 0; n < 3; ++n) Glance(); // the same day: nothing is written
+    { // the same day: nothing is written
+        ReplaceImport replaced(__imp_RegSetValueExW, &CountSet);
+        nValuesSet = 0;
+        for (int n = 0; n < 3; ++n) Glance();
+        EXPECT_EQ(0, nValuesSet);
+        today.Set(2017, 11, 5); // what a write would look like
+        Glance();
+        EXPECT_EQ(2, nValuesSet);
+    }
     EXPECT_EQ(qwWritten, setup.LastWrite());
     EXPECT_EQ(qwRoot, root.LastWrite());
     EXPECT_EQ(qwStore, key.LastWrite());
@@ -325,6 +350,20 @@ TEST_F(TrayMenu, TimeStampsAreGivenBackOnceAlsoAfterARestore) {
     EXPECT_EQ(blocks[2], blocks[3]);
 }
 
+TEST_F(TrayMenu, MenusAreDestroyedOnce) {
+    for (bool bSnapshots : {false, true}) { // with them the sub-menu goes with its parent
+        if (bSnapshots) key.Plant(StampOf(2017, 10, 1), MakeLayout(2));
+        ReplaceImport replaced(__imp_DestroyMenu, &CountDestroyed);
+        pfnPlatformsDestroy = replaced.Original<DestroyMenuFunc>();
+        nMenusDestroyed = nDestroyedTwice = 0;
+        Glance();
+        EXPECT_EQ(bSnapshots ? 1 : 2, nMenusDestroyed);
+        EXPECT_EQ(0, nDestroyedTwice);
+        EXPECT_EQ(bSnapshots, SubMenu() != nullptr);
+        EXPECT_FALSE(::IsMenu(SubMenu()));
+    }
+}
+
 TEST_F(TrayMenu, DeletingAllAsksFirst) {
     key.Plant(StampOf(2017, 11, 1), MakeLayout(2));
     {
@@ -380,7 +419,9 @@ TEST_F(TrayMenu, RequestWhileTheMenuIsOpenDoesNothing) {
     SetMonitorFrontEnd(&trayFrontEnd);
     Open([&](MenuDriver& hands) {
         // As a double click asks: the second one is handled by the menu's own loop.
-        ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeOpenMenu, 1);
+        DWORD_PTR dwResult = 0;
+        EXPECT_NE(0, ::SendMessageTimeoutW(*monitor, GetTestCompanyMsg(), kCodeOpenMenu, 1, 0, 3000,
+                                           &dwResult));
         EXPECT_EQ(1, hands.CountPopups());
         hands.Press(VK_ESCAPE);
     });
