@@ -5,7 +5,7 @@ constinit LocalTimeFunc* pfnLocalTime = nullptr; // null: the platform's
 
 int EndText(int cch, wchar_t* pszBuffer, int cchBuffer) {
     pszBuffer[cchBuffer - 1] = 0;
-    return cch ? cch - 1 : 0;
+    return cch > 0;
 }
 } // namespace
 

@@ -10,8 +10,8 @@ using LocalTimeFunc = void WINAPI(SYSTEMTIME*);
 void SetLocalTimeSource(LocalTimeFunc* pfnNew);
 
 /// Today's date in the user's locale and the platform's format dwFlags (DATE_LONGDATE, or 0 for the
-/// short one) into a buffer of that many characters. Returns its length; if the text does not fit,
-/// 0, and the buffer holds what the platform left there, terminated.
+/// short one) into a buffer of that many characters. Returns 1; if the text does not fit, 0, and
+/// the buffer holds what the platform left there, terminated.
 int FormatToday(DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer);
 /// The same for a date that is given, and for its time of day.
 int FormatLocalDate(const SYSTEMTIME& st, DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer);

@@ -22,9 +22,11 @@ int AppendSnapshot(CSMenu& menu, unsigned nId, unsigned __int64 qwTime, const wc
     SYSTEMTIME st{};
     if (!ToLocalTime(qwTime, st)) return 0;
     wchar_t szDate[kLabelPartSize], szTime[kLabelPartSize];
-    FormatLocalDate(st, DATE_LONGDATE, szDate, kLabelPartSize);
+    int bHasDate = FormatLocalDate(st, DATE_LONGDATE, szDate, kLabelPartSize);
     FormatLocalTime(st, szTime, kLabelPartSize);
-    const wchar_t* pszFirst = StrIsSame(szDate, pszToday, 1) ? L"Today at" : szDate;
+    // What is left of two dates that do not fit says nothing of their being the same.
+    int bToday = bHasDate && StrIsSame(szDate, pszToday, 1);
+    const wchar_t* pszFirst = bToday ? L"Today at" : szDate;
     return menu.AppendItem(nId, L"%s %s", pszFirst, szTime);
 }
 } // namespace

@@ -100,7 +100,8 @@ int CSMenu::SetBreak(unsigned int nItem, int byPos, int bar) {
     GetItemInfo(nItem, byPos, &info);
     CSBuf text((info.cch + 1) * sizeof(wchar_t));
     if (!text.IsReady()) return 0;
-    if (info.cch) {
+    if (!(info.fType & (MFT_BITMAP | MFT_SEPARATOR | MFT_OWNERDRAW))) {
+        // An empty text as well: written without any, the item would become a separator.
         unsigned char* pText = text;
         info.dwTypeData = reinterpret_cast<wchar_t*>(pText);
         ++info.cch;

@@ -3,6 +3,7 @@
 #include "e2e/engine_test_support.h"
 #include "e2e/support/keyboard.h"
 #include "e2e/support/mouse.h"
+#include "e2e/support/tray_menu.h"
 
 namespace {
 using keyboard::Key;
@@ -168,6 +169,25 @@ TEST_F(Menu, DoubleClickOpensOneMenu) {
     EXPECT_TRUE(WaitUntil([this] { return CountMenus() == 0; }));
     EXPECT_TRUE(StillCaptures());
     EXPECT_EQ(0, CountMenus()); // and it stays at that
+}
+
+TEST_F(Menu, DoubleClickOnTheIconOpensOneMenu) {
+    StartPlain(3);
+    StartMonitor();
+    TrayMenu menu(monitor.ProcessId());
+    menu.Open(); // on this icon; now twice in quick succession
+    keyboard::Press({Key::Escape});
+    ASSERT_TRUE(WaitUntil([&] { return CountMenus() == 0; }));
+    mouse::Click(TrayMenu::Icon());
+    mouse::Click(TrayMenu::Icon());
+    EXPECT_TRUE(WaitUntil([&] { return CountMenus() == 1; }));
+    EXPECT_TRUE(StillCaptures());
+    EXPECT_GE(1, CountMenus());
+    keyboard::Press({Key::Escape});
+    EXPECT_TRUE(WaitUntil([&] { return CountMenus() == 0; }));
+    menu.Open(mouse::Button::Right); // and the icon still serves
+    keyboard::Press({Key::Up, Key::Return});
+    EXPECT_EQ(0u, monitor.WaitForEnd());
 }
 
 TEST_F(Menu, CaptureIsStoredWhileTheMenuIsOpen) {

@@ -98,6 +98,24 @@ TEST_F(Recommendations, BitmapIsMadeOnceAndKept) {
     rows[0] = saved;
 }
 
+TEST_F(Recommendations, IconOfThePresentModuleHasAPositiveId) {
+    Recommendation saved = rows[0];
+    rows[0].hbm = nullptr;
+    rows[0].nIconId = IDI_TEST;
+    HBITMAP hbm = Add()[0].hbm;
+    EXPECT_NE(nullptr, hbm);
+    EXPECT_EQ(hbm, rows[0].hbm);
+    ::DeleteObject(hbm);
+    rows[0] = saved;
+}
+
+TEST_F(Recommendations, OnlyTheFirstRowHasTheBitmap) {
+    auto items = Add();
+    EXPECT_EQ(rows[0].hbm, items[0].hbm);
+    EXPECT_EQ(nullptr, items[1].hbm);
+    EXPECT_EQ(nullptr, items[2].hbm);
+}
+
 TEST_F(Recommendations, RowWithoutAnIconHasNoBitmap) {
     Recommendation saved = rows[0];
     rows[0].hbm = nullptr;

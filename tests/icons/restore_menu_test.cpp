@@ -1,13 +1,26 @@
 #include "icons/restore_menu.h"
 #include "icons/heap_count_test_support.h"
 #include "icons/menu_test_support.h"
+#include "support/replace_import.h"
 #include "wnd/csmenu.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>
 
+extern "C" FARPROC __imp_GetDateFormatW;
+
 namespace {
+using DateFormatFunc = int WINAPI(LCID, DWORD, const SYSTEMTIME*, LPCWSTR, LPWSTR, int);
+DateFormatFunc* pfnPlatformsDate = nullptr;
+
+/// Leaves the buffer alone when the date does not fit, as not every platform does.
+int WINAPI WholeDatesOnly(LCID lcid, DWORD dwFlags, const SYSTEMTIME* pst, LPCWSTR pszFormat,
+                          LPWSTR psz, int cch) {
+    if (pfnPlatformsDate(lcid, dwFlags, pst, pszFormat, nullptr, 0) > cch) return 0;
+    return pfnPlatformsDate(lcid, dwFlags, pst, pszFormat, psz, cch);
+}
+
 struct RestoreMenu : testing::Test {
     RestoreMenu() { menu.CreatePopup(); }
     ~RestoreMenu() override { FreeRestoreMenuData(menu); }
@@ -126,6 +139,52 @@ TEST_F(RestoreMenu, LongDateThatDoesNotFitIsLeftOut) {
     std::wstring str = TextsOf(menu)[0];
     EXPECT_LT(str.size(), 32 + 1 + TimeText(st).size());
     EXPECT_EQ(L" " + TimeText(st), str.substr(str.size() - TimeText(st).size() - 1));
+}
+
+TEST_F(RestoreMenu, LongDateThatDoesNotFitIsNeverTodays) {
+    key.Plant(StampOf(2017, 11, 3, 9, 8, 7), layout);
+    key.Plant(StampOf(2016, 11, 3, 9, 8, 7), layout);
+    // One that today's buffer still holds, and one for which that is too small as well.
+    for (const wchar_t* pszFormat :
+         {L"'Thirty-two and more characters: 'yyyy",
+          L"'Sixty-four and more characters, as nobody would write a date: 'yyyy"}) {
+        LocaleEntry longDate(LOCALE_SLONGDATE, pszFormat);
+        if (!longDate.IsSet()) GTEST_SKIP() << "the user's locale can't be changed here";
+        ASSERT_EQ(2, Build());
+        for (const std::wstring& str : TextsOf(menu)) {
+            EXPECT_EQ(std::wstring::npos, str.find(L"Today"));
+            EXPECT_NE(std::wstring::npos, str.find(L' ' + TimeText({2017, 11, 5, 3, 9, 8, 7, 0})));
+        }
+        ReplaceImport replaced(__imp_GetDateFormatW, &WholeDatesOnly);
+        pfnPlatformsDate = replaced.Original<DateFormatFunc>();
+        ASSERT_EQ(2, Build());
+        for (const std::wstring& str : TextsOf(menu))
+            EXPECT_EQ(L' ' + TimeText({2017, 11, 5, 3, 9, 8, 7, 0}), str);
+    }
+}
+
+TEST_F(RestoreMenu, DatesThatAreWrittenTheSameAreTodays) {
+    // The texts are compared: a locale that tells no day has the whole month as today.
+    key.Plant(StampOf(2017, 11, 30), layout);
+    key.Plant(StampOf(2017, 11, 3), layout);
+    key.Plant(StampOf(2017, 10, 31), layout);
+    LocaleEntry longDate(LOCALE_SLONGDATE, L"MMMM yyyy");
+    if (!longDate.IsSet()) GTEST_SKIP() << "the user's locale can't be changed here";
+    ASSERT_EQ(3, Build());
+    auto texts = TextsOf(menu);
+    EXPECT_EQ(0u, texts[0].find(L"Today at "));
+    EXPECT_EQ(0u, texts[1].find(L"Today at "));
+    EXPECT_EQ(0u, texts[2].find(DateText({2017, 10, 2, 31, 0, 0, 0, 0}, DATE_LONGDATE) + L" "));
+}
+
+TEST_F(RestoreMenu, TimeThatDoesNotFitLeavesTheRestOfTheLabel) {
+    key.Plant(StampOf(2017, 11, 3, 9, 8, 7), layout);
+    LocaleEntry time(LOCALE_STIMEFORMAT, L"'thirty-two and more characters: 'HH:mm:ss");
+    if (!time.IsSet()) GTEST_SKIP() << "the user's locale can't be changed here";
+    ASSERT_EQ(1, Build());
+    std::wstring str = TextsOf(menu)[0];
+    EXPECT_EQ(0u, str.find(L"Today at "));
+    EXPECT_LT(str.size(), std::wstring(L"Today at ").size() + 32);
 }
 
 TEST_F(RestoreMenu, SnapshotRestoredLastIsTheDefaultItem) {

@@ -12,14 +12,33 @@
 #include "icons/recommendations.h"
 #include "icons/snapshot_store.h"
 #include "icons/tray_front_end.h"
+#include "support/fake_tray.h"
 #include "support/gui_objects.h"
 #include "support/menu_driver.h"
 #include "support/message_box_driver.h"
+#include "support/replace_import.h"
 #include "wnd/wm_hook.h"
 
 #include <gtest/gtest.h>
+#include <thread>
+
+extern "C" FARPROC __imp_DestroyMenu, __imp_RegSetValueExW;
 
 namespace {
+using DestroyMenuFunc = BOOL WINAPI(HMENU);
+DestroyMenuFunc* pfnPlatformsDestroy = nullptr;
+int nMenusDestroyed = 0, nDestroyedTwice = 0, nValuesSet = 0;
+
+BOOL WINAPI CountDestroyed(HMENU hmenu) {
+    ++(::IsMenu(hmenu) ? nMenusDestroyed : nDestroyedTwice);
+    return pfnPlatformsDestroy(hmenu);
+}
+
+LSTATUS WINAPI CountSet(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) {
+    ++nValuesSet;
+    return ERROR_SUCCESS;
+}
+
 constexpr const wchar_t* kTestRoot = L"Software\\Orvanta\\TrayMenuTest";
 
 /// Sees the menus of a window when they open, and what becomes of the window.
@@ -96,6 +115,13 @@ class TrayMenu : public EngineTest {
         OpenTrayMenu(*monitor);
         watcher.bCloseWhenShown = false;
     }
+    /// As the agent sends a capture; from any thread.
+    void SendCapture(Layout layout) {
+        COPYDATASTRUCT data{layout.size(), static_cast<DWORD>(layout.size() * sizeof(IconRecord)),
+                            layout.data()};
+        ::SendMessageW(*monitor, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
+    }
+    HMENU SubMenu() const { return watcher.items[1].hmenuSub; }
     bool HasText(const std::wstring& str) {
         return std::find(watcher.texts.begin(), watcher.texts.end(), str) != watcher.texts.end();
     }
@@ -159,13 +185,25 @@ TEST_F(TrayMenu, RecommendationComesAndGoesWithTheDayCounter) {
 }
 
 TEST_F(TrayMenu, OpeningCountsTheDay) {
-    setup.PutStr(L"LastUse", L"yesterday");
+    for (int n = 1; n <= 26; ++n) key.Plant(StampOf(2017, 10, n), MakeLayout(2));
+    key.PutStr(L"", NameOf(StampOf(2017, 10, 3)));
     Glance();
-    EXPECT_EQ(9u, watcher.texts.size()); // 1 by now
+    EXPECT_EQ(6u, watcher.texts.size());
+    today.Set(2017, 11, 4); // the program runs on
+    Glance();
+    EXPECT_EQ(10u, watcher.texts.size()); // 1 by now
     EXPECT_EQ(1, *reinterpret_cast<const int*>(setup.Value(L"DayCount").bytes.data()));
     unsigned long long qwWritten = setup.LastWrite(), qwRoot = root.LastWrite();
     unsigned long long qwStore = key.LastWrite();
-    for (int n = 0; n < 3; ++n) Glance(); // the same day: nothing is written
+    { // the same day: nothing is written
+        ReplaceImport replaced(__imp_RegSetValueExW, &CountSet);
+        nValuesSet = 0;
+        for (int n = 0; n < 3; ++n) Glance();
+        EXPECT_EQ(0, nValuesSet);
+        today.Set(2017, 11, 5); // what a write would look like
+        Glance();
+        EXPECT_EQ(2, nValuesSet);
+    }
     EXPECT_EQ(qwWritten, setup.LastWrite());
     EXPECT_EQ(qwRoot, root.LastWrite());
     EXPECT_EQ(qwStore, key.LastWrite());
@@ -222,6 +260,76 @@ TEST_F(TrayMenu, RestoreSuppressesCapturesBeforeAnythingMoves) {
     EXPECT_EQ(L'*', watcher.subTexts[1][0]); // bold at the next opening
 }
 
+TEST_F(TrayMenu, RestoreByTheMouse) {
+    for (int n = 1; n <= 3; ++n) key.Plant(StampOf(2017, 10, n), MakeLayout(3, n));
+    monitor->ScheduleCapture();
+    Open([&](MenuDriver& hands) {
+        hands.Click(hands.PlaceOf(watcher.hmenuOpen, 1));
+        EXPECT_TRUE(WaitUntil([&] { return hands.CountPopups() == 2; }));
+        hands.Click(hands.PlaceOf(SubMenu(), 2));
+    });
+    EXPECT_EQ(BytesOf(NameOf(StampOf(2017, 10, 1))), key.Value(L"").bytes);
+    EXPECT_EQ(1, view.spyListView.CountOf(WM_COPYDATA));
+    EXPECT_TRUE(monitor->IsSuppressing());
+    EXPECT_FALSE(monitor->IsCapturePending());
+}
+
+TEST_F(TrayMenu, RestoreLeadsToNoCaptureOfItsOwn) {
+    key.Plant(StampOf(2017, 10, 1), MakeLayout(3));
+    monitor->ScheduleCapture();
+    view.spyListView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
+        if (uMsg == WM_COPYDATA) { // the icons move, and the shell tells of it
+            ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0);
+            EXPECT_FALSE(monitor->IsCapturePending());
+        }
+        return 0;
+    };
+    Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN);
+    view.spyListView.handler = nullptr;
+    ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0); // a little later, too
+    EXPECT_FALSE(monitor->IsCapturePending());
+    EXPECT_TRUE(PumpUntil([&] { return !monitor->IsSuppressing(); }, 3000));
+    ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0);
+    EXPECT_TRUE(monitor->IsCapturePending());
+}
+
+TEST_F(TrayMenu, OldestOfAnyNumberOfSnapshotsCanBeRestored) {
+    for (int nCount : {1, 25, 26}) {
+        key.Delete();
+        key.Create();
+        for (int n = 1; n <= nCount; ++n) key.Plant(StampOf(2017, 10, n), MakeLayout(3, n));
+        view.spyListView.Clear();
+        Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_UP, VK_RETURN); // up from the first row is the last
+        EXPECT_EQ(static_cast<size_t>(nCount), watcher.subTexts.size());
+        EXPECT_EQ(1, view.spyListView.CountOf(WM_COPYDATA)) << nCount;
+        EXPECT_EQ(BytesOf(NameOf(StampOf(2017, 10, 1))), key.Value(L"").bytes) << nCount;
+    }
+}
+
+TEST_F(TrayMenu, SnapshotThatAgedOutAfterItsRestoreLeavesNothingBold) {
+    for (int n = 1; n <= 25; ++n) key.Plant(StampOf(2017, 10, n), MakeLayout(3, n));
+    Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_UP, VK_RETURN);
+    Glance();
+    EXPECT_EQ(L'*', watcher.subTexts.at(24)[0]);
+    SendCapture(MakeLayout(4)); // the 26th
+    EXPECT_EQ(BytesOf(NameOf(StampOf(2017, 10, 1))), key.Value(L"").bytes);
+    Glance();
+    EXPECT_EQ(25u, watcher.subTexts.size());
+    for (const std::wstring& str : watcher.subTexts) EXPECT_NE(L'*', str[0]);
+}
+
+TEST_F(TrayMenu, SnapshotOfNoSnapshotsSizeIsListedAndRestoresNothing) {
+    key.Plant(StampOf(2017, 10, 1), MakeLayout(3));
+    key.PutStr(NameOf(StampOf(2017, 10, 2)), L"no snapshot");
+    key.Plant(0xFFFFFFFFFFFFFFFF, MakeLayout(3)); // no date: not listed
+    auto before = key.Values();
+    Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN);
+    EXPECT_EQ(2u, watcher.subTexts.size());
+    EXPECT_EQ(0, view.spyListView.CountOf(WM_COPYDATA));
+    EXPECT_EQ(before, key.Values());
+    EXPECT_TRUE(monitor->IsSuppressing());
+}
+
 TEST_F(TrayMenu, TimeStampsAreGivenBackOnceAlsoAfterARestore) {
     for (int n = 1; n <= 3; ++n) key.Plant(StampOf(2017, 10, n), MakeLayout(3, n));
     view.spyListView.handler = [](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
@@ -242,6 +350,20 @@ TEST_F(TrayMenu, TimeStampsAreGivenBackOnceAlsoAfterARestore) {
     EXPECT_EQ(blocks[2], blocks[3]);
 }
 
+TEST_F(TrayMenu, MenusAreDestroyedOnce) {
+    for (bool bSnapshots : {false, true}) { // with them the sub-menu goes with its parent
+        if (bSnapshots) key.Plant(StampOf(2017, 10, 1), MakeLayout(2));
+        ReplaceImport replaced(__imp_DestroyMenu, &CountDestroyed);
+        pfnPlatformsDestroy = replaced.Original<DestroyMenuFunc>();
+        nMenusDestroyed = nDestroyedTwice = 0;
+        Glance();
+        EXPECT_EQ(bSnapshots ? 1 : 2, nMenusDestroyed);
+        EXPECT_EQ(0, nDestroyedTwice);
+        EXPECT_EQ(bSnapshots, SubMenu() != nullptr);
+        EXPECT_FALSE(::IsMenu(SubMenu()));
+    }
+}
+
 TEST_F(TrayMenu, DeletingAllAsksFirst) {
     key.Plant(StampOf(2017, 11, 1), MakeLayout(2));
     {
@@ -252,6 +374,7 @@ TEST_F(TrayMenu, DeletingAllAsksFirst) {
         EXPECT_EQ(L"Are you sure you want to delete all snapshots?", seen[0].strText);
         EXPECT_EQ((std::vector<int>{IDYES, IDNO}), seen[0].buttons);
         EXPECT_EQ(1, seen[0].bHasIcon);
+        EXPECT_EQ(nullptr, seen[0].hwndOwner);
     }
     EXPECT_EQ(1u, key.Values().size());
     MessageBoxDriver box({IDYES});
@@ -296,7 +419,9 @@ TEST_F(TrayMenu, RequestWhileTheMenuIsOpenDoesNothing) {
     SetMonitorFrontEnd(&trayFrontEnd);
     Open([&](MenuDriver& hands) {
         // As a double click asks: the second one is handled by the menu's own loop.
-        ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeOpenMenu, 1);
+        DWORD_PTR dwResult = 0;
+        EXPECT_NE(0, ::SendMessageTimeoutW(*monitor, GetTestCompanyMsg(), kCodeOpenMenu, 1, 0, 3000,
+                                           &dwResult));
         EXPECT_EQ(1, hands.CountPopups());
         hands.Press(VK_ESCAPE);
     });
@@ -309,17 +434,85 @@ TEST_F(TrayMenu, RequestWhileTheMenuIsOpenDoesNothing) {
 
 TEST_F(TrayMenu, CaptureGoesOnWhileTheMenuIsOpenAndShowsAtTheNextOpening) {
     key.Plant(StampOf(2017, 10, 1), MakeLayout(2));
-    auto layout = MakeLayout(5);
     Open([&](MenuDriver& hands) {
-        COPYDATASTRUCT data{layout.size(), static_cast<DWORD>(layout.size() * sizeof(IconRecord)),
-                            layout.data()};
-        ::SendMessageW(*monitor, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
+        SendCapture(MakeLayout(5));
         EXPECT_EQ(2u, key.Values().size());
-        EXPECT_EQ(1, ::GetMenuItemCount(watcher.items[1].hmenuSub));
+        EXPECT_EQ(1, ::GetMenuItemCount(SubMenu()));
         hands.Press(VK_ESCAPE);
     });
     Glance();
     EXPECT_EQ(2u, watcher.subTexts.size());
+}
+
+TEST_F(TrayMenu, TimersGoOnWhileTheMenuIsOpen) {
+    monitor->SuppressCaptures();
+    Open([&](MenuDriver& hands) {
+        EXPECT_TRUE(WaitUntil([&] { return !monitor->IsSuppressing(); }));
+        ::SendMessageW(*monitor, WM_TIMER, 10, 0); // as when it had been quiet for ten seconds
+        EXPECT_TRUE(WaitUntil([&] { return view.spyListView.CountOfCode(kCodeCapture) == 1; }));
+        EXPECT_EQ(1, hands.CountPopups());
+        hands.Press(VK_ESCAPE);
+    });
+}
+
+TEST_F(TrayMenu, BalloonComesWhileTheMenuIsOpenAndLeavesItOpen) {
+    FakeTray tray;
+    ASSERT_TRUE(tray.IsInFront());
+    SetMonitorFrontEnd(&trayFrontEnd);
+    trayFrontEnd.OnRoundStart(*monitor, 0);
+    tray.calls.clear();
+    monitor->SetSnapshotAnnounce(1);
+    Open([&](MenuDriver& hands) {
+        SendCapture(MakeLayout(5));
+        EXPECT_EQ(1u, key.Values().size());
+        EXPECT_EQ(1, hands.CountPopups());
+        hands.Press(VK_ESCAPE);
+    });
+    ASSERT_EQ(1u, tray.calls.size());
+    EXPECT_TRUE(tray.calls[0].uFlags & NIF_INFO);
+    EXPECT_FALSE(tray.calls[0].strInfo.empty());
+    EXPECT_EQ(0, monitor->GetSnapshotAnnounce());
+    trayFrontEnd.OnRoundEnd();
+    SetMonitorFrontEnd(nullptr);
+    PumpAll();
+}
+
+TEST_F(TrayMenu, MonitorWindowThatClosesUnderTheQuestionDeletesNothing) {
+    key.Plant(StampOf(2017, 10, 1), MakeLayout(2));
+    std::thread closer([&] {
+        EXPECT_TRUE(WaitUntil([] { return IsMessageBoxOpen() != 0; }));
+        ::SendMessageW(*monitor, WM_CLOSE, 0, 0);
+    });
+    Press(VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN);
+    closer.join();
+    EXPECT_FALSE(IsMessageBoxOpen());
+    EXPECT_EQ(1u, key.Values().size());
+    int bQuit = 0;
+    PumpAll(&bQuit);
+    EXPECT_EQ(1, bQuit);
+}
+
+TEST_F(TrayMenu, OpensAgainUnderTheQuestionAndShowsTheStoreAsItIsThen) {
+    key.Plant(StampOf(2017, 10, 1), MakeLayout(2));
+    SetDays(6);
+    SetMonitorFrontEnd(&trayFrontEnd);
+    std::thread other([&] {
+        EXPECT_TRUE(WaitUntil([] { return IsMessageBoxOpen() != 0; }));
+        SendCapture(MakeLayout(5));
+        watcher.texts.clear();
+        watcher.bCloseWhenShown = true;
+        ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeOpenMenu, 1); // back when it has closed
+        watcher.bCloseWhenShown = false;
+        MessageBoxDriver box({IDNO});
+        EXPECT_TRUE(WaitUntil([] { return IsMessageBoxOpen() == 0; }));
+    });
+    Press(VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN);
+    other.join();
+    SetMonitorFrontEnd(nullptr);
+    EXPECT_EQ(2, watcher.nOpened);
+    EXPECT_EQ(2u, watcher.subTexts.size());
+    EXPECT_EQ(&GetRecommendationTable()[1], GetRecommendation());
+    EXPECT_EQ(2u, key.Values().size());
 }
 
 TEST_F(TrayMenu, MonitorWindowThatClosesTakesTheMenuAlong) {

@@ -275,6 +275,23 @@ TEST(CSMenuBreaks, SetBreakKeepsTheSubMenu) {
     EXPECT_EQ(L"/s(z)", Shape(menu));
 }
 
+TEST(CSMenuBreaks, SetBreakKeepsItemsWithoutATextAsTheyAre) {
+    CSMenu menu;
+    menu.CreatePopup();
+    menu.AppendItem(5, L"");
+    menu.AppendSeparator();
+    ::AppendMenuW(menu, MF_OWNERDRAW, 6, reinterpret_cast<LPCWSTR>(0x1234));
+    for (unsigned nPos = 0; nPos < 3; ++nPos) {
+        MenuItemInfo before(MIIM_TYPE | MIIM_ID), after(MIIM_TYPE | MIIM_ID);
+        menu.GetItemInfoByPos(nPos, &before);
+        EXPECT_NE(0, menu.SetBreakByPos(nPos, 1));
+        menu.GetItemInfoByPos(nPos, &after);
+        EXPECT_EQ(before.fType | MFT_MENUBARBREAK, after.fType) << nPos;
+        EXPECT_EQ(before.dwTypeData, after.dwTypeData) << nPos;
+        EXPECT_EQ(before.wID, after.wID) << nPos;
+    }
+}
+
 TEST(CSMenuBreaks, MenuThatFitsGetsNoneNorItsSubMenus) {
     CSMenu menu, sub;
     menu.CreatePopup();
