@@ -26,7 +26,8 @@ void keyboard::Press(const std::vector<Key>& keys) {
 
 void keyboard::PressOnDisplay(const std::vector<Key>& keys) {
     if (!UsesXdotool()) return Press(keys);
-    // 1 is no window but the pointer's root (X.h): the focus is with whatever lies below the pointer.
+    // 1 is no window but the pointer's root (X.h): the focus is with whatever lies below the
+    // pointer.
     std::wstring strLine = L"xdotool windowfocus 1 key --delay 30";
     for (Key key : keys) strLine += std::wstring(L" ") + kNames[static_cast<int>(key)];
     RunUnixShell(strLine);
