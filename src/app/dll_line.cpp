@@ -1,8 +1,8 @@
 #include "app/dll_line.h"
-#include "app/shell_start.h"
 #include "files/path_quote.h"
 #include "files/path_short.h"
 #include "runtime/library_instance.h"
+#include "runtime/module_path.h"
 #include "runtime/text_format.h"
 
 #include <cwchar>

@@ -4,6 +4,7 @@
 #include "files/path_home.h"
 #include "files/path_split.h"
 #include "runtime/elevation.h"
+#include "runtime/module_path.h"
 #include "runtime/runtime_func.h"
 #include "runtime/win_version.h"
 #include "wnd/wait_cursor.h"

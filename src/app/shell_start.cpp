@@ -1,6 +1,5 @@
 #include "app/shell_start.h"
-#include "files/path_split.h"
-#include "runtime/library_instance.h"
+#include "files/path_home.h"
 #include "wnd/wait_cursor.h"
 
 static_assert(sizeof(SHELLEXECUTEINFOW) == 112, "as 64-bit Windows knows it");
@@ -33,18 +32,6 @@ HWND GetStartOwner(HWND hwnd) {
 
 HWND FindProgman() { return ::FindWindowW(L"Progman", nullptr); }
 
-int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]) {
-    DWORD cch = ::GetModuleFileNameW(hinst, szPath, MAX_PATH);
-    if (cch > 0 && cch < MAX_PATH) return 1; // XP cuts a longer one without a terminator
-    szPath[0] = 0;
-    return 0;
-}
-
 int GetSatellitePathOf(const wchar_t* pszName, wchar_t (&szPath)[MAX_PATH]) {
-    if (!pszName || !GetModulePath(GetLibraryInstance(), szPath)) return 0;
-    wchar_t* pszSeparator = FindLastSeparator(szPath);
-    wchar_t* psz = pszSeparator ? pszSeparator + 1 : szPath;
-    if ((psz - szPath) + ::lstrlenW(pszName) >= MAX_PATH) return 0;
-    ::lstrcpyW(psz, pszName);
-    return 1;
+    return pszName && GetSatellitePath(szPath, pszName, nullptr);
 }

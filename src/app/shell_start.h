@@ -28,7 +28,5 @@ HWND GetStartOwner(HWND hwnd);
 /// The shell's window "Progman"; null if there is none.
 HWND FindProgman();
 
-/// The path of a module's file; null is the program. 0 and an empty text if it does not fit.
-int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]);
 /// The path of the file of that name beside this library. 0 if it does not fit.
 int GetSatellitePathOf(const wchar_t* pszName, wchar_t (&szPath)[MAX_PATH]);

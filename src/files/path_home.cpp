@@ -6,6 +6,7 @@
 #include "files/path_short.h"
 #include "files/path_split.h"
 #include "runtime/library_instance.h"
+#include "runtime/module_path.h"
 #include "store/home_folder.h"
 
 #include <cwchar>
@@ -14,13 +15,6 @@ namespace {
 int Empty(wchar_t* pszOut) {
     if (pszOut) *pszOut = 0;
     return 0;
-}
-
-int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[kPathChars]) {
-    DWORD cch = ::GetModuleFileNameW(hinst, szPath, kPathChars);
-    // XP cuts a path that is too long and does not terminate it.
-    if (cch > 0 && cch < kPathChars) return 1;
-    return Empty(szPath);
 }
 
 int GetModuleFolder(HINSTANCE hinst, wchar_t (&szFolder)[kPathChars]) {

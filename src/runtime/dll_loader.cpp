@@ -1,4 +1,5 @@
 #include "runtime/dll_loader.h"
+#include "runtime/module_path.h"
 #include "runtime/runtime_func.h"
 #include <shlwapi.h> // DLLVERSIONINFO
 #include <atomic>
@@ -9,9 +10,8 @@ namespace {
 constexpr DWORD kOldestVersion = 4; // what has no DllGetVersion is of the first shell
 
 int PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
-    auto hmodThis = reinterpret_cast<HMODULE>(&__ImageBase);
-    DWORD cch = ::GetModuleFileNameW(hmodThis, szPath, MAX_PATH);
-    if (cch == 0 || cch >= MAX_PATH) return 0;
+    if (!GetModulePath(reinterpret_cast<HMODULE>(&__ImageBase), szPath)) return 0;
+    int cch = ::lstrlenW(szPath);
     while (cch && szPath[cch - 1] != L'\\') --cch;
     if (cch + ::lstrlenW(pszName) + 1 > MAX_PATH) return 0;
     ::lstrcpyW(szPath + cch, pszName);
