@@ -3,7 +3,7 @@
 #include <winternl.h>
 
 // How many objects of the drawing and of the window system this process has. GetGuiResources, which
-// would tell, is a stub on the test platform.
+// would tell, answers 0 on the test platform.
 
 /// Entries in use of the table of drawing objects, which the platform shows to its processes.
 inline int CountGdiObjects() {
