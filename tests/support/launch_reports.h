@@ -61,14 +61,17 @@ class LaunchReports {
     std::optional<LaunchReport> Look() {
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
             if (entry.path().extension() != ".txt") continue;
-            LaunchReport report = Read(entry.path());
-            std::filesystem::remove(entry.path());
+            auto report = Read(entry.path());
+            if (report) std::filesystem::remove(entry.path());
             return report;
         }
         return {};
     }
-    static LaunchReport Read(const std::filesystem::path& path) {
+    /// Nothing while its writer has not let go of it: the file bears its final name a moment
+    /// before the renaming is over, and cannot be opened till then.
+    static std::optional<LaunchReport> Read(const std::filesystem::path& path) {
         std::ifstream file(path, std::ios::binary);
+        if (!file) return {};
         std::string bytes{std::istreambuf_iterator<char>(file), {}};
         std::wstring str(reinterpret_cast<const wchar_t*>(bytes.data()),
                          bytes.size() / sizeof(wchar_t));
