@@ -13,7 +13,6 @@
 #include <new>
 
 namespace {
-constexpr int kDrives = 26;
 constexpr DWORD kFirstListSize = 2400;      // bytes
 constexpr DWORD kMaxListSize = 1024 * 1024; // no list of connections is as long
 constexpr int kMaxPieces = 1000;            // nor as many
