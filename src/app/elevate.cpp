@@ -9,8 +9,13 @@
 namespace {
 constexpr const wchar_t* kAsAdministrator = L"runas";
 
-/// What the functions that find a path do if it does not fit.
-int NotFound(HANDLE* phProcess, DWORD* pdwError) {
+/// The file of that name, in the folder that pfnFind knows, in the way of pfnRun.
+int RunFound(decltype(RunElevated)* pfnRun, decltype(GetLocalPath)* pfnFind, HWND hwnd,
+             const wchar_t* pszName, const wchar_t* pszParameters, const wchar_t* pszDirectory,
+             HANDLE* phProcess, DWORD* pdwError, int bForce) {
+    wchar_t szPath[MAX_PATH];
+    if (pszName && pfnFind(szPath, pszName, nullptr))
+        return pfnRun(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
     if (phProcess) *phProcess = nullptr;
     if (pdwError) *pdwError = ERROR_FILE_NOT_FOUND;
     return 0;
@@ -43,17 +48,15 @@ int RunNonElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParamete
 int RunLocalFileNonElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                             const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                             int bForce) {
-    wchar_t szPath[MAX_PATH];
-    if (!pszName || !GetLocalPath(szPath, pszName, nullptr)) return NotFound(phProcess, pdwError);
-    return RunNonElevated(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
+    return RunFound(&RunNonElevated, &GetLocalPath, hwnd, pszName, pszParameters, pszDirectory,
+                    phProcess, pdwError, bForce);
 }
 
 int RunSatelliteFileNonElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                                 const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                                 int bForce) {
-    wchar_t szPath[MAX_PATH];
-    if (!GetSatellitePathOf(pszName, szPath)) return NotFound(phProcess, pdwError);
-    return RunNonElevated(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
+    return RunFound(&RunNonElevated, &GetSatellitePath, hwnd, pszName, pszParameters, pszDirectory,
+                    phProcess, pdwError, bForce);
 }
 
 int CanRunNonElevated(int) { return FindProgman() != nullptr; }
@@ -74,17 +77,15 @@ int RunElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
 int RunLocalFileElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                          const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                          int bForce) {
-    wchar_t szPath[MAX_PATH];
-    if (!pszName || !GetLocalPath(szPath, pszName, nullptr)) return NotFound(phProcess, pdwError);
-    return RunElevated(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
+    return RunFound(&RunElevated, &GetLocalPath, hwnd, pszName, pszParameters, pszDirectory,
+                    phProcess, pdwError, bForce);
 }
 
 int RunSatelliteFileElevated(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                              const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                              int bForce) {
-    wchar_t szPath[MAX_PATH];
-    if (!GetSatellitePathOf(pszName, szPath)) return NotFound(phProcess, pdwError);
-    return RunElevated(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
+    return RunFound(&RunElevated, &GetSatellitePath, hwnd, pszName, pszParameters, pszDirectory,
+                    phProcess, pdwError, bForce);
 }
 
 int MyChangeWindowMessageFilter(UINT uMsg, DWORD dwFlag) {

@@ -13,15 +13,27 @@ namespace {
 constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this is no error
 constexpr int kDllLineSize = 1024;
 
-/// The file of a found path, for RunLocalFile and RunSatelliteFile.
-int RunFound(HWND hwnd, const wchar_t* pszPath, const wchar_t* pszParameters,
-             const wchar_t* pszVerb) {
+/// The file of that name in the folder that pfnFind knows.
+int RunFound(decltype(GetLocalPath)* pfnFind, HWND hwnd, const wchar_t* pszName,
+             const wchar_t* pszParameters, const wchar_t* pszVerb) {
+    wchar_t szPath[MAX_PATH];
+    if (!pszName || !pfnFind(szPath, pszName, nullptr)) return 0;
     ShellStart start;
     start.hwnd = hwnd ? hwnd : ::GetDesktopWindow();
     start.pszVerb = pszVerb;
-    start.pszFile = pszPath;
+    start.pszFile = szPath;
     start.pszParameters = pszParameters;
     return StartWaiting(start);
+}
+
+ShellStart MakePidlStart(const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
+                         const wchar_t* pszVerb) {
+    ShellStart start;
+    start.pszVerb = pszVerb;
+    start.pszDirectory = pszDirectory;
+    start.pidl = pidl;
+    start.nMask = SEE_MASK_IDLIST | SEE_MASK_INVOKEIDLIST;
+    return start;
 }
 
 /// The program's own path and its folder.
@@ -60,40 +72,29 @@ HANDLE StartProcess(const wchar_t* pszFile, const wchar_t* pszParameters,
 
 int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
             const wchar_t* pszVerb) {
-    ShellStart start;
+    ShellStart start = MakePidlStart(pidl, pszDirectory, pszVerb);
     start.hwnd = hwnd;
-    start.pszVerb = pszVerb;
-    start.pszDirectory = pszDirectory;
-    start.pidl = pidl;
-    start.nMask = SEE_MASK_IDLIST | SEE_MASK_INVOKEIDLIST;
     start.nShow = SW_SHOW;
     return StartByShell(start);
 }
 
 int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
               const wchar_t* pszParameters, const wchar_t* pszVerb, HANDLE* phProcess) {
-    ShellStart start;
+    ShellStart start = MakePidlStart(pidl, pszDirectory, pszVerb);
     start.hwnd = GetStartOwner(hwnd);
-    start.pszVerb = pszVerb;
     start.pszParameters = pszParameters;
-    start.pszDirectory = pszDirectory;
-    start.pidl = pidl;
-    start.nMask = SEE_MASK_IDLIST | SEE_MASK_INVOKEIDLIST;
     start.phProcess = phProcess;
     return StartByShell(start);
 }
 
 int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                  const wchar_t* pszVerb) {
-    wchar_t szPath[MAX_PATH];
-    return pszName && GetLocalPath(szPath, pszName, nullptr) &&
-           RunFound(hwnd, szPath, pszParameters, pszVerb);
+    return RunFound(&GetLocalPath, hwnd, pszName, pszParameters, pszVerb);
 }
 
 int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                      const wchar_t* pszVerb) {
-    wchar_t szPath[MAX_PATH];
-    return GetSatellitePathOf(pszName, szPath) && RunFound(hwnd, szPath, pszParameters, pszVerb);
+    return RunFound(&GetSatellitePath, hwnd, pszName, pszParameters, pszVerb);
 }
 
 int RunMyself(const wchar_t* pszParameters) {

@@ -41,6 +41,7 @@ TESSALY_API int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_
 /// characters.
 TESSALY_API int RunMyself(const wchar_t* pszParameters);
 /// The same as administrator; before Windows Vista that is asked for only where the user is none.
+/// Null for hwnd is the desktop's window.
 TESSALY_API int RunMyselfElevated(HWND hwnd, const wchar_t* pszParameters, HANDLE* phProcess);
 /// As administrator. Null for hwnd is the shell's window "Progman".
 TESSALY_API int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,

@@ -1,5 +1,4 @@
 #include "app/shell_start.h"
-#include "files/path_home.h"
 #include "wnd/wait_cursor.h"
 
 static_assert(sizeof(SHELLEXECUTEINFOW) == 112, "as 64-bit Windows knows it");
@@ -31,7 +30,3 @@ HWND GetStartOwner(HWND hwnd) {
 }
 
 HWND FindProgman() { return ::FindWindowW(L"Progman", nullptr); }
-
-int GetSatellitePathOf(const wchar_t* pszName, wchar_t (&szPath)[MAX_PATH]) {
-    return pszName && GetSatellitePath(szPath, pszName, nullptr);
-}

@@ -27,6 +27,3 @@ int StartWaiting(const ShellStart& start);
 HWND GetStartOwner(HWND hwnd);
 /// The shell's window "Progman"; null if there is none.
 HWND FindProgman();
-
-/// The path of the file of that name beside this library. 0 if it does not fit.
-int GetSatellitePathOf(const wchar_t* pszName, wchar_t (&szPath)[MAX_PATH]);

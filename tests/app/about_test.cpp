@@ -4,6 +4,7 @@
 #include "wnd/company_msg.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <atomic>
 
 namespace {
@@ -25,6 +26,25 @@ struct OpenBox {
     std::atomic<int> nAsked{0};
     OtherWindow window;
 };
+
+int nMostBoxes = 0; // of this thread at one time
+int nAskedAgain = 0;
+
+BOOL CALLBACK CountAndClose(HWND hwnd, LPARAM lCount) {
+    wchar_t szClass[16] = L"";
+    ::GetClassNameW(hwnd, szClass, 16);
+    if (wcscmp(szClass, OtherWindow::kDialogClass)) return TRUE;
+    ++*reinterpret_cast<int*>(lCount);
+    return ::PostMessageW(hwnd, WM_COMMAND, IDOK, 0);
+}
+
+/// While the box is up: asks for it once more, and answers what is there then.
+void CALLBACK AskAgain(HWND, UINT, UINT_PTR, DWORD) {
+    if (nAskedAgain++ == 0) ShowAboutOrActivate();
+    int nBoxes = 0;
+    ::EnumThreadWindows(::GetCurrentThreadId(), &CountAndClose, reinterpret_cast<LPARAM>(&nBoxes));
+    nMostBoxes = std::max(nMostBoxes, nBoxes);
+}
 } // namespace
 
 TEST(ShowAboutOrActivate, TellsNameVersionAndNotice) {
@@ -36,6 +56,15 @@ TEST(ShowAboutOrActivate, TellsNameVersionAndNotice) {
               seen[0].strText);
     EXPECT_EQ((std::vector<int>{IDOK}), seen[0].buttons);
     EXPECT_EQ(1, seen[0].bHasIcon);
+}
+
+TEST(ShowAboutOrActivate, AskedAgainWhileItsBoxIsUpShowsNoOther) {
+    nMostBoxes = nAskedAgain = 0;
+    UINT_PTR nTimer = ::SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &AskAgain);
+    ShowAboutOrActivate();
+    ::KillTimer(nullptr, nTimer);
+    EXPECT_LE(1, nAskedAgain);
+    EXPECT_EQ(1, nMostBoxes);
 }
 
 TEST(ShowAboutOrActivate, BringsAnOpenBoxForwardInstead) {

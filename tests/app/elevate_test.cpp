@@ -3,7 +3,7 @@
 #include "app/hand_over.h"
 #include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
-#include "files/path_home.h"
+#include "app/stored_home.h"
 #include "runtime/md5.h"
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
@@ -182,6 +182,7 @@ TEST_F(Elevate, OwnerThatIsGivenGoesAlong) {
 }
 
 TEST_F(Elevate, SatellitesOnlyHaveTheirPathFound) {
+    StoredHome home; // is not where they lie
     wstring strPath = TestFolder() + L"x.exe";
     EXPECT_EQ(1, RunSatelliteFileNonElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 1));
     ShellCall call = shell.TakeOne();
@@ -203,17 +204,17 @@ TEST_F(Elevate, SatellitesOnlyHaveTheirPathFound) {
 }
 
 TEST_F(Elevate, LocalFilesOnlyHaveTheirPathFound) {
-    wchar_t szPath[MAX_PATH];
-    ASSERT_EQ(1, GetLocalPath(szPath, L"x.exe", nullptr));
+    StoredHome home;
+    wstring strPath = home.File(L"x.exe");
     EXPECT_EQ(1, RunLocalFileNonElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 1));
     ShellCall call = shell.TakeOne();
-    EXPECT_EQ(szPath, call.file);
+    EXPECT_EQ(strPath.c_str(), call.file);
     EXPECT_EQ(L"p", call.parameters);
     EXPECT_EQ(nullptr, call.verb);
     EXPECT_EQ(fake.Thread(), call.dwThread);
     EXPECT_EQ(1, RunLocalFileElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 0));
     call = shell.TakeOne();
-    EXPECT_EQ(szPath, call.file);
+    EXPECT_EQ(strPath.c_str(), call.file);
     EXPECT_EQ(L"runas", call.verb);
     wstring strLong(MAX_PATH, L'x');
     for (auto* pfn : {&RunLocalFileNonElevated, &RunLocalFileElevated}) {
@@ -563,7 +564,7 @@ TEST(ElevateReal, ShellStartsTheProgramAndTheHandleIsGood) {
     }
 }
 
-BOOL bFilterResult = TRUE;
+BOOL bFilterResult = FALSE;
 UINT uFiltered = 0;
 DWORD dwFiltered = 0;
 BOOL WINAPI Filter(UINT uMsg, DWORD dwFlag) {
@@ -579,6 +580,7 @@ FARPROC LookUpFilter(const wchar_t* pszModule, const char* pszName) {
 
 TEST(MyChangeWindowMessageFilter, IsThePlatformsWhereThereIsOne) {
     SetRuntimeLookup(&LookUpFilter);
+    bFilterResult = TRUE;
     EXPECT_EQ(1, MyChangeWindowMessageFilter(WM_APP, 1));
     EXPECT_EQ(static_cast<UINT>(WM_APP), uFiltered);
     EXPECT_EQ(1u, dwFiltered);

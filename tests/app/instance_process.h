@@ -1,4 +1,5 @@
 #pragma once
+#include "support/start_process.h"
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <sstream>
@@ -33,8 +34,8 @@ class InstanceProcess {
         si.dwFlags = STARTF_USESTDHANDLES;
         si.hStdInput = hChildIn;
         si.hStdOutput = hChildOut;
-        EXPECT_TRUE(::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                     nullptr, &si, &pi));
+        EXPECT_TRUE(StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                       nullptr, &si, &pi));
         ::CloseHandle(hChildIn);
         ::CloseHandle(hChildOut);
         std::istringstream line(ReadLine());

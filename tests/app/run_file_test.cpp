@@ -2,7 +2,7 @@
 #include "app/fake_windows.h"
 #include "support/launch_reports.h"
 #include "app/shell_start_recorder.h"
-#include "files/path_home.h"
+#include "app/stored_home.h"
 #include "shell/pidl_of_path.h"
 #include "shell/shell_malloc.h"
 #include "support/runtime_lookup.h"
@@ -160,6 +160,7 @@ TEST_F(RunRecorded, PidlsGoAsListsWithoutTheWaitCursor) {
 }
 
 TEST_F(RunRecorded, SatelliteFilesLieBesideTheLibrary) {
+    StoredHome home; // is not where they lie
     EXPECT_EQ(1, RunSatelliteFile(nullptr, L"a b.exe", L"p", L"v"));
     ShellCall call = shell.TakeOne();
     EXPECT_EQ((TestFolder() + L"a b.exe").c_str(), call.file);
@@ -187,11 +188,10 @@ TEST_F(RunRecorded, SatellitePathsAreNeverCut) {
 }
 
 TEST_F(RunRecorded, LocalFilesLieInTheHomeFolder) {
-    wchar_t szHome[MAX_PATH];
-    ASSERT_EQ(1, GetLocalPath(szHome, L"a b.exe", nullptr));
+    StoredHome home;
     EXPECT_EQ(1, RunLocalFile(nullptr, L"a b.exe", L"p", L"v"));
     ShellCall call = shell.TakeOne();
-    EXPECT_EQ(szHome, call.file);
+    EXPECT_EQ(home.File(L"a b.exe").c_str(), call.file);
     EXPECT_EQ(::GetDesktopWindow(), call.hwnd);
     EXPECT_EQ(L"p", call.parameters);
     EXPECT_EQ(L"v", call.verb);

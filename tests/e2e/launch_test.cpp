@@ -2,6 +2,7 @@
 
 #include "e2e/engine_test_support.h"
 #include "support/launch_reports.h"
+#include "support/start_process.h"
 
 #include <winternl.h>
 #include <algorithm>
@@ -187,8 +188,8 @@ class AutoStart : public EngineTest {
         STARTUPINFOW si{};
         si.cb = sizeof(si);
         PROCESS_INFORMATION pi{};
-        if (!::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, L"C:\\",
-                              &si, &pi)) {
+        if (!StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                L"C:\\", &si, &pi)) {
             return false;
         }
         DWORD dwWait = ::WaitForSingleObject(pi.hProcess, kPatienceMs);

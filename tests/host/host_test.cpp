@@ -4,6 +4,7 @@
 #include "resources/resource_ids.h"
 #include "runtime/res_str.h"
 #include "support/run_key_away.h"
+#include "support/start_process.h"
 #include "wnd/company_msg.h"
 
 #include <gtest/gtest.h>
@@ -73,8 +74,8 @@ Ended RunHost(const std::wstring& strFolder, const std::wstring& strArguments) {
     si.cb = sizeof(si);
     PROCESS_INFORMATION pi{};
     std::wstring strLine = L"\"" + strFolder + L"TSEXE64.exe\" " + strArguments;
-    if (!::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                          &si, &pi)) {
+    if (!StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                            &si, &pi)) {
         ADD_FAILURE() << "not started: error " << ::GetLastError();
         return ended;
     }
@@ -219,8 +220,8 @@ TEST(Host, ExitClosesTheRunningOneAndWaitsForItsProcess) {
     si.hStdOutput = hWrite;
     PROCESS_INFORMATION pi{};
     std::wstring strLine = L"\"" + ThisFolder() + L"closing_probe.exe\"";
-    ASSERT_TRUE(::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                 nullptr, &si, &pi));
+    ASSERT_TRUE(StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                   nullptr, &si, &pi));
     ::CloseHandle(hWrite);
     char ch = 0;
     DWORD cb = 0;
@@ -319,6 +320,7 @@ LRESULT CALLBACK DeafProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
 
 TEST(Host, ExitTellsWhenTheRunningOneStays) {
     WNDCLASSW wc{};
+    nAsked = 0;
     wc.lpfnWndProc = &DeafProc;
     wc.lpszClassName = L"TessalyWnd";
     wc.hInstance = ::GetModuleHandleW(nullptr);

@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/runtime_func.h"
+#include "support/start_process.h"
 #include <windows.h>
 #include <string>
 
@@ -29,8 +30,8 @@ inline std::string OutputOf(const std::wstring& strProgram) {
     si.hStdOutput = hWrite;
     PROCESS_INFORMATION pi{};
     std::wstring strLine = L"\"" + strProgram + L"\"";
-    BOOL bStarted = ::CreateProcessW(strProgram.c_str(), strLine.data(), nullptr, nullptr, TRUE, 0,
-                                     nullptr, nullptr, &si, &pi);
+    BOOL bStarted = StartProcessSurely(strProgram.c_str(), strLine.data(), nullptr, nullptr, TRUE,
+                                       0, nullptr, nullptr, &si, &pi);
     ::CloseHandle(hWrite);
     std::string str;
     char ab[512];

@@ -1,4 +1,5 @@
 #include "e2e/support/child_process.h"
+#include "support/start_process.h"
 
 #include <stdexcept>
 
@@ -30,16 +31,8 @@ void ChildProcess::Start(const std::wstring& strPath, const std::wstring& strArg
     startup.hStdOutput = startup.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
     ::SetHandleInformation(startup.hStdError, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
     PROCESS_INFORMATION info{};
-    auto create = [&] {
-        return ::CreateProcessW(strPath.c_str(), strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                strFolder.c_str(), &startup, &info);
-    };
-    BOOL bStarted = create();
-    // Under load the test platform fails to make a process now and then, with this one error.
-    for (int n = 0; !bStarted && ::GetLastError() == ERROR_INTERNAL_ERROR && n < 5; ++n) {
-        bStarted = create();
-    }
-    if (!bStarted) {
+    if (!StartProcessSurely(strPath.c_str(), strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                            strFolder.c_str(), &startup, &info)) {
         throw std::runtime_error("a program could not be started, error " +
                                  std::to_string(::GetLastError()));
     }
