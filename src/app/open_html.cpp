@@ -16,7 +16,7 @@ constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this
 constexpr unsigned kCommandSize = 8192; // of an address with what a program wants around it
 constexpr int kEncodedLength = 3;       // of one character: "%20"
 
-/// Step 2 and 3: 1 if the shell took it.
+/// 1 if the shell took it.
 int IsOpened(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters) {
     HINSTANCE hinst =
         ::ShellExecuteW(hwnd, nullptr, pszFile, pszParameters, nullptr, SW_SHOWNORMAL);
