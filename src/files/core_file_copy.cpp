@@ -74,7 +74,11 @@ int CoreFile::CopyFileSafe(const wchar_t* pszSource, const wchar_t* pszTarget) {
         ::SetLastError(ERROR_INVALID_NAME);
         return 0;
     }
-    if (IsFile(szBackup) && !Delete(szBackup, 1)) return 0;
+    {
+        // While the source is open it cannot be deleted: it may be the backup in other letters.
+        CoreFile source(pszSource, 0);
+        if (IsFile(szBackup) && !Delete(szBackup, 1)) return 0;
+    }
     if (IsFile(pszTarget) && !RenameFile(pszTarget, szBackup, 0)) return 0;
     if (CopyFileW(pszSource, pszTarget, 1)) {
         if (IsFile(szBackup)) Delete(szBackup, 1); // one that stays, as read-only, is no failure

@@ -122,8 +122,9 @@ class TESSALY_API RegKey {
     /// platform's own limit, so that a copy into a key below its source ends. Always 1.
     int CopyTo(RegKey& target);
     /// Copies the subkey to the new name and deletes the old one, which is the result; 0 without a
-    /// change if the old one cannot be read or the new one not be made, and if the new one is the
-    /// old one or lies below it. A new one that exists keeps what it has besides.
+    /// change if the old one cannot be read or the new one not be made, if the new one is the old
+    /// one or lies below it, and if it lies above it and the old one has a part whose new place
+    /// would be in the old one. A new one that exists keeps what it has besides.
     int RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew);
     /// The place behind the last backslash, the start if there is none. Null for no path.
     static const wchar_t* FindLastSubkeyName(const wchar_t* pszPath);

@@ -30,14 +30,14 @@ int IsSameRegName(const wchar_t* pszLeft, const wchar_t* pszRight) {
     return *pszLeft == *pszRight;
 }
 
-int IsRegPathWithin(const wchar_t* pszPath, const wchar_t* pszOther) {
+const wchar_t* FindRegPathBelow(const wchar_t* pszPath, const wchar_t* pszOther) {
     for (;;) {
         pszPath = SkipSeparators(pszPath);
         pszOther = SkipSeparators(pszOther);
-        if (!*pszOther) return 1;
+        if (!*pszOther) return pszPath;
         for (; !IsAtEnd(pszOther); ++pszPath, ++pszOther) {
-            if (!IsSameChar(*pszPath, *pszOther)) return 0; // also at the path's own end
+            if (!IsSameChar(*pszPath, *pszOther)) return nullptr; // also at the path's own end
         }
-        if (!IsAtEnd(pszPath)) return 0;
+        if (!IsAtEnd(pszPath)) return nullptr;
     }
 }

@@ -115,10 +115,15 @@ int RegKey::CopyTo(RegKey& target) { return CopyTree(target, kMaxLevels); }
 
 int RegKey::RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew) {
     if (!pszOld || !pszNew || !*pszNew) return 0;
-    if (IsRegPathWithin(pszNew, pszOld)) return 0; // would be deleted with the old one
+    if (FindRegPathBelow(pszNew, pszOld)) return 0; // would be deleted with the old one
     {
         RegKey source, target;
-        if (!source.Open(*this, pszOld, 0) || !target.Open(*this, pszNew, 1)) return 0;
+        if (!source.Open(*this, pszOld, 0)) return 0;
+        // Onto a parent: what would come to lie in the old key itself would be deleted with it, as
+        // the subkey "b" of "a\b", renamed to "a".
+        const wchar_t* pszBelow = FindRegPathBelow(pszOld, pszNew);
+        if (pszBelow && RegKey(source, pszBelow, 0).GetHandle()) return 0;
+        if (!target.Open(*this, pszNew, 1)) return 0;
         source.CopyTo(target);
     }
     return DelSubKey(pszOld);

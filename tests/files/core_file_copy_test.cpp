@@ -7,6 +7,7 @@
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 
 namespace {
 class CopyTest : public testing::Test {
@@ -432,6 +433,19 @@ TEST_F(CoreFileCopySafe, SourceAtTheBackupNameSurvives) {
     EXPECT_EQ(0, CoreFile::CopyFileSafe(Path(L"TARGET.Temp").c_str(), strTarget.c_str()));
     EXPECT_EQ("old", Content(L"target"));
     EXPECT_EQ("source", Content(L"target.temp"));
+}
+
+TEST_F(CoreFileCopySafe, SourceAtTheBackupNameSurvivesHoweverItIsSpelled) {
+    std::wstring strOther = Path(L"\u00C4.TEMP"), strSlashes = strOther;
+    std::replace(strSlashes.begin(), strSlashes.end(), L'\\', L'/');
+    folder.MakeFile(L"\u00E4", "old");
+    folder.MakeFile(L"\u00E4.temp", "source");
+    for (const auto& str :
+         {strOther, strSlashes, Path(L".\\\u00E4.temp"), L"\\\\?\\" + Path(L"\u00E4.temp")}) {
+        EXPECT_EQ(0, CoreFile::CopyFileSafe(str.c_str(), Path(L"\u00E4").c_str()));
+        EXPECT_EQ("old", Content(L"\u00E4"));
+        ASSERT_EQ("source", Content(L"\u00E4.temp")) << testing::PrintToString(str);
+    }
 }
 
 TEST_F(CoreFileCopySafe, OntoItselfIsRefused) {

@@ -3,6 +3,7 @@
 #include "files/core_io.h"
 #include "files/read_only.h"
 #include "files/shell_ear.h"
+#include "support/heap_count.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -102,6 +103,24 @@ TEST(UniPath, CopyOfAnObjectSharesTheText) {
     third.Init();
     EXPECT_EQ(nullptr, second.Path());
     EXPECT_STREQ(L"C:\\a", first.Path());
+}
+
+TEST(UniPath, GivesBackTheTextThatItHolds) {
+    long nBefore = CountLiveBlocks();
+    {
+        UniPath path(L"C:\\a"), other(&path);
+        EXPECT_EQ(nBefore + 2, CountLiveBlocks());
+        EXPECT_EQ(1, path.Open(L"C:\\b"));
+        EXPECT_EQ(1, path.Open(&other));
+        EXPECT_EQ(nBefore + 2, CountLiveBlocks());
+        EXPECT_EQ(0, path.Open(kNull));
+        EXPECT_EQ(nBefore + 1, CountLiveBlocks());
+        other.Free();
+        other.Free();
+        EXPECT_EQ(nBefore, CountLiveBlocks());
+        EXPECT_EQ(1, path.Open(L"C:\\c"));
+    }
+    EXPECT_EQ(nBefore, CountLiveBlocks());
 }
 
 TEST(UniPath, GivesItsNameAndItself) {

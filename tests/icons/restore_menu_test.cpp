@@ -1,6 +1,6 @@
 #include "icons/restore_menu.h"
-#include "icons/heap_count_test_support.h"
 #include "icons/menu_test_support.h"
+#include "support/heap_count.h"
 #include "support/replace_import.h"
 #include "wnd/csmenu.h"
 

@@ -3,6 +3,7 @@
 #include "files/read_only.h"
 #include "runtime/str_copy.h"
 #include "support/guard_page.h"
+#include "support/replace_import.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,8 @@
 #include <random>
 #include <type_traits>
 #include <vector>
+
+extern "C" FARPROC __imp_CreateFileW;
 
 static_assert(std::has_virtual_destructor_v<IniFile> && !std::is_copy_constructible_v<IniFile>);
 
@@ -430,6 +433,33 @@ TEST_F(IniFileWrite, PutsAttributesBack) {
     EXPECT_EQ(1, ini.WriteData());
     EXPECT_EQ(kBoth, ::GetFileAttributesW(strPath.c_str()) & kBoth);
     EXPECT_EQ(Bytes(L"\xFEFF[a]\r\nx=1\r\nempty=\r\n"), folder.ReadFile(L"a.ini"));
+    ::SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+// Only the look at these tells that the file was made plain: the file system here lets its
+// administrator write a read-only one, and cutting a file keeps its attributes.
+ReplaceImport* pReplacedCreate = nullptr;
+std::vector<DWORD> attributesAtOpening;
+HANDLE WINAPI NoteCreate(LPCWSTR pszFile, DWORD nAccess, DWORD nShare, SECURITY_ATTRIBUTES* p,
+                         DWORD nDisposition, DWORD nFlags, HANDLE hTemplate) {
+    attributesAtOpening.push_back(::GetFileAttributesW(pszFile));
+    return pReplacedCreate->Original<decltype(NoteCreate)>()(pszFile, nAccess, nShare, p,
+                                                             nDisposition, nFlags, hTemplate);
+}
+
+TEST_F(IniFileWrite, FileIsPlainWhileItIsWritten) {
+    folder.MakeFile(L"a.ini", "old");
+    constexpr DWORD kBoth = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
+    ::SetFileAttributesW(strPath.c_str(), kBoth);
+    {
+        ReplaceImport replaced(__imp_CreateFileW, &NoteCreate);
+        pReplacedCreate = &replaced;
+        attributesAtOpening.clear();
+        EXPECT_EQ(1, ini.WriteData());
+    }
+    ASSERT_EQ(1u, attributesAtOpening.size());
+    EXPECT_EQ(0u, attributesAtOpening[0] & kBoth);
+    EXPECT_EQ(kBoth, ::GetFileAttributesW(strPath.c_str()) & kBoth);
     ::SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 

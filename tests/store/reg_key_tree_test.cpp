@@ -474,28 +474,59 @@ TEST_F(RegKeyTree, RenameToItselfOrBelowOrToNoNameChangesNothing) {
     EXPECT_EQ(1, key.RenameSubkey(L"ol\\sub", L"sub"));
 }
 
-TEST(RegPathWithin, ComparesComponents) {
+TEST_F(RegKeyTree, RenameOntoAParentMergesTheTwo) {
+    raw.PutStr(L"v", L"text", L"a\\b");
+    raw.PutStr(L"v", L"text", L"a\\b\\c");
+    RegDump expected;
+    expected.subkeys[L"a"] = raw.Dump(L"a\\b");
+    EXPECT_EQ(1, key.RenameSubkey(L"a\\b", L"a"));
+    EXPECT_EQ(expected, raw.Dump());
+}
+
+TEST_F(RegKeyTree, RenameOntoAParentIsRefusedWhereTheOldKeyWouldSwallowAPart) {
+    raw.PutStr(L"v", L"text", L"a\\b\\c\\B\\C\\deep");
+    RegDump before = raw.Dump();
+    EXPECT_EQ(0, key.RenameSubkey(L"a\\b\\c", L"a"));
+    EXPECT_EQ(before, raw.Dump());
+    EXPECT_EQ(1, key.RenameSubkey(L"a\\b\\c", L"a\\b")); // there is no c\c
+    RegDump expected;
+    expected.subkeys[L"a"].subkeys[L"b"].subkeys[L"B"] =
+        before.subkeys[L"a"].subkeys[L"b"].subkeys[L"c"].subkeys[L"B"];
+    EXPECT_EQ(expected, raw.Dump());
+}
+
+TEST(RegPathBelow, ComparesComponents) {
     struct Row {
         const wchar_t* pszPath;
         const wchar_t* pszOther;
-        int nResult;
+        const wchar_t* pszBelow;
     };
     const Row kRows[] = {
-        {L"", L"", 1},           {L"a", L"", 1},
-        {L"", L"a", 0},          {L"a", L"a", 1},
-        {L"A", L"a", 1},         {L"a\\b", L"a", 1},
-        {L"a\\b", L"A\\B", 1},   {L"ab", L"a", 0},
-        {L"a", L"ab", 0},        {L"a", L"a\\b", 0},
-        {L"a\\\\b", L"a\\b", 1}, {L"\\a", L"a\\", 1},
-        {L"a\\", L"a", 1},       {L"a\\c", L"a\\b", 0},
-        {L"a\\bc", L"a\\b", 0},  {L"a\\b\\c", L"a\\b", 1},
-        {L"\\", L"\\\\", 1},
+        {L"", L"", L""},
+        {L"a", L"", L"a"},
+        {L"", L"a", nullptr},
+        {L"a", L"a", L""},
+        {L"A", L"a", L""},
+        {L"a\\B", L"A", L"B"},
+        {L"a\\b", L"A\\B", L""},
+        {L"ab", L"a", nullptr},
+        {L"a", L"ab", nullptr},
+        {L"a", L"a\\b", nullptr},
+        {L"a\\\\b", L"a\\b", L""},
+        {L"\\a", L"a\\", L""},
+        {L"a\\", L"a", L""},
+        {L"a\\c", L"a\\b", nullptr},
+        {L"a\\bc", L"a\\b", nullptr},
+        {L"a\\b\\c", L"a\\b", L"c"},
+        {L"\\", L"\\\\", L""},
+        {L"\\a\\\\b\\c", L"a", L"b\\c"},
     };
     GuardedArea area(100), areaOther(100);
     for (const Row& row : kRows) {
-        EXPECT_EQ(row.nResult, IsRegPathWithin(area.Put(row.pszPath), areaOther.Put(row.pszOther)))
-            << testing::PrintToString(row.pszPath) << " in "
-            << testing::PrintToString(row.pszOther);
+        SCOPED_TRACE(testing::PrintToString(row.pszPath) + " below " +
+                     testing::PrintToString(row.pszOther));
+        EXPECT_STREQ(row.pszBelow,
+                     FindRegPathBelow(area.Put(row.pszPath), areaOther.Put(row.pszOther)));
     }
 }
 
@@ -565,7 +596,7 @@ TEST(RegSubkeyName, RandomPathsStayInTheirBuffers) {
         const wchar_t* pszLast = RegKey::FindLastSubkeyName(pszPath);
         ASSERT_EQ(strPath.empty() ? nullptr : pszPath + (bSlash ? nSlash + 1 : 0), pszLast);
         const wchar_t* pszOther = areaOther.Put(strOther);
-        if (IsRegPathWithin(pszPath, pszOther) && IsRegPathWithin(pszOther, pszPath)) {
+        if (FindRegPathBelow(pszPath, pszOther) && FindRegPathBelow(pszOther, pszPath)) {
             auto count = [](const std::wstring& str) {
                 return std::count_if(str.begin(), str.end(),
                                      [](wchar_t ch) { return ch != L'\\'; });

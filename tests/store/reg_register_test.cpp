@@ -32,7 +32,7 @@ class AssociationEar {
     int Count() {
         nMarks = 0;
         ::SHChangeNotify(SHCNE_RENAMEFOLDER, SHCNF_IDLIST, nullptr, nullptr);
-        bHears = PumpUntil([&] { return nMarks > 0; }, 3000) ? 1 : 0;
+        bHears = PumpUntil([&] { return nMarks > 0; }) ? 1 : 0;
         return std::exchange(nChanges, 0);
     }
     bool Hears() {

@@ -1,5 +1,6 @@
 #include "store/reg_values.h"
 
+#include "support/heap_count.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>
@@ -115,6 +116,21 @@ TEST_F(RegValues, MissingFontFreesTheOldOne) {
     ASSERT_EQ(1, RegNewLogFont(plf));
     EXPECT_EQ(0, RegGetLogFont(key, L"font", plf));
     EXPECT_EQ(nullptr, plf);
+}
+
+TEST_F(RegValues, FontsAreGivenBack) {
+    raw.Put(L"font", REG_BINARY, FontBytes(92));
+    raw.Put(L"short", REG_BINARY, FontBytes(91));
+    long nBefore = CountLiveBlocks();
+    EXPECT_EQ(1, RegGetLogFont(key, L"font", plf));
+    EXPECT_EQ(1, RegGetLogFont(key, L"font", plf)); // into the same one
+    EXPECT_EQ(nBefore + 1, CountLiveBlocks());
+    EXPECT_EQ(0, RegGetLogFont(key, L"short", plf));
+    EXPECT_EQ(nBefore, CountLiveBlocks());
+    ASSERT_EQ(1, RegNewLogFont(plf));
+    EXPECT_EQ(nBefore + 1, CountLiveBlocks());
+    RegDelLogFont(plf);
+    EXPECT_EQ(nBefore, CountLiveBlocks());
 }
 
 TEST_F(RegValues, FontOfAnyTypeIsRead) {

@@ -1,4 +1,4 @@
-#include "icons/heap_count_test_support.h"
+#include "support/heap_count.h"
 
 #include <atomic>
 #include <cstdlib>
