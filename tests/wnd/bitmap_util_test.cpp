@@ -51,6 +51,19 @@ TEST(MakeBitmap, IsAPictureOfAPart) {
 
 TEST(MakeBitmap, OfNoContextIsNone) { EXPECT_EQ(nullptr, MakeBitmap(nullptr, 0, 0, 2, 2)); }
 
+TEST(MadeBitmaps, WithoutSizeAreNone) {
+    MemoryPicture picture(2, 2);
+    for (SIZE size : {SIZE{0, 2}, SIZE{2, 0}, SIZE{-1, 2}, SIZE{2, -1}}) {
+        RECT rc{0, 0, size.cx, size.cy};
+        EXPECT_EQ(nullptr, MakeBitmap(picture, 0, 0, size.cx, size.cy));
+        EXPECT_EQ(nullptr, MakeScreenBitmap(0, 0, size.cx, size.cy));
+        EXPECT_EQ(nullptr, MakeScreenBitmap(rc));
+        EXPECT_EQ(nullptr, MakeTextBitmap(size.cx, size.cy, L"x", nullptr, 0, 0));
+        EXPECT_EQ(nullptr, MakeShadedBitmap(size.cx, size.cy, 0, 1, 2));
+    }
+    EXPECT_EQ("..", ReadAndDelete(MakeBitmap(picture, 0, 0, 2, 1)));
+}
+
 TEST(CopyBitmap, IsLikeTheDisplay) {
     BYTE bits[] = {0x80, 0, 0x40, 0}; // monochrome: 10/01
     HBITMAP hbmMono = ::CreateBitmap(2, 2, 1, 1, bits);
