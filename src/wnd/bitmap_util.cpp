@@ -9,6 +9,7 @@ namespace {
 /// Makes a bitmap like hdc's and has fnDraw draw into it. 0 from fnDraw: there is no bitmap.
 template <class Fn>
 HBITMAP DrawNewBitmap(HDC hdc, int width, int height, Fn fnDraw) {
+    if (width < 1 || height < 1) return nullptr; // the platform would give its shared 1 by 1 one
     OwnedBitmap bitmap(::CreateCompatibleBitmap(hdc, width, height));
     if (!bitmap) return nullptr;
     int bDrawn;

@@ -2,7 +2,8 @@
 #include "runtime/export.h"
 #include <windows.h>
 
-// Bitmaps that are made anew, each of which the caller owns. Null when one can't be made.
+// Bitmaps that are made anew, each of which the caller owns. Null when one can't be made, as with a
+// width or height below 1.
 
 /// The size in pixels; 0 by 0 for what is no bitmap. Makes nothing.
 TESSALY_API SIZE GetBitmapSize(HBITMAP hbm);

@@ -15,7 +15,8 @@ class TESSALY_API CDPI {
     int GetDPIY();
     /// 1 if either value is not 96.
     int IsCustom();
-    // From the design size to pixels and back, rounded to the nearest.
+    // From the design size to pixels and back, rounded to the nearest; -1 for what is too much for
+    // 32 bits, as MulDiv has it.
     int ScaleX(int x);
     int ScaleY(int y);
     int UnscaleX(int x);

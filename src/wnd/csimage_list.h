@@ -16,7 +16,7 @@ class TESSALY_API CSImageList {
     /// list held before is destroyed.
     int Create(int width, int height, unsigned int flags, int initial, int grow);
     /// A list with mask and 32-bit colour, filled as by AddFromBitmap. The first image's index, -1
-    /// on failure.
+    /// on failure; where only the bitmap is missing, the list is there and empty.
     int CreateFromBitmap(int width, int height, int initial, int grow, int bitmapId,
                          HINSTANCE hinst, unsigned long maskColor);
     /// Destroys the list. 1 on success and without a list; 0 for one that is destroyed already.

@@ -14,8 +14,9 @@ static_assert(sizeof(GDI_BGR) == 4);
 [[nodiscard]] TESSALY_API GDI_BGR* GetDibBits(HDC hdc, int width, int height);
 
 /// Turns the picture of the source by a quarter and copies it to the target at prc. With W and H
-/// the width and height of prc (either may be negative), the source is H wide and W high. 1; 0 when
-/// the pixels can't be read, or for a null rectangle.
+/// the width and height of prc (either may be negative; the picture goes right and down from its
+/// left and top all the same), the source is H wide and W high. 1; 0 for a null context or
+/// rectangle, for a prc without width or height, and when the pixels can't be read.
 // QUIRK: a non-zero clockwise turns the picture counter-clockwise, 0 clockwise.
 // Test: RotateMemoryDC.ClockwiseTurnsCounterClockwise
 // QUIRK: when the pixels can't be read, the context and the bitmap made so far are left behind.

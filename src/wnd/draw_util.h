@@ -9,7 +9,8 @@ TESSALY_API void PaintRect(HDC hdc, const RECT* prc, unsigned long color);
 TESSALY_API void PaintRect(HDC hdc, int x, int y, int width, int height, unsigned long color);
 
 /// A frame one pixel thin, drawn clockwise from the top left with a pen of that style (PS_). Its
-/// far corner is the pixel (x + width - 1, y + height - 1).
+/// far corner is the pixel (x + width - 1, y + height - 1). One of a single pixel draws nothing,
+/// because the end of a line is no part of it.
 TESSALY_API void DrawRect(HDC hdc, int x, int y, int width, int height, unsigned long color,
                           int penStyle);
 
@@ -25,6 +26,9 @@ TESSALY_API void PaintShadedRect(HDC hdc, const RECT& rc, unsigned long color, i
 /// Copies a part of the bitmap to (x, y). Its origin and size are in the bitmap's pixels, whatever
 /// the mapping mode of hdc. With a width of 0 the size is the bitmap's, whatever the height. A
 /// bitmap that is selected somewhere is not drawn.
+// QUIRK: the bitmap's side takes the mode over but not the extents of MM_ISOTROPIC and
+// MM_ANISOTROPIC: with these a part of another size is stretched.
+// Test: DrawBitmap.TakesNoExtentsForTheBitmapsSide
 TESSALY_API void DrawBitmap(HDC hdc, HBITMAP hbm, int x, int y, int srcX, int srcY, int width,
                             int height);
 

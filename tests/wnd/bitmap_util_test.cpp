@@ -1,6 +1,8 @@
 #include "wnd/bitmap_util.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
+#include "support/test_window.h"
+#include "support/wait_until.h"
 #include "wnd/draw_util.h"
 
 #include <gtest/gtest.h>
@@ -51,6 +53,19 @@ TEST(MakeBitmap, IsAPictureOfAPart) {
 
 TEST(MakeBitmap, OfNoContextIsNone) { EXPECT_EQ(nullptr, MakeBitmap(nullptr, 0, 0, 2, 2)); }
 
+TEST(MadeBitmaps, WithoutSizeAreNone) {
+    MemoryPicture picture(2, 2);
+    for (SIZE size : {SIZE{0, 2}, SIZE{2, 0}, SIZE{-1, 2}, SIZE{2, -1}}) {
+        RECT rc{0, 0, size.cx, size.cy};
+        EXPECT_EQ(nullptr, MakeBitmap(picture, 0, 0, size.cx, size.cy));
+        EXPECT_EQ(nullptr, MakeScreenBitmap(0, 0, size.cx, size.cy));
+        EXPECT_EQ(nullptr, MakeScreenBitmap(rc));
+        EXPECT_EQ(nullptr, MakeTextBitmap(size.cx, size.cy, L"x", nullptr, 0, 0));
+        EXPECT_EQ(nullptr, MakeShadedBitmap(size.cx, size.cy, 0, 1, 2));
+    }
+    EXPECT_EQ("..", ReadAndDelete(MakeBitmap(picture, 0, 0, 2, 1)));
+}
+
 TEST(CopyBitmap, IsLikeTheDisplay) {
     BYTE bits[] = {0x80, 0, 0x40, 0}; // monochrome: 10/01
     HBITMAP hbmMono = ::CreateBitmap(2, 2, 1, 1, bits);
@@ -66,20 +81,33 @@ TEST(CopyBitmap, OfNoneOrOfASelectedOneIsNone) {
     EXPECT_EQ(nullptr, CopyBitmap(picture.GetBitmap()));
 }
 
-TEST(MakeScreenBitmap, ShowsTheScreen) {
-    HDC hdc = ::GetDC(nullptr);
-    COLORREF cr = ::GetPixel(hdc, 5, 5);
-    ::ReleaseDC(nullptr, hdc);
-    for (HBITMAP hbm : {MakeScreenBitmap(5, 5, 3, 2), MakeScreenBitmap(RECT{5, 5, 8, 7})}) {
-        SIZE size = GetBitmapSize(hbm);
-        EXPECT_EQ(3, size.cx);
-        EXPECT_EQ(2, size.cy);
-        EXPECT_TRUE(IsLikeTheDisplay(hbm));
-        MemoryPicture picture(3, 2);
-        DrawBitmap(picture, hbm, 0, 0, 0, 0, 0, 0);
-        EXPECT_EQ(cr, picture.Get(0, 0));
-        EXPECT_TRUE(::DeleteObject(hbm));
+/// What MakeScreenBitmap shows of 3 by 2 pixels, whose place is told in both ways.
+std::string ReadScreen(int x, int y, int bByRect) {
+    return ReadAndDelete(bByRect ? MakeScreenBitmap(RECT{x, y, x + 3, y + 2})
+                                 : MakeScreenBitmap(x, y, 3, 2));
+}
+
+TEST(MakeScreenBitmap, ShowsAPartOfTheScreen) {
+    TestWindow window({}, nullptr, WS_POPUP);
+    ::SetWindowPos(window, HWND_TOPMOST, 40, 50, 20, 20, SWP_SHOWWINDOW | SWP_NOACTIVATE);
+    for (int bByRect : {0, 1}) {
+        std::string strSeen;
+        auto fnShows = [&] { // the screen shows a window some time after it was painted
+            HDC hdc = ::GetDC(window);
+            PaintRect(hdc, 0, 0, 20, 20, MemoryPicture::ColorOf('A'));
+            PaintRect(hdc, 6, 8, 2, 1, MemoryPicture::ColorOf('B'));
+            ::ReleaseDC(window, hdc);
+            strSeen = ReadScreen(45, 57, bByRect);
+            return strSeen == "AAA/ABB";
+        };
+        EXPECT_TRUE(PumpUntil(fnShows)) << bByRect << ": " << strSeen;
     }
+}
+
+TEST(MakeScreenBitmap, IsLikeTheDisplay) {
+    HBITMAP hbm = MakeScreenBitmap(5, 5, 3, 2);
+    EXPECT_TRUE(IsLikeTheDisplay(hbm));
+    EXPECT_TRUE(::DeleteObject(hbm));
 }
 
 TEST(MakeTextBitmap, WritesOverTheBackground) {

@@ -281,6 +281,9 @@ TEST(CDPI, ScalesEachAxisByItsOwnRoundingToTheNearest) {
     EXPECT_EQ(1, dpi.UnscaleX(1)) << "0.67";
     EXPECT_EQ(10, dpi.UnscaleX(15));
     EXPECT_EQ(5, dpi.UnscaleY(10));
+    EXPECT_EQ(-1, dpi.ScaleX(0x7FFFFFFF)) << "too much for 32 bits";
+    EXPECT_EQ(0x7FFFFFFE, dpi.ScaleX(0x55555554)) << "the greatest even result";
+    EXPECT_EQ(0, dpi.ScaleX(0));
     RECT rc{2, 3, 4, 5};
     dpi.ScaleRect(&rc);
     EXPECT_EQ(3, rc.left);

@@ -1,4 +1,5 @@
 #include "wnd/csdc.h"
+#include "support/gui_objects.h"
 #include "support/memory_picture.h"
 #include "support/replace_import.h"
 #include "wnd_probe.h"
@@ -294,11 +295,18 @@ TEST(DCWindow, OfADeadWindowIsADisplayContextThatIsDeleted) {
     EXPECT_EQ(0u, ::GetObjectType(hdc));
 }
 
-TEST(DCWindow, GivesItsContextBack) {
-    OwnContextWindow wnd;
-    for (int i = 0; i < 3000; ++i) {
-        DCWindow dc(wnd);
-        ASSERT_EQ(wnd, ::WindowFromDC(dc)) << i;
+template <class WindowContext>
+void ExpectNoContextLeft() {
+    PlainWnd wnd;
+    int nBefore = -1;
+    for (int i = 0; i < 60; ++i) {
+        { WindowContext dc(wnd); }
+        if (i == 9) nBefore = CountGdiObjects();
     }
+    EXPECT_EQ(nBefore, CountGdiObjects());
 }
+
+TEST(ClientDC, GivesItsContextBack) { ExpectNoContextLeft<ClientDC>(); }
+
+TEST(DCWindow, GivesItsContextBack) { ExpectNoContextLeft<DCWindow>(); }
 } // namespace

@@ -179,6 +179,14 @@ TEST(CSImageList, CreateFromBitmapIsMaskedWith32BitColour) {
     EXPECT_EQ(kWhite, ColorOf(list, 1)) << "transparent";
 }
 
+TEST(CSImageList, CreateFromBitmapWithoutTheBitmapLeavesAnEmptyList) {
+    CSImageList list;
+    EXPECT_EQ(-1, list.CreateFromBitmap(16, 16, 2, 0, 4711, nullptr, kMagenta));
+    EXPECT_EQ(1, list.IsReady());
+    EXPECT_EQ(0, ::ImageList_GetImageCount(list));
+    EXPECT_EQ(-1, list.GetBitmapSize().cx);
+}
+
 TEST_F(List16, AddFromBitmapAddsAfterWhatIsThere) {
     EXPECT_EQ(0, list.AddFromBitmap(-IDB_TEST_STRIP, nullptr, kGreen));
     EXPECT_EQ(2, list.AddFromBitmap(IDB_TEST_STRIP, nullptr, kMagenta));

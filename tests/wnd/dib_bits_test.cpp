@@ -45,6 +45,9 @@ TEST(GetDibBits, GivesNullWithoutContextBitmapOrSize) {
     HDC hdcDead = ::CreateCompatibleDC(nullptr);
     ::DeleteDC(hdcDead);
     EXPECT_EQ(nullptr, GetDibBits(hdcDead, 1, 1));
+    HDC hdcMeta = ::CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(nullptr, GetDibBits(hdcMeta, 1, 1)) << "has no bitmap";
+    ::DeleteEnhMetaFile(::CloseEnhMetaFile(hdcMeta));
     MemoryPicture picture(1, 1);
     EXPECT_EQ(nullptr, GetDibBits(picture, 0, 1));
     EXPECT_EQ(nullptr, GetDibBits(picture, 1, 0));
@@ -58,6 +61,13 @@ TEST(GetDibBits, HasNothingBeyondTheBitmap) {
     picture.Set(0, 0, RGB(9, 9, 9));
     GDI_BGR* p = GetDibBits(picture, 1, 3);
     ASSERT_NE(nullptr, p);
+    EXPECT_EQ(9, p[0].r);
+    EXPECT_EQ(0, p[1].r);
+    EXPECT_EQ(0, p[2].r);
+    std::free(p);
+    p = GetDibBits(picture, 3, 1);
+    ASSERT_NE(nullptr, p);
+    EXPECT_EQ(9, p[0].r);
     EXPECT_EQ(0, p[1].r);
     EXPECT_EQ(0, p[2].r);
     std::free(p);

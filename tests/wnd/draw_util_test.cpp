@@ -74,7 +74,8 @@ TEST_P(DrawnFrame, EndsAtItsFarCorner) {
 }
 INSTANTIATE_TEST_SUITE_P(
     Cases, DrawnFrame,
-    testing::Values(FrameCase{"Frame", 1, 0, 4, 4, ".AAAA/.A..A/.A..A/.AAAA"},
+    testing::Values(FrameCase{"OnePixel", 1, 1, 1, 1, "...../...../...../....."},
+                    FrameCase{"Frame", 1, 0, 4, 4, ".AAAA/.A..A/.A..A/.AAAA"},
                     FrameCase{"TwoByTwo", 1, 1, 2, 2, "...../.AA../.AA../....."},
                     FrameCase{"OneRow", 1, 1, 3, 1, "...../.AAA./...../....."},
                     FrameCase{"OneColumn", 1, 1, 1, 3, "...../.A.../.A.../.A..."}),
@@ -253,6 +254,15 @@ TEST(DrawBitmap, CountsInPixelsInAnyMappingMode) {
     DrawBitmap(picture, bitmap, pt.x, pt.y, 1, 0, 2, 2);
     EXPECT_EQ("..../.BC./.EF.", picture.Read());
     EXPECT_EQ(MM_HIMETRIC, ::GetMapMode(picture));
+}
+
+TEST(DrawBitmap, TakesNoExtentsForTheBitmapsSide) {
+    LetterBitmap bitmap(4, 2, "AABB/AABB");
+    MemoryPicture picture(4, 3);
+    ::SetMapMode(picture, MM_ANISOTROPIC);
+    ::SetViewportExtEx(picture, 2, 2, nullptr);
+    DrawBitmap(picture, bitmap, 0, 0, 0, 0, 4, 2);
+    EXPECT_EQ("AAAA/AAAA/....", picture.Read()) << "2 by 1 pixels at the scale of 2";
 }
 
 TEST(DrawBitmap, CountsSizesFromNoOrigin) {
