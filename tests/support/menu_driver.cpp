@@ -5,6 +5,9 @@
 
 namespace {
 constexpr const wchar_t* kPopupClass = L"#32768";
+/// A cursor that has stayed for 100 ms is asked of the display itself (Wine 8), and with the answer
+/// come the movements that were still on their way.
+constexpr DWORD kMovedMs = 150;
 
 /// The visible popups of this process, the one in front first.
 std::vector<HWND> Popups() {
@@ -31,14 +34,16 @@ INPUT MouseInput(DWORD dwButton, POINT pt) {
 } // namespace
 
 void PutCursor(POINT pt) {
-    int nStays = 0;
+    DWORD nSince = ::GetTickCount(), nQuietMs = 20;
     PumpUntil([&] {
         POINT ptNow{};
         ::GetCursorPos(&ptNow);
-        bool bThere = ptNow.x == pt.x && ptNow.y == pt.y;
-        if (!bThere) ::SetCursorPos(pt.x, pt.y);
-        nStays = bThere ? nStays + 1 : 0;
-        return nStays == 4;
+        if (ptNow.x != pt.x || ptNow.y != pt.y) {
+            ::SetCursorPos(pt.x, pt.y);
+            nSince = ::GetTickCount();
+            nQuietMs = kMovedMs;
+        }
+        return ::GetTickCount() - nSince > nQuietMs;
     });
 }
 
