@@ -1,12 +1,10 @@
 #include "files/drive_mask.h"
 #include "files/path_chars.h"
-#include "runtime/str_case.h"
 
 #include <cwchar>
 
 namespace {
 constexpr int kMaskBits = 32;
-constexpr int kDrives = 26;
 constexpr DWORD kUnknownMask = 0xFFFFFFFF;
 } // namespace
 
@@ -57,6 +55,5 @@ int GetDriveFromPath(const wchar_t* pszPath) {
 int GetSystemDrive() {
     wchar_t szWindows[kPathChars];
     UINT cch = ::GetWindowsDirectoryW(szWindows, kPathChars);
-    if (cch == 0 || cch >= kPathChars || !IsAlphaChar(*szWindows)) return -1;
-    return CharToUpper(*szWindows) - L'A';
+    return cch > 0 && cch < kPathChars ? DriveOfLetter(*szWindows) : -1;
 }

@@ -17,11 +17,6 @@ constexpr wchar_t kBetweenSpellings[] = L">";
 
 bool EndsLevel(wchar_t ch) { return !ch || IsPathSeparator(ch); }
 
-wchar_t* SkipName(wchar_t* psz) {
-    while (!EndsLevel(*psz)) ++psz;
-    return psz;
-}
-
 template <class Char>
 Char* SkipSeparators(Char* psz) {
     while (IsPathSeparator(*psz)) ++psz;
@@ -33,8 +28,8 @@ Char* SkipSeparators(Char* psz) {
 /// The first level of a network path; moves on behind it.
 int PutNetworkHead(wchar_t* pszText, unsigned cch, wchar_t*& pszPath) {
     wchar_t* pszStart = pszPath;
-    pszPath = SkipName(pszPath + 2); // behind the server
-    if (*pszPath) pszPath = SkipName(pszPath + 1);
+    pszPath = EndOfName(pszPath + 2); // behind the server
+    if (*pszPath) pszPath = EndOfName(pszPath + 1);
     wchar_t chBehind = *pszPath;
     *pszPath = 0;
     int bFits = AppendTextCut(pszText, cch, pszStart);
@@ -78,7 +73,7 @@ int PutAll(wchar_t* pszText, unsigned cch, wchar_t (&szPath)[kPathChars]) {
     wchar_t* p = szPath;
     if (!PutHead(pszText, cch, p)) return 0;
     for (p = SkipSeparators(p); *p; p = SkipSeparators(p)) {
-        p = SkipName(p);
+        p = EndOfName(p);
         WIN32_FIND_DATAW data;
         wchar_t chBehind = *p;
         *p = 0;

@@ -1,4 +1,6 @@
 #include "files/path_chars.h"
+#include "files/path_shape.h"
+#include "runtime/str_case.h"
 
 #include <cwchar>
 
@@ -14,6 +16,16 @@ void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch) {
     pszOut[cch] = 0;
 }
 } // namespace
+
+int DriveOfLetter(wchar_t ch) { return IsAlphaChar(ch) ? CharToUpper(ch) - L'A' : -1; }
+
+wchar_t* SkipRoot(wchar_t* pszPath) {
+    if (IsDosFolder(pszPath)) return pszPath + 3;
+    if (!IsNetworkPath(pszPath)) return nullptr;
+    wchar_t* p = EndOfName(pszPath + 2); // behind the server
+    if (*p) p = EndOfName(p + 1);        // behind the share
+    return *p ? p + 1 : p;
+}
 
 int FitsPath(const wchar_t* psz) {
     if (!psz) return 0;
@@ -41,4 +53,11 @@ int CopyTextCut(wchar_t* pszOut, std::size_t cchOut, const wchar_t* psz) {
 int AppendTextCut(wchar_t* pszOut, std::size_t cchOut, const wchar_t* psz) {
     std::size_t cch = std::wcslen(pszOut);
     return cch < cchOut ? CopyTextCut(pszOut + cch, cchOut - cch, psz) : !psz || !*psz;
+}
+
+void AddQuotes(wchar_t* pszPath) {
+    std::size_t cch = std::wcslen(pszPath);
+    std::wmemmove(pszPath + 1, pszPath, cch);
+    pszPath[0] = pszPath[cch + 1] = L'"';
+    pszPath[cch + 2] = 0;
 }

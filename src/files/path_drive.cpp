@@ -2,10 +2,8 @@
 #include "files/path_chars.h"
 #include "files/path_split.h"
 #include "runtime/runtime_func.h"
-#include "runtime/str_case.h"
 
 namespace {
-constexpr int kDrives = 26;
 constexpr unsigned __int64 kMaxFileSizeNtfs = 0xFFFFFFF0000;
 constexpr unsigned __int64 kMaxFileSizeFat = 0xFFFFFFFF;
 
@@ -13,10 +11,6 @@ constexpr unsigned __int64 kMaxFileSizeFat = 0xFFFFFFFF;
 constinit RuntimeFunc<UINT WINAPI(LPCWSTR)> fnGetDriveType(L"kernel32.dll", "GetDriveTypeW");
 constinit RuntimeFunc<decltype(::GetVolumeInformationW)>
     fnGetVolumeInformation(L"kernel32.dll", "GetVolumeInformationW");
-
-int DriveOfLetter(const wchar_t* pszPath) {
-    return pszPath && IsAlphaChar(*pszPath) ? CharToUpper(*pszPath) - L'A' : -1;
-}
 
 /// Asks about the volume with that path; each pointer may be null. 0 if it is not known.
 int AskVolume(const wchar_t* pszPath, DWORD* pdwFlags, wchar_t* pszName, DWORD cchName) {
@@ -35,7 +29,7 @@ UINT GetDriveTypeW(int nDrive) {
 }
 
 UINT GetDriveTypeFromPath(const wchar_t* pszPath) {
-    int nDrive = DriveOfLetter(pszPath);
+    int nDrive = pszPath ? DriveOfLetter(*pszPath) : -1;
     return nDrive < 0 ? DRIVE_UNKNOWN : ::GetDriveTypeW(nDrive);
 }
 

@@ -15,22 +15,6 @@ namespace {
 /// What a path needs that gets a separator and still has 259 characters before.
 constexpr std::size_t kFolderChars = kPathChars + 1;
 
-wchar_t* FindBackslash(wchar_t* psz) {
-    while (*psz && *psz != L'\\') ++psz;
-    return psz;
-}
-
-/// Where the first name below the root begins, in a path with backslashes only; the terminator if
-/// a network path has none. Null if there is no root.
-wchar_t* SkipRoot(wchar_t* pszPath) {
-    if (IsNetworkPath(pszPath)) {
-        wchar_t* p = FindBackslash(pszPath + 2); // behind the server
-        if (*p) p = FindBackslash(p + 1);        // behind the share
-        return *p ? p + 1 : p;
-    }
-    return IsDosFolder(pszPath) ? pszPath + 3 : nullptr;
-}
-
 int IsOrBecomesFolder(const wchar_t* pszPath) {
     return FolderExists(pszPath) || ::CreateDirectoryW(pszPath, nullptr);
 }
@@ -51,7 +35,7 @@ int CreateFolder(const wchar_t* pszPath) {
     if (szFolder[cch - 1] != L'\\') CopyTextPart(szFolder + cch, L"\\", 1);
     wchar_t* p = SkipRoot(szFolder);
     if (!p) return 0;
-    for (p = FindBackslash(p); *p; p = FindBackslash(p + 1)) {
+    for (p = EndOfName(p); *p; p = EndOfName(p + 1)) {
         *p = 0;
         if (!IsOrBecomesFolder(szFolder)) return 0;
         *p = L'\\';

@@ -34,11 +34,8 @@ int GetOwnFolder(wchar_t (&szFolder)[kPathChars]) {
 }
 
 int Quote(wchar_t* pszPath) {
-    std::size_t cch = std::wcslen(pszPath);
-    if (cch + 2 >= kPathChars) return Empty(pszPath);
-    std::wmemmove(pszPath + 1, pszPath, cch);
-    pszPath[0] = pszPath[cch + 1] = L'"';
-    pszPath[cch + 2] = 0;
+    if (std::wcslen(pszPath) + 2 >= kPathChars) return Empty(pszPath);
+    AddQuotes(pszPath);
     return 1;
 }
 

@@ -13,7 +13,6 @@
 #include <new>
 
 namespace {
-constexpr int kDrives = 26;
 constexpr DWORD kFirstListSize = 2400;      // bytes
 constexpr DWORD kMaxListSize = 1024 * 1024; // no list of connections is as long
 constexpr int kMaxPieces = 1000;            // nor as many
@@ -101,8 +100,8 @@ const wchar_t* FindInDeviceName(const wchar_t* pszDevice, const wchar_t* pszDriv
     return p + 3;
 }
 
-/// Steps 3 to 6 of GetUniversalName: the network's name of the drive, into a path buffer. 0 if it
-/// has none.
+/// The network's name of the drive, into a path buffer: the list's, or else the device's. 0 if it
+/// has none, or if there is no list.
 int GetConnection(wchar_t* pszOut, wchar_t chDrive) {
     ConnectionList connections;
     if (!connections.IsOpen()) return 0;

@@ -20,12 +20,7 @@ const wchar_t* DropBlanksAndTabs(const wchar_t* pStart, const wchar_t* pEnd) {
 } // namespace
 
 void AddQuotesIfSpace(wchar_t* pszPath) {
-    if (!pszPath || !std::wcschr(pszPath, L' ')) return;
-    std::size_t cch = std::wcslen(pszPath);
-    std::wmemmove(pszPath + 1, pszPath, cch);
-    pszPath[0] = kQuote;
-    pszPath[cch + 1] = kQuote;
-    pszPath[cch + 2] = 0;
+    if (pszPath && std::wcschr(pszPath, L' ')) AddQuotes(pszPath);
 }
 
 void UnQuote(wchar_t* pszOut, const wchar_t* pszIn) {

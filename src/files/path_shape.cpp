@@ -79,8 +79,7 @@ int IsNetworkComputer(const wchar_t* pszPath) {
 
 int IsNetworkShare(const wchar_t* pszPath) {
     if (!IsNetworkPath(pszPath)) return 0;
-    const wchar_t* p = pszPath + 2;
-    while (*p && !IsPathSeparator(*p)) ++p;
+    const wchar_t* p = EndOfName(pszPath + 2);
     return p > pszPath + 2 && *p && p[1] && !HoldsSeparator(p + 1);
 }
 

@@ -48,21 +48,6 @@ int GetShortFormOfPart(const wchar_t* pszPath, wchar_t (&szShort)[kPathChars]) {
     return 0;
 }
 
-std::size_t NameLength(const wchar_t* psz) {
-    std::size_t cch = 0;
-    while (psz[cch] && !IsPathSeparator(psz[cch])) ++cch;
-    return cch;
-}
-
-/// How many characters of the path are its root, with the separator behind it; 0 for none.
-std::size_t RootLength(const wchar_t* pszPath) {
-    if (IsDosFolder(pszPath)) return 3;
-    if (!IsNetworkPath(pszPath)) return 0;
-    std::size_t cch = 2 + NameLength(pszPath + 2);
-    if (pszPath[cch]) cch += 1 + NameLength(pszPath + cch + 1);
-    return pszPath[cch] ? cch + 1 : cch;
-}
-
 /// The name at pszName, which ends before cchName, as the file system has it. 0 if there is none.
 int FindLongName(wchar_t* pszPath, wchar_t* pszName, std::size_t cchName, WIN32_FIND_DATAW* pData) {
     wchar_t chBehind = std::exchange(pszName[cchName], L'\0');
@@ -117,17 +102,16 @@ int ConvertToShortPath(wchar_t* pszPath, unsigned cch) {
 void ConvertPathToLFN(wchar_t* pszOut, wchar_t* pszIn, wchar_t* pszOutTail, wchar_t* pszInTail) {
     if (!pszOut || !pszIn) return;
     if (!pszOutTail || !pszInTail) {
-        std::size_t cchRoot = RootLength(pszIn);
-        if (cchRoot == 0) return;
+        pszInTail = SkipRoot(pszIn);
+        if (!pszInTail) return;
         pszOutTail = pszOut;
-        Put(pszOut, pszOutTail, pszIn, cchRoot);
+        Put(pszOut, pszOutTail, pszIn, static_cast<std::size_t>(pszInTail - pszIn));
         ConvertSlashes(pszOut);
         if (!IsNetworkPath(pszIn)) CharToUpper(pszOut);
-        pszInTail = pszIn + cchRoot;
     }
     *pszOutTail = 0;
     while (*pszInTail) {
-        std::size_t cch = NameLength(pszInTail);
+        auto cch = static_cast<std::size_t>(EndOfName(pszInTail) - pszInTail);
         WIN32_FIND_DATAW data;
         if (IsDots(pszInTail, cch)) {
             Put(pszOut, pszOutTail, pszInTail, cch);

@@ -49,15 +49,10 @@ void CutAtSeparator(wchar_t* pszPath, wchar_t* pSeparator) {
     *pSeparator = 0;
 }
 
-const wchar_t* SkipName(const wchar_t* p) {
-    while (*p && !IsPathSeparator(*p)) ++p;
-    return p;
-}
-
 /// The end of "\\server"; null if the path does not start like that.
 const wchar_t* EndOfServer(const wchar_t* pszPath) {
     if (!IsPathSeparator(pszPath[0]) || !IsPathSeparator(pszPath[1])) return nullptr;
-    const wchar_t* pEnd = SkipName(pszPath + 2);
+    const wchar_t* pEnd = EndOfName(pszPath + 2);
     return pEnd > pszPath + 2 ? pEnd : nullptr;
 }
 
@@ -65,7 +60,7 @@ const wchar_t* EndOfServer(const wchar_t* pszPath) {
 const wchar_t* EndOfShare(const wchar_t* pszPath) {
     const wchar_t* pServer = EndOfServer(pszPath);
     if (!pServer || !*pServer) return nullptr;
-    const wchar_t* pEnd = SkipName(pServer + 1);
+    const wchar_t* pEnd = EndOfName(pServer + 1);
     return pEnd > pServer + 1 ? pEnd : nullptr;
 }
 

@@ -4,8 +4,8 @@
 // Conversions between 16-bit text and the code pages, over terminated sources. Sizes are those of
 // the destination, in characters or bytes, with the terminator; a size of 0 only measures, and the
 // destination may then be null. The result is the platform's: what was written or is needed, with
-// the terminator; 0 on failure (GetLastError), also if it does not fit. On failure a destination of
-// any size holds the empty text.
+// the terminator; 0 on failure (GetLastError), also for a null source and if it does not fit. On
+// failure a destination of any size holds the empty text.
 
 /// The system code page (CP_ACP).
 TESSALY_API int mb2wc(const char* pszText, wchar_t* pszOut, int cchOut);

@@ -7,10 +7,11 @@ namespace {
 constexpr std::size_t kHomePathSize = 257;
 constexpr std::size_t kRestrictionsPathSize = 256;
 
+/// 0 without a key, and where only a part of its path would fit: that would be another key.
 int OpenSetup(RegKey& key, const wchar_t* pszMakerKey, const wchar_t* pszProduct, int bWrite) {
-    wchar_t szPath[kHomePathSize];
-    FormatText(szPath, L"HKLM\\%s\\%s\\Setup", pszMakerKey, pszProduct);
-    return key.Open(szPath, bWrite);
+    wchar_t szPath[kHomePathSize + 1]; // one more, in which a longer path shows
+    std::size_t cch = FormatText(szPath, L"HKLM\\%s\\%s\\Setup", pszMakerKey, pszProduct);
+    return cch < kHomePathSize && key.Open(szPath, bWrite);
 }
 } // namespace
 
@@ -34,8 +35,10 @@ int GetHomeFolder(const wchar_t* pszProduct, wchar_t* pszOut) {
 
 int Restricted(const wchar_t* pszProduct, const wchar_t* pszName) {
     if (!pszProduct || !pszName) return 0;
-    wchar_t szPath[kRestrictionsPathSize];
-    FormatText(szPath, L"HKCU\\%s\\%s\\%s", kMakerKey, pszProduct, L"Setup\\Restrictions");
+    wchar_t szPath[kRestrictionsPathSize + 1]; // as in OpenSetup
+    std::size_t cch =
+        FormatText(szPath, L"HKCU\\%s\\%s\\Setup\\Restrictions", kMakerKey, pszProduct);
+    if (cch >= kRestrictionsPathSize) return 0;
     RegKey key(szPath, 0);
     return key.GetHandle() ? key.GetInt(pszName, 0) : 0;
 }

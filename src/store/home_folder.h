@@ -2,7 +2,8 @@
 #include "store/reg_key.h"
 
 // What the maker's products keep for the whole machine and what a user may be barred from.
-// pszProduct is the product's name (ProductInfo::GetName); without one, null, the result is 0.
+// pszProduct is the product's name (ProductInfo::GetName). Without one, null, the result is 0; so
+// it is with one that makes the key's path longer than 256 characters (Restricted: 255).
 
 /// Performs op on the value "Home" of HKLM\Software\Orvanta\<product>\Setup, the folder in which
 /// the product was installed: pszText, cchText characters, is what is expected or written, and the

@@ -1,7 +1,9 @@
 #include "store/ini_file.h"
 
 #include "files/core_file.h"
+#include "files/path_fs.h"
 #include "runtime/cs_buf.h"
+#include "runtime/str_copy.h"
 #include "store/parser.h"
 #include "store/reg_key.h"
 
@@ -11,20 +13,6 @@
 namespace {
 constexpr wchar_t kByteOrderMark = 0xFEFF;
 constexpr unsigned long long kMaxBlock = 0xFFFFFFFF; // what CSBuf can be told
-
-void Emit(wchar_t*& pszOut, const wchar_t* pszText, unsigned& nCount) {
-    for (; pszText && *pszText; ++pszText, ++nCount) {
-        if (pszOut) *pszOut++ = *pszText;
-    }
-}
-
-/// The file's attributes; INVALID_FILE_ATTRIBUTES if there is none.
-DWORD FindAttributes(const wchar_t* pszPath) {
-    DWORD nAttributes = CoreFile::GetAttrib(pszPath);
-    if (nAttributes != INVALID_FILE_ATTRIBUTES) return nAttributes;
-    WIN32_FIND_DATAW data; // a file that is held tells them here
-    return CoreFile::GetInfo(pszPath, &data) ? data.dwFileAttributes : INVALID_FILE_ATTRIBUTES;
-}
 } // namespace
 
 IniFile::IniFile(const wchar_t* pszFile) { SetPath(pszFile); }
@@ -154,17 +142,17 @@ int IniFile::WriteData() {
 }
 
 void IniFile::WriteSec(wchar_t*& pszOut, const wchar_t* pszName, unsigned& nCount) {
-    Emit(pszOut, L"[", nCount);
-    Emit(pszOut, pszName, nCount);
-    Emit(pszOut, L"]\r\n", nCount);
+    CopyStr(pszOut, L"[", nCount);
+    CopyStr(pszOut, pszName, nCount);
+    CopyStr(pszOut, L"]\r\n", nCount);
 }
 
 void IniFile::WriteVar(wchar_t*& pszOut, const wchar_t* pszName, const wchar_t* pszValue,
                        unsigned& nCount) {
-    Emit(pszOut, pszName, nCount);
-    Emit(pszOut, L"=", nCount);
-    Emit(pszOut, pszValue, nCount);
-    Emit(pszOut, L"\r\n", nCount);
+    CopyStr(pszOut, pszName, nCount);
+    CopyStr(pszOut, L"=", nCount);
+    CopyStr(pszOut, pszValue, nCount);
+    CopyStr(pszOut, L"\r\n", nCount);
 }
 
 int IniFile::FindBootFile(const wchar_t* pszName, wchar_t* pszFound) {
@@ -182,8 +170,7 @@ int IniFile::FindBootFile(const wchar_t* pszName, wchar_t* pszFound) {
         szFile[cch++] = L'\\';
     }
     ::lstrcpynW(szFile + cch, pszName, kBootPathSize - cch);
-    DWORD nAttributes = FindAttributes(szFile);
-    if (nAttributes == INVALID_FILE_ATTRIBUTES || nAttributes & FILE_ATTRIBUTE_DIRECTORY) return 0;
+    if (!FileExists(szFile)) return 0;
     ::lstrcpynW(pszFound, szFile, kPathSize);
     return 1;
 }

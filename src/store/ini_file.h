@@ -42,7 +42,9 @@ class TESSALY_API IniFile {
     /// Reads the file, which is shared with readers, and runs ReadAll. 0 also for an empty file.
     int ReadData();
     /// Runs a pass; cchText 0 means up to the terminator. 1 if it ran to its end and the last
-    /// CallBack gave nonzero. A text with nothing in it gives 0 after cbBegin.
+    /// CallBack gave nonzero. A text with nothing in it gives 0 after cbBegin. The parser may
+    /// stay over the caller's text, where the pass ended: call none of the steps below once that
+    /// text is gone, or DeleteParser first.
     int ReadAll(const wchar_t* pszText, unsigned cchText);
     /// Rewrites the file, read-only or not, with FF FE in front. If there is nothing to write the
     /// file is deleted.

@@ -37,7 +37,7 @@ void Parser::TokenCopy(wchar_t* pszOut, unsigned cchOut) {
 template <class Fn>
 unsigned Parser::CopyWhile(wchar_t* pszOut, unsigned cchOut, Fn fnGoesOn) {
     const wchar_t* pAt = p;
-    const wchar_t* const pFull = NotEnd() && pEnd - p >= cchOut ? p + (cchOut - 1) : pEnd;
+    const wchar_t* const pFull = pEnd - p >= cchOut ? p + (cchOut - 1) : pEnd;
     while (pAt < pFull && fnGoesOn(pAt)) *pszOut++ = *pAt++;
     *pszOut = 0;
     auto cch = static_cast<unsigned>(pAt - p);

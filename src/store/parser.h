@@ -56,7 +56,8 @@ class TESSALY_API Parser {
     }
     /// Copies one character, without any test, and moves both on.
     void CharCopy(wchar_t*& pszOut) { *pszOut++ = *p++; }
-    /// Copies a token of at most cchOut - 1 characters, and terminates it.
+    /// Copies a token of at most cchOut - 1 characters, and terminates it. The rest of a longer one
+    /// is what comes next. A null output or one of no characters gets nothing.
     void TokenCopy(wchar_t* pszOut, unsigned cchOut);
     /// Both pass what stands before the line end, or before that character, or all of the text, and
     /// copy of it what fits into cchOut characters with the terminator, of which there must be one.

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <atomic>
+#include <random>
 #include <thread>
 
 namespace {
@@ -179,6 +180,24 @@ TEST_F(CreateFolderOther, RemoveDirectoryExTakesEmptyFoldersOnly) {
 
 // Renaming
 
+/// A path that nobody else uses in a folder outside this environment, where other runs of the tests
+/// may be at work; nothing is left there.
+class OutsidePath {
+  public:
+    explicit OutsidePath(const std::wstring& strFolder)
+        : str(strFolder + L"\\tessaly_rename_" + std::to_wstring(std::random_device()())) {}
+    OutsidePath(const OutsidePath&) = delete;
+    OutsidePath& operator=(const OutsidePath&) = delete;
+    ~OutsidePath() {
+        std::error_code ignored;
+        std::filesystem::remove(str, ignored);
+    }
+    const wchar_t* Get() const { return str.c_str(); }
+
+  private:
+    std::wstring str;
+};
+
 TEST_F(RenameTest, FileGetsItsNewName) {
     folder.MakeFile(L"old", "abc");
     EXPECT_EQ(1, RenameFile(Path(L"old").c_str(), Path(L"new").c_str(), 0));
@@ -192,13 +211,12 @@ TEST_F(RenameTest, FileGoesToAnotherDrive) {
     // The Unix side of the same folder's file system is another drive here.
     ::GetCurrentDirectoryW(MAX_PATH, szOther);
     if (szOther[0] == folder.Get()[0]) GTEST_SKIP() << "the tests run on the drive of their folder";
-    std::wstring strTarget = std::wstring(szOther) + L"\\tessaly_rename_test.tmp";
+    OutsidePath target(szOther);
     folder.MakeFile(L"old", "abc");
-    ::DeleteFileW(strTarget.c_str());
-    EXPECT_EQ(1, RenameFile(Path(L"old").c_str(), strTarget.c_str(), 0));
-    EXPECT_EQ(1, FileExists(strTarget.c_str()));
+    EXPECT_EQ(1, RenameFile(Path(L"old").c_str(), target.Get(), 0));
+    EXPECT_EQ(1, FileExists(target.Get()));
     EXPECT_EQ(0, FileExists(Path(L"old").c_str()));
-    EXPECT_EQ(1, RenameFile(strTarget.c_str(), Path(L"back").c_str(), 0));
+    EXPECT_EQ(1, RenameFile(target.Get(), Path(L"back").c_str(), 0));
     EXPECT_EQ("abc", folder.ReadFile(L"back"));
 }
 
@@ -283,19 +301,17 @@ TEST_F(RenameTest, LongestPathsAreTakenAndLongerOnesAreNot) {
 }
 
 TEST_F(RenameTest, OnlyFilesGoToAnotherFileSystem) {
-    const std::wstring strOther = L"Z:\\dev\\shm\\tessaly_rename_test";
-    if (::CreateDirectoryW(strOther.c_str(), nullptr)) ::RemoveDirectoryW(strOther.c_str());
+    OutsidePath other(L"Z:\\dev\\shm");
     ASSERT_EQ(1, CreateFolder(Path(L"old").c_str()));
-    if (::MoveFileExW(Path(L"old").c_str(), strOther.c_str(), 0)) {
-        ::RemoveDirectoryW(strOther.c_str());
+    if (::MoveFileExW(Path(L"old").c_str(), other.Get(), 0)) {
         GTEST_SKIP() << "this machine has no second file system that folders cannot be moved to";
     }
-    EXPECT_EQ(0, RenameFolder(Path(L"old").c_str(), strOther.c_str(), 1));
+    EXPECT_EQ(0, RenameFolder(Path(L"old").c_str(), other.Get(), 1));
     EXPECT_EQ(1, FolderExists(Path(L"old").c_str()));
     folder.MakeFile(L"file", "abc");
-    EXPECT_EQ(1, RenameFile(Path(L"file").c_str(), strOther.c_str(), 0));
+    EXPECT_EQ(1, RenameFile(Path(L"file").c_str(), other.Get(), 0));
     EXPECT_EQ(0, FileExists(Path(L"file").c_str()));
-    EXPECT_EQ(1, RenameFile(strOther.c_str(), Path(L"back").c_str(), 0));
+    EXPECT_EQ(1, RenameFile(other.Get(), Path(L"back").c_str(), 0));
     EXPECT_EQ("abc", folder.ReadFile(L"back"));
 }
 

@@ -1,54 +1,27 @@
 #include "files/path_quote.h"
 
-#include "files/path_support.h"
+#include "files/path_tables.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-TEST(AddQuotesIfSpace, OnlyABlankCounts) {
-    const struct {
-        const wchar_t* pszText;
-        const wchar_t* pszResult;
-    } rows[] = {{L"", L""},
-                {L"a", L"a"},
-                {L" ", L"\" \""},
-                {L"a b", L"\"a b\""},
-                {L"a\tb", L"a\tb"},
-                {L"\u00A0", L"\u00A0"},
-                {L"\"a b\"", L"\"\"a b\"\""}}; // also around quotes that are there
-    for (const auto& row : rows) {
-        PathBuffer text(row.pszText, std::wcslen(row.pszResult) + 1);
-        AddQuotesIfSpace(text);
-        EXPECT_STREQ(row.pszResult, text);
-    }
-    AddQuotesIfSpace(nullptr);
-}
-
-struct QuoteRow {
-    const wchar_t* pszText;
-    const wchar_t* pszResult;
-};
-
 using Change = void (*)(wchar_t*, const wchar_t*);
 
-void ExpectBothWays(std::initializer_list<QuoteRow> rows, Change change) {
-    FrontGuardedPath front;
-    for (const QuoteRow& row : rows) {
-        GuardedText in(row.pszText);
-        PathBuffer out(L"before");
-        change(out, in.Get());
-        EXPECT_STREQ(row.pszResult, out) << row.pszText;
-        PathBuffer text(row.pszText, std::wcslen(row.pszText) + 1);
-        change(text, nullptr);
-        EXPECT_STREQ(row.pszResult, text) << row.pszText;
-        wchar_t* psz = front.Put(row.pszText);
-        change(psz, nullptr);
-        EXPECT_STREQ(row.pszResult, psz) << row.pszText;
-        text.Set(row.pszText);
-        change(text, text);
-        EXPECT_STREQ(row.pszResult, text) << row.pszText;
-    }
-    change(nullptr, nullptr);
+TEST(AddQuotesIfSpace, OnlyABlankCounts) {
+    ExpectChanges({{L"", L""},
+                   {L"a", L"a"},
+                   {L" ", L"\" \""},
+                   {L"a b", L"\"a b\""},
+                   {L"a\tb", L"a\tb"},
+                   {L"\u00A0", L"\u00A0"},
+                   {L"\"a b\"", L"\"\"a b\"\""}}, // also around quotes that are there
+                  AddQuotesIfSpace);
+}
+
+/// Each row also in place by a null input.
+void ExpectBothWays(std::initializer_list<ChangeRow> rows, Change change) {
+    ExpectCopies(rows, change);
+    ExpectChanges(rows, [&](wchar_t* psz) { change(psz, nullptr); });
 }
 
 TEST(UnQuote, DropsALeadingQuoteAndStopsAtTheNext) {

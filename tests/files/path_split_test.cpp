@@ -1,6 +1,6 @@
 #include "files/path_split.h"
 
-#include "files/path_support.h"
+#include "files/path_tables.h"
 
 #include <gtest/gtest.h>
 #include <cctype>
@@ -82,21 +82,6 @@ TEST(FindLastSeparator, IsTheLastOfEitherKind) {
                 static_cast<FindConst>(FindLastSeparator), static_cast<FindIn>(FindLastSeparator));
 }
 
-struct ChangeRow {
-    const wchar_t* pszPath;
-    const wchar_t* pszChanged;
-};
-
-void ExpectChanges(std::initializer_list<ChangeRow> rows, void (*change)(wchar_t*)) {
-    FrontGuardedPath front;
-    for (const ChangeRow& row : rows) {
-        wchar_t* psz = front.Put(row.pszPath);
-        change(psz);
-        EXPECT_STREQ(row.pszChanged, psz) << row.pszPath;
-    }
-    change(nullptr);
-}
-
 TEST(FindLastPathComponent, CutsATrailingSeparatorFirst) {
     const struct {
         const wchar_t* pszPath;
@@ -156,21 +141,6 @@ TEST(StripFileExt, CutsAtTheLastDotOfTheName) {
                   StripFileExt);
 }
 
-/// Each row from another text and in place.
-void ExpectCopies(std::initializer_list<ChangeRow> rows, void (*copy)(wchar_t*, const wchar_t*)) {
-    PathBuffer out;
-    for (const ChangeRow& row : rows) {
-        copy(out, row.pszPath);
-        EXPECT_STREQ(row.pszChanged, out) << row.pszPath;
-        out.Set(row.pszPath);
-        copy(out, out);
-        EXPECT_STREQ(row.pszChanged, out) << row.pszPath;
-    }
-    copy(out, nullptr);
-    EXPECT_STREQ(L"", out);
-    copy(nullptr, L"a\\b");
-}
-
 TEST(DirFromPath, IsTheFolderWithoutATrailingSeparator) {
     ExpectCopies({{L"", L""},
                   {L"a", L""},
@@ -200,6 +170,14 @@ TEST(GetParentFolder, CutsAtTheLastSeparator) {
                   {L"C:/a/b", L"C:/a"},
                   {L"\\\\s\\x", L"\\\\s"}},
                  GetParentFolder);
+}
+
+TEST(SplitCopies, NullGivesAnEmptyText) {
+    for (auto copy : {DirFromPath, GetParentFolder}) {
+        PathBuffer out(L"before");
+        copy(out, nullptr);
+        EXPECT_STREQ(L"", out);
+    }
 }
 
 TEST(SplitCopies, CutWhatReaches260Characters) {

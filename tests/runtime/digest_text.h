@@ -1,4 +1,6 @@
 #pragma once
+#include "support/guard_page.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -35,6 +37,17 @@ inline Bytes Pattern(std::size_t cb) {
     for (std::size_t i = 0; i < cb; ++i)
         bytes[i] = static_cast<unsigned char>(i * 131 + (i >> 8) + 7);
     return bytes;
+}
+
+/// The digest of Pattern(cbData), which ends right before a page that may not be touched.
+template <std::size_t cb>
+std::array<unsigned char, cb> CalcOfPattern(void (*pfnCalc)(unsigned char*, const void*,
+                                                            unsigned long long),
+                                            std::size_t cbData) {
+    GuardedMemory memory(cbData);
+    Bytes bytes = Pattern(cbData);
+    std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(memory.Get()));
+    return CalcDigest<cb>(pfnCalc, memory.Get(), cbData);
 }
 
 /// A message padded to whole blocks of 64 bytes, as MD5 and SHA-1 have it: a bit of 1, zeros, and

@@ -138,6 +138,25 @@ TEST_F(HomeFolder, LongProductNamesFindNothing) {
     EXPECT_EQ(0, ProcessHomeFolder(RegKey::OpSet, std::wstring(128, L'x').c_str(), sz, 7));
 }
 
+/// A product's name of that length in levels of keys, none of which is too long.
+std::wstring LevelsOfLength(std::size_t cch) {
+    std::wstring str(cch, L'x');
+    for (std::size_t n = 50; n + 1 < cch; n += 50) str[n] = L'\\';
+    return str;
+}
+
+TEST_F(HomeFolder, PathOfWhichAPartWouldBeOpenedIsNone) {
+    wchar_t sz[MAX_PATH] = L"C:\\App";
+    std::wstring strLongest = LevelsOfLength(228), strCut = LevelsOfLength(229); // 256 and 257
+    EXPECT_EQ(1, ProcessHomeFolder(RegKey::OpSet, strLongest.c_str(), sz, MAX_PATH));
+    EXPECT_EQ(1, GetHomeFolder(strLongest.c_str(), sz));
+    RegDump before = maker.Dump();
+    EXPECT_EQ(0, ProcessHomeFolder(RegKey::OpSet, strCut.c_str(), sz, MAX_PATH));
+    EXPECT_EQ(before, maker.Dump());
+    maker.PutStr(L"Home", L"C:\\App", strCut + L"\\Setu");
+    EXPECT_EQ(0, GetHomeFolder(strCut.c_str(), sz));
+}
+
 TEST(RestrictedTest, ReadsTheNumberOfThatName) {
     RegTree product(HKEY_CURRENT_USER, L"Software\\Orvanta\\TessalyHomeTest");
     EXPECT_EQ(0, Restricted(kProduct, L"Menu"));
@@ -150,6 +169,19 @@ TEST(RestrictedTest, ReadsTheNumberOfThatName) {
     EXPECT_EQ(0, Restricted(kProduct, L"Other"));
     EXPECT_EQ(0, Restricted(kProduct, nullptr));
     EXPECT_EQ(0, Restricted(nullptr, L"Menu"));
+}
+
+TEST(RestrictedTest, PathOfWhichAPartWouldBeOpenedIsNone) {
+    RegTree maker(HKEY_CURRENT_USER, L"Software\\Orvanta");
+    std::wstring strLongest = LevelsOfLength(214); // 255
+    maker.Put(L"Menu", REG_DWORD, {1, 0, 0, 0}, strLongest + L"\\Setup\\Restrictions");
+    EXPECT_EQ(1, Restricted(strLongest.c_str(), L"Menu"));
+    for (std::size_t cch : {215u, 216u}) {
+        std::wstring strCut = LevelsOfLength(cch);
+        maker.Put(L"Menu", REG_DWORD, {1, 0, 0, 0}, strCut + L"\\Setup\\Restriction");
+        maker.Put(L"Menu", REG_DWORD, {1, 0, 0, 0}, strCut + L"\\Setup\\Restrictions");
+        EXPECT_EQ(0, Restricted(strCut.c_str(), L"Menu")) << cch;
+    }
 }
 
 TEST(RestrictedTest, MachineIsNotAsked) {
