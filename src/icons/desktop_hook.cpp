@@ -18,6 +18,14 @@ bool IsMonitorWindow(HWND hwnd) {
     return hwnd && ::GetClassNameW(hwnd, szClass, kCchClass) &&
            std::wcscmp(szClass, kMonitorClass) == 0;
 }
+
+/// Whether a window object is on the shell's window. It may be another copy's.
+int IsMarked(HWND hwnd) { return ::GetPropW(hwnd, L"CSWND") != nullptr; }
+
+void SendDetach() {
+    SendMyCompanyMsg(desktopSharedData.hwndListView, kCodeAttach, kDetach);
+    SendMyCompanyMsg(desktopSharedData.hwndView, kCodeAttach, kDetach);
+}
 } // namespace
 
 void InstallDesktopHook() {
@@ -34,10 +42,15 @@ void InstallDesktopHook() {
 
 void RemoveDesktopHook() {
     if (!desktopSharedData.hhook) return;
-    SendMyCompanyMsg(desktopSharedData.hwndListView, kCodeAttach, kDetach);
-    SendMyCompanyMsg(desktopSharedData.hwndView, kCodeAttach, kDetach);
+    SendDetach();
     ::UnhookWindowsHookEx(desktopSharedData.hhook);
     desktopSharedData.hhook = nullptr;
+    // What is sent overtakes what was posted: an attaching that was still in the queue may have
+    // come through the hook since. No other can, once the shell has answered.
+    ::SendMessageW(desktopSharedData.hwndListView, WM_NULL, 0, 0);
+    if (IsMarked(desktopSharedData.hwndListView) || IsMarked(desktopSharedData.hwndView)) {
+        SendDetach();
+    }
 }
 
 void ForgetStaleDesktopHook() {

@@ -227,7 +227,7 @@ void TBIcon::OnTimer() {
 void TBIcon::PostEvent(WPARAM wParam, LPARAM lParam) {
     UINT uMsg = kFirstEventMsg;
     for (const Event& event : kEvents) {
-        if (event.lReported == lParam) ::PostMessageW(hWnd, uMsg, wParam, lParam);
+        if (event.lReported == lParam) ::PostMessageW(hWnd, uMsg, wParam, 0);
         ++uMsg;
     }
 }

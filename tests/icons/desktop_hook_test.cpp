@@ -99,6 +99,21 @@ TEST_F(DesktopHook, RemoveDetachesTheListViewThenTheViewThenUnhooks) {
     EXPECT_FALSE(::UnhookWindowsHookEx(hhook)); // it is gone already
 }
 
+TEST_F(DesktopHook, RemoveDetachesAlsoWhatIsAttachedBehindTheDetaching) {
+    InstallDesktopHook(); // by a posted code, which what is sent overtakes
+    view.spyView.handler = [](UINT uMsg, WPARAM, LPARAM lParam, LRESULT*) {
+        if (uMsg == GetTestCompanyMsg() && !lParam) PumpAll(); // now it comes, the hook still set
+        return 0;
+    };
+    RemoveDesktopHook();
+    view.spyView.handler = nullptr;
+    EXPECT_EQ(2, view.spyListView.CountOfCode(kCodeAttach)) << "detached, then attached";
+    EXPECT_FALSE(GetAgentListView().IsAttached());
+    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_EQ(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
+    EXPECT_EQ(nullptr, ::GetPropW(view.wndView, L"CSWND"));
+}
+
 TEST_F(DesktopHook, RemoveWithoutAHookSendsNothing) {
     RemoveDesktopHook();
     PumpAll();

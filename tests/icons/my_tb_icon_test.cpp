@@ -204,7 +204,9 @@ TEST_F(MyTBIconTest, EndOfTheRoundWithoutAWindowClosesTheOneOfItsClass) {
 }
 
 TEST_F(MyTBIconTest, WithoutAWindowTheIconIsTriedAllTheSame) {
-    // The class is somebody else's here, whose window cannot be created.
+    // The class is somebody else's here, whose window cannot be created. (It may still be there
+    // from a round whose window closed after its object.)
+    ::UnregisterClassW(L"TessalyTBIcon", GetLibraryInstance());
     WNDCLASSW wc{};
     wc.lpfnWndProc = [](HWND, UINT, WPARAM, LPARAM) -> LRESULT { return 0; };
     wc.hInstance = GetLibraryInstance();

@@ -5,6 +5,9 @@
 
 namespace {
 constexpr const wchar_t* kPopupClass = L"#32768";
+/// A cursor that has stayed for 100 ms is asked of the display itself (Wine 8), and with the answer
+/// come the movements that were still on their way.
+constexpr DWORD kMovedMs = 150;
 
 /// The visible popups of this process, the one in front first.
 std::vector<HWND> Popups() {
@@ -17,32 +20,35 @@ std::vector<HWND> Popups() {
     return found;
 }
 
-void SendMouse(DWORD dwFlags, POINT pt = {}) {
+/// The movement and the button in one: between two inputs, an earlier movement that is still on its
+/// way can put the cursor back.
+INPUT MouseInput(DWORD dwButton, POINT pt) {
     INPUT input{};
     input.type = INPUT_MOUSE;
-    input.mi.dwFlags = dwFlags;
-    if (dwFlags & MOUSEEVENTF_ABSOLUTE) { // in 65,536ths of the screen
-        input.mi.dx = ::MulDiv(pt.x, 65536, ::GetSystemMetrics(SM_CXSCREEN)) + 1;
-        input.mi.dy = ::MulDiv(pt.y, 65536, ::GetSystemMetrics(SM_CYSCREEN)) + 1;
-    }
-    ::SendInput(1, &input, sizeof(input));
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | dwButton;
+    // In 65,536ths of the screen.
+    input.mi.dx = ::MulDiv(pt.x, 65536, ::GetSystemMetrics(SM_CXSCREEN)) + 1;
+    input.mi.dy = ::MulDiv(pt.y, 65536, ::GetSystemMetrics(SM_CYSCREEN)) + 1;
+    return input;
 }
 } // namespace
 
 void PutCursor(POINT pt) {
-    int nStays = 0;
+    DWORD nSince = ::GetTickCount(), nQuietMs = 20;
     PumpUntil([&] {
         POINT ptNow{};
         ::GetCursorPos(&ptNow);
-        bool bThere = ptNow.x == pt.x && ptNow.y == pt.y;
-        if (!bThere) ::SetCursorPos(pt.x, pt.y);
-        nStays = bThere ? nStays + 1 : 0;
-        return nStays == 4;
+        if (ptNow.x != pt.x || ptNow.y != pt.y) {
+            ::SetCursorPos(pt.x, pt.y);
+            nSince = ::GetTickCount();
+            nQuietMs = kMovedMs;
+        }
+        return ::GetTickCount() - nSince > nQuietMs;
     });
 }
 
 MenuDriver::MenuDriver(HWND hwndMenuOwner, Steps fnSteps)
-    : hwndOwner(hwndMenuOwner), fn(std::move(fnSteps)) {
+    : hwndOwner(hwndMenuOwner), dwMenuThread(::GetCurrentThreadId()), fn(std::move(fnSteps)) {
     // A click that closed a menu stays in the queue and would close the next one, too.
     PumpUntil([] { return ::GetAsyncKeyState(VK_LBUTTON) >= 0; });
     thread = std::thread([this] { Run(); });
@@ -54,14 +60,26 @@ MenuDriver::~MenuDriver() {
 }
 
 bool MenuDriver::Finish() {
+    bStop = true; // the call that shows the menu is over: none comes any more
     thread.join();
     return bDone;
 }
 
+/// A popup is to be seen a moment before the menu takes the mouse: a click in between goes to what
+/// lies below it.
+bool MenuDriver::IsMenuReady() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    return CountPopups() > 0 && ::GetGUIThreadInfo(dwMenuThread, &info) &&
+           info.flags & GUI_INMENUMODE;
+}
+
 void MenuDriver::Run() {
-    if (!WaitUntil([this] { return bStop || CountPopups() > 0; }, 3000) || bStop) return;
+    // However late it comes: without hands the test's thread would sit in it for ever.
+    WaitUntil([this] { return bStop || IsMenuReady(); }, INFINITE);
+    if (bStop) return;
     fn(*this);
-    bDone = WaitUntil([] { return CountPopups() == 0; }, 3000);
+    bDone = WaitUntil([] { return CountPopups() == 0; });
     if (!bDone) ::SendMessageW(hwndOwner, WM_CANCELMODE, 0, 0);
 }
 
@@ -76,12 +94,10 @@ void MenuDriver::PressKey(WORD wKey) {
     ::SendInput(2, inputs, sizeof(INPUT));
 }
 
-void MenuDriver::MoveTo(POINT pt) { SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, pt); }
-
 void MenuDriver::Click(POINT pt, bool bRight) {
-    MoveTo(pt);
-    SendMouse(bRight ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN);
-    SendMouse(bRight ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP);
+    INPUT inputs[] = {MouseInput(bRight ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN, pt),
+                      MouseInput(bRight ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP, pt)};
+    ::SendInput(2, inputs, sizeof(INPUT));
 }
 
 POINT MenuDriver::PlaceOf(HMENU hmenu, unsigned nPos) const {

@@ -10,9 +10,9 @@
 void PutCursor(POINT pt);
 
 /// The hands of a person while the test's thread sits in an open popup menu: real keys and mouse
-/// movements through the platform's input, from a thread of its own. Starts with fnSteps as soon as
-/// a popup of this process is to be seen; closes what is still open a while after fnSteps has
-/// ended.
+/// clicks through the platform's input, from a thread of its own. Made on the thread that is to
+/// show the menu; starts with fnSteps as soon as that has a popup open and takes input for it;
+/// closes what is still open a while after fnSteps has ended.
 ///
 ///     MenuDriver driver(hwndOwner, [](MenuDriver& hands) { hands.Press(VK_DOWN, VK_RETURN); });
 ///     EXPECT_EQ(7, menu.Track(hwndOwner, pt));
@@ -26,7 +26,8 @@ class MenuDriver {
     MenuDriver(const MenuDriver&) = delete;
     MenuDriver& operator=(const MenuDriver&) = delete;
 
-    /// Waits for the end. True if a menu came and fnSteps closed it.
+    /// After the call that shows the menu: waits for the end of fnSteps. True if a menu came and
+    /// fnSteps closed it.
     bool Finish();
 
     // For fnSteps.
@@ -36,7 +37,6 @@ class MenuDriver {
         (PressKey(static_cast<WORD>(keys)), ...);
     }
     void Click(POINT pt, bool bRight = false);
-    void MoveTo(POINT pt);
     /// The middle of an item as it stands on the screen; the menu must be open.
     POINT PlaceOf(HMENU hmenu, unsigned nPos) const;
     /// How many popups of this process are open.
@@ -45,10 +45,12 @@ class MenuDriver {
     static RECT FirstPopup();
 
   private:
+    bool IsMenuReady() const;
     void Run();
     void PressKey(WORD wKey);
 
     HWND hwndOwner;
+    DWORD dwMenuThread;
     Steps fn;
     std::atomic<bool> bStop{false};
     std::atomic<bool> bDone{false};

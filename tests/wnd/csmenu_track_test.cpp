@@ -1,12 +1,33 @@
 #include "wnd/csmenu.h"
 #include "support/menu_driver.h"
+#include "support/replace_import.h"
 #include "support/test_window.h"
 
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
+extern "C" FARPROC __imp_GetCursorPos;
+
 namespace {
+POINT ptTestCursor{};
+BOOL WINAPI TestCursorPos(POINT* ppt) {
+    *ppt = ptTestCursor;
+    return TRUE;
+}
+
+/// Where menus of the product's find the cursor. The real one may be moved by what is still on its
+/// way from the display; the end-to-end tests open menus at that.
+class TestCursor {
+  public:
+    explicit TestCursor(POINT pt) : replaced(__imp_GetCursorPos, &TestCursorPos) {
+        ptTestCursor = pt;
+    }
+
+  private:
+    ReplaceImport replaced;
+};
+
 struct AdjustingMenu : CSMenu {
     using CSMenu::AdjustPointForTrayIcon;
 };
@@ -118,7 +139,7 @@ TEST_F(CSMenuTrack, OpensAtTheCursorWithoutAControlAndAtTheControlsCentreFromOut
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.pszName);
-        PutCursor(row.ptCursor);
+        TestCursor cursor(row.ptCursor);
         RECT rc{};
         MenuDriver driver(owner, [&](MenuDriver& hands) {
             rc = hands.FirstPopup();
@@ -211,7 +232,7 @@ TEST_F(CSMenuTrack2, BringsTheOwnerToTheFrontForTheMenuAndTheFormerWindowAfterwa
 TEST_F(CSMenuTrack2, OpensAtTheCursorAndForATrayIconBesideIt) {
     int dx = ::GetSystemMetrics(SM_CXSMICON), dy = ::GetSystemMetrics(SM_CYSMICON);
     for (int forTrayIcon : {0, 1, -1}) {
-        PutCursor({600, 400}); // right of the middle, below it
+        TestCursor cursor({600, 400}); // right of the middle, below it
         RECT rc{};
         MenuDriver driver(owner, [&](MenuDriver& hands) {
             rc = hands.FirstPopup();

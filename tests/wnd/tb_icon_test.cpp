@@ -742,6 +742,7 @@ TEST_P(TBIconEvents, AreHandledOutsideTheShellsCall) {
     ASSERT_TRUE(::PeekMessageW(&msg, wnd, WM_USER, WM_USER + 100, PM_REMOVE));
     EXPECT_EQ(row.uPosted, msg.message);
     EXPECT_EQ(1u, msg.wParam);
+    EXPECT_EQ(0, msg.lParam) << "the message itself says what happened";
     ::DispatchMessageW(&msg);
     EXPECT_EQ(Log{row.pszHandler}, wnd.TakeLog());
     EXPECT_FALSE(::PeekMessageW(&msg, wnd, WM_USER, WM_USER + 100, PM_REMOVE));
