@@ -15,7 +15,7 @@ struct SeenMessageBox {
 
 /// Answers the next message boxes of this process from a thread of its own, while the test's thread
 /// sits in them: the n-th box gets the n-th button. Boxes are found by class and by the title
-/// "Tessaly"; another title can be given. Ends with a deadline even if no box comes.
+/// "Tessaly"; another title can be given. Waits for a box until Finish or its own end.
 ///
 ///     MessageBoxDriver driver({IDYES});
 ///     EXPECT_EQ(IDYES, Msg(nullptr, MB_YESNO, L"text"));
