@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 namespace {
-constexpr DWORD kAnswerMs = 20000; // for a process that may be busy with a thousand icons
+constexpr DWORD kAnswerMs = 40000; // for a process that may be busy with a thousand icons
 constexpr int kBoxTextId = 0xFFFF;
 constexpr size_t kCapturedChars = 259;
 
