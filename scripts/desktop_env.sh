@@ -48,7 +48,7 @@ desktop_env_template() {
 }
 
 desktop_env_start() {
-    DESKTOP_ENV=$(mktemp -d "${TMPDIR:-/tmp}/tessaly.XXXXXX")
+    DESKTOP_ENV=$(mktemp -d --suffix=.tessaly)
     if [ -n "${1:-}" ]; then
         cp -a --reflink=auto "$1/prefix" "$DESKTOP_ENV/prefix"
     else

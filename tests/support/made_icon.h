@@ -1,4 +1,5 @@
 #pragma once
+#include "support/dib_section.h"
 #include <windows.h>
 #include <vector>
 
@@ -10,16 +11,10 @@ using Pixel = unsigned;
 class MadeIcon {
   public:
     MadeIcon(int cx, int cy, const std::vector<Pixel>& pixels) {
-        BITMAPINFO info{};
-        info.bmiHeader.biSize = sizeof(info.bmiHeader);
-        info.bmiHeader.biWidth = cx;
-        info.bmiHeader.biHeight = -cy;
-        info.bmiHeader.biPlanes = 1;
-        info.bmiHeader.biBitCount = 32;
         void* pBits = nullptr;
         ICONINFO icon{};
         icon.fIcon = TRUE;
-        icon.hbmColor = ::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pBits, nullptr, 0);
+        icon.hbmColor = MakeDibSection(cx, cy, &pBits);
         if (pBits) memcpy(pBits, pixels.data(), pixels.size() * sizeof(Pixel));
         std::vector<unsigned char> mask(static_cast<size_t>((cx + 15) / 16 * 2 * cy)); // all opaque
         icon.hbmMask = ::CreateBitmap(cx, cy, 1, 1, mask.data());

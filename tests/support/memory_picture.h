@@ -1,4 +1,5 @@
 #pragma once
+#include "support/dib_section.h"
 #include <windows.h>
 #include <string>
 
@@ -8,14 +9,8 @@ class MemoryPicture {
   public:
     MemoryPicture(int cxNew, int cyNew, COLORREF crFill = RGB(255, 255, 255))
         : cx(cxNew), cy(cyNew), hdc(::CreateCompatibleDC(nullptr)) {
-        BITMAPINFO info{};
-        info.bmiHeader.biSize = sizeof(info.bmiHeader);
-        info.bmiHeader.biWidth = cx;
-        info.bmiHeader.biHeight = -cy;
-        info.bmiHeader.biPlanes = 1;
-        info.bmiHeader.biBitCount = 32;
         void* pBits = nullptr;
-        hbm = ::CreateDIBSection(hdc, &info, DIB_RGB_COLORS, &pBits, nullptr, 0);
+        hbm = MakeDibSection(cx, cy, &pBits);
         pPixels = static_cast<DWORD*>(pBits);
         hbmBefore = ::SelectObject(hdc, hbm);
         for (int y = 0; y < cy; ++y)
