@@ -1,7 +1,7 @@
 // CoreFile::CopyFileW of 64 MiB beside the platform's own copy.
 
 #include "../measure.h"
-#include "files/core_file.h"
+#include "files/stream/core_file.h"
 
 #include <string>
 

@@ -3,9 +3,9 @@
 // the list view.
 
 #include "../measure.h"
-#include "icons/agent.h"
-#include "icons/desktop_shared_data.h"
-#include "icons/icon_record.h"
+#include "icons/agent/agent.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/agent/icon_record.h"
 #include "list_view_owner.h"
 
 #include <commctrl.h>

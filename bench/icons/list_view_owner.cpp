@@ -1,5 +1,5 @@
 #include "list_view_owner.h"
-#include "icons/capture.h"
+#include "icons/agent/capture.h"
 
 #include <commctrl.h>
 #include <chrono>

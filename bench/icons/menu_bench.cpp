@@ -2,16 +2,16 @@
 // popup's first painting, beside a bare popup of the same items. `bench_menu`.
 
 #include "../measure.h"
-#include "icons/engine_codes.h"
-#include "icons/front_end.h"
-#include "icons/monitor_wnd.h"
-#include "icons/recommendations.h"
-#include "icons/snapshot_store.h"
-#include "icons/tray_front_end.h"
-#include "runtime/library_instance.h"
-#include "app/library_start.h"
-#include "wnd/company_msg.h"
-#include "wnd/csmenu.h"
+#include "icons/agent/engine_codes.h"
+#include "icons/monitor/front_end.h"
+#include "icons/monitor/monitor_wnd.h"
+#include "icons/tray/recommendations.h"
+#include "icons/snapshots/snapshot_store.h"
+#include "icons/tray/tray_front_end.h"
+#include "runtime/base/library_instance.h"
+#include "app/start/library_start.h"
+#include "wnd/core/company_msg.h"
+#include "wnd/menu/csmenu.h"
 
 #include <string>
 

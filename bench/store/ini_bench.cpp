@@ -1,7 +1,7 @@
 // Reading 1 MiB of ini text in memory beside a plain pass over its lines with wcschr.
 
 #include "../measure.h"
-#include "store/ini_file.h"
+#include "store/ini/ini_file.h"
 
 #include <cwchar>
 #include <string>

@@ -1,8 +1,8 @@
 #include "host/close_running.h"
-#include "app/my_product_info.h"
-#include "app/single_instance.h"
-#include "runtime/owned_handle.h"
-#include "wnd/company_msg.h"
+#include "app/identity/my_product_info.h"
+#include "app/instance/single_instance.h"
+#include "runtime/base/owned_handle.h"
+#include "wnd/core/company_msg.h"
 
 namespace {
 constexpr const wchar_t* kMonitorClass = L"TessalyWnd";

@@ -10,7 +10,7 @@ enum class LibraryProblem {
     Foreign,      // lacks functions that this program calls
 };
 
-/// DoMonitor, the library's entry for this program (icons/monitor.h).
+/// DoMonitor, the library's entry for this program (icons/engine/monitor.h).
 using MonitorFunc = void(HWND hwndParent, int bQuiet);
 
 /// The library's path: beside this program, and nowhere else. 0 if it does not fit.

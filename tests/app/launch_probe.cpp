@@ -2,9 +2,9 @@
 // its own in the folder "tessaly_launch" of the folder for temporary files, and ends with 77.
 // With a first argument /MYSELF it first starts itself once more (RunMyself) with the rest, with
 // /ELEVATED in the other way (RunMyselfElevated), and writes nothing.
-#include "app/cmd_line.h"
-#include "app/library_start.h"
-#include "app/run_file.h"
+#include "app/launch/cmd_line.h"
+#include "app/start/library_start.h"
+#include "app/launch/run_file.h"
 
 #include <windows.h>
 #include <tlhelp32.h>

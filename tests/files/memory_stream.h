@@ -1,5 +1,5 @@
 #pragma once
-#include "files/core_io.h"
+#include "files/stream/core_io.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 #pragma once
-#include "shell/shell_notify.h"
+#include "shell/namespace/shell_notify.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
 

@@ -1,11 +1,11 @@
 // The program itself, as it was built, in folders with and without a good library.
-#include "app/my_product_info.h"
-#include "app/single_instance.h"
+#include "app/identity/my_product_info.h"
+#include "app/instance/single_instance.h"
 #include "resources/resource_ids.h"
-#include "runtime/res_str.h"
+#include "runtime/messages/res_str.h"
 #include "support/run_key_away.h"
 #include "support/start_process.h"
-#include "wnd/company_msg.h"
+#include "wnd/core/company_msg.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>

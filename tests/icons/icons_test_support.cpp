@@ -1,9 +1,9 @@
 #include "icons/icons_test_support.h"
-#include "icons/agent.h"
-#include "icons/desktop_shared_data.h"
-#include "icons/monitor_wnd.h"
-#include "runtime/scope_exit.h"
-#include "shell/shell_subclass.h"
+#include "icons/agent/agent.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/monitor/monitor_wnd.h"
+#include "runtime/base/scope_exit.h"
+#include "shell/subclass/shell_subclass.h"
 #include <wincrypt.h>
 #include <atomic>
 #include <cstring>

@@ -1,7 +1,7 @@
 #pragma once
-#include "icons/front_end.h"
-#include "icons/icon_record.h"
-#include "runtime/runtime_func.h"
+#include "icons/monitor/front_end.h"
+#include "icons/agent/icon_record.h"
+#include "runtime/system/runtime_func.h"
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <commctrl.h>

@@ -1,5 +1,5 @@
 #pragma once
-#include "icons/local_date.h"
+#include "icons/tray/local_date.h"
 #include "icons/snapshot_test_support.h"
 
 #include <ctime>

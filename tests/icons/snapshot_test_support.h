@@ -1,7 +1,7 @@
 #pragma once
-#include "icons/icon_record.h"
-#include "icons/snapshot_names.h"
-#include "runtime/md5.h"
+#include "icons/agent/icon_record.h"
+#include "icons/snapshots/snapshot_names.h"
+#include "runtime/base/md5.h"
 #include "support/registry.h"
 
 #include <string>

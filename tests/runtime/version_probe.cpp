@@ -1,8 +1,8 @@
 // Prints what the version tests say; started by the tests under names for which the platform shows
 // itself as one Windows or another.
-#include "runtime/elevation.h"
-#include "runtime/system_facts.h"
-#include "runtime/win_version.h"
+#include "runtime/system/elevation.h"
+#include "runtime/system/system_facts.h"
+#include "runtime/system/win_version.h"
 
 #include <cstdio>
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "store/reg_key.h"
+#include "store/registry/reg_key.h"
 #include "support/registry.h"
 
 /// Takes the registry's "Run" key, of the user or of the machine, away for the length of a block.

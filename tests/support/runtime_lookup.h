@@ -1,5 +1,5 @@
 #pragma once
-#include "runtime/runtime_func.h"
+#include "runtime/system/runtime_func.h"
 #include <cstring>
 #include <initializer_list>
 #include <string>

@@ -1,4 +1,4 @@
-#include "app/library_start.h"
+#include "app/start/library_start.h"
 #include <gtest/gtest.h>
 #include <gmock/gmock.h>
 

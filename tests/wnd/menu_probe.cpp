@@ -1,6 +1,6 @@
 // Prints whether menu bitmaps are made; started by the tests under names for which the platform
 // shows itself as one Windows or another.
-#include "wnd/csmenu.h"
+#include "wnd/menu/csmenu.h"
 
 #include <cstdio>
 

@@ -1,6 +1,6 @@
 #pragma once
-#include "wnd/cswnd.h"
-#include "wnd/wm_hook.h"
+#include "wnd/core/cswnd.h"
+#include "wnd/core/wm_hook.h"
 
 #include <windows.h>
 #include <functional>

@@ -1,0 +1,101 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+#include <atomic>
+
+class AppInstance;
+class ProgressEx;
+
+/// Which product this is: its numbers, names, version texts, help file, icon, and where its
+/// settings live. Each product derives its own and supplies what is pure here. Texts are borrowed
+/// from the object and never null unless said.
+class TESSALY_API ProductInfo {
+  public:
+    static constexpr int kRootKeySize = 256; // characters of a root key, with the terminator
+
+    ProductInfo(const ProductInfo&) = delete; // owns the pushed root
+    ProductInfo& operator=(const ProductInfo&) = delete;
+
+    virtual unsigned short GetID() = 0;
+    virtual const wchar_t* GetStoreID() = 0;
+    virtual const wchar_t* GetName() = 0;
+    virtual const wchar_t* GetNickName() = 0;
+    virtual const wchar_t* GetDisplayName() = 0;
+    /// 1 if the name is a registered trade mark.
+    virtual int IsNameRegTM() = 0;
+    virtual const wchar_t* GetVersionStr() = 0;
+    /// With bRich in the mark-up of rich texts.
+    virtual const wchar_t* GetVersionStrLong(int bRich) = 0;
+    /// With the revision, in a buffer of the process.
+    virtual const wchar_t* GetVersionStrRev(int bRich) = 0;
+    /// Major version in the high byte, minor in the next, the revision in the low 16 bits.
+    virtual unsigned GetVersionNum() = 0;
+    /// Four parts of 16 bits.
+    virtual unsigned long long GetVersionQWORD() = 0;
+    virtual const wchar_t* GetLanguage() = 0;
+    virtual const wchar_t* GetRevisionStr() = 0;
+    virtual unsigned GetRevisionNum() = 0;
+    virtual const wchar_t* GetEditionShort() = 0;
+    virtual const wchar_t* GetEdition() = 0;
+    virtual const wchar_t* GetForOS() = 0;
+    virtual const wchar_t* GetCopyrightYear() = 0;
+    virtual const wchar_t* GetHelpFile() = 0;
+    virtual const wchar_t* GetAutoUpdateFile() = 0;
+    /// A resource id: an int in 32 bits, negative for an icon of the library.
+    virtual unsigned GetIconID() = 0;
+    virtual HINSTANCE GetIconInstance() = 0;
+    virtual const wchar_t* GetOEMStr();
+    virtual const wchar_t* GetMsgTitle();
+    /// Nickname, edition and version into a buffer of that many characters, cut to fit.
+    virtual void MakeTitleLong(wchar_t* pszBuffer, int cchBuffer);
+
+    /// The registry path below which the settings live: the pushed root, else that of the current
+    /// AppInstance, else the product's own, which is made from its names if it is empty.
+    const wchar_t* GetAppRootKey();
+    /// For the current AppInstance if that has a root, otherwise the product's own; cut to
+    /// kRootKeySize - 1 characters. Null is the empty text.
+    void SetAppRootKey(const wchar_t* pszRoot);
+    /// A root that goes before all others. QUIRK: there is no stack: a second push drops the first,
+    /// and one pop then leaves none. Null or empty clears it, as PopAppRootKey does.
+    /// Test: ProductInfoTest.TwoPushesAndOnePopLeaveNoPushedRoot
+    void PushAppRootKey(const wchar_t* pszRoot);
+    void PopAppRootKey();
+
+    /// The module of the current AppInstance, or the library.
+    HINSTANCE GetAppInstance();
+    /// The component of the current AppInstance if it has one, or the nickname.
+    const wchar_t* GetComponent();
+    /// Resolves a signed resource id: without a module, a negative one gets the library, a positive
+    /// one GetAppInstance; then a negative id becomes its magnitude. Id 0 changes nothing.
+    void ConvertResourceId(int& nId, HINSTANCE& hinst);
+    /// 1 if the text from its first digit on is this product's version.
+    int IsSameVersion(const wchar_t* pszVersion);
+    int IsLangEN();
+    /// The sign that goes with the name: a letter for a registered trade mark, or "[TM]".
+    const wchar_t* GetRegTM();
+
+    /// The company message to all top-level windows; does not wait for other threads. 1, or 0 if
+    /// the platform refused.
+    int BroadcastMyMessage(WPARAM nCode, LPARAM lValue);
+    int PostMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
+    LRESULT SendMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
+    /// Tells all modules of this product to close and gives them that many seconds, each of which
+    /// is a step of pProgress (null: none). hwnd is not used.
+    void ShutDownMyModules(HWND hwnd, ProgressEx* pProgress, unsigned nSeconds);
+
+    /// The newest AppInstance alive, null if there is none. Read without a lock.
+    static std::atomic<AppInstance*> pCurrentApp;
+    /// How a progress is advanced by a step. The progress subsystem puts its own function here, as
+    /// what is below may not include it; without one there is no progress to advance.
+    using StepProgressFunc = int(ProgressEx*);
+    static StepProgressFunc* pfnStepProgress;
+
+  protected:
+    constexpr ProductInfo() noexcept = default;
+    ~ProductInfo() = default; // the pushed root is dropped by the library's end
+
+  private:
+    wchar_t szRootKey[kRootKeySize] = {};
+    wchar_t* pszPushedRoot = nullptr; // owned
+    int nPushedRootLength = 0;
+};

@@ -1,0 +1,32 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+/// Opens a web page in the user's browser: through the shell, then through the program registered
+/// for "http", then through the shell without its own messages. If all that fails, says so and
+/// gives 0.
+///
+/// bAsk nonzero asks the user first, with the string nQuestionId (for its rule see
+/// runtime/messages/res_str.h; 0 for a general question), and gives 0 unless the answer is OK. hwnd owns the
+/// boxes and may be null.
+TESSALY_API int OpenHTML(HWND hwnd, const wchar_t* pszUrl, int bAsk, int nQuestionId);
+
+/// The address of the maker's web site. Borrowed; a product may set its own.
+extern TESSALY_API const wchar_t* pszMyCompanyURL;
+
+/// Characters of a web address, with the terminator.
+constexpr int kMaxUrl = 2048;
+
+/// The address of one of the maker's pages, into a buffer of that many characters. 1; 0 and an
+/// empty buffer if it does not fit.
+TESSALY_API int MakeGoOnlineURL(wchar_t* pszBuffer, int cchBuffer, const wchar_t* pszPage);
+
+/// Open one of the maker's pages without a question; results are OpenHTML's, or 0 for an address
+/// that does not fit.
+TESSALY_API int GoOnline(HWND hwnd, const wchar_t* pszPage);
+/// The page for rating this product.
+TESSALY_API int GoWinStore(HWND hwnd);
+/// The address also tells product, version, revision and language, and the culture if there is one.
+TESSALY_API int GoOnline_Lang(HWND hwnd, const wchar_t* pszPage, const wchar_t* pszCulture);
+TESSALY_API int GoOnline_ImproveTranslation(HWND hwnd, const wchar_t* pszCulture);
+TESSALY_API int GoOnline_Translate(HWND hwnd, const wchar_t* pszCulture);

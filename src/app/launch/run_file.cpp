@@ -1,0 +1,143 @@
+#include "app/launch/run_file.h"
+#include "app/launch/dll_line.h"
+#include "app/launch/shell_start.h"
+#include "files/disk/path_home.h"
+#include "files/path/path_split.h"
+#include "runtime/system/elevation.h"
+#include "runtime/system/module_path.h"
+#include "runtime/system/runtime_func.h"
+#include "runtime/system/win_version.h"
+#include "wnd/core/wait_cursor.h"
+
+namespace {
+constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this is no error
+constexpr int kDllLineSize = 1024;
+
+/// The file of that name in the folder that pfnFind knows.
+int RunFound(decltype(GetLocalPath)* pfnFind, HWND hwnd, const wchar_t* pszName,
+             const wchar_t* pszParameters, const wchar_t* pszVerb) {
+    wchar_t szPath[MAX_PATH];
+    if (!pszName || !pfnFind(szPath, pszName, nullptr)) return 0;
+    ShellStart start;
+    start.hwnd = hwnd ? hwnd : ::GetDesktopWindow();
+    start.pszVerb = pszVerb;
+    start.pszFile = szPath;
+    start.pszParameters = pszParameters;
+    return StartWaiting(start);
+}
+
+ShellStart MakePidlStart(const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
+                         const wchar_t* pszVerb) {
+    ShellStart start;
+    start.pszVerb = pszVerb;
+    start.pszDirectory = pszDirectory;
+    start.pidl = pidl;
+    start.nMask = SEE_MASK_IDLIST | SEE_MASK_INVOKEIDLIST;
+    return start;
+}
+
+/// The program's own path and its folder.
+int GetOwnPath(wchar_t (&szPath)[MAX_PATH], wchar_t (&szFolder)[MAX_PATH]) {
+    if (!GetModulePath(nullptr, szPath)) return 0;
+    GetParentFolder(szFolder, szPath);
+    return 1;
+}
+} // namespace
+
+int RunFile(const wchar_t* pszFile, const wchar_t* pszParameters, const wchar_t* pszDirectory,
+            const wchar_t* pszVerb) {
+    return RunFileEx(pszFile, pszParameters, pszDirectory, pszVerb, 0, nullptr, SW_SHOWNORMAL);
+}
+
+int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters, const wchar_t* pszDirectory,
+              const wchar_t* pszVerb, ULONG nMask, HANDLE* phProcess, int nShow) {
+    ShellStart start;
+    start.hwnd = GetStartOwner(nullptr);
+    start.pszVerb = pszVerb;
+    start.pszFile = pszFile;
+    start.pszParameters = pszParameters;
+    start.pszDirectory = pszDirectory;
+    start.nMask = nMask;
+    start.nShow = nShow;
+    start.phProcess = phProcess;
+    return StartWaiting(start);
+}
+
+HANDLE StartProcess(const wchar_t* pszFile, const wchar_t* pszParameters,
+                    const wchar_t* pszDirectory) {
+    HANDLE hProcess = nullptr;
+    RunFileEx(pszFile, pszParameters, pszDirectory, nullptr, 0, &hProcess, SW_SHOWNORMAL);
+    return hProcess;
+}
+
+int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
+            const wchar_t* pszVerb) {
+    ShellStart start = MakePidlStart(pidl, pszDirectory, pszVerb);
+    start.hwnd = hwnd;
+    start.nShow = SW_SHOW;
+    return StartByShell(start);
+}
+
+int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
+              const wchar_t* pszParameters, const wchar_t* pszVerb, HANDLE* phProcess) {
+    ShellStart start = MakePidlStart(pidl, pszDirectory, pszVerb);
+    start.hwnd = GetStartOwner(hwnd);
+    start.pszParameters = pszParameters;
+    start.phProcess = phProcess;
+    return StartByShell(start);
+}
+
+int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                 const wchar_t* pszVerb) {
+    return RunFound(&GetLocalPath, hwnd, pszName, pszParameters, pszVerb);
+}
+
+int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                     const wchar_t* pszVerb) {
+    return RunFound(&GetSatellitePath, hwnd, pszName, pszParameters, pszVerb);
+}
+
+int RunMyself(const wchar_t* pszParameters) {
+    wchar_t szPath[MAX_PATH], szFolder[MAX_PATH];
+    if (!GetOwnPath(szPath, szFolder)) return 0;
+    CSWaitCursor wait;
+    HINSTANCE hinst =
+        ::ShellExecuteW(::GetDesktopWindow(), L"open", szPath, pszParameters, szFolder, SW_SHOW);
+    return reinterpret_cast<INT_PTR>(hinst) > kLastShellError;
+}
+
+int RunMyselfElevated(HWND hwnd, const wchar_t* pszParameters, HANDLE* phProcess) {
+    wchar_t szPath[MAX_PATH], szFolder[MAX_PATH];
+    if (phProcess) *phProcess = nullptr;
+    if (!GetOwnPath(szPath, szFolder)) return 0;
+    ShellStart start;
+    start.hwnd = hwnd ? hwnd : ::GetDesktopWindow();
+    start.pszVerb = !WinVista() && IsAdminXP() ? L"open" : L"runas";
+    start.pszFile = szPath;
+    start.pszParameters = pszParameters;
+    start.pszDirectory = szFolder;
+    start.nMask = SEE_MASK_UNICODE;
+    start.nShow = SW_SHOW;
+    start.phProcess = phProcess;
+    return StartWaiting(start);
+}
+
+int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
+          const wchar_t* pszDirectory, HANDLE* phProcess) {
+    ShellStart start;
+    start.hwnd = hwnd ? hwnd : FindProgman();
+    start.pszVerb = L"runas";
+    start.pszFile = pszFile;
+    start.pszParameters = pszParameters;
+    start.pszDirectory = pszDirectory;
+    start.phProcess = phProcess;
+    return StartWaiting(start);
+}
+
+int RunDll32(const wchar_t* pszArguments) {
+    // By its full path: a bare name is looked for in the current folder before the system's.
+    wchar_t szProgram[MAX_PATH], szParameters[kDllLineSize];
+    return MakeSystemPath(szProgram, kRunDll32) &&
+           MakeDllLine(szParameters, kDllLineSize, pszArguments) &&
+           RunFile(szProgram, szParameters, nullptr, nullptr);
+}

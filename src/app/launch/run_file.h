@@ -1,0 +1,52 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+#include <shtypes.h> // ITEMIDLIST
+
+// Starting programs and documents through the shell. Results are the shell's: 1 started, 0 not
+// (GetLastError tells why, and the shell may have told the user). Any text may be null; verb null
+// is the file's default one, an empty directory counts as none. A process handle that is asked for
+// is the caller's to close, and null when nothing was started or no process belongs to it (a
+// document that a running program took over). The wait cursor shows during a call unless said.
+//
+// The owner of what the shell shows is the last active pop-up of the thread's active window, or
+// none, where no window is given.
+
+TESSALY_API int RunFile(const wchar_t* pszFile, const wchar_t* pszParameters,
+                        const wchar_t* pszDirectory, const wchar_t* pszVerb);
+/// With SEE_MASK_... flags of its own and one of SW_...; phProcess null for not wanted.
+TESSALY_API int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters,
+                          const wchar_t* pszDirectory, const wchar_t* pszVerb, ULONG nMask,
+                          HANDLE* phProcess, int nShow);
+/// The handle of the new process; null for none.
+[[nodiscard]] TESSALY_API HANDLE StartProcess(const wchar_t* pszFile, const wchar_t* pszParameters,
+                                              const wchar_t* pszDirectory);
+
+/// An item of the shell's namespace, by its list counted from the desktop. hwnd, which may be null,
+/// owns what the shell shows. No wait cursor.
+TESSALY_API int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
+                        const wchar_t* pszVerb);
+/// The same for the last active pop-up of hwnd, or of the active window.
+TESSALY_API int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
+                          const wchar_t* pszParameters, const wchar_t* pszVerb, HANDLE* phProcess);
+
+/// The file of that name in the home folder (GetLocalPath), or beside this library. Null for hwnd
+/// is the desktop's window. 0 also if the path does not fit into 260 characters.
+TESSALY_API int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                             const wchar_t* pszVerb);
+TESSALY_API int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
+                                 const wchar_t* pszVerb);
+
+/// This process's program once more, in its folder. 0 also if its path does not fit into 260
+/// characters.
+TESSALY_API int RunMyself(const wchar_t* pszParameters);
+/// The same as administrator; before Windows Vista that is asked for only where the user is none.
+/// Null for hwnd is the desktop's window.
+TESSALY_API int RunMyselfElevated(HWND hwnd, const wchar_t* pszParameters, HANDLE* phProcess);
+/// As administrator. Null for hwnd is the shell's window "Progman".
+TESSALY_API int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
+                      const wchar_t* pszDirectory, HANDLE* phProcess);
+
+/// "RunDll32.exe" of the system folder with this library, a comma and the arguments, which begin
+/// with an exported function's name. 0 also if they do not fit into 1,024 characters.
+TESSALY_API int RunDll32(const wchar_t* pszArguments);

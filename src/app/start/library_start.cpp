@@ -1,0 +1,41 @@
+#include "app/start/library_start.h"
+#include "app/identity/app_instance.h"
+#include "app/identity/my_product_info.h"
+#include "runtime/base/library_instance.h"
+#include "runtime/base/manual_object.h"
+#include "runtime/system/wts_api32.h"
+#include "shell/namespace/shell_malloc.h"
+#include "shell/subclass/shell_subclass.h"
+
+// C++ leaves the order of construction open across files. So everything in the library that lives
+// as long as it does is either constant-initialised or made here.
+//
+// Three entries of the order need nothing here. The product (before the terminal services) is a
+// constant. The pointer to IsWow64Process (before it) and the shell's allocator (after the terminal
+// services) are looked up at their first use, because that may load modules.
+
+namespace {
+constexpr UINT_PTR kSubclassId = 18;
+constexpr const wchar_t* kSubclassTag = L"TSLY";
+constexpr const wchar_t* kRootKey = L"HKCU\\SOFTWARE\\Orvanta\\Tessaly";
+
+constinit ManualObject<WtsApi32> wtsApi32;
+} // namespace
+
+void LibraryStart(HINSTANCE hinst) {
+    wtsApi32.Start(); // the library imports the module: it is mapped already
+    ShellSubclass::StartLock();
+    AppInstance::StartLock();
+
+    SetLibraryInstance(hinst);
+    GetMyProductInfo().SetAppRootKey(kRootKey);
+    ShellSubclass::Initialize(kSubclassId, kSubclassTag);
+}
+
+void LibraryStop() {
+    AppInstance::StopLock();
+    ShellSubclass::StopLock();
+    ReleaseShellMalloc();
+    wtsApi32.Stop();
+    GetMyProductInfo().PopAppRootKey();
+}

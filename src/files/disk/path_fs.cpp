@@ -1,0 +1,108 @@
+#include "files/disk/path_fs.h"
+#include "files/stream/core_file.h"
+#include "files/path/path_chars.h"
+#include "files/path/path_join.h"
+#include "runtime/system/product_time.h"
+#include "runtime/text/text_format.h"
+
+#include <cwchar>
+
+namespace {
+constexpr DWORD kTestNames = 100000000; // as many as eight digits have
+constexpr DWORD kTestContent = 0x12345678;
+
+int Find(const wchar_t* pszPath, WIN32_FIND_DATAW* pData) {
+    return FitsPath(pszPath) && CoreFile::GetInfo(pszPath, pData);
+}
+
+DWORD PlainAttributes(const wchar_t* pszPath) {
+    return FitsPath(pszPath) ? ::GetFileAttributesW(pszPath) : INVALID_FILE_ATTRIBUTES;
+}
+
+int IsFile(DWORD dwAttributes) {
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && !(dwAttributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+int IsFolder(DWORD dwAttributes) {
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+int MakeTestFileName(wchar_t (&szFile)[kPathChars], const wchar_t* pszFolder) {
+    wchar_t szName[16]; // eight digits and the extension
+    FormatText(szName, L"%08d.tmp", static_cast<int>(GetCurTime() % kTestNames));
+    CopyPath(szFile, pszFolder);
+    AppendFileName(szFile, L""); // a separator, if there is none
+    return AppendTextCut(szFile, kPathChars, szName);
+}
+} // namespace
+
+DWORD GetFileAttributes2(const wchar_t* pszPath) {
+    DWORD dwAttributes = PlainAttributes(pszPath);
+    if (dwAttributes != INVALID_FILE_ATTRIBUTES) return dwAttributes;
+    WIN32_FIND_DATAW data;
+    return Find(pszPath, &data) ? data.dwFileAttributes : INVALID_FILE_ATTRIBUTES;
+}
+
+int FileExists(const wchar_t* pszPath) { return IsFile(GetFileAttributes2(pszPath)); }
+
+int FolderExists(const wchar_t* pszPath) { return IsFolder(GetFileAttributes2(pszPath)); }
+
+int FileOrFolderExists(const wchar_t* pszPath) {
+    return GetFileAttributes2(pszPath) != INVALID_FILE_ATTRIBUTES;
+}
+
+int IsFileExists(const wchar_t* pszPath) { return IsFile(PlainAttributes(pszPath)); }
+
+int IsFolderExists(const wchar_t* pszPath) { return IsFolder(PlainAttributes(pszPath)); }
+
+int IsFileOrFolderExists(const wchar_t* pszPath) {
+    return PlainAttributes(pszPath) != INVALID_FILE_ATTRIBUTES;
+}
+
+unsigned __int64 FileSize(const wchar_t* pszPath) {
+    return FitsPath(pszPath) ? CoreFile::GetSize64(pszPath) : 0;
+}
+
+int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszPath) {
+    if (!pszOut || cchOut == 0) return 0;
+    WIN32_FIND_DATAW data;
+    CopyTextCut(pszOut, cchOut, Find(pszPath, &data) ? data.cAlternateFileName : nullptr);
+    return *pszOut != 0;
+}
+
+int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszFolder,
+                   const wchar_t* pszName) {
+    wchar_t szPath[kPathChars];
+    int bFits = MakePath(szPath, pszFolder, pszName, nullptr, 0);
+    return GetAltFileName(pszOut, cchOut, bFits ? szPath : nullptr);
+}
+
+int GetShortFileName(const wchar_t* pszPath, wchar_t* pszOut, WIN32_FIND_DATAW* pData) {
+    WIN32_FIND_DATAW data;
+    if (!Find(pszPath, &data)) data = {};
+    if (pData) *pData = data;
+    CopyPath(pszOut, data.cAlternateFileName);
+    return data.cAlternateFileName[0] != 0;
+}
+
+int IsFileInUse(const wchar_t* pszPath) {
+    if (!FileExists(pszPath)) return 0;
+    FILETIME ftCreation, ftAccess, ftWrite;
+    int bTimes = CoreFile::GetTime(pszPath, &ftCreation, &ftAccess, &ftWrite);
+    CoreFile file(pszPath, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+    if (!file.IsReady()) return 1;
+    file.Close();
+    if (bTimes) CoreFile::SetTime(pszPath, &ftCreation, &ftAccess, &ftWrite);
+    return 0;
+}
+
+int IsDirWritable(const wchar_t* pszPath) {
+    wchar_t szFile[kPathChars];
+    if (!FolderExists(pszPath) || !MakeTestFileName(szFile, pszPath)) return 0;
+    CoreFile file(szFile, GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL);
+    if (!file.IsReady()) return 0;
+    int bWritten = file.WriteBin(&kTestContent, sizeof(kTestContent), nullptr);
+    file.Close();
+    CoreFile::Delete(szFile, 0);
+    return bWritten;
+}

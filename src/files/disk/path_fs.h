@@ -1,0 +1,42 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+// Questions about files and folders, answered by the file system. Nothing is found under a null
+// path, an empty one, or one of 260 characters or more. Results are 1 and 0 unless told otherwise.
+
+/// FILE_ATTRIBUTE_..., by GetFileAttributesW or, where that fails, by FindFirstFileW: that also
+/// tells of files that the system keeps locked, and of the first one that fits a mask.
+/// INVALID_FILE_ATTRIBUTES if there is none.
+TESSALY_API DWORD GetFileAttributes2(const wchar_t* pszPath);
+
+// There is a file, a folder, either; by GetFileAttributes2.
+TESSALY_API int FileExists(const wchar_t* pszPath);
+TESSALY_API int FolderExists(const wchar_t* pszPath);
+TESSALY_API int FileOrFolderExists(const wchar_t* pszPath);
+// The same by GetFileAttributesW alone: no masks.
+TESSALY_API int IsFileExists(const wchar_t* pszPath);
+TESSALY_API int IsFolderExists(const wchar_t* pszPath);
+TESSALY_API int IsFileOrFolderExists(const wchar_t* pszPath);
+
+/// In bytes; 0 if there is no such file.
+TESSALY_API unsigned __int64 FileSize(const wchar_t* pszPath);
+
+/// Puts the short name of the file or folder (its last name alone) into cchOut characters, cut to
+/// fit; an empty text if it has none, because it is short already, or is missing. 1 if not empty.
+TESSALY_API int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszPath);
+/// The same of folder and name, joined as by MakePath, so that the folder's environment strings are
+/// expanded. Empty as well if the two reach 260 characters.
+TESSALY_API int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszFolder,
+                               const wchar_t* pszName);
+/// The same of a path, into 260 characters; pszOut may be null. *pData, which may be null too, gets
+/// all that the platform tells about the file, or zeros if there is none.
+TESSALY_API int GetShortFileName(const wchar_t* pszPath, wchar_t* pszOut, WIN32_FIND_DATAW* pData);
+
+/// Whether somebody else keeps the file open, or it cannot be written for another reason, as when
+/// it is read-only: it is opened for reading and writing, shared with nobody. Its times stay. 0 for
+/// a folder or if there is no such file.
+TESSALY_API int IsFileInUse(const wchar_t* pszPath);
+/// Whether files can be made in the folder: one named after the time is made, written and deleted
+/// again. 0 if there is no such folder.
+TESSALY_API int IsDirWritable(const wchar_t* pszPath);

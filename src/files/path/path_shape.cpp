@@ -1,0 +1,145 @@
+#include "files/path/path_shape.h"
+#include "files/path/path_chars.h"
+#include "files/path/path_join.h"
+#include "files/path/path_name.h"
+#include "files/path/path_split.h"
+#include "runtime/system/dll_loader.h"
+#include "runtime/text/str_case.h"
+#include "runtime/text/str_find.h"
+
+#include <atomic>
+#include <cwchar>
+
+namespace {
+constexpr wchar_t kInvalidFileNameChars[] = L"\\ / : * ? \" < > |";
+constexpr wchar_t kInvalidFolderNameChars[] = L": * ? \" < > |";
+constexpr AsciiSet kInvalidInFileName(kInvalidFileNameChars);
+constexpr AsciiSet kInvalidInFolderName(kInvalidFolderNameChars);
+constexpr AsciiSet kMaskChars(L"*?");
+constexpr AsciiSet kSeparators(L"\\/");
+constexpr std::ptrdiff_t kMaxAltName = 8;
+constexpr std::size_t kMaxAltExt = 4; // with its "."
+
+bool HoldsSeparator(const wchar_t* psz) { return kSeparators.AnyIn(psz); }
+
+bool HoldsSeparatorPair(const wchar_t* psz) {
+    for (; *psz; ++psz) {
+        if (IsPathSeparator(psz[0]) && IsPathSeparator(psz[1])) return true;
+    }
+    return false;
+}
+
+bool IsSameChar(wchar_t ch1, wchar_t ch2) {
+    return ch1 == ch2 || (IsPathSeparator(ch1) && IsPathSeparator(ch2)) ||
+           CharToUpper(ch1) == CharToUpper(ch2);
+}
+
+int HasFtpLibrary() {
+    constexpr int kNotAsked = -1;
+    static constinit std::atomic<int> nHas{kNotAsked}; // asked twice by two threads at worst
+    if (nHas == kNotAsked) nHas = GetVerDll(L"msieftp.dll") != 0;
+    return nHas;
+}
+} // namespace
+
+int IsFullPathName(const wchar_t* pszPath) {
+    return pszPath && (IsPathSeparator(*pszPath) || IsDosFolder(pszPath));
+}
+
+int IsPath(const wchar_t* pszPath) {
+    if (!pszPath || !*pszPath) return 0;
+    return pszPath[1] == L':' || HoldsSeparator(pszPath);
+}
+
+int IsMask(const wchar_t* pszPath) { return pszPath && kMaskChars.AnyIn(pszPath); }
+
+int IsDrivePath(const wchar_t* pszPath) {
+    if (!pszPath || !StartsWithDrive(pszPath)) return 0;
+    return !pszPath[2] || (pszPath[2] == L'\\' && !pszPath[3]);
+}
+
+int IsDosFolder(const wchar_t* pszPath) {
+    return pszPath && StartsWithDrive(pszPath) && IsPathSeparator(pszPath[2]);
+}
+
+int IsRootFolder(const wchar_t* pszPath, int bUnc) {
+    if (!pszPath) return 0;
+    if (IsDosFolder(pszPath)) return !pszPath[3];
+    if (!bUnc || !IsPathSeparator(pszPath[0]) || !IsPathSeparator(pszPath[1])) return 0;
+    return pszPath[2] && !HoldsSeparator(pszPath + 2);
+}
+
+int IsNetworkPath(const wchar_t* pszPath) {
+    return pszPath && pszPath[0] == L'\\' && pszPath[1] == L'\\' && pszPath[2];
+}
+
+int IsNetworkComputer(const wchar_t* pszPath) {
+    return IsNetworkPath(pszPath) && !HoldsSeparator(pszPath + 2);
+}
+
+int IsNetworkShare(const wchar_t* pszPath) {
+    if (!IsNetworkPath(pszPath)) return 0;
+    const wchar_t* p = EndOfName(pszPath + 2);
+    return p > pszPath + 2 && *p && p[1] && !HoldsSeparator(p + 1);
+}
+
+int IsSubFolderOf(const wchar_t* pszPath, const wchar_t* pszFolder, int bOrSame) {
+    if (!pszPath || !*pszPath || !pszFolder || !*pszFolder) return 0;
+    for (; *pszFolder && *pszPath; ++pszFolder, ++pszPath) {
+        if (!IsSameChar(*pszPath, *pszFolder)) return 0;
+    }
+    if (*pszFolder) return bOrSame && IsPathSeparator(*pszFolder) && !pszFolder[1];
+    if (!*pszPath) return bOrSame;
+    if (IsPathSeparator(pszFolder[-1])) return 1; // the loop made at least one step
+    if (!IsPathSeparator(*pszPath)) return 0;
+    return bOrSame || pszPath[1];
+}
+
+int IsSamePath(const wchar_t* pszPath1, const wchar_t* pszPath2) {
+    wchar_t sz1[kPathChars], sz2[kPathChars];
+    CopyPath(sz1, pszPath1);
+    CopyPath(sz2, pszPath2);
+    RemoveBackSlash(sz1);
+    RemoveBackSlash(sz2);
+    std::size_t i = 0;
+    while (sz1[i] && sz2[i] && IsSameChar(sz1[i], sz2[i])) ++i;
+    return !sz1[i] && !sz2[i];
+}
+
+int IsFileInFolder(const wchar_t* pszFile, const wchar_t* pszFolder) {
+    if (!pszFile || !pszFolder || !*pszFolder) return 0;
+    std::size_t cch = std::wcslen(pszFolder);
+    if (std::wcsncmp(pszFile, pszFolder, cch) != 0 || !IsPathSeparator(pszFile[cch])) return 0;
+    return !HoldsSeparator(pszFile + cch + 1);
+}
+
+int IsValidFileName(const wchar_t* pszName) {
+    return pszName && *pszName && !kInvalidInFileName.AnyIn(pszName);
+}
+
+int IsValidAltFileName(const wchar_t* pszName) {
+    if (!IsValidFileName(pszName)) return 0;
+    const wchar_t* pEnd = pszName + std::wcslen(pszName);
+    const wchar_t* pDot = LocateFileExt(pszName);
+    if (!pDot) pDot = pEnd;
+    return pDot - pszName <= kMaxAltName && std::wcslen(pDot) <= kMaxAltExt;
+}
+
+int IsValidFolderName(const wchar_t* pszPath) {
+    if (!pszPath) return 0;
+    if (!StartsWithDrive(pszPath) && std::wcsncmp(pszPath, L"\\\\", 2) != 0) return 0;
+    return !HoldsSeparatorPair(pszPath + 2) && !kInvalidInFolderName.AnyIn(pszPath + 2);
+}
+
+const wchar_t* GetInvalidFileNameChars() { return kInvalidFileNameChars; }
+
+const wchar_t* GetInvalidFolderNameChars() { return kInvalidFolderNameChars; }
+
+int IsFtpFolder(const wchar_t* pszPath) { return IsFtpFolderWith(HasFtpLibrary(), pszPath); }
+
+int IsFtpFolderWith(int bHasLibrary, const wchar_t* pszPath) {
+    return bHasLibrary && (!pszPath || StrStartsWith(pszPath, L"ftp://", 1));
+}
+
+// QUIRK: whatever is not FAT counts, known or not. Test: IsFileSysUNC.OnlyFatGivesZero
+int IsFileSysUNC(const wchar_t* pszName) { return !pszName || !std::wcsstr(pszName, L"FAT"); }

@@ -1,0 +1,90 @@
+// Copies of whole files.
+
+#include "files/stream/copy_chunks.h"
+#include "files/stream/core_file.h"
+#include "runtime/base/owned_handle.h"
+#include "runtime/base/scope_exit.h"
+#include "runtime/text/text_format.h"
+
+#include <shlobj.h>
+#include <algorithm>
+#include <cwchar>
+
+namespace {
+constexpr std::size_t kPathSize = 260;
+
+int IsFile(const wchar_t* pszPath) {
+    DWORD nAttributes = ::GetFileAttributesW(pszPath);
+    return nAttributes != INVALID_FILE_ATTRIBUTES && !(nAttributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+/// The length without the dots and blanks at the end, which the platform drops from a name.
+std::size_t GetNameLength(const wchar_t* pszPath) {
+    std::size_t cch = std::wcslen(pszPath);
+    while (cch && (pszPath[cch - 1] == L'.' || pszPath[cch - 1] == L' ')) --cch;
+    return cch;
+}
+
+int IsSameName(const wchar_t* pszPath, const wchar_t* pszOther) {
+    std::size_t cch = GetNameLength(pszPath);
+    return cch == GetNameLength(pszOther) && ::_wcsnicmp(pszPath, pszOther, cch) == 0;
+}
+
+/// The name under which the target waits. 0 if it would be the target itself, whose name leaves no
+/// room for more, or the source, which must not be deleted for it.
+int MakeBackupName(wchar_t (&szBackup)[kPathSize], const wchar_t* pszSource,
+                   const wchar_t* pszTarget) {
+    if (!pszSource || !pszTarget || !*pszTarget) return 0;
+    FormatText(szBackup, L"%s.temp", pszTarget);
+    return !IsSameName(szBackup, pszTarget) && !IsSameName(szBackup, pszSource);
+}
+} // namespace
+
+int CoreFile::CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget, int bNotify) {
+    SetLastHRESULT(0);
+    CoreFile source(pszSource, 0);
+    if (!source.IsReady()) return 0;
+    int bCompressed = source.GetCompression();
+    DWORD cb = source.GetSize(nullptr);
+    // Before the target is opened, which makes it: without memory nothing is touched.
+    DWORD cbBuffer = std::min(cb, kCopyBufferSize);
+    OwnedLocal buffer(cb ? ::LocalAlloc(LMEM_FIXED, cbBuffer) : nullptr);
+    if (cb && !buffer) return 0;
+
+    CoreFile target(pszTarget, 1);
+    if (!target.IsReady()) return 0;
+    if (!CopyContents(source, target, buffer.Get(), cbBuffer, cb)) {
+        DWORD dwError = ::GetLastError();
+        target.Close(); // an open file cannot be deleted
+        ::DeleteFileW(pszTarget);
+        source.Close();
+        ::SetLastError(dwError);
+        return 0;
+    }
+    buffer.Reset();
+    target.SetCompression(bCompressed); // a file system without compression has nothing to set
+    target.Close();
+    if (bNotify) ::SHChangeNotify(SHCNE_CREATE, SHCNF_PATHW, pszTarget, nullptr);
+    return 1;
+}
+
+int CoreFile::CopyFileSafe(const wchar_t* pszSource, const wchar_t* pszTarget) {
+    wchar_t szBackup[kPathSize];
+    if (!MakeBackupName(szBackup, pszSource, pszTarget)) {
+        ::SetLastError(ERROR_INVALID_NAME);
+        return 0;
+    }
+    {
+        // While the source is open it cannot be deleted: it may be the backup in other letters.
+        CoreFile source(pszSource, 0);
+        if (IsFile(szBackup) && !Delete(szBackup, 1)) return 0;
+    }
+    if (IsFile(pszTarget) && !RenameFile(pszTarget, szBackup, 0)) return 0;
+    if (CopyFileW(pszSource, pszTarget, 1)) {
+        if (IsFile(szBackup)) Delete(szBackup, 1); // one that stays, as read-only, is no failure
+        return 1;
+    }
+    ScopeExit keepError([dwError = ::GetLastError()] { ::SetLastError(dwError); });
+    if (IsFile(szBackup)) RenameFile(szBackup, pszTarget, 0);
+    return 0;
+}

@@ -1,0 +1,150 @@
+#include "icons/agent/agent.h"
+#include "icons/agent/capture.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/agent/engine_codes.h"
+#include "icons/agent/library_hold.h"
+
+#include <commctrl.h>
+
+namespace {
+// No construction at run time: mapping the library into the shell must cost nothing.
+constinit MySysLVWnd agentListView;
+constinit MyShellWnd agentView;
+constinit LibraryHold libraryHold;
+
+/// The company message with that code? Its id is 0 until a monitor has registered it, which is
+/// WM_NULL, a message that everybody sends.
+bool IsEngineCode(UINT uMsg, WPARAM wParam, WPARAM wCode) {
+    UINT uCompanyMsg = static_cast<UINT>(desktopSharedData.nCompanyMsg);
+    return uMsg == uCompanyMsg && uCompanyMsg != 0 && wParam == wCode;
+}
+
+void ReportIconsMoved() {
+    UINT uCompanyMsg = static_cast<UINT>(desktopSharedData.nCompanyMsg);
+    ::PostMessageW(desktopSharedData.hwndMonitor, uCompanyMsg, kCodeIconsMoved, 0);
+}
+
+/// Stands for a frame of the agent on the shell's stack. A menu or a drag keeps such frames waiting
+/// while messages go on, the detaching ones too: the library may go only when the outermost frame
+/// ends and neither window calls into it.
+class AgentFrame {
+  public:
+    AgentFrame() { ++nFrames; }
+    ~AgentFrame() {
+        if (--nFrames) return;
+        if (!agentListView.IsAttached() && !agentView.IsAttached()) libraryHold.Release();
+    }
+    AgentFrame(const AgentFrame&) = delete;
+    AgentFrame& operator=(const AgentFrame&) = delete;
+
+  private:
+    static constinit int nFrames; // touched on the shell's thread alone
+};
+constinit int AgentFrame::nFrames = 0;
+
+void AttachBoth() {
+    libraryHold.Take(); // given back by the frame if neither window is there any more
+    agentListView.AttachTo(desktopSharedData.hwndListView);
+    agentView.AttachTo(desktopSharedData.hwndView);
+}
+
+void DetachBoth() {
+    agentListView.DetachFrom();
+    agentView.DetachFrom();
+}
+
+/// Kept out of the hook procedure: the path of foreign messages stays short.
+__attribute__((noinline)) void OnEngineMessage(const MSG& msg) {
+    AgentFrame frame;
+    if (IsEngineCode(msg.message, msg.wParam, kCodeCapture)) {
+        SendCapture(desktopSharedData.hwndListView, desktopSharedData.hwndMonitor, msg.hwnd);
+    } else if (IsEngineCode(msg.message, msg.wParam, kCodeAttach)) {
+        if (msg.lParam) {
+            AttachBoth();
+        } else {
+            DetachBoth();
+        }
+    }
+}
+} // namespace
+
+int IsAgentHoldingLibrary() { return libraryHold.IsHeld(); }
+
+MySysLVWnd& GetAgentListView() { return agentListView; }
+
+MyShellWnd& GetAgentView() { return agentView; }
+
+LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
+    // Every message of the shell's desktop thread comes through here: one null test and one
+    // comparison for those that are not ours.
+    // QUIRK: neither nCode nor the remove flag is looked at, so that a program that peeks first and
+    // takes then is served twice. Test: Agent.LooksNeitherAtTheHookCodeNorAtTheRemoveFlag
+    const MSG* pMsg = reinterpret_cast<const MSG*>(lParam);
+    if (pMsg && pMsg->message == static_cast<UINT>(desktopSharedData.nCompanyMsg)) {
+        OnEngineMessage(*pMsg);
+    }
+    return ::CallNextHookEx(desktopSharedData.hhook, nCode, wParam, lParam);
+}
+
+AgentWnd::~AgentWnd() {
+    hWnd = nullptr; // the library is leaving its process: no window is touched any more
+}
+
+int AgentWnd::AttachTo(HWND hwndTarget) {
+    // Handles that were left over from a shell that is gone must not be marked with our objects.
+    HWND hwndReal = hwndTarget ? hwndTarget : hWnd;
+    if (::GetWindowThreadProcessId(hwndReal, nullptr) != ::GetCurrentThreadId()) return 0;
+    // A window that this object left behind would go on calling it, with the new one's handle.
+    if (bAttached && hwndReal != hWnd) CommonUnsubclass();
+    bAttached = Subclass(hwndTarget);
+    return bAttached;
+}
+
+void AgentWnd::DetachFrom() {
+    AgentFrame frame;
+    CommonUnsubclass();
+    bAttached = 0;
+}
+
+void AgentWnd::OnPostNcDestroy() {
+    CSWnd::OnPostNcDestroy();
+    DetachFrom(); // the window is gone; nothing else would give the library back
+}
+
+LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    AgentFrame frame;
+    if (IsEngineCode(uMsg, wParam, kCodeAttach) && lParam == 0) {
+        DetachFrom();
+        return 0;
+    }
+    switch (uMsg) {
+    case WM_COPYDATA:
+        if (lParam) RestoreFrom(hWnd, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+        break;
+    case WM_MOUSEMOVE:
+        if (!bDragBegun) break;
+        bDragBegun = 0;
+        ReportIconsMoved();
+        break;
+    }
+    return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+}
+
+LRESULT MyShellWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    AgentFrame frame;
+    if (IsEngineCode(uMsg, wParam, kCodeAttach) && lParam == 0) {
+        DetachFrom();
+        return 0;
+    }
+    if (uMsg == WM_NOTIFY && lParam) {
+        const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
+        if (header.hwndFrom == desktopSharedData.hwndListView) {
+            switch (header.code) {
+            case LVN_SETDISPINFOW: ReportIconsMoved(); break;
+            case LVN_BEGINDRAG:
+            case LVN_BEGINRDRAG: agentListView.SetDragBegun(); break;
+            }
+        }
+    }
+    return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+}

@@ -1,0 +1,25 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+#include <cstddef>
+
+/// One icon of a layout, as it is stored and as it travels between the processes. Little-endian, no
+/// padding. Only the name key identifies the icon; index and name length take part in comparing two
+/// layouts and in nothing else.
+struct IconRecord {
+    unsigned int nIndex;        // of the item in the list view at capture, from 0
+    POINT pt;                   // the item's position in list-view coordinates
+    unsigned int cchName;       // of the item's text, in UTF-16 units without terminator
+    unsigned __int64 qwNameKey; // MakeNameKey of the text
+};
+static_assert(sizeof(IconRecord) == 24);
+static_assert(offsetof(IconRecord, pt) == 4 && offsetof(IconRecord, cchName) == 12 &&
+              offsetof(IconRecord, qwNameKey) == 16);
+
+/// A desktop with more icons is not captured at all.
+constexpr unsigned kMaxCapturedIcons = 999;
+
+/// The key by which an icon's text is known: the first eight bytes of the MD5 of its UTF-16LE units
+/// (RFC 1321), the first byte lowest. cch 0: the text is measured. Nothing is folded: capital and
+/// small letters differ.
+TESSALY_API unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch);

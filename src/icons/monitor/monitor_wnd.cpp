@@ -1,0 +1,199 @@
+#include "icons/monitor/monitor_wnd.h"
+#include "app/identity/my_product_info.h"
+#include "icons/monitor/desktop_hook.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/agent/engine_codes.h"
+#include "icons/monitor/front_end.h"
+#include "icons/monitor/message_gate.h"
+#include "icons/snapshots/snapshot_store.h"
+#include "runtime/system/win_version.h"
+#include "runtime/system/wts_api32.h"
+#include "shell/namespace/shell_malloc.h"
+#include "wnd/core/company_msg.h"
+
+#include <shlobj.h>
+#include <wtsapi32.h>
+
+namespace {
+constexpr unsigned kDebounceTimerId = 10, kDebounceMs = 10000;
+constexpr unsigned kSuppressTimerId = 11, kSuppressMs = 1000;
+
+/// Whatever can add, remove or rename an icon.
+constexpr long kWatchedEvents = SHCNE_RENAMEITEM | SHCNE_CREATE | SHCNE_DELETE | SHCNE_MKDIR |
+                                SHCNE_RMDIR | SHCNE_DRIVEREMOVED | SHCNE_DRIVEADD |
+                                SHCNE_UPDATEITEM | SHCNE_SERVERDISCONNECT | SHCNE_RENAMEFOLDER;
+static_assert(kWatchedEvents == 0x2619F);
+
+/// The item id list of the desktop, which has no items. Freed with ShellFree; null when out of
+/// memory.
+ITEMIDLIST* MakeDesktopPidl() {
+    IMalloc* pMalloc = GetShellMalloc();
+    if (!pMalloc) return nullptr;
+    auto* pidl = static_cast<ITEMIDLIST*>(pMalloc->Alloc(sizeof(USHORT)));
+    if (pidl) pidl->mkid.cb = 0;
+    return pidl;
+}
+
+constinit MyMonitor_Wnd* pCurrent = nullptr;
+constinit UINT uTaskbarCreated = 0;
+constinit int RestartFlag = 1; // the first round is one too
+} // namespace
+
+void RegisterTaskbarCreated() {
+    if (!uTaskbarCreated) uTaskbarCreated = ::RegisterWindowMessageW(L"TaskbarCreated");
+}
+
+int GetRestartFlag() { return RestartFlag; }
+
+void SetRestartFlag(int bRestart) { RestartFlag = bRestart; }
+
+MyMonitor_Wnd* MyMonitor_Wnd::GetCurrent() { return pCurrent; }
+
+MyMonitor_Wnd::MyMonitor_Wnd() : timerDebounce(kDebounceTimerId), timerSuppress(kSuppressTimerId) {
+    // A failure means that the class is there already, which serves as well.
+    RegisterClassExWithWndExtra(kMonitorClass, 0);
+    pCurrent = this;
+}
+
+MyMonitor_Wnd::~MyMonitor_Wnd() {
+    if (pCurrent == this) pCurrent = nullptr;
+    UnregisterClassW(kMonitorClass);
+    timerSuppress.Stop();
+    timerDebounce.Stop();
+}
+
+int MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
+    if (!Create(kMonitorClass, kMonitorClass, 0, 0, 0, 1, 1, hwndParent, nullptr, nullptr)) {
+        return 0;
+    }
+    LetShellMessagesIn(hWnd, uTaskbarCreated);
+    return 1;
+}
+
+void MyMonitor_Wnd::RegisterNotification() {
+    uNotifyMsg = ::RegisterWindowMessageW(L"WM_TESSALY_SHLN");
+    ITEMIDLIST* pidlDesktop = MakeDesktopPidl();
+    if (!pidlDesktop) return; // out of memory; drags and renames are still heard of
+    notify.Register(hWnd, kWatchedEvents, uNotifyMsg, pidlDesktop, 0);
+    ShellFree(pidlDesktop);
+}
+
+void MyMonitor_Wnd::EndNotification() { notify.End(); }
+
+void MyMonitor_Wnd::ScheduleCapture() {
+    timerDebounce.Stop();
+    if (!timerSuppress.IsTicking()) timerDebounce.Start(hWnd, kDebounceMs);
+}
+
+void MyMonitor_Wnd::SuppressCaptures() {
+    timerDebounce.Stop();
+    timerSuppress.Start(hWnd, kSuppressMs);
+}
+
+void MyMonitor_Wnd::SetHook(int bInstall) {
+    if (bInstall) {
+        InstallDesktopHook();
+    } else {
+        RemoveDesktopHook();
+    }
+}
+
+LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    // The ids of registered messages are 0 until they are registered, and 0 is WM_NULL.
+    if (uMsg == WM_NULL) return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+    if (uMsg == GetMyCompanyMsgId()) {
+        OnCompanyMessage(wParam, lParam);
+    } else if (uMsg == uNotifyMsg) {
+        OnNotification(wParam, lParam);
+    } else if (uMsg == uTaskbarCreated) {
+        RestartFlag = 1;
+        ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
+    }
+    switch (uMsg) {
+    case WM_CREATE:
+        if (WinXP()) WtsApi32::WTSRegisterSessionNotification(hWnd, NOTIFY_FOR_THIS_SESSION);
+        break;
+    case WM_DESTROY:
+        if (WinXP()) WtsApi32::WTSUnRegisterSessionNotification(hWnd);
+        break;
+    case WM_CLOSE: OnClose(); break;
+    case WM_QUERYENDSESSION:
+        SetHook(0); // the shell is left clean before the session may end
+        break;
+    case WM_ENDSESSION:
+        if (wParam) {
+            ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
+        } else {
+            SetHook(1); // the end was cancelled
+        }
+        break;
+    case WM_COPYDATA: OnCopyData(reinterpret_cast<const COPYDATASTRUCT*>(lParam)); break;
+    case WM_TIMER: OnTimer(wParam); break;
+    case WM_WTSSESSION_CHANGE: OnSessionChange(wParam); break;
+    }
+    return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+}
+
+void MyMonitor_Wnd::OnCompanyMessage(WPARAM wCode, LPARAM lParam) {
+    switch (wCode) {
+    case kCompanyCodeClose:
+        if (LOWORD(lParam) == GetMyProductInfo().GetID()) ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
+        break;
+    case kCodeOpenMenu:
+        if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMenuRequest(*this);
+        break;
+    case kCodeIconsMoved: ScheduleCapture(); break;
+    }
+}
+
+void MyMonitor_Wnd::OnNotification(WPARAM wParam, LPARAM lParam) {
+    ITEMIDLIST** ppidl = nullptr;
+    long lEvent = 0;
+    LPARAM lProcess = static_cast<LPARAM>(static_cast<DWORD>(lParam));
+    void* pLock = ShellNotify::OnMsgStart(wParam, lProcess, &ppidl, &lEvent);
+    ScheduleCapture(); // any event counts
+    if (pLock) ShellNotify::OnMsgEnd(pLock);
+}
+
+void MyMonitor_Wnd::OnCopyData(const COPYDATASTRUCT* pData) {
+    if (!pData) {
+        OnIconsCaptured(nullptr, 0);
+        return;
+    }
+    // Any program can send this: a count that the data do not hold, or that no capture has, is
+    // dropped.
+    if (pData->dwData > kMaxCapturedIcons) return;
+    if (pData->dwData > pData->cbData / sizeof(IconRecord)) return;
+    if (pData->dwData && !pData->lpData) return;
+    OnIconsCaptured(static_cast<const IconRecord*>(pData->lpData),
+                    static_cast<unsigned>(pData->dwData));
+}
+
+void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {
+    switch (uTimerId) {
+    case kDebounceTimerId:
+        // QUIRK: the timer is not stopped: once anything has moved, the desktop is captured every
+        // ten seconds until a restore; an unchanged capture stores nothing.
+        // Test: MonitorWnd.DebounceTimerGoesOnAfterItFired
+        PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
+        break;
+    case kSuppressTimerId: timerSuppress.Stop(); break;
+    }
+}
+
+void MyMonitor_Wnd::OnSessionChange(WPARAM wEvent) {
+    switch (wEvent) {
+    case WTS_CONSOLE_CONNECT:
+    case WTS_REMOTE_CONNECT:
+    case WTS_SESSION_LOCK:
+    case WTS_SESSION_UNLOCK:
+        PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
+        break;
+    }
+}
+
+void MyMonitor_Wnd::OnClose() {
+    if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMonitorClose();
+    Destroy();
+    ::PostQuitMessage(0);
+}

@@ -1,0 +1,69 @@
+#include "icons/tray/restore_menu.h"
+#include "icons/tray/local_date.h"
+#include "icons/snapshots/snapshot_store.h"
+#include "runtime/text/str_find.h"
+#include "wnd/menu/csmenu.h"
+
+namespace {
+constexpr int kTodaySize = 64;     // characters of today's date
+constexpr int kLabelPartSize = 32; // of a snapshot's date, and of its time
+constexpr unsigned kMaxMark = 40;  // bytes of the name of the snapshot restored last
+
+/// The snapshot that was restored last; 0 if there is none.
+unsigned __int64 ReadMark(const RegKey& key) {
+    unsigned cb = key.GetBinSize(nullptr);
+    if (!cb || cb > kMaxMark) return 0;
+    wchar_t szName[kMaxMark / sizeof(wchar_t) + 1]{}; // ends also if what is stored does not
+    if (!key.GetBin(nullptr, szName, kMaxMark)) return 0;
+    return ParseSnapshotName(szName);
+}
+
+int AppendSnapshot(CSMenu& menu, unsigned nId, unsigned __int64 qwTime, const wchar_t* pszToday) {
+    SYSTEMTIME st{};
+    if (!ToLocalTime(qwTime, st)) return 0;
+    wchar_t szDate[kLabelPartSize], szTime[kLabelPartSize];
+    int bHasDate = FormatLocalDate(st, DATE_LONGDATE, szDate, kLabelPartSize);
+    FormatLocalTime(st, szTime, kLabelPartSize);
+    // What is left of two dates that do not fit says nothing of their being the same.
+    int bToday = bHasDate && StrIsSame(szDate, pszToday, 1);
+    const wchar_t* pszFirst = bToday ? L"Today at" : szDate;
+    return menu.AppendItem(nId, L"%s %s", pszFirst, szTime);
+}
+} // namespace
+
+int BuildRestoreMenu(CSMenu& menu, unsigned nFirstId) {
+    RegKey key;
+    if (!OpenSnapshotKey(key, 0)) return 0;
+    SnapshotList list;
+    if (!ListSnapshots(key, list)) return 0;
+    unsigned __int64 qwMarked = ReadMark(key);
+    wchar_t szToday[kTodaySize];
+    FormatToday(DATE_LONGDATE, szToday, kTodaySize);
+
+    int nItems = 0;
+    for (POS pos = list.GetHeadPos(); pos;) {
+        auto* pTime = static_cast<unsigned __int64*>(list.ExtractAt(pos));
+        unsigned nId = nFirstId + static_cast<unsigned>(nItems);
+        unsigned __int64 qwTime = *pTime;
+        if (!AppendSnapshot(menu, nId, qwTime, szToday)) {
+            FreeSnapshotTime(pTime);
+            continue;
+        }
+        // From here on the time stamp is the item's.
+        if (!menu.SetItemDataByID(nId, reinterpret_cast<unsigned __int64>(pTime))) {
+            FreeSnapshotTime(pTime);
+        }
+        if (qwTime == qwMarked) menu.SetDefaultByID(nId);
+        ++nItems;
+    }
+    return nItems;
+}
+
+void FreeRestoreMenuData(CSMenu& menu) {
+    int nCount = menu.GetCount();
+    for (int nPos = 0; nPos < nCount; ++nPos) {
+        auto nItem = static_cast<unsigned>(nPos);
+        FreeSnapshotTime(reinterpret_cast<void*>(menu.GetItemDataByPos(nItem)));
+        menu.SetItemDataByPos(nItem, 0);
+    }
+}

@@ -1,0 +1,63 @@
+#include "runtime/messages/file_resource.h"
+#include "app/identity/my_product_info.h"
+#include "resources/resource_ids.h"
+#include "runtime/base/library_instance.h"
+#include "runtime/messages/msg.h"
+#include "runtime/base/owned_handle.h"
+
+namespace {
+constexpr const wchar_t* kFileDataType = L"FILE_DATA";
+
+/// 1 if the file is to be made; otherwise nResult is what the caller gives.
+int MayCreate(HWND hwnd, const wchar_t* pszFile, unsigned nFlags, int& nResult) {
+    nResult = 0;
+    if (::GetFileAttributesW(pszFile) == INVALID_FILE_ATTRIBUTES) return 1;
+    if (nFlags & kExistingFileFails) return 0;
+    if (nFlags & kExistingFileStays) {
+        nResult = 1;
+        return 0;
+    }
+    if (nFlags & kExistingFileOverwritten) return 1;
+    return MsgFmt(hwnd, MB_YESNO | MB_ICONEXCLAMATION, -IDS_FILE_OVERWRITE, pszFile) == IDYES;
+}
+
+int WriteAll(HANDLE hFile, const void* pData, DWORD cb) {
+    DWORD cbWritten = 0;
+    return ::WriteFile(hFile, pData, cb, &cbWritten, nullptr) && cbWritten == cb;
+}
+} // namespace
+
+const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst, const wchar_t* pszType) {
+    if (pcb) *pcb = 0;
+    if (nId == 0) return nullptr;
+    if (nId < 0) hinst = GetLibraryInstance();
+    GetMyProductInfo().ConvertResourceId(nId, hinst);
+    if (nId < 0 || nId > 0xFFFF) return nullptr; // FindResourceW would take it for a name's address
+    HRSRC hrsrc = ::FindResourceW(hinst, MAKEINTRESOURCEW(nId), pszType ? pszType : kFileDataType);
+    if (!hrsrc) return nullptr;
+    HGLOBAL hLoaded = ::LoadResource(hinst, hrsrc);
+    const void* pData = hLoaded ? ::LockResource(hLoaded) : nullptr;
+    if (pData && pcb) *pcb = ::SizeofResource(hinst, hrsrc);
+    return pData;
+}
+
+int CreateFileFromResource(HWND hwnd, const wchar_t* pszFile, int nId, HINSTANCE hinst,
+                           unsigned nFlags) {
+    int nResult = 0;
+    if (!MayCreate(hwnd, pszFile, nFlags, nResult)) return nResult;
+    DWORD cb = 0;
+    const void* pData = LoadFileResource(&cb, nId, hinst);
+    if (!pData) return 0;
+    HANDLE hFile = ::CreateFileW(pszFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        MsgFmt(hwnd, MB_ICONERROR, -IDS_FILE_NOT_CREATED, pszFile);
+        return 0;
+    }
+    OwnedHandle file(hFile);
+    if (WriteAll(file.Get(), pData, cb)) return 1;
+    file.Reset(); // an open file cannot be deleted
+    MsgFmt(hwnd, MB_ICONERROR, -IDS_FILE_NOT_WRITTEN, pszFile);
+    ::DeleteFileW(pszFile);
+    return 0;
+}

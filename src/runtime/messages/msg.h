@@ -1,0 +1,54 @@
+#pragma once
+#include "runtime/base/export.h"
+#include "runtime/messages/res_str.h"
+#include "runtime/text/text_format.h"
+#include <windows.h>
+
+// The system's only way to show a message box. The title is always the product's name.
+//
+// The owner: null is the thread's active window, MsgNoOwner() no owner at all; any other window is
+// replaced by its last active pop-up. Flags are MessageBoxW's; MB_SETFOREGROUND is added. The
+// result is the button's id (IDOK...), 0 when the platform could not show the box. Texts are cut to
+// 1,023 characters. Ids are those of runtime/messages/res_str.h; a string that is missing shows an empty
+// box.
+
+/// The owner that means no owner.
+inline HWND MsgNoOwner() { return reinterpret_cast<HWND>(1); }
+
+/// A text or the id of a string, whichever it is made from.
+class MsgText {
+  public:
+    MsgText(const wchar_t* pszText) : p(pszText) {} // may also be an id that was cast
+    MsgText(int nId) : p(reinterpret_cast<const void*>(static_cast<INT_PTR>(nId))) {}
+    MsgText(const ResStr& str) : MsgText(static_cast<const wchar_t*>(str)) {}
+    const void* Get() const { return p; }
+
+  private:
+    const void* p;
+};
+
+TESSALY_API int Msg(HWND hwndOwner, UINT nFlags, MsgText text);
+
+/// The text (which may be an id that was cast) or the string is a format for the arguments.
+TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, const wchar_t* pszFormat, ...);
+TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, int nId, ...);
+TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, const wchar_t* pszFormat, ArgList args);
+TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, int nId, ArgList args);
+
+/// As flags of the two below: the warning sign.
+constexpr UINT kMsgErrorFlags = 0xFFFFFFFF;
+
+/// Tells the thread's last error: the string, formatted with the arguments, an empty line and the
+/// system's text; either may be missing. 1 without a box if there is neither error nor id.
+TESSALY_API int MsgLastError(HWND hwndOwner, UINT nFlags, int nId, ...);
+/// The same with hr, whose text is only added to the string's if it is negative.
+TESSALY_API int MsgHRESULT(HWND hwndOwner, HRESULT hr, UINT nFlags, int nId, ...);
+
+/// Called with 0 before a box opens and with 1 when it has closed, on the box's thread, so that the
+/// application can pause what it runs. Null for none.
+using MsgPauseResumeFunc = void(int nResume);
+TESSALY_API void MsgSetPauseResumeCallback(MsgPauseResumeFunc* pfnNew);
+
+/// The system's text of an error code (0: of the thread's last error), as it comes, with its line
+/// end; empty for an unknown code. In a buffer of the process: for use at once, on one thread.
+TESSALY_API const wchar_t* GetLastErrorText(DWORD nError = 0);

@@ -1,0 +1,68 @@
+#include "runtime/messages/res_str.h"
+#include "app/identity/my_product_info.h"
+
+#include <cstdint>
+#include <cwchar>
+#include <new>
+#include <utility>
+
+namespace {
+constexpr std::uintptr_t kLastPositiveId = 0xFFFF;
+constexpr std::uintptr_t kFirstNegativeId = 0xFFFFFFFFFFFF0000; // -65536 extended with its sign
+constexpr std::uintptr_t kFirstNegativeId32 = 0xFFFF0000;       // and extended with zeros
+constexpr std::uintptr_t kLastNegativeId32 = 0xFFFFFFFF;
+} // namespace
+
+int IsResourceIdArg(const void* pArg) {
+    // The whole value is looked at: of the pointers of this process some have bits 16 to 31 all
+    // clear or all set.
+    auto n = reinterpret_cast<std::uintptr_t>(pArg);
+    return n <= kLastPositiveId || n >= kFirstNegativeId ||
+           (n >= kFirstNegativeId32 && n <= kLastNegativeId32);
+}
+
+int GetResourceIdArg(const void* pArg) {
+    return static_cast<int>(reinterpret_cast<std::uintptr_t>(pArg)); // the low 32 bits
+}
+
+ResStr::ResStr(int nId, HINSTANCE hinst, int /*nUnused*/) { Load(nId, hinst); }
+
+ResStr::~ResStr() { delete[] psz; }
+
+const wchar_t* ResStr::Load(int nId, HINSTANCE hinst, int /*nUnused*/) {
+    delete[] std::exchange(psz, nullptr);
+    if (nId == 0) return L"";
+    GetMyProductInfo().ConvertResourceId(nId, hinst);
+    wchar_t szLoaded[kMessageSize] = {};
+    ::LoadStringW(hinst, static_cast<UINT>(nId), szLoaded, kMessageSize);
+    Replace(szLoaded);
+    return *this;
+}
+
+/// Keeps a copy of pszNew unless that is empty or memory is short.
+void ResStr::Replace(const wchar_t* pszNew) {
+    std::size_t cch = std::wcslen(pszNew) + 1;
+    if (cch == 1) return;
+    wchar_t* pszCopy = new (std::nothrow) wchar_t[cch];
+    if (!pszCopy) return;
+    std::wmemcpy(pszCopy, pszNew, cch);
+    delete[] std::exchange(psz, pszCopy);
+}
+
+void ResStr::Format(va_list args) {
+    if (IsEmpty()) return;
+    wchar_t szFormatted[kMessageSize] = {};
+    FormatTextV(szFormatted, kMessageSize, psz, args);
+    Replace(szFormatted);
+}
+
+ResStrFmt::ResStrFmt(int nId, ...) : ResStr(nId) {
+    va_list args;
+    va_start(args, nId);
+    Format(args);
+    va_end(args);
+}
+
+ResStrFmt::ResStrFmt(int nId, HINSTANCE hinst, ArgList args) : ResStr(nId, hinst) {
+    Format(args.v);
+}

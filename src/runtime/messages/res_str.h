@@ -1,0 +1,52 @@
+#pragma once
+#include "runtime/base/export.h"
+#include "runtime/text/text_format.h"
+#include <windows.h>
+
+// A resource id is a signed number. Negative: the library's string table, with the magnitude as the
+// id. Positive: the module of the current AppInstance if there is one, otherwise the library. An
+// instance handle that is given goes before this rule, and a negative id is then its magnitude. 0
+// is no text.
+
+/// What is loaded or formatted is cut to this many characters, with the terminator.
+constexpr int kMessageSize = 1024;
+
+/// 1 if an argument that is a text or a resource id is an id: the value of an int from -65536 to
+/// 65535, extended to 64 bits with its sign or with zeros. Everything else is a pointer.
+TESSALY_API int IsResourceIdArg(const void* pArg);
+/// The id of an argument for which that holds.
+TESSALY_API int GetResourceIdArg(const void* pArg);
+
+/// A text of the string table, as a copy of its own.
+class TESSALY_API ResStr {
+  public:
+    /// Loads at once; see Load.
+    explicit ResStr(int nId, HINSTANCE hinst = nullptr, int nUnused = 0);
+    ~ResStr();
+    ResStr(const ResStr&) = delete; // owns the text
+    ResStr& operator=(const ResStr&) = delete;
+
+    /// Replaces what is held, also by nothing if there is no such string. The text, or the empty
+    /// text; good until the next Load. The last argument has no meaning.
+    const wchar_t* Load(int nId, HINSTANCE hinst = nullptr, int nUnused = 0);
+    /// The text, or the empty text; never null.
+    operator const wchar_t*() const { return psz ? psz : L""; }
+    int IsEmpty() const { return !psz || !*psz; }
+
+  protected:
+    /// Formats the text, if there is one, with itself as the format. An empty result leaves it
+    /// unformatted.
+    void Format(va_list args);
+
+  private:
+    void Replace(const wchar_t* pszNew);
+
+    wchar_t* psz = nullptr; // null or not empty
+};
+
+/// A text of the string table that is a format.
+class TESSALY_API ResStrFmt : public ResStr {
+  public:
+    explicit ResStrFmt(int nId, ...);
+    ResStrFmt(int nId, HINSTANCE hinst, ArgList args);
+};

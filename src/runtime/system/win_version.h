@@ -1,0 +1,38 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+// Which Windows this is, asked anew with each call. All answers come from GetVersionExW, which
+// tells Windows 8.1 and later only to programs whose manifest names them. Each test is 1 or 0, and
+// 0 outside the NT family.
+
+TESSALY_API int WinNT();
+
+/// At least this version.
+TESSALY_API int Win2K();
+TESSALY_API int WinXP();
+TESSALY_API int WinServer2003();
+TESSALY_API int WinVista();
+TESSALY_API int Win7();
+TESSALY_API int Win8();
+TESSALY_API int Win81();
+TESSALY_API int Win10();
+
+/// Exactly this version.
+TESSALY_API int Win2K_only();
+TESSALY_API int WinXP_only();
+TESSALY_API int WinVista_only();
+TESSALY_API int Win7_only();
+
+/// A server or a domain controller.
+TESSALY_API int WinServer();
+/// Not a home edition.
+TESSALY_API int WinPro();
+
+/// Build number in the low 32 bits, above it minor and major version in 16 bits each. The service
+/// pack, if asked for, is major in the high 16 bits and minor in the low. 0 if the system does not
+/// tell; the service pack is then 0.
+TESSALY_API unsigned long long GetWinVersion(DWORD* pdwServicePack = nullptr);
+
+/// 1 if this 32-bit process runs on a 64-bit system.
+TESSALY_API int IsWow64();

@@ -1,0 +1,42 @@
+#pragma once
+#include "runtime/base/export.h"
+
+// Building texts in two passes with one routine: first with a null destination, which only counts,
+// then with a place of that size, which writes. The destination moves on behind what was written,
+// the counter by as many characters.
+//
+//     void Build(wchar_t* psz, unsigned& cch) {        unsigned cch = 0;
+//         CopyStr(psz, L"name=", cch);                 Build(nullptr, cch);
+//         CopyStrZ(psz, pszName, cch);                 CSBuf buf(cch * sizeof(wchar_t));
+//     }                                                Build(..., cch = 0);
+//
+// Nothing here checks space. A null source counts as empty.
+
+/// Copies the characters of a text, without its terminator.
+TESSALY_API void CopyStr(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch);
+/// The same and a terminator, which is counted too.
+TESSALY_API void CopyStrZ(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch);
+/// As CopyStr; the source moves on too, to its terminator.
+TESSALY_API void StrCopy(wchar_t*& pszDest, const wchar_t*& pszSource, unsigned& cch);
+/// Stores one character.
+TESSALY_API void CharAdd(wchar_t*& pszDest, wchar_t ch, unsigned& cch);
+
+// Steps over text, one 16-bit character each. A null pointer stays null; nothing but the start
+// given to DecPsz is a bound.
+
+/// Stores one character and moves on. A null destination is left alone.
+TESSALY_API void CharAdd(wchar_t*& pszDest, wchar_t ch);
+/// Copies one character, also a terminator, and moves both on. 1 if it was not the terminator; 0 if
+/// it was or a pointer is null.
+TESSALY_API int CharCopy(wchar_t*& pszDest, const wchar_t*& pszSource);
+/// Moves on; the new place.
+TESSALY_API const wchar_t* IncPsz(const wchar_t*& psz);
+TESSALY_API wchar_t* IncPsz(wchar_t*& psz);
+/// Moves on; the old place.
+TESSALY_API const wchar_t* PszInc(const wchar_t*& psz);
+TESSALY_API wchar_t* PszInc(wchar_t*& psz);
+/// Moves back unless that is the start or before it; the place after that.
+TESSALY_API const wchar_t* DecPsz(const wchar_t* pszStart, const wchar_t*& psz);
+TESSALY_API wchar_t* DecPsz(const wchar_t* pszStart, wchar_t*& psz);
+/// The character there; 0 for null.
+TESSALY_API wchar_t CharAt(const wchar_t* psz);

@@ -1,0 +1,22 @@
+#include "runtime/threads/co_init.h"
+#include <windows.h>
+#include <commctrl.h>
+#include <objbase.h>
+
+namespace {
+LONG nCoInitEx = 0;
+} // namespace
+
+CoInit::CoInit() { ::CoInitialize(nullptr); }
+
+CoInit::~CoInit() { ::CoUninitialize(); }
+
+CoInitEx::CoInitEx() {
+    if (::InterlockedIncrement(&nCoInitEx) != 1) return;
+    ::CoInitialize(nullptr);
+    ::InitCommonControls();
+}
+
+CoInitEx::~CoInitEx() {
+    if (::InterlockedDecrement(&nCoInitEx) == 0) ::CoUninitialize();
+}

@@ -1,0 +1,36 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+/// A critical section. A copy has the bytes of the platform's structure and nothing else: it must
+/// not be entered or destroyed together with its original.
+class TESSALY_API CritSec {
+  public:
+    CritSec() noexcept { ::InitializeCriticalSection(&cs); }
+    ~CritSec() { ::DeleteCriticalSection(&cs); }
+    CritSec(const CritSec&) = default;
+    CritSec& operator=(const CritSec&) = default;
+
+    void Enter() noexcept { ::EnterCriticalSection(&cs); }
+    void Leave() noexcept { ::LeaveCriticalSection(&cs); }
+    /// Enters and leaves at once: returns when the present owner has left.
+    void Wait() noexcept {
+        Enter();
+        Leave();
+    }
+
+  private:
+    CRITICAL_SECTION cs;
+};
+
+/// Holds a CritSec for the length of a block.
+class CritSecLock {
+  public:
+    explicit CritSecLock(CritSec& csToHold) noexcept : cs(csToHold) { cs.Enter(); }
+    ~CritSecLock() { cs.Leave(); }
+    CritSecLock(const CritSecLock&) = delete;
+    CritSecLock& operator=(const CritSecLock&) = delete;
+
+  private:
+    CritSec& cs;
+};

@@ -1,0 +1,79 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+/// Writes the name of a kernel object with its name space before it: "Global\" if bGlobal, else
+/// "Local\". A name that does not fit is cut. Returns pszBuffer; without a name the buffer is empty
+/// and the result null, which makes an unnamed object.
+const wchar_t* PrepareObjectName(wchar_t* pszBuffer, unsigned cchBuffer, const wchar_t* pszName,
+                                 int bGlobal);
+
+/// Characters, with the terminator, of the longest name of a kernel object here.
+constexpr unsigned kMaxObjectName = 260;
+
+/// A kernel object that can be found by name and waited for. The handle is closed by the derived
+/// class, which knows what it opened.
+class TESSALY_API Synch {
+  public:
+    Synch(const Synch&) = delete; // owns the handle
+    Synch& operator=(const Synch&) = delete;
+
+    /// Opens the object of that name, which must exist; what was open before is closed. dwAccess
+    /// are the platform's rights, such as EVENT_MODIFY_STATE. Returns 1 if there is a handle.
+    int Open(const wchar_t* pszName, int bGlobal, DWORD dwAccess, int bInherit);
+    void Close();
+    /// 1 only if the object was signalled; 0 after the time, for an abandoned mutex or without a
+    /// handle. GetLastWaitResult tells which.
+    int Wait(DWORD nTimeoutMs);
+    /// The same, but input of the kinds in dwWakeMask (QS_...) also ends the wait, with 0.
+    int MsgWait(DWORD nTimeoutMs, DWORD dwWakeMask);
+    DWORD GetLastWaitResult() const { return dwLastWait; }
+    operator HANDLE() const { return h; }
+
+  protected:
+    explicit Synch(int nKindOfObject) : nKind(nKindOfObject) {}
+    ~Synch() = default;
+    /// Opens by the full name; null if there is no such object. The base knows no kind of object.
+    virtual HANDLE Win32_Open(DWORD dwAccess, int bInherit, const wchar_t* pszName);
+    static const wchar_t* PrepareName(wchar_t* pszBuffer, unsigned cchBuffer,
+                                      const wchar_t* pszName, int bGlobal);
+
+    HANDLE h = nullptr;
+    int nKind; // 1 for events; for derived classes, nothing here reads it
+    DWORD dwLastWait = 0;
+};
+
+/// A named or unnamed event. Manual events stay set until they are cleared; the others let one
+/// waiter through.
+class TESSALY_API Event : public Synch {
+  public:
+    Event() : Synch(1) {}
+    ~Event() { Close(); }
+
+    /// Makes the event or opens the one of that name. pSecurity may be null. Returns 1 if there is
+    /// a handle.
+    int CreateOrOpen(const wchar_t* pszName, int bGlobal, int bManual, int bInitial,
+                     SECURITY_ATTRIBUTES* pSecurity = nullptr);
+    /// The same, but an event that exists already is a failure.
+    int CreateNew(const wchar_t* pszName, int bGlobal, int bManual, int bInitial,
+                  SECURITY_ATTRIBUTES* pSecurity = nullptr);
+    /// A new event that the user with that SID (as text) may use with the rights of dwAccess, and
+    /// LOCAL SERVICE with all; its handle is inherited. Returns 1; 0 for a bad SID or if the event
+    /// exists already.
+    int CreateNewForUser(const wchar_t* pszName, int bGlobal, const wchar_t* pszSid, DWORD dwAccess,
+                         int bManual, int bInitial);
+    /// Without a handle these do nothing. Pulse lets the present waiters through and clears.
+    void Set();
+    void Clear();
+    void Pulse();
+    /// Looks without waiting, which clears an event that is not manual.
+    int IsSet() { return Wait(0); }
+
+  protected:
+    HANDLE Win32_Open(DWORD dwAccess, int bInherit, const wchar_t* pszName) override;
+
+  private:
+    /// CreateOrOpen; bExisted tells whether the event was there before.
+    int Create(const wchar_t* pszName, int bGlobal, int bManual, int bInitial,
+               SECURITY_ATTRIBUTES* pSecurity, int& bExisted);
+};

@@ -1,0 +1,178 @@
+#include "store/ini/ini_file.h"
+
+#include "files/stream/core_file.h"
+#include "files/disk/path_fs.h"
+#include "runtime/base/cs_buf.h"
+#include "runtime/text/str_copy.h"
+#include "store/ini/parser.h"
+#include "store/registry/reg_key.h"
+
+#include <cwchar>
+#include <new>
+
+namespace {
+constexpr wchar_t kByteOrderMark = 0xFEFF;
+constexpr unsigned long long kMaxBlock = 0xFFFFFFFF; // what CSBuf can be told
+} // namespace
+
+IniFile::IniFile(const wchar_t* pszFile) { SetPath(pszFile); }
+
+IniFile::~IniFile() { DeleteParser(); }
+
+unsigned IniFile::MakeData(wchar_t*) { return 0; }
+
+int IniFile::CallBack(CallBackFlag, const wchar_t*, const wchar_t*, const wchar_t*) { return 1; }
+
+void IniFile::SetPath(const wchar_t* pszFile) {
+    ::lstrcpynW(szPath, pszFile ? pszFile : L"", kPathSize);
+}
+
+int IniFile::DeleteParser() {
+    delete pParser;
+    pParser = nullptr;
+    return 0;
+}
+
+int IniFile::GetComment(wchar_t* pszBuffer) {
+    if (!pParser || !pszBuffer || !pParser->SkipWhite()) return 0;
+    if (!pParser->IsCR() && pParser->GetCurrentChar() != L';') return 0;
+    pParser->CopyToLineEnd(pszBuffer, kTextSize);
+    pParser->SkipCR();
+    return 1;
+}
+
+int IniFile::GetSec(wchar_t* pszBuffer) {
+    if (!pParser || !pszBuffer) return 0;
+    pParser->SkipWhiteLines();
+    if (!pParser->MustBe(L'[')) return 0;
+    pParser->CopyToChar(L']', pszBuffer, kTextSize);
+    if (!pParser->NotEnd()) return 0;
+    pParser->SkipLine();
+    return 1;
+}
+
+int IniFile::GetVar(wchar_t* pszBuffer) {
+    if (!pParser || !pszBuffer) return 0;
+    pParser->SkipWhiteLines();
+    if (!pParser->NotEnd()) return 0;
+    if (pParser->GetCurrentChar() == L'[' || pParser->GetCurrentChar() == L';') return 0;
+    unsigned cch = pParser->CopyToChar(L'=', pszBuffer, kTextSize);
+    if (!pParser->MustBe(L'=')) return 0;
+    while (cch && pszBuffer[cch - 1] == L' ') pszBuffer[--cch] = 0;
+    return 1;
+}
+
+int IniFile::GetVal(wchar_t* pszBuffer) {
+    if (!pParser || !pszBuffer) return 0;
+    pParser->SkipWhite();
+    pParser->CopyToLineEnd(pszBuffer, kValueSize);
+    pParser->SkipCR();
+    return 1;
+}
+
+int IniFile::ReportComments(const wchar_t* pszSection) {
+    wchar_t szComment[kTextSize];
+    while (GetComment(szComment)) {
+        if (!Stop(CallBack(cbComment, pszSection, szComment, nullptr))) return 0;
+    }
+    return 1;
+}
+
+int IniFile::ReportVariables(const wchar_t* pszSection) {
+    wchar_t szName[kTextSize], szValue[kValueSize];
+    while (GetVar(szName)) {
+        GetVal(szValue);
+        if (!Stop(CallBack(cbVar, pszSection, szName, szValue))) return 0;
+        if (!ReportComments(pszSection)) return 0;
+    }
+    return 1;
+}
+
+int IniFile::ReadSections() {
+    wchar_t szSection[kTextSize] = {};
+    if (!ReportComments(szSection)) return 0;
+    while (GetSec(szSection)) {
+        if (!ReportComments(szSection) || !ReportVariables(szSection)) return 0;
+    }
+    return CallBack(cbEnd, nullptr, nullptr, nullptr) != 0;
+}
+
+int IniFile::ReadAll(const wchar_t* pszText, unsigned cchText) {
+    DeleteParser();
+    pParser = new (std::nothrow) Parser(pszText, cchText);
+    if (!pParser) return 0;
+    if (!CallBack(cbBegin, nullptr, nullptr, nullptr)) return 0;
+    // The callback may have given the parser up, here as anywhere.
+    if (!pParser || !pParser->SkipUnicodePrefix()) return 0;
+    return ReadSections();
+}
+
+int IniFile::ReadData() {
+    if (!*szPath) return 0;
+    CoreFile file(szPath, 0);
+    if (!file.IsReady()) return 0;
+    DWORD cb = file.GetSize(nullptr);
+    if (!cb || cb > kMaxBlock - sizeof(wchar_t)) return 0;
+    CSBuf buffer(cb + sizeof(wchar_t)); // zeros behind the file's bytes complete an odd one
+    if (!buffer.IsReady()) return 0;
+    file.ReadBin(buffer, cb, nullptr); // what could not be read stays zero
+    auto* pszText = reinterpret_cast<const wchar_t*>(static_cast<unsigned char*>(buffer));
+    int nResult = ReadAll(pszText, cb / sizeof(wchar_t) + cb % sizeof(wchar_t));
+    // The parser outlives the pass, the text does not.
+    DeleteParser();
+    return nResult;
+}
+
+int IniFile::WriteData() {
+    unsigned long long cb = 1ULL * MakeData(nullptr) * sizeof(wchar_t);
+    if (!cb) {
+        ::DeleteFileW(szPath);
+        return 1;
+    }
+    if (cb > kMaxBlock) return 0;
+    CSBuf buffer(static_cast<unsigned>(cb));
+    if (!buffer.IsReady()) return 0;
+    MakeData(reinterpret_cast<wchar_t*>(static_cast<unsigned char*>(buffer)));
+    CoreFileAttrib attrib(szPath, FILE_ATTRIBUTE_NORMAL); // put back when the file is closed
+    CoreFile file(szPath, GENERIC_READ | GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL);
+    if (!file.IsReady()) return 0;
+    file.WriteBin(&kByteOrderMark, sizeof(kByteOrderMark), nullptr);
+    file.WriteBin(buffer, static_cast<DWORD>(cb), nullptr);
+    return 1;
+}
+
+void IniFile::WriteSec(wchar_t*& pszOut, const wchar_t* pszName, unsigned& nCount) {
+    CopyStr(pszOut, L"[", nCount);
+    CopyStr(pszOut, pszName, nCount);
+    CopyStr(pszOut, L"]\r\n", nCount);
+}
+
+void IniFile::WriteVar(wchar_t*& pszOut, const wchar_t* pszName, const wchar_t* pszValue,
+                       unsigned& nCount) {
+    CopyStr(pszOut, pszName, nCount);
+    CopyStr(pszOut, L"=", nCount);
+    CopyStr(pszOut, pszValue, nCount);
+    CopyStr(pszOut, L"\r\n", nCount);
+}
+
+int IniFile::FindBootFile(const wchar_t* pszName, wchar_t* pszFound) {
+    constexpr unsigned kMaxValue = 80; // bytes
+    constexpr int kBootPathSize = 20;
+    if (!pszName || !pszFound) return 0;
+    RegKey key;
+    if (!key.Open(L"HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Setup", 0)) return 0;
+    wchar_t szValue[kMaxValue / sizeof(wchar_t) + 1] = {}; // a value may come unterminated
+    if (!key.GetBin(L"BootDir", szValue, kMaxValue) || !*szValue) return 0;
+    wchar_t szFile[kBootPathSize];
+    ::lstrcpynW(szFile, szValue, kBootPathSize);
+    int cch = ::lstrlenW(szFile);
+    if (szFile[cch - 1] != L'\\' && szFile[cch - 1] != L'/' && cch + 1 < kBootPathSize) {
+        szFile[cch++] = L'\\';
+    }
+    ::lstrcpynW(szFile + cch, pszName, kBootPathSize - cch);
+    if (!FileExists(szFile)) return 0;
+    ::lstrcpynW(pszFound, szFile, kPathSize);
+    return 1;
+}
+
+int IniFile::FindBootFile(const wchar_t* pszName) { return FindBootFile(pszName, szPath); }

@@ -1,0 +1,174 @@
+// Whole keys: emptiness, copies, renames, and the move from the maker's former root.
+
+#include "store/registry/reg_key.h"
+
+#include "runtime/base/cs_buf.h"
+#include "runtime/text/str_find.h"
+#include "runtime/text/text_format.h"
+#include "store/registry/maker_keys.h"
+#include "store/registry/reg_key_names.h"
+
+#include <algorithm>
+#include <cwchar>
+
+namespace {
+constexpr wchar_t kSeparator = L'\\';
+constexpr int kNameSize = 256;        // of the names that are walked, with the terminator
+constexpr int kDeletedNameSize = 257; // of the values deleted by their beginning
+constexpr int kMaxLevels = 512;       // of the platform's trees
+constexpr std::size_t kPathSize = 257;
+
+/// Joins root, maker's key and name. 0 if that was cut: it would be another key.
+int JoinMakerPath(wchar_t (&szPath)[kPathSize], const wchar_t* pszRoot, const wchar_t* pszMakerKey,
+                  const wchar_t* pszName) {
+    FormatText(szPath, L"%s\\%s\\%s", pszRoot, pszMakerKey, pszName);
+    return std::wcslen(pszRoot) + std::wcslen(pszMakerKey) + std::wcslen(pszName) + 2 < kPathSize;
+}
+} // namespace
+
+int RegKey::IsKeyEmpty() {
+    wchar_t szName[kNameSize];
+    if (GetFirstSubKey(szName, kNameSize)) return 0;
+    // The default value has the empty name and need not come first. There is one of it, so that
+    // whatever comes with it has a name.
+    LSTATUS status = ReadValueName(0, szName, kNameSize);
+    if (status == ERROR_NO_MORE_ITEMS) return 1;
+    return status == ERROR_SUCCESS && !*szName && !GetValueByIndex(1, szName, kNameSize);
+}
+
+int RegKey::DelSubKeyIfEmpty(const wchar_t* pszSubkey) {
+    if (!pszSubkey || !*pszSubkey) return 1; // would name this key itself
+    {
+        RegKey child;
+        if (!child.Open(*this, pszSubkey, 0)) return 1;
+        child.Close(); // opened only to see that it is there: the next open would create it
+        if (!child.Open(*this, pszSubkey, 1)) return 1;
+        if (!child.IsKeyEmpty()) return 0;
+        child.DelValue(nullptr);
+    }
+    return ::RegDeleteKeyW(hkey, pszSubkey) == ERROR_SUCCESS;
+}
+
+int RegKey::DelValuesStartingWith(const wchar_t* pszPrefix, int bNoCase) {
+    wchar_t szName[kDeletedNameSize], szPrevious[kDeletedNameSize];
+    int bHasPrevious = 0; // the default value's empty name may be the previous one
+    for (DWORD nAt = 0;;) {
+        LSTATUS status = ReadValueName(nAt, szName, kDeletedNameSize);
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) return 1;
+        int bSelected = status == ERROR_SUCCESS && StrStartsWith(szName, pszPrefix, bNoCase);
+        // What comes again could not be deleted and is stepped over too.
+        if (!bSelected || (bHasPrevious && IsSameRegName(szName, szPrevious))) {
+            ++nAt;
+            continue;
+        }
+        std::wcscpy(szPrevious, szName);
+        bHasPrevious = 1;
+        DelValue(*szName ? szName : nullptr);
+    }
+}
+
+int RegKey::CopyValueTo(RegKey& target, const wchar_t* pszName) const {
+    unsigned cb = GetBinSize(pszName);
+    if (!cb) return 0;
+    CSBuf block(cb);
+    if (!block.IsReady()) return 0;
+    unsigned char* pBytes = block;
+    DWORD dwType = REG_NONE;
+    if (!GetBin(pszName, pBytes, cb, &dwType)) return 0; // it grew or went away meanwhile
+    return target.PutBin(pszName, pBytes, cb, dwType);
+}
+
+/// Copies the values; those with a name whatever its length.
+void RegKey::CopyValues(RegKey& target) {
+    CopyValueTo(target, nullptr);
+    DWORD cchLongest = 0;
+    if (::RegQueryInfoKeyW(hkey, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                           &cchLongest, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
+        return;
+    }
+    int cchBuffer = static_cast<int>(std::min<DWORD>(cchLongest, 0x7FFF)) + 1;
+    CSBuf block(static_cast<unsigned>(cchBuffer) * sizeof(wchar_t));
+    if (!block.IsReady()) return;
+    auto* pszName = reinterpret_cast<wchar_t*>(static_cast<unsigned char*>(block));
+    for (nIndex = 0;; ++nIndex) {
+        LSTATUS status = ReadValueName(nIndex, pszName, cchBuffer);
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) return;
+        if (*pszName) CopyValueTo(target, pszName);
+    }
+}
+
+int RegKey::CopyTree(RegKey& target, int nLevelsLeft) {
+    wchar_t szName[kNameSize];
+    for (nIndex = 0; nLevelsLeft > 0; ++nIndex) {
+        LSTATUS status = ReadSubKeyName(nIndex, szName, kNameSize);
+        if (status == ERROR_MORE_DATA) continue;
+        if (status != ERROR_SUCCESS) break; // no more; an error would come again at every index
+        RegKey child, childOfTarget;
+        if (!child.Open(*this, szName, 0) || !childOfTarget.Open(target, szName, 1)) continue;
+        child.CopyTree(childOfTarget, nLevelsLeft - 1);
+    }
+    CopyValues(target);
+    return 1;
+}
+
+int RegKey::CopyTo(RegKey& target) { return CopyTree(target, kMaxLevels); }
+
+int RegKey::RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew) {
+    if (!pszOld || !pszNew || !*pszNew) return 0;
+    if (FindRegPathBelow(pszNew, pszOld)) return 0; // would be deleted with the old one
+    {
+        RegKey source, target;
+        if (!source.Open(*this, pszOld, 0)) return 0;
+        // Onto a parent: what would come to lie in the old key itself would be deleted with it, as
+        // the subkey "b" of "a\b", renamed to "a".
+        const wchar_t* pszBelow = FindRegPathBelow(pszOld, pszNew);
+        if (pszBelow && RegKey(source, pszBelow, 0).GetHandle()) return 0;
+        if (!target.Open(*this, pszNew, 1)) return 0;
+        source.CopyTo(target);
+    }
+    return DelSubKey(pszOld);
+}
+
+const wchar_t* RegKey::FindLastSubkeyName(const wchar_t* pszPath) {
+    if (!pszPath || !*pszPath) return nullptr;
+    const wchar_t* pszLast = std::wcsrchr(pszPath, kSeparator);
+    return pszLast ? pszLast + 1 : pszPath;
+}
+
+int RegKey::GetParentSubkeyName(const wchar_t* pszPath, wchar_t* pszOut, unsigned cchOut) {
+    if (!pszOut || !cchOut) return 0;
+    *pszOut = 0;
+    const wchar_t* pszName = FindLastSubkeyName(pszPath);
+    if (!pszName) return 0;
+    std::size_t cch = pszName == pszPath ? 0 : static_cast<std::size_t>(pszName - pszPath) - 1;
+    cch = std::min<std::size_t>(cch, cchOut - 1);
+    std::wmemcpy(pszOut, pszPath, cch);
+    pszOut[cch] = 0;
+    return 1;
+}
+
+int RegKey::CS2WA(int bUser, const wchar_t* pszName) {
+    if (!pszName) pszName = L"";
+    const wchar_t* pszRoot = bUser ? L"HKCU" : L"HKLM";
+    wchar_t szNew[kPathSize], szOld[kPathSize];
+    if (!JoinMakerPath(szNew, pszRoot, kMakerKey, pszName)) return 1;
+    if (!JoinMakerPath(szOld, pszRoot, kFormerMakerKey, pszName)) return 1;
+    if (RegKey(szNew, 0).GetHandle()) return 1; // moved already, or taken over
+    {
+        RegKey source, target;
+        if (!source.Open(szOld, 0)) return 1; // nothing to move
+        if (!target.Open(szNew, 1)) return 0;
+        source.CopyTo(target);
+    }
+    wchar_t szPath[kPathSize];
+    FormatText(szPath, L"%s\\%s", pszRoot, kFormerMakerKey);
+    RegKey former;
+    if (!former.Open(szPath, 1)) return 1;
+    former.DelSubKey(pszName);
+    former.Close(); // it may go now
+    FormatText(szPath, L"%s\\Software", pszRoot);
+    RegKey software(szPath, 1);
+    if (software.GetHandle())
+        software.DelSubKeyIfEmpty(RegKey::FindLastSubkeyName(kFormerMakerKey));
+    return 1;
+}

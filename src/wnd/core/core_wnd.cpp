@@ -1,0 +1,61 @@
+#include "wnd/core/core_wnd.h"
+#include "runtime/base/library_instance.h"
+#include "wnd/core/creation_slot.h"
+
+namespace {
+constexpr const wchar_t* kCoreWndProperty = L"COREWND";
+constinit CreationSlot slotCreating;
+} // namespace
+
+CoreWnd::~CoreWnd() {
+    if (hWnd && ::GetPropW(hWnd, kCoreWndProperty) == this) ::RemovePropW(hWnd, kCoreWndProperty);
+}
+
+LRESULT CoreWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    return ::CallWindowProcW(oldWndProc, hWnd, uMsg, wParam, lParam);
+}
+
+ATOM CoreWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
+                               HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
+                               int cbClassExtra, int cbWndExtra) {
+    WNDCLASSEXW wc{
+        sizeof(wc), uStyle, &CoreWnd::WndProc, cbClassExtra, cbWndExtra, GetLibraryInstance(),
+        hicon,      hcur,   hbrBackground,     pszMenuName,  pszName,    hiconSmall};
+    return ::RegisterClassExW(&wc);
+}
+
+int CoreWnd::Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
+                    HWND hwndParent, HMENU hmenu, void* pParam) {
+    return CreateEx(0, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent, hmenu, pParam);
+}
+
+int CoreWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
+                      int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
+    if (!slotCreating.Set(this)) return 0;
+    oldWndProc = ::DefWindowProcW;
+    ++nCreating; // one that fails half-way sends the last message too; the object stays its owner's
+    hWnd = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent,
+                             hmenu, GetLibraryInstance(), pParam);
+    --nCreating;
+    slotCreating.Set(nullptr);
+    return hWnd != nullptr;
+}
+
+LRESULT CALLBACK CoreWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    CoreWnd* pWnd = hwnd ? static_cast<CoreWnd*>(::GetPropW(hwnd, kCoreWndProperty)) : nullptr;
+    if (!pWnd) {
+        pWnd = static_cast<CoreWnd*>(slotCreating.Take());
+        if (!pWnd) return 0;
+        ::SetPropW(hwnd, kCoreWndProperty, pWnd);
+        pWnd->hWnd = hwnd;
+    }
+    if (!pWnd->hWnd) return 0;
+    LRESULT lResult = pWnd->OnWndMessage(uMsg, wParam, lParam);
+    if (uMsg == WM_NCDESTROY) {
+        // The property stays; the platform drops it with the window.
+        int bDelete = pWnd->autoDelete == DeleteObject && !pWnd->nCreating;
+        pWnd->hWnd = nullptr;
+        if (bDelete) delete pWnd;
+    }
+    return lResult;
+}

@@ -1,0 +1,42 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+/// A minimal window object: one procedure, no hooks, no nesting count. The window carries its
+/// object under the property "COREWND". For more than a plain window use CSWnd.
+class TESSALY_API CoreWnd {
+  public:
+    /// Whether the object deletes itself after its window's last message.
+    enum AutoDelete { KeepObject = 0, DeleteObject = 1 };
+
+    CoreWnd() = default;
+    CoreWnd(const CoreWnd&) = delete; // the window names one object
+    CoreWnd& operator=(const CoreWnd&) = delete;
+    /// Does not destroy the window; it only takes its name off a window that is still there.
+    virtual ~CoreWnd();
+    /// Every message of the window. The default hands it to oldWndProc.
+    virtual LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+    /// Registers a class whose windows belong to CoreWnd objects, with the library's instance.
+    /// Returns the class's atom, 0 on failure.
+    static ATOM RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
+                                 HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
+                                 int cbClassExtra, int cbWndExtra);
+
+    /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's,
+    /// also with autoDelete set.
+    int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
+               HWND hwndParent, HMENU hmenu, void* pParam);
+    int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
+                 int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
+
+    HWND hWnd = nullptr;          // the tied window; null when none is
+    WNDPROC oldWndProc = nullptr; // where OnWndMessage forwards to
+    AutoDelete autoDelete = KeepObject;
+
+  protected:
+    static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+  private:
+    int nCreating = 0; // calls of CreateEx under way
+};

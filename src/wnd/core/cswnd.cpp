@@ -1,0 +1,294 @@
+#include "wnd/core/cswnd.h"
+#include "runtime/base/library_instance.h"
+#include "shell/subclass/shell_subclass.h"
+#include "wnd/core/creation_slot.h"
+#include "wnd/core/wm_hook.h"
+
+#include <cwchar>
+
+namespace {
+constexpr const wchar_t* kCSWndProperty = L"CSWND";
+constinit CreationSlot slotCreating;
+
+/// The object that the window names, if that object names the window: a stale property is not
+/// trusted. Only for a window of this process.
+CSWnd* FindObject(HWND hwnd) {
+    CSWnd* pWnd = static_cast<CSWnd*>(::GetPropW(hwnd, kCSWndProperty));
+    return pWnd && static_cast<HWND>(*pWnd) == hwnd ? pWnd : nullptr;
+}
+} // namespace
+
+CSWnd::~CSWnd() {
+    if (hWnd && ::GetPropW(hWnd, kCSWndProperty) == this) ::RemovePropW(hWnd, kCSWndProperty);
+}
+
+int CSWnd::IsKindOf(LPCWSTR pszClass) { return pszClass && std::wcscmp(pszClass, L"CSWnd") == 0; }
+
+void CSWnd::PreInit() {}
+
+int CSWnd::PreTranslateMessage(MSG*) { return 0; }
+
+void CSWnd::OnPostNcDestroy() { RemoveAllWndHooks(); }
+
+void CSWnd::OnActivate(int) {}
+
+void CSWnd::OnEnable(int) {}
+
+void CSWnd::OnSystemSettingChange(WPARAM wParam, LPARAM lParam) {
+    // Grandchildren are the children's own business: one without an object cuts off its subtree.
+    for (HWND hwnd = ::GetWindow(hWnd, GW_CHILD); hwnd; hwnd = ::GetWindow(hwnd, GW_HWNDNEXT)) {
+        if (CSWnd* pWnd = FromHandle(hwnd)) pWnd->OnSystemSettingChange(wParam, lParam);
+    }
+}
+
+CSWnd* CSWnd::FromHandle(HWND hwnd) {
+    if (!hwnd) return nullptr;
+    // Another process's property is a pointer of that process.
+    DWORD dwProcess = 0;
+    if (!::GetWindowThreadProcessId(hwnd, &dwProcess)) return nullptr;
+    return dwProcess == ::GetCurrentProcessId() ? FindObject(hwnd) : nullptr;
+}
+
+// Classes and creation
+
+ATOM CSWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
+                             HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
+                             int cbClassExtra, int cbWndExtra) {
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    wc.style = uStyle;
+    wc.lpfnWndProc = &CSWnd::WndProc;
+    wc.cbClsExtra = cbClassExtra;
+    wc.cbWndExtra = cbWndExtra;
+    wc.hInstance = GetLibraryInstance();
+    wc.hIcon = hicon;
+    wc.hIconSm = hiconSmall;
+    wc.hCursor = hcur;
+    wc.hbrBackground = hbrBackground;
+    wc.lpszMenuName = pszMenuName;
+    wc.lpszClassName = pszName;
+    return ::RegisterClassExW(&wc);
+}
+
+ATOM CSWnd::RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra) {
+    return RegisterClassExW(pszName, 0, nullptr, nullptr, nullptr, nullptr, nullptr, 0, cbWndExtra);
+}
+
+int CSWnd::UnregisterClassW(LPCWSTR pszName) {
+    return ::UnregisterClassW(pszName, GetLibraryInstance()) != FALSE;
+}
+
+int CSWnd::Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
+                  HWND hwndParent, HMENU hmenu, void* pParam) {
+    return CreateEx(0, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent, hmenu, pParam);
+}
+
+int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
+                    int y, int cx, int cy, HWND hwndParent, unsigned __int64 qwId, void* pParam) {
+    return CreateEx(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent,
+                    reinterpret_cast<HMENU>(qwId), pParam);
+}
+
+int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
+                    int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
+    if (!slotCreating.Set(this)) return 0;
+    oldWndProc = ::DefWindowProcW;
+    ++procDepth; // a creation that fails half-way must not end the object's life in here
+    HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
+                                     hwndParent, hmenu, GetLibraryInstance(), pParam);
+    --procDepth;
+    slotCreating.Set(nullptr);
+    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(0);
+    hWnd = hwndNew;
+    return hwndNew != nullptr;
+}
+
+void CSWnd::Destroy() {
+    if (this && hWnd && ::IsWindow(hWnd)) ::DestroyWindow(hWnd);
+}
+
+int CSWnd::Attach(HWND hwndTaken) {
+    hWnd = hwndTaken;
+    return hwndTaken != nullptr;
+}
+
+HWND CSWnd::Detach() {
+    HWND hwndHeld = hWnd;
+    hWnd = nullptr;
+    return hwndHeld;
+}
+
+int CSWnd::IsReady() { return this && hWnd && ::IsWindow(hWnd); }
+
+CSWnd::operator HWND() const { return this ? hWnd : nullptr; }
+
+int CSWnd::IsDlg() { return IsKindOf(L"CSDlg"); }
+
+// Messages
+
+LRESULT CALLBACK CSWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    CSWnd* pWnd = hwnd ? FindObject(hwnd) : nullptr;
+    if (!pWnd) {
+        pWnd = hwnd ? static_cast<CSWnd*>(slotCreating.Take()) : nullptr;
+        // QUIRK: not even the default procedure runs: what still arrives for a window whose object
+        // is gone is dropped. Test: CSWndProc.WindowWithoutObjectGivesZeroAndNoDefault
+        if (!pWnd) return 0;
+        ::SetPropW(hwnd, kCSWndProperty, pWnd);
+        pWnd->hWnd = hwnd;
+        pWnd->PreInit();
+    }
+    return pWnd->Dispatch(uMsg, wParam, lParam);
+}
+
+LRESULT CALLBACK CSWnd::ShellSubclassProc(HWND, UINT uMsg, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                          DWORD_PTR dwRefData) {
+    return reinterpret_cast<CSWnd*>(dwRefData)->Dispatch(uMsg, wParam, lParam);
+}
+
+/// What both procedures have in common. Frames are counted besides the dispatches: a handler that
+/// destroys its own window goes on running, and the object must last until it has returned.
+LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    ++procDepth;
+    LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
+    --procDepth;
+    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(1);
+    return lResult; // the object may be gone
+}
+
+void CSWnd::EndLife(int bMayDelete) {
+    ncDestroyed = 0;
+    OnPostNcDestroy();
+    CommonUnsubclass();
+    int bDelete = autoDelete && bMayDelete;
+    hWnd = nullptr;
+    if (bDelete) delete this;
+}
+
+LRESULT CSWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    LRESULT lResult = DoWndMessage(uMsg, wParam, lParam, nullptr);
+    switch (uMsg) {
+    case WM_ACTIVATE: OnActivate(LOWORD(wParam) != WA_INACTIVE); break;
+    case WM_ENABLE: OnEnable(static_cast<int>(wParam)); break;
+    case WM_SETTINGCHANGE: OnSystemSettingChange(wParam, lParam); break;
+    case WM_NCDESTROY: ncDestroyed = 1; break;
+    }
+    return lResult;
+}
+
+LRESULT CSWnd::DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter) {
+    ++msgDepth;
+    LRESULT lResult = 0;
+    if (!AskHooks(uMsg, wParam, lParam, pAfter, &lResult)) {
+        if (shellSubclassed) {
+            lResult = ShellSubclass::Default(hWnd, uMsg, wParam, lParam);
+        } else {
+            // An object that is only attached has no earlier procedure.
+            WNDPROC pfn = oldWndProc ? oldWndProc : ::DefWindowProcW;
+            lResult = ::CallWindowProcW(pfn, hWnd, uMsg, wParam, lParam);
+        }
+    }
+    if (--msgDepth == 0 && hooksRemovalPending) SettleHooks();
+    return lResult;
+}
+
+// Hooks
+
+int CSWnd::AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult) {
+    for (POS pos = hooks.GetHeadPos(); pos;) {
+        POS posNow = pos;
+        hooks.GetNext(pos);
+        WMHook* pHook = static_cast<WMHook*>(hooks.GetAt(posNow));
+        if (!pHook) continue;
+        if (pAfter) {
+            if (pHook == pAfter) pAfter = nullptr;
+            continue;
+        }
+        if (pHook->OnWndMessage(this, uMsg, wParam, lParam, plResult)) return 1;
+    }
+    return 0;
+}
+
+void CSWnd::AddWndHook(WMHook* pHook) { hooks.AddHead(pHook); }
+
+void CSWnd::RemoveWndHook(WMHook* pHook) {
+    POS pos = pHook ? hooks.Find(pHook) : nullptr;
+    if (!pos) return;
+    if (msgDepth == 0) {
+        hooks.RemoveAt(pos);
+        return;
+    }
+    // A dispatch may stand on this very node: it is emptied now and unlinked when none runs.
+    hooks.SetAt(pos, nullptr);
+    hooksRemovalPending |= kRemoveEmptyEntries;
+}
+
+void CSWnd::RemoveAllWndHooks() {
+    if (msgDepth != 0) {
+        hooksRemovalPending |= kRemoveAllHooks;
+        return;
+    }
+    while (!hooks.IsEmpty()) hooks.RemoveHead();
+}
+
+void CSWnd::SettleHooks() {
+    int nPending = hooksRemovalPending;
+    hooksRemovalPending = 0;
+    if (nPending & kRemoveAllHooks) {
+        RemoveAllWndHooks();
+        return;
+    }
+    for (POS pos = hooks.GetHeadPos(); pos;) {
+        if (hooks.GetAt(pos)) {
+            hooks.GetNext(pos);
+        } else {
+            hooks.RemoveAt(pos);
+        }
+    }
+}
+
+// Subclassing
+
+int CSWnd::CommonSubclass(HWND hwndTarget) {
+    if (ShellSubclass::IsReady()) {
+        shellSubclassed = 1;
+        hWnd = hwndTarget;
+        // QUIRK: the result is not looked at.
+        // Test: CSWndSubclassChain.ResultOfThePlatformIsNotLookedAt
+        ShellSubclass::Set(hwndTarget, &CSWnd::ShellSubclassProc,
+                           reinterpret_cast<DWORD_PTR>(this));
+    } else if (!oldWndProc) {
+        hWnd = hwndTarget;
+        oldWndProc = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(hwndTarget, GWLP_WNDPROC));
+        if (!oldWndProc) return 0;
+        if (oldWndProc == &CSWnd::WndProc) {
+            // The window is another object's and becomes this one's: its messages would come back
+            // to this object for ever, so they go where the other one sends them.
+            CSWnd* pOther = FromHandle(hwndTarget);
+            oldWndProc = pOther && pOther->oldWndProc ? pOther->oldWndProc : ::DefWindowProcW;
+        }
+    }
+    ::SetPropW(hWnd, kCSWndProperty, this);
+    return 1;
+}
+
+int CSWnd::CommonUnsubclass() {
+    if (!hWnd) return 0;
+    if (ShellSubclass::IsReady() && shellSubclassed) {
+        ShellSubclass::Remove(hWnd, &CSWnd::ShellSubclassProc);
+    } else if (oldWndProc) {
+        ::SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(oldWndProc));
+        oldWndProc = nullptr;
+    }
+    ::RemovePropW(hWnd, kCSWndProperty);
+    return 1;
+}
+
+int CSWnd::Subclass(HWND hwndTarget) {
+    if (!CommonSubclass(hwndTarget ? hwndTarget : hWnd)) return 0;
+    if (!shellSubclassed) {
+        ::SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CSWnd::WndProc));
+    }
+    return 1;
+}
+
+int CSWnd::Unsubclass() { return CommonUnsubclass() != 0; }

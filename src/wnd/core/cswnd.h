@@ -1,0 +1,170 @@
+#pragma once
+#include "runtime/base/cs_list.h"
+#include "runtime/base/export.h"
+#include <windows.h>
+
+class WMHook;
+
+/// A window object: a window handle with virtual message handlers and a chain of hooks. It is tied
+/// to a window by creating it (the class was registered here, with CSWnd::WndProc) or by
+/// subclassing one that exists. The window carries its object under the property "CSWND".
+///
+/// The object does not own the window and outlives it, unless autoDelete is set: then it deletes
+/// itself when the window is gone and no frame of its handlers runs any more. Everything about one
+/// object happens on the thread that owns its window.
+///
+/// A derived class overrides OnWndMessage, reacts to what it wants, and hands what it does not
+/// swallow to the base operation. WM_NCDESTROY must reach CSWnd::OnWndMessage.
+class TESSALY_API CSWnd {
+  public:
+    constexpr CSWnd() noexcept = default; // statics need no construction at run time
+    CSWnd(const CSWnd&) = delete;         // the window names one object
+    CSWnd& operator=(const CSWnd&) = delete;
+    /// Destroys no window and undoes no subclassing: detach the object first. A window that still
+    /// names this object is only made to forget it.
+    virtual ~CSWnd();
+
+    /// Whether the object is of that class: "CSWnd", exactly. Derived classes compare their own
+    /// name and then ask their base.
+    virtual int IsKindOf(LPCWSTR pszClass);
+    /// Called once, right after the object was tied to its window during creation, before any
+    /// message reaches OnWndMessage. Subclass does not call it.
+    virtual void PreInit();
+    /// Asked by a modeless dialog's own loop; non-zero: the message was consumed.
+    virtual int PreTranslateMessage(MSG* pMsg);
+    /// Every message of the window. The default runs the hooks and the default processing
+    /// (DoWndMessage) and then the notifications below.
+    virtual LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    /// After the window's last message. The default takes all hooks off.
+    virtual void OnPostNcDestroy();
+    virtual void OnActivate(int bActive);
+    virtual void OnEnable(int bEnabled);
+    /// The default passes the change to the direct children that are CSWnd objects.
+    virtual void OnSystemSettingChange(WPARAM wParam, LPARAM lParam);
+
+    /// Registers a class whose windows belong to CSWnd objects, with the library's instance.
+    /// Returns the class's atom, 0 on failure.
+    static ATOM RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
+                                 HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
+                                 int cbClassExtra, int cbWndExtra);
+    static ATOM RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra);
+    /// 1 on success.
+    static int UnregisterClassW(LPCWSTR pszName);
+
+    /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's,
+    /// also with autoDelete set.
+    int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
+               HWND hwndParent, HMENU hmenu, void* pParam);
+    int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
+                 int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
+    /// A child window with that control id in place of the menu.
+    int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
+                 int cx, int cy, HWND hwndParent, unsigned __int64 qwId, void* pParam);
+    /// Destroys the window if there is one. Defined on a null object, as are IsReady and HWND.
+    void Destroy();
+    /// Stores the handle, for the forwarders below: no subclassing, no property, no messages.
+    /// Returns whether it is non-null.
+    int Attach(HWND hwndTaken);
+    /// Forgets the handle and returns it. No subclassing is undone, no property removed.
+    HWND Detach();
+    /// 1 if there is a window and it lives.
+    int IsReady();
+    operator HWND() const;
+    int IsDlg();
+
+    /// Ties the object to a window that exists (null: the one that hWnd names). 1 on success.
+    int Subclass(HWND hwndTarget);
+    /// Gives the window back its former procedure; hWnd stays. 1 on success, 0 on an untied object.
+    int Unsubclass();
+
+    /// The hook is asked first, before those already there. It is not owned.
+    void AddWndHook(WMHook* pHook);
+    /// Takes the hook off at once, also from inside a dispatch. An unknown one is ignored.
+    void RemoveWndHook(WMHook* pHook);
+    /// Takes all hooks off; from inside a dispatch, when the outermost one returns.
+    void RemoveAllWndHooks();
+    /// Runs the hooks and then the default processing: the subclass chain or the earlier procedure.
+    /// With pAfter only the hooks behind that one are asked; if it is not in the chain, none is.
+    LRESULT DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter);
+
+    /// The object of a window of this process, null for a window that has none: its property is
+    /// there and the object names the same window.
+    static CSWnd* FromHandle(HWND hwnd);
+
+    static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+    /// The SUBCLASSPROC of the platform's chain; dwRefData is the object.
+    static LRESULT CALLBACK ShellSubclassProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
+                                              UINT_PTR uSubclassId, DWORD_PTR dwRefData);
+
+    // Plain forwarders to the platform, on hWnd. Where a result is not told it is the platform's.
+    int Redraw(UINT uFlags); ///< the whole window, RDW_ flags
+    int Invalidate(const RECT* prc, int bErase);
+    int InvalidateErase(const RECT* prc);
+    int InvalidateUpdate(const RECT* prc, int bErase); ///< and repaints at once
+    int v(const RECT* prc);                            ///< validates
+    LRESULT SendMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    int PostMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    int PostCmd(unsigned short nId, HWND hwndCtl, unsigned short nCode); ///< WM_COMMAND
+    int ClickButton(unsigned short nId); ///< posts WM_COMMAND without a control handle
+    int HasFocus();
+    int IsActive();
+    int IsForeground();
+    HWND SetFocus();
+    int Enable(int bEnabled);
+    HWND GetParent();
+    int Show(int bVisible);
+    int GetTextLength(); ///< characters without the terminator
+    /// At most cch characters with the terminator; returns the length.
+    int GetText(wchar_t* psz, int cch);
+    int SetText(LPCWSTR psz);
+    /// The formatted text is cut at 1,023 characters. A string id is the default module's in the
+    /// first form; a missing string gives the empty text.
+    int SetText(unsigned int nStringId, ...);
+    int SetTextFmt(LPCWSTR pszFormat, ...);
+    int SetTextFmt(HINSTANCE hinst, unsigned int nStringId, ...);
+    DWORD GetStyle(int bExtended);
+    /// The style before the call.
+    DWORD SetStyle(DWORD dwStyle, int bExtended);
+    DWORD ModifyStyle(DWORD dwRemove, DWORD dwAdd, int bExtended);
+    /// Sets or clears bits of the plain style; returns the style before the call.
+    DWORD SetStyleBits(DWORD dwBits, int bOn);
+    HFONT GetFont();
+    /// Bit 1 of nWhich sets the small icon, bit 2 the big one.
+    void SetIcon(HICON hicon, unsigned int nWhich);
+
+  protected:
+    /// The two halves of Subclass and Unsubclass, for classes that attach themselves. After a
+    /// CommonSubclass that succeeds with shellSubclassed clear, the caller replaces the procedure.
+    int CommonSubclass(HWND hwndTarget);
+    int CommonUnsubclass();
+
+  private:
+    enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
+
+    LRESULT Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    int AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult);
+    void SettleHooks();
+    void EndLife(int bMayDelete);
+    int SetTextV(LPCWSTR pszFormat, va_list args);
+
+  protected:
+    HWND hWnd = nullptr;
+
+  public:
+    int autoDelete = 0; // non-zero: the object deletes itself when its window is gone
+
+  protected:
+    int ncDestroyed = 0;          // WM_NCDESTROY has passed, the end of life is still to come
+    WNDPROC oldWndProc = nullptr; // the earlier procedure; DefWindowProcW for a created window
+    int isDlg = 0;
+    int isCtrl = 0;
+    // QUIRK: once set by CommonSubclass it is never cleared again.
+    // Test: CSWndSubclassChain.FlagIsNeverClearedAgain
+    int shellSubclassed = 0;
+    int msgDepth = 0;            // DoWndMessage calls under way
+    CSList hooks;                // of WMHook; an entry taken off during a dispatch is null
+    int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal
+
+  private:
+    int procDepth = 0; // frames of the window procedure and of CreateEx under way
+};

@@ -1,0 +1,39 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+// Functions on a plain window handle. Flags are SWP_ flags (winuser.h); each function adds and
+// removes those that make it what it is. Results that are not told are the platform's, non-zero for
+// success.
+
+/// The style, or with bExtended the extended style.
+TESSALY_API DWORD GetWndStyle(HWND hwnd, int bExtended);
+/// Both return the style before the call. ModifyWndStyle removes first and then adds.
+TESSALY_API DWORD SetWndStyle(HWND hwnd, DWORD dwStyle, int bExtended);
+TESSALY_API DWORD ModifyWndStyle(HWND hwnd, DWORD dwRemove, DWORD dwAdd, int bExtended);
+/// Touches each of the two styles only if one of its masks is non-zero.
+TESSALY_API void ModifyStyle(HWND hwnd, DWORD dwRemoveStyle, DWORD dwAddStyle,
+                             DWORD dwRemoveExStyle, DWORD dwAddExStyle);
+
+/// Places the window behind hwndAfter (or HWND_TOP and its like); neither moved nor activated.
+TESSALY_API int SetWndZOrder(HWND hwnd, HWND hwndAfter, DWORD dwFlags);
+/// Sizes are of the whole window, positions in the parent's client pixels, or of the screen.
+TESSALY_API int SetWndSize(HWND hwnd, int cx, int cy, DWORD dwFlags);
+TESSALY_API int SetWndOrigin(HWND hwnd, int x, int y, DWORD dwFlags);
+TESSALY_API int SetWndPos(HWND hwnd, int x, int y, int cx, int cy, DWORD dwFlags);
+/// 0 for a null rectangle.
+TESSALY_API int SetWndPos(HWND hwnd, const RECT* prc, DWORD dwFlags);
+TESSALY_API int SetWndShow(HWND hwnd, int bShow, DWORD dwFlags);
+/// Moves or resizes by pixels. 0 for a window whose rectangle can't be read.
+TESSALY_API int OffsetWnd(HWND hwnd, int dx, int dy);
+TESSALY_API int ResizeWnd(HWND hwnd, int dcx, int dcy);
+
+/// Posts WM_COMMAND as if the dialog's item had been clicked, with the item's handle.
+TESSALY_API int SimulateButton(HWND hwndDlg, unsigned short nId);
+TESSALY_API int PostCommand(HWND hwnd, unsigned short nId, HWND hwndCtl, unsigned short nCode);
+TESSALY_API LRESULT SendCommand(HWND hwnd, unsigned short nId, HWND hwndCtl, unsigned short nCode);
+TESSALY_API int PostMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+TESSALY_API LRESULT SendMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+/// The size of one line of text in pixels, in the window's font (the system's if it has none).
+TESSALY_API int GetTextSizeForWindow(HWND hwnd, LPCWSTR pszText, SIZE* psize);

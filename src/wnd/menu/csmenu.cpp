@@ -1,0 +1,160 @@
+#include "wnd/menu/csmenu.h"
+#include "runtime/base/cs_buf.h"
+#include "runtime/text/str_find.h"
+#include "runtime/text/text_format.h"
+
+#include <new>
+
+namespace {
+constexpr int kItemTextSize = 261;
+constexpr unsigned kItemNotFound = 0xFFFFFFFF;
+} // namespace
+
+MenuItemInfo::MenuItemInfo(unsigned int nMask) : MENUITEMINFOW{} {
+    cbSize = sizeof(MENUITEMINFOW);
+    fMask = nMask;
+}
+
+CSMenu::CSMenu(HMENU hmenuTaken, int bPopup)
+    : hMenu(hmenuTaken), isPopup(bPopup), ownsMenu(hmenuTaken == nullptr) {}
+
+CSMenu::~CSMenu() {
+    if (ownsMenu) Destroy();
+    // The menus of those that were appended here are gone by now. Destroying them again fails and
+    // harms nothing, as the platform does not use a handle's value again soon.
+    while (!subMenus.IsEmpty()) delete static_cast<CSMenu*>(subMenus.RemoveHead());
+}
+
+// Lifetime
+
+int CSMenu::Create() {
+    isPopup = 0;
+    hMenu = ::CreateMenu();
+    return hMenu != nullptr;
+}
+
+int CSMenu::CreatePopup() {
+    isPopup = 1;
+    hMenu = ::CreatePopupMenu();
+    return hMenu != nullptr;
+}
+
+void CSMenu::Attach(HMENU hmenuTaken) {
+    hMenu = hmenuTaken;
+    isPopup = 0;
+    ownsMenu = 0;
+}
+
+void CSMenu::Detach() {
+    hMenu = nullptr;
+    isPopup = 0;
+    ownsMenu = 0;
+}
+
+void CSMenu::Destroy() {
+    if (hMenu) ::DestroyMenu(hMenu);
+    hMenu = nullptr;
+}
+
+CSMenu::operator HMENU() const { return this ? hMenu : nullptr; }
+
+// Building
+
+int CSMenu::AppendItem(unsigned int nId, LPCWSTR pszFormat, ...) {
+    wchar_t szText[kItemTextSize];
+    va_list args;
+    va_start(args, pszFormat);
+    FormatTextV(szText, kItemTextSize, pszFormat, args);
+    va_end(args);
+    return ::AppendMenuW(hMenu, MF_STRING, nId, szText);
+}
+
+int CSMenu::AppendSubMenu(HMENU hmenuSub, LPCWSTR pszFormat, ...) {
+    // The result of formatting is nowhere to be seen, so it is not made: a text with a '%' and no
+    // arguments would read what is not there.
+    return ::AppendMenuW(hMenu, MF_POPUP, reinterpret_cast<UINT_PTR>(hmenuSub), pszFormat);
+}
+
+int CSMenu::AppendSeparator() { return ::AppendMenuW(hMenu, MF_SEPARATOR, 0, nullptr); }
+
+CSMenu* CSMenu::MakeSubMenu() {
+    CSMenu* pSub = CreateSubMenu();
+    if (!pSub || subMenus.AddTail(pSub)) return pSub;
+    delete pSub;
+    return nullptr;
+}
+
+CSMenu* CSMenu::CreateSubMenu() { return new (std::nothrow) CSMenu; }
+
+void CSMenu::DeleteAll() {
+    while (GetCount() > 0) {
+        if (!DeleteItemByPos(0)) return; // it would never get empty
+    }
+}
+
+// Columns
+
+int CSMenu::SetBreak(unsigned int nItem, int byPos, int bar) {
+    // Writing the type writes the text too: what is not read with it would be lost.
+    MenuItemInfo info(MIIM_TYPE);
+    GetItemInfo(nItem, byPos, &info);
+    CSBuf text((info.cch + 1) * sizeof(wchar_t));
+    if (!text.IsReady()) return 0;
+    if (!(info.fType & (MFT_BITMAP | MFT_SEPARATOR | MFT_OWNERDRAW))) {
+        // An empty text as well: written without any, the item would become a separator.
+        unsigned char* pText = text;
+        info.dwTypeData = reinterpret_cast<wchar_t*>(pText);
+        ++info.cch;
+        GetItemInfo(nItem, byPos, &info);
+    }
+    info.fType |= bar ? MFT_MENUBARBREAK : MFT_MENUBREAK;
+    return SetItemInfo(nItem, byPos, &info);
+}
+
+void CSMenu::InsertBreaks(int every, int bar) {
+    int nCount = GetCount();
+    if (every < 2 || nCount <= every || nCount < 1) return;
+    int bVisited = 0; // the item at this position has been pushed here by a separator
+    for (int nPos = 0; nPos < nCount; ++nPos) {
+        HMENU hmenuSub = bVisited ? nullptr : GetSubMenu(nPos);
+        bVisited = 0;
+        if (hmenuSub) {
+            CSMenu sub;
+            sub.Attach(hmenuSub);
+            sub.InsertBreaks(every, bar);
+            sub.Detach();
+        }
+        if (!nPos || nPos % every) continue;
+        if (!InsertSeparatorByPos(static_cast<unsigned>(nPos))) return;
+        ++nCount;
+        bVisited = 1;
+        SetBreakByPos(static_cast<unsigned>(nPos), bar);
+    }
+}
+
+// Searching
+
+unsigned int CSMenu::FindStrPos(LPCWSTR pszText) const {
+    int nCount = GetCount();
+    if (!pszText || nCount <= 0) return kItemNotFound;
+    wchar_t szShort[kItemTextSize];
+    for (int nPos = 0; nPos < nCount; ++nPos) {
+        auto nItem = static_cast<unsigned>(nPos);
+        int cch = GetStrLengthByPos(nItem) + 1;
+        if (cch <= 1) continue;
+        // Nearly all texts fit; a longer one gets a block for itself.
+        CSBuf block(cch > kItemTextSize ? static_cast<unsigned>(cch) * sizeof(wchar_t) : 0);
+        if (cch > kItemTextSize && !block.IsReady()) return kItemNotFound;
+        unsigned char* pBlock = block;
+        wchar_t* pszItem = pBlock ? reinterpret_cast<wchar_t*>(pBlock) : szShort;
+        *pszItem = 0;
+        GetStrByPos(nItem, pszItem, cch);
+        if (StrIsSame(pszItem, pszText, 1)) return nItem;
+    }
+    return kItemNotFound;
+}
+
+unsigned int CSMenu::FindStrID(LPCWSTR pszText) const {
+    unsigned nPos = FindStrPos(pszText);
+    return nPos == kItemNotFound ? kItemNotFound : GetItemID(static_cast<int>(nPos));
+}

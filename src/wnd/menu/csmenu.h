@@ -1,0 +1,172 @@
+#pragma once
+#include "runtime/base/cs_list.h"
+#include "runtime/base/export.h"
+#include <windows.h>
+
+/// A MENUITEMINFOW of zeros with its size and mask (MIIM_ flags) filled in.
+struct TESSALY_API MenuItemInfo : MENUITEMINFOW {
+    explicit MenuItemInfo(unsigned int nMask);
+};
+static_assert(sizeof(MenuItemInfo) == 80);
+
+/// A menu handle with every operation in two spellings, by position (from 0) and by command id. An
+/// id is looked for in all sub-menus too. Results are the platform's, 0 or null for failure, and
+/// nothing is shown to the user. Without a handle every operation fails as its platform call does.
+///
+/// The object belongs to the thread that uses the menu. A menu that was handed in is not destroyed
+/// with the object; one that it created is. The platform destroys an appended sub-menu with its
+/// parent: whoever holds that in an object of its own calls Detach there.
+class TESSALY_API CSMenu {
+  public:
+    /// With no menu the object is an empty popup that will own what it creates.
+    explicit CSMenu(HMENU hmenuTaken = nullptr, int bPopup = 1);
+    CSMenu(const CSMenu&) = delete; // owns the menu and the sub-menus
+    CSMenu& operator=(const CSMenu&) = delete;
+    /// Destroys the menu if it is owned, then the sub-menu objects, first made first.
+    virtual ~CSMenu();
+    /// Deletes all items, and with them the menus of those that have one.
+    virtual void DeleteAll();
+    /// The object that MakeSubMenu adds; null when out of memory. A derived class makes its own
+    /// kind.
+    virtual CSMenu* CreateSubMenu();
+
+    /// Both overwrite the handle without destroying what was held. Whether there is one now.
+    int Create();
+    int CreatePopup();
+    /// Takes a handle that stays somebody else's.
+    void Attach(HMENU hmenuTaken);
+    /// Forgets the handle without destroying it.
+    void Detach();
+    /// Destroys the menu, whoever owns it.
+    void Destroy();
+    int IsReady() { return IsValid(); }
+    int IsValid() const { return hMenu != nullptr; }
+    /// Defined on a null object, too: null.
+    operator HMENU() const;
+
+    /// GetMenuItemInfoW and SetMenuItemInfoW on the caller's record, whose size and mask are set.
+    int GetItemInfoByPos(unsigned int nPos, MENUITEMINFOW* pInfo) const;
+    int GetItemInfoByID(unsigned int nId, MENUITEMINFOW* pInfo) const;
+    int GetItemInfo(unsigned int nItem, int byPos, MENUITEMINFOW* pInfo) const;
+    int SetItemInfoByPos(unsigned int nPos, const MENUITEMINFOW* pInfo);
+    int SetItemInfoByID(unsigned int nId, const MENUITEMINFOW* pInfo);
+    int SetItemInfo(unsigned int nItem, int byPos, const MENUITEMINFOW* pInfo);
+    int ItemExistsByID(unsigned int nId) const;
+
+    /// The item's data; 0 also on failure.
+    unsigned __int64 GetItemDataByPos(unsigned int nPos) const;
+    unsigned __int64 GetItemDataByID(unsigned int nId) const;
+    unsigned __int64 GetItemData(unsigned int nItem, int byPos) const;
+    int SetItemDataByPos(unsigned int nPos, unsigned __int64 qwData);
+    int SetItemDataByID(unsigned int nId, unsigned __int64 qwData);
+    int SetItemData(unsigned int nItem, int byPos, unsigned __int64 qwData);
+
+    /// Characters without the terminator; 0 for an item without text.
+    int GetStrLengthByPos(unsigned int nPos) const;
+    int GetStrLengthByID(unsigned int nId) const;
+    /// Copies the text, cut to cch characters with the terminator; returns the length copied.
+    int GetStrByPos(unsigned int nPos, LPWSTR pszBuffer, int cch) const;
+    int GetStrByID(unsigned int nId, LPWSTR pszBuffer, int cch) const;
+    /// Replaces the text and nothing else of the item.
+    int SetStrByPos(unsigned int nPos, LPCWSTR pszText);
+    int SetStrByID(unsigned int nId, LPCWSTR pszText);
+    int SetStr(unsigned int nItem, int byPos, LPCWSTR pszText);
+
+    /// Delete destroys the item's sub-menu, Remove leaves it alive.
+    int DeleteItemByPos(unsigned int nPos);
+    int DeleteItemByID(unsigned int nId);
+    int RemoveItemByPos(unsigned int nPos);
+    int RemoveItemByID(unsigned int nId);
+
+    int SetDefaultByPos(unsigned int nPos);
+    int SetDefaultByID(unsigned int nId);
+    /// GMDI_ flags; 0xFFFFFFFF if there is no default item.
+    unsigned int GetDefaultPos(unsigned int nFlags) const;
+    unsigned int GetDefaultID(unsigned int nFlags) const;
+
+    /// MF_CHECKED or 0, as it was before; 0xFFFFFFFF if there is no such item.
+    unsigned long CheckItemByPos(unsigned int nPos, int check);
+    unsigned long CheckItemByID(unsigned int nId, int check);
+    /// Marks one item of a range, both ends included.
+    int CheckRadioItemByPos(unsigned int nFirst, unsigned int nLast, unsigned int nCheck);
+    int CheckRadioItemByID(unsigned int nFirst, unsigned int nLast, unsigned int nCheck);
+    /// Enabled or greyed. The flags as they were before; -1 if there is no such item.
+    int EnableItemByPos(unsigned int nPos, int enable);
+    int EnableItemByID(unsigned int nId, int enable);
+
+    /// Before that item; MF_ flags. Positions behind the last one, and ids that are not there, add
+    /// the item at the end.
+    int InsertItemByPos(unsigned int nWhere, unsigned int nId, LPCWSTR pszText,
+                        unsigned int nFlags);
+    int InsertItemByID(unsigned int nWhere, unsigned int nId, LPCWSTR pszText, unsigned int nFlags);
+    int InsertSubmenuByPos(unsigned int nWhere, HMENU hmenuSub, LPCWSTR pszText,
+                           unsigned int nFlags);
+    int InsertSubmenuByID(unsigned int nWhere, HMENU hmenuSub, LPCWSTR pszText,
+                          unsigned int nFlags);
+    int InsertSeparatorByPos(unsigned int nWhere);
+    int InsertSeparatorByID(unsigned int nWhere);
+
+    /// The bitmaps stay the caller's and must live as long as the item.
+    int SetItemBitmapsByPos(unsigned int nPos, HBITMAP hbmUnchecked, HBITMAP hbmChecked);
+    int SetItemBitmapsByID(unsigned int nId, HBITMAP hbmUnchecked, HBITMAP hbmChecked);
+    /// Marks the item with the system's shield, which is made on first use and kept for the
+    /// process. 0, to be tried again, if there is none.
+    int SetShieldIconByID(unsigned int nId);
+
+    /// A new column begins at the item, with a bar before it if bar is non-zero.
+    int SetBreakByPos(unsigned int nPos, int bar);
+    int SetBreakByID(unsigned int nId, int bar);
+    int SetBreak(unsigned int nItem, int byPos, int bar);
+    /// Splits the menu and all its sub-menus into columns by putting a separator with a break at
+    /// each multiple of `every`: the first column has `every` items, each further one the separator
+    /// and one item fewer. A menu that fits into one column is left alone with all below it. Does
+    /// nothing for `every` below 2, with which a column would have no room for an item.
+    void InsertBreaks(int every, int bar);
+
+    int GetCount() const; ///< -1 without a menu
+    unsigned int GetItemID(int nPos) const;
+    HMENU GetSubMenu(int nPos) const;
+    int SetHelpId(unsigned long nHelpId);
+    unsigned long GetHelpId() const;
+
+    /// pszFormat is always a format (FormatText; the text is cut to 260 characters): texts from
+    /// elsewhere go through "%s".
+    int AppendItem(unsigned int nId, LPCWSTR pszFormat, ...);
+    // QUIRK: the text is shown as it stands, whatever it holds and whatever arguments come along.
+    // Test: CSMenuBuilding.AppendSubMenuShowsItsFormatAsItStands
+    int AppendSubMenu(HMENU hmenuSub, LPCWSTR pszFormat, ...);
+    int AppendSeparator();
+    /// Adds an object of CreateSubMenu's, which stays this one's; it has no handle yet. Null when
+    /// out of memory.
+    CSMenu* MakeSubMenu();
+
+    /// The first item with that text, without regard to case. Items without a text are passed over.
+    /// 0xFFFFFFFF if there is none.
+    unsigned int FindStrPos(LPCWSTR pszText) const;
+    unsigned int FindStrID(LPCWSTR pszText) const;
+
+    /// Shows the menu and returns the chosen id, 0 for none. At the cursor, or, if the owner has a
+    /// control of that id (0: none) and the cursor is not over it, at the control's centre.
+    int Track(HWND hwndOwner, unsigned int nCtrlId);
+    /// At a point of the screen.
+    int Track(HWND hwndOwner, POINT ptWhere);
+    /// At the cursor, for an owner that is hidden: it is brought to the front before and put to the
+    /// back after, and the window that was in front is put there again. With forTrayIcon non-zero
+    /// the place is moved off the taskbar.
+    int Track2(HWND hwndOwner, int forTrayIcon);
+
+    /// A bitmap for a menu item, see MakeIconBitmap in wnd/draw/icon_bitmap.h, and its two helpers.
+    [[nodiscard]] static HBITMAP GenerateBitmap(HICON hicon);
+    static long Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult);
+    static void InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,
+                               unsigned short nBitCount);
+
+  protected:
+    /// Moves the point one small icon's size away from the nearest edges of the screen.
+    void AdjustPointForTrayIcon(POINT& pt);
+
+    HMENU hMenu = nullptr;
+    int isPopup;     // how the menu was made; nothing depends on it
+    int ownsMenu;    // the destructor destroys hMenu
+    CSList subMenus; // of CSMenu, owned
+};

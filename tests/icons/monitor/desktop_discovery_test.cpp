@@ -1,0 +1,93 @@
+#include "icons/monitor/desktop_discovery.h"
+#include "icons/icons_test_support.h"
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace {
+
+// Windows made here lie above all that are there: each new one goes on top. The platform of the
+// tests may have a "Progman" of its own, below and without a view.
+class DesktopDiscovery : public testing::Test {
+  protected:
+    HWND AddTop(const wchar_t* pszClass) { return Add(pszClass, nullptr, WS_POPUP); }
+    HWND AddView(HWND hwndParent) { return Add(L"SHELLDLL_DefView", hwndParent, WS_CHILD); }
+    HWND AddListView(HWND hwndParent) { return CreateTestListView(hwndParent); }
+
+    void ExpectFound(HWND hwndView, HWND hwndListView) {
+        HWND hwndViewFound = nullptr, hwndListViewFound = nullptr;
+        EXPECT_EQ(1, FindDesktopShellWnd(&hwndViewFound, &hwndListViewFound));
+        EXPECT_EQ(hwndView, hwndViewFound);
+        EXPECT_EQ(hwndListView, hwndListViewFound);
+    }
+    void ExpectNotFound() {
+        HWND hwndView = reinterpret_cast<HWND>(0x11), hwndListView = reinterpret_cast<HWND>(0x22);
+        EXPECT_EQ(0, FindDesktopShellWnd(&hwndView, &hwndListView));
+        EXPECT_EQ(reinterpret_cast<HWND>(0x11), hwndView);
+        EXPECT_EQ(reinterpret_cast<HWND>(0x22), hwndListView);
+    }
+
+  private:
+    HWND Add(const wchar_t* pszClass, HWND hwndParent, DWORD dwStyle) {
+        windows.push_back(std::make_unique<TestWindow>(pszClass, hwndParent, dwStyle));
+        return *windows.back();
+    }
+    TestClass classProgman{L"Progman"}, classView{L"SHELLDLL_DefView"}, classWorker{L"WorkerW"};
+    std::vector<std::unique_ptr<TestWindow>> windows; // go before their classes
+};
+
+TEST_F(DesktopDiscovery, WithoutAViewFindsNothingAndWritesNothing) {
+    ExpectNotFound();
+    AddTop(L"Progman");
+    AddTop(L"WorkerW");
+    ExpectNotFound();
+}
+
+TEST_F(DesktopDiscovery, FindsTheViewInProgman) {
+    HWND hwndView = AddView(AddTop(L"Progman"));
+    HWND hwndListView = AddListView(hwndView);
+    ExpectFound(hwndView, hwndListView);
+}
+
+TEST_F(DesktopDiscovery, FindsTheViewInAWindowAboveProgman) {
+    AddTop(L"Progman");
+    AddTop(L"WorkerW");
+    HWND hwndView = AddView(AddTop(L"WorkerW"));
+    HWND hwndListView = AddListView(hwndView);
+    AddTop(L"WorkerW");
+    ExpectFound(hwndView, hwndListView);
+}
+
+TEST_F(DesktopDiscovery, TakesTheLowestOfTwoViewsAboveProgman) {
+    AddTop(L"Progman");
+    HWND hwndView = AddView(AddTop(L"WorkerW"));
+    HWND hwndListView = AddListView(hwndView);
+    AddListView(AddView(AddTop(L"WorkerW")));
+    ExpectFound(hwndView, hwndListView);
+}
+
+TEST_F(DesktopDiscovery, DoesNotLookBelowProgman) {
+    AddListView(AddView(AddTop(L"WorkerW")));
+    AddTop(L"Progman");
+    ExpectNotFound();
+}
+
+TEST_F(DesktopDiscovery, PassesOverAViewWithoutAListView) {
+    AddView(AddTop(L"Progman"));
+    HWND hwndView = AddView(AddTop(L"WorkerW"));
+    HWND hwndListView = AddListView(hwndView);
+    ExpectFound(hwndView, hwndListView);
+}
+
+TEST_F(DesktopDiscovery, OfAViewWithoutAListViewWritesNothing) {
+    AddView(AddTop(L"Progman"));
+    ExpectNotFound();
+}
+
+TEST_F(DesktopDiscovery, WantsTheListViewRightInTheView) {
+    HWND hwndProgman = AddTop(L"Progman");
+    AddView(hwndProgman);
+    AddListView(hwndProgman);
+    ExpectNotFound();
+}
+
+} // namespace

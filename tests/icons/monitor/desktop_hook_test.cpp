@@ -1,0 +1,156 @@
+#include "icons/monitor/desktop_hook.h"
+#include "icons/agent/agent.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/agent/engine_codes.h"
+#include "icons/icons_test_support.h"
+#include "icons/monitor/monitor_wnd.h"
+#include <gtest/gtest.h>
+
+namespace {
+
+const HHOOK kBogusHook = reinterpret_cast<HHOOK>(0x12345);
+
+class DesktopHook : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        Share(view, nullptr);
+    }
+    void TearDown() override {
+        if (desktopSharedData.hhook == kBogusHook) desktopSharedData.hhook = nullptr;
+        RemoveDesktopHook();
+        EngineTest::TearDown();
+    }
+
+    TestView view;
+};
+
+TEST_F(DesktopHook, InstallSetsAHookAndAttachesByThePostedCode) {
+    InstallDesktopHook();
+    EXPECT_NE(nullptr, desktopSharedData.hhook);
+    EXPECT_FALSE(GetAgentListView().IsAttached()); // the code is still in the queue
+    auto sent = view.spyView.GetCode(kCodeAttach);
+    ASSERT_EQ(1u, sent.size()); // the view got it at once
+    EXPECT_EQ(1, sent[0].lParam);
+    PumpAll();
+    EXPECT_TRUE(GetAgentListView().IsAttached());
+    EXPECT_TRUE(GetAgentView().IsAttached());
+    auto posted = view.spyListView.GetCode(kCodeAttach);
+    ASSERT_EQ(1u, posted.size()); // it is not swallowed
+    EXPECT_EQ(1, posted[0].lParam);
+}
+
+TEST_F(DesktopHook, InstallDoesNothingWhileAHookIsSet) {
+    desktopSharedData.hhook = kBogusHook;
+    InstallDesktopHook();
+    PumpAll();
+    EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
+    EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeAttach));
+    EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
+}
+
+TEST_F(DesktopHook, InstallTwiceSetsOneHook) {
+    InstallDesktopHook();
+    HHOOK hhook = desktopSharedData.hhook;
+    InstallDesktopHook();
+    EXPECT_EQ(hhook, desktopSharedData.hhook);
+    PumpAll();
+    EXPECT_EQ(1, view.spyListView.CountOfCode(kCodeAttach));
+}
+
+TEST_F(DesktopHook, InstallSurvivesAWindowThatIsGone) {
+    view.wndView.Destroy();
+    InstallDesktopHook();
+    PumpAll();
+    EXPECT_FALSE(GetAgentListView().IsAttached());
+}
+
+TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
+    InstallDesktopHook();
+    PumpAll();
+    RemoveDesktopHook();
+    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_FALSE(GetAgentListView().IsAttached());
+    EXPECT_FALSE(GetAgentView().IsAttached());
+    // No hook sees the thread's messages any more.
+    ::PostMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 1);
+    PumpAll();
+    EXPECT_FALSE(GetAgentListView().IsAttached());
+}
+
+TEST_F(DesktopHook, RemoveDetachesTheListViewThenTheViewThenUnhooks) {
+    InstallDesktopHook(); // nothing attached yet: the windows themselves see the codes
+    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hSeenByView = nullptr;
+    view.spyView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
+        if (uMsg == GetTestCompanyMsg()) hSeenByView = desktopSharedData.hhook;
+        return 0;
+    };
+    view.spyView.Clear();
+    RemoveDesktopHook();
+    auto toListView = view.spyListView.GetCode(kCodeAttach);
+    auto toView = view.spyView.GetCode(kCodeAttach);
+    ASSERT_EQ(1u, toListView.size());
+    ASSERT_EQ(1u, toView.size());
+    EXPECT_EQ(0, toListView[0].lParam);
+    EXPECT_EQ(0, toView[0].lParam);
+    EXPECT_LT(toListView[0].nOrder, toView[0].nOrder);
+    EXPECT_EQ(hhook, hSeenByView);
+    EXPECT_FALSE(::UnhookWindowsHookEx(hhook)); // it is gone already
+}
+
+TEST_F(DesktopHook, RemoveDetachesAlsoWhatIsAttachedBehindTheDetaching) {
+    InstallDesktopHook(); // by a posted code, which what is sent overtakes
+    view.spyView.handler = [](UINT uMsg, WPARAM, LPARAM lParam, LRESULT*) {
+        if (uMsg == GetTestCompanyMsg() && !lParam) PumpAll(); // now it comes, the hook still set
+        return 0;
+    };
+    RemoveDesktopHook();
+    view.spyView.handler = nullptr;
+    EXPECT_EQ(2, view.spyListView.CountOfCode(kCodeAttach)) << "detached, then attached";
+    EXPECT_FALSE(GetAgentListView().IsAttached());
+    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_EQ(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
+    EXPECT_EQ(nullptr, ::GetPropW(view.wndView, L"CSWND"));
+}
+
+TEST_F(DesktopHook, RemoveWithoutAHookSendsNothing) {
+    RemoveDesktopHook();
+    PumpAll();
+    EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeAttach));
+    EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
+}
+
+TEST_F(DesktopHook, OfAMonitorThatHasGoneIsForgotten) {
+    desktopSharedData.hhook = kBogusHook;
+    desktopSharedData.hwndMonitor = nullptr;
+    ForgetStaleDesktopHook();
+    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+
+    TestWindow wndGone;
+    desktopSharedData.hwndMonitor = wndGone;
+    wndGone.Destroy();
+    desktopSharedData.hhook = kBogusHook;
+    ForgetStaleDesktopHook();
+    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+}
+
+TEST_F(DesktopHook, OfAHandleThatIsSomebodyElsesWindowNowIsForgotten) {
+    TestWindow wndOther;
+    desktopSharedData.hwndMonitor = wndOther;
+    desktopSharedData.hhook = kBogusHook;
+    ForgetStaleDesktopHook();
+    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+}
+
+TEST_F(DesktopHook, OfAMonitorThatLivesIsLeftAlone) {
+    MyMonitor_Wnd monitor;
+    ASSERT_TRUE(monitor.CreateHidden(nullptr));
+    desktopSharedData.hwndMonitor = monitor;
+    desktopSharedData.hhook = kBogusHook;
+    ForgetStaleDesktopHook();
+    EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
+    monitor.Destroy();
+}
+
+} // namespace

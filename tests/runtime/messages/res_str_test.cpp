@@ -1,0 +1,158 @@
+#include "runtime/messages/res_str.h"
+#include "app/identity/app_instance.h"
+#include "resources/resource_ids.h"
+#include "support/test_resource_ids.h"
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+namespace {
+const void* Arg(unsigned long long n) { return reinterpret_cast<const void*>(n); }
+
+/// Another module with strings, and the first of them.
+struct OtherModule {
+    HMODULE hmod = ::LoadLibraryW(L"shell32.dll");
+    int nId = 0;
+    std::wstring str;
+
+    OtherModule() {
+        for (int n = 1; n < 0xFFFF && str.empty(); ++n) {
+            wchar_t sz[1024] = {};
+            if (n == IDS_TEST_PLAIN || !::LoadStringW(hmod, static_cast<UINT>(n), sz, 1024))
+                continue;
+            nId = n;
+            str = sz;
+        }
+    }
+    ~OtherModule() { ::FreeLibrary(hmod); }
+};
+} // namespace
+
+TEST(IsResourceIdArg, TellsIdsFromPointersByTheWholeValue) {
+    const struct {
+        unsigned long long n;
+        int bId;
+    } cases[] = {
+        {0, 1},
+        {1, 1},
+        {0xFFFF, 1},
+        {0x10000, 0},
+        {0xFFFEFFFF, 0},
+        {0xFFFF0000, 1}, // -65536 extended with zeros
+        {0xFFFFFFFF, 1},
+        {0x100000000, 0}, // pointers whose bits 16 to 31 are all clear, or all set
+        {0x10000FFFF, 0},
+        {0x1FFFF0000, 0},
+        {0x00007FFF0000ABCD, 0},
+        {0x00007FFFFFFFFFFF, 0},
+        {0xFFFFFFFFFFFEFFFF, 0},
+        {0xFFFFFFFFFFFF0000, 1}, // -65536 extended with its sign
+        {0xFFFFFFFFFFFFFFFF, 1},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(row.bId, IsResourceIdArg(Arg(row.n))) << std::hex << row.n;
+}
+
+TEST(GetResourceIdArg, GivesTheSignedIdOfEitherExtension) {
+    EXPECT_EQ(-20102, GetResourceIdArg(Arg(0xFFFFFFFFFFFFB17A)));
+    EXPECT_EQ(-20102, GetResourceIdArg(Arg(0xFFFFB17A)));
+    EXPECT_EQ(20102, GetResourceIdArg(Arg(20102)));
+    EXPECT_EQ(-1, GetResourceIdArg(Arg(0xFFFFFFFF)));
+}
+
+TEST(ResStr, NegativeIdIsAStringOfTheLibrary) {
+    ResStr str(-IDS_REGISTRY_NOT_WRITTEN);
+    EXPECT_STREQ(L"Cannot write to the Windows Registry.", str);
+    EXPECT_EQ(0, str.IsEmpty());
+}
+
+TEST(ResStr, StringTableHasTheStatedTexts) {
+    const struct {
+        int nId;
+        const wchar_t* psz;
+    } cases[] = {
+        {20001, L"Cannot write to the Windows Registry."},
+        {20011, L"File '%s' already exists.\n\nOverwrite it?"},
+        {20102, L"No updates are available at this time. You are using the latest version "
+                L"available."},
+        {21651, L"Cannot write to the Windows Registry. (You may need to run this application as "
+                L"an administrator to perform this command)."},
+    };
+    for (const auto& row : cases) EXPECT_STREQ(row.psz, ResStr(-row.nId)) << row.nId;
+    for (int nId : {20008, 20012, 20013}) EXPECT_FALSE(ResStr(-nId).IsEmpty()) << nId;
+}
+
+TEST(ResStr, NoSuchStringIsTheEmptyText) {
+    for (int nId : {0, -1, 1, 65535, -65535, INT_MAX, INT_MIN}) {
+        ResStr str(nId);
+        EXPECT_STREQ(L"", str) << nId;
+        EXPECT_EQ(1, str.IsEmpty()) << nId;
+    }
+}
+
+TEST(ResStr, LoadReplacesWhatIsHeldAlsoByNothing) {
+    ResStr str(-IDS_TEST_PLAIN);
+    EXPECT_STREQ(L"plain test string", str);
+    EXPECT_STREQ(L"%s", str.Load(-IDS_TEST_EMPTY_WHEN_FORMATTED));
+    EXPECT_STREQ(L"", str.Load(0));
+    EXPECT_EQ(1, str.IsEmpty());
+    EXPECT_STREQ(L"plain test string", str.Load(-IDS_TEST_PLAIN, nullptr, 77));
+    EXPECT_STREQ(L"", str.Load(-9));
+    EXPECT_STREQ(L"", str);
+}
+
+TEST(ResStr, PositiveIdIsOfTheCurrentAppInstanceElseOfTheLibrary) {
+    OtherModule other;
+    ASSERT_FALSE(other.str.empty());
+    EXPECT_STREQ(L"plain test string", ResStr(IDS_TEST_PLAIN));
+    AppInstance app(other.hmod, nullptr);
+    EXPECT_EQ(other.str, std::wstring(ResStr(other.nId)));
+    EXPECT_STREQ(L"plain test string", ResStr(-IDS_TEST_PLAIN));
+}
+
+TEST(ResStr, GivenInstanceGoesBeforeTheRuleForEitherSign) {
+    OtherModule other;
+    ASSERT_FALSE(other.str.empty());
+    EXPECT_EQ(other.str, std::wstring(ResStr(other.nId, other.hmod)));
+    EXPECT_EQ(other.str, std::wstring(ResStr(-other.nId, other.hmod)));
+}
+
+TEST(ResStrFmt, FormatsTheStringWithTheArguments) {
+    ResStrFmt str(-IDS_TEST_NUMBER_AND_TEXT, 12, L"abc");
+    EXPECT_STREQ(L"number 12, text abc", str);
+}
+
+namespace {
+std::wstring FormatWithList(int nId, HINSTANCE hinst, ...) {
+    ArgList args;
+    va_start(args.v, hinst);
+    ResStrFmt str(nId, hinst, args);
+    va_end(args.v);
+    return std::wstring(str);
+}
+} // namespace
+
+TEST(ResStrFmt, TakesAStartedArgumentList) {
+    EXPECT_EQ(L"number 3, text x", FormatWithList(-IDS_TEST_NUMBER_AND_TEXT, nullptr, 3, L"x"));
+    EXPECT_EQ(L"number 3, text x",
+              FormatWithList(IDS_TEST_NUMBER_AND_TEXT, ::GetModuleHandleW(nullptr), 3, L"x"));
+}
+
+TEST(ResStrFmt, EmptyResultLeavesTheTextUnformatted) {
+    EXPECT_STREQ(L"%s", ResStrFmt(-IDS_TEST_EMPTY_WHEN_FORMATTED, L""));
+}
+
+TEST(ResStrFmt, MissingStringStaysEmpty) { EXPECT_STREQ(L"", ResStrFmt(-9, L"argument")); }
+
+TEST(ResStrFmt, LongResultIsCut) {
+    for (int n : {1022, 1023, 1024, 5000}) {
+        std::wstring strLong(static_cast<std::size_t>(n), L'x');
+        ResStrFmt str(-IDS_TEST_EMPTY_WHEN_FORMATTED, strLong.c_str());
+        EXPECT_EQ(std::min(n, 1023), ::lstrlenW(str)) << n;
+    }
+}
+
+TEST(ResStrFmt, ConversionThatWritesIsPrintedAsItStands) {
+    EXPECT_STREQ(L"%n is no conversion", ResStrFmt(-IDS_TEST_HOSTILE_FORMAT, 0));
+}
