@@ -2,10 +2,9 @@
 // taken in turn in the same run. No limits: this tells where time goes.
 
 #include "../measure.h"
-#include "files/path/path_env.h"
+#include "files/path/path_command.h"
 #include "files/path/path_join.h"
 #include "files/path/path_name.h"
-#include "files/path/path_quote.h"
 #include "files/path/path_shape.h"
 #include "files/path/path_split.h"
 

@@ -1,5 +1,5 @@
-#include "list_view_owner.h"
 #include "icons/agent/capture.h"
+#include "list_view_owner.h"
 
 #include <commctrl.h>
 #include <chrono>

@@ -2,14 +2,14 @@
 // popup's first painting, beside a bare popup of the same items. `bench_menu`.
 
 #include "../measure.h"
-#include "icons/agent/engine_codes.h"
+#include "app/start/library_start.h"
+#include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
-#include "icons/tray/recommendations.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/tray/recommendations.h"
 #include "icons/tray/tray_front_end.h"
-#include "runtime/base/library_instance.h"
-#include "app/start/library_start.h"
+#include "runtime/base/current_product.h"
 #include "wnd/core/company_msg.h"
 #include "wnd/menu/csmenu.h"
 

@@ -3,7 +3,7 @@
 // bench/runtime/md5_bench.cpp src/runtime/md5.cpp -lcrypto
 
 #include "../measure.h"
-#include "runtime/base/md5.h"
+#include "runtime/base/digest.h"
 
 #include <openssl/evp.h>
 #include <cstring>

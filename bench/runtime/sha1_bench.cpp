@@ -4,7 +4,7 @@
 // bench/runtime/sha1_bench.cpp src/runtime/sha1.cpp -lcrypto
 
 #include "../measure.h"
-#include "runtime/base/sha1.h"
+#include "runtime/base/digest.h"
 
 #include <openssl/evp.h>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "host/close_running.h"
 #include "app/identity/my_product_info.h"
 #include "app/instance/single_instance.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 #include "wnd/core/company_msg.h"
 
 namespace {

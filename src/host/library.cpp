@@ -1,8 +1,7 @@
 #include "host/library.h"
 #include "resources/version.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 #include "runtime/system/runtime_func.h"
-#include "runtime/base/scope_exit.h"
 
 namespace {
 constexpr const wchar_t* kLibraryName = L"TSDLL64.dll";

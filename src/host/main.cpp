@@ -1,16 +1,15 @@
 // The program: it maps the library beside it, and leaves the work to that.
 
-#include "app/launch/auto_run.h"
 #include "app/identity/my_product_info.h"
 #include "app/instance/single_instance.h"
-#include "app/launch/start_monitor.h"
+#include "app/launch/auto_run.h"
 #include "host/close_running.h"
 #include "host/command_line.h"
 #include "host/library.h"
 #include "resources/resource_ids.h"
+#include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
-#include "runtime/base/owned_handle.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_format.h"
 #include <windows.h>
 #include <shellapi.h>
 

@@ -2,7 +2,6 @@
 // first of that name, else 0, and keeps the mark until its input ends. With ID the first has a
 // minimised window that answers for it, and prints the handle; the second asks for that window, and
 // prints the one it found.
-#include "app/instance/activate_prev.h"
 #include "app/instance/single_instance.h"
 
 #include <cstdio>

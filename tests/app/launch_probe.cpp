@@ -3,8 +3,8 @@
 // With a first argument /MYSELF it first starts itself once more (RunMyself) with the rest, with
 // /ELEVATED in the other way (RunMyselfElevated), and writes nothing.
 #include "app/launch/cmd_line.h"
-#include "app/start/library_start.h"
 #include "app/launch/run_file.h"
+#include "app/start/library_start.h"
 
 #include <windows.h>
 #include <tlhelp32.h>

@@ -1,8 +1,8 @@
-#include "icons/icons_test_support.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
+#include "icons/icons_test_support.h"
 #include "icons/monitor/monitor_wnd.h"
-#include "runtime/base/scope_exit.h"
+#include "runtime/base/ownership.h"
 #include "shell/subclass/shell_subclass.h"
 #include <wincrypt.h>
 #include <atomic>

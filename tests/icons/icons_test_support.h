@@ -1,6 +1,6 @@
 #pragma once
-#include "icons/monitor/front_end.h"
 #include "icons/agent/icon_record.h"
+#include "icons/monitor/front_end.h"
 #include "runtime/system/runtime_func.h"
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -1,6 +1,6 @@
 #pragma once
-#include "icons/tray/local_date.h"
 #include "icons/snapshot_test_support.h"
+#include "icons/tray/day_count.h"
 
 #include <ctime>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 #include "icons/agent/icon_record.h"
 #include "icons/snapshots/snapshot_names.h"
-#include "runtime/base/md5.h"
+#include "runtime/base/digest.h"
 #include "support/registry.h"
 
 #include <string>

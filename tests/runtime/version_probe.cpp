@@ -2,7 +2,6 @@
 // itself as one Windows or another.
 #include "runtime/system/elevation.h"
 #include "runtime/system/system_facts.h"
-#include "runtime/system/win_version.h"
 
 #include <cstdio>
 

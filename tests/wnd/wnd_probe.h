@@ -1,6 +1,5 @@
 #pragma once
 #include "wnd/core/cswnd.h"
-#include "wnd/core/wm_hook.h"
 
 #include <windows.h>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "app/about/about.h"
-#include "app/instance/activate_prev.h"
 #include "app/identity/my_product_info.h"
+#include "app/instance/single_instance.h"
 #include "runtime/messages/msg.h"
 
 namespace {

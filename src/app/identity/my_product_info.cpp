@@ -1,7 +1,7 @@
 #include "app/identity/my_product_info.h"
 #include "resources/resource_ids.h"
-#include "runtime/base/library_instance.h"
-#include "runtime/text/text_format.h"
+#include "runtime/base/current_product.h"
+#include "runtime/text/str_format.h"
 
 // The resource version in resources/version.h states the same numbers.
 
@@ -14,6 +14,14 @@ constinit wchar_t szVersionRev[128] = {};
 } // namespace
 
 MyProductInfo& GetMyProductInfo() { return myProductInfo; }
+
+void SetMyProductAsCurrent() {
+    SetCurrentProduct({
+        [] { return myProductInfo.GetAppInstance(); },
+        [] { return myProductInfo.GetName(); },
+        [] { return myProductInfo.GetID(); },
+    });
+}
 
 unsigned short MyProductInfo::GetID() { return kProductId; }
 const wchar_t* MyProductInfo::GetStoreID() { return L"tessaly"; }

@@ -32,3 +32,7 @@ class TESSALY_API MyProductInfo : public ProductInfo {
 
 /// The one object of the process, from before the library's start to its end.
 TESSALY_API MyProductInfo& GetMyProductInfo();
+
+/// Tells the rooms below who the product is (runtime/base/current_product.h). For the library's
+/// start alone.
+void SetMyProductAsCurrent();

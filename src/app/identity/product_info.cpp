@@ -1,12 +1,17 @@
 #include "app/identity/product_info.h"
-#include "app/identity/app_instance.h"
-#include "app/identity/root_key_text.h"
-#include "runtime/base/library_instance.h"
-#include "runtime/text/text_format.h"
+#include "app/identity/my_product_info.h"
+#include "runtime/base/cs_list.h"
+#include "runtime/base/current_product.h"
+#include "runtime/messages/res_str.h"
+#include "runtime/messages/wait_cursor.h"
+#include "runtime/text/str_format.h"
+#include "runtime/threads/crit_sec.h"
 #include "wnd/core/company_msg.h"
-#include "wnd/core/wait_cursor.h"
+
 #include <algorithm>
 #include <cwchar>
+#include <new>
+#include <utility>
 
 namespace {
 constexpr DWORD kShutDownStepMs = 1000;
@@ -69,10 +74,7 @@ const wchar_t* ProductInfo::GetComponent() {
 }
 
 void ProductInfo::ConvertResourceId(int& nId, HINSTANCE& hinst) {
-    if (nId == 0) return;
-    if (!hinst) hinst = nId < 0 ? GetLibraryInstance() : GetAppInstance();
-    // Unsigned, because the least int has no magnitude; no resource has that id anyway.
-    if (nId < 0) nId = static_cast<int>(0u - static_cast<unsigned>(nId));
+    ::ConvertResourceId(nId, hinst);
 }
 
 int ProductInfo::IsSameVersion(const wchar_t* pszVersion) {
@@ -105,4 +107,58 @@ void ProductInfo::ShutDownMyModules(HWND /*hwnd*/, ProgressEx* pProgress, unsign
         if (pProgress && pfnStepProgress) pfnStepProgress(pProgress);
         ::Sleep(kShutDownStepMs);
     }
+}
+
+namespace {
+constexpr int kComponentRootSize = 265;
+
+constinit ManualLock csAppInstances;
+constinit CSList appInstances; // newest at the head
+
+void TakeHeadAsCurrent() {
+    void* pHead = appInstances.IsEmpty() ? nullptr : appInstances.GetHead();
+    ProductInfo::pCurrentApp = static_cast<AppInstance*>(pHead);
+}
+} // namespace
+
+void AppInstance::StartLock() { csAppInstances.Start(); }
+
+void AppInstance::StopLock() { csAppInstances.Stop(); }
+
+AppInstance::AppInstance(HINSTANCE hinstApp, const wchar_t* pszComponentName)
+    : hinst(hinstApp), pszComponent(pszComponentName) {
+    ManualLockGuard lock(csAppInstances);
+    if (pszComponent) {
+        wchar_t szRoot[kComponentRootSize];
+        FormatText(szRoot, L"%s\\%s\\%s", kMakerRootKey, GetMyProductInfo().GetName(),
+                   pszComponent);
+        SetAppRootKey(szRoot);
+    }
+    appInstances.AddHead(this);
+    TakeHeadAsCurrent();
+}
+
+AppInstance::~AppInstance() {
+    {
+        ManualLockGuard lock(csAppInstances);
+        POS pos = appInstances.Find(this);
+        if (pos) appInstances.ExtractAt(pos);
+        TakeHeadAsCurrent();
+    }
+    GetMyProductInfo().PopAppRootKey();
+    SetAppRootKey(nullptr);
+}
+
+void AppInstance::SetAppRootKey(const wchar_t* pszRoot) {
+    ReplaceRootText(pszRootKey, nRootKeyLength, pszRoot);
+}
+
+const wchar_t* AppInstance::GetAppRootKey() { return nRootKeyLength ? pszRootKey : nullptr; }
+
+void ReplaceRootText(wchar_t*& pszOwned, int& nLength, const wchar_t* pszNew) {
+    std::size_t cch = pszNew ? std::wcslen(pszNew) : 0;
+    wchar_t* pszCopy = cch ? new (std::nothrow) wchar_t[cch + 1] : nullptr;
+    if (pszCopy) std::wmemcpy(pszCopy, pszNew, cch + 1);
+    nLength = pszCopy ? static_cast<int>(cch) : 0;
+    delete[] std::exchange(pszOwned, pszCopy);
 }

@@ -1,7 +1,46 @@
 #pragma once
 #include "runtime/base/export.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
+
+// Finding the window of a program that runs already and bringing it forward. A window is known by
+// what it answers to the company message (wnd/core/company_msg.h), not by its title. Whatever window is
+// asked gets kAskTimeoutMs to answer; one that hangs counts as one that says no.
+
+/// How long one window may think about one question.
+constexpr UINT kAskTimeoutMs = 1000;
+
+/// Asks every top-level window whether it is the instance of that id, and to bring itself forward
+/// if so. Returns the first that says yes (kActivateDone), or null. For one thread at a time.
+TESSALY_API HWND ActivatePreviousInstance(unsigned nId);
+
+/// For the window procedure of a main window, with what it was called with. If the message is that
+/// question for this id, the window is brought forward, or its last active popup; it and its
+/// topmost parent or owner are restored first if they are minimised. Returns kActivateDone, which
+/// the procedure has to give as its result; 0 if it was another message or hwnd is null.
+TESSALY_API LRESULT OnActivatePreviousInstance(unsigned nId, HWND hwnd, UINT uMsg, WPARAM wParam,
+                                               LPARAM lParam);
+
+/// Looks for a top-level window of that class and title and brings it forward: it is asked to do so
+/// itself, and if it does not say that it has, it is restored if it is minimised, and it or its
+/// last active popup gets the foreground. Returns 1 if there was such a window.
+///
+/// A null class or title means any; without both and without nDialog nothing is looked for. With
+/// nDialog, the number of a dialog, only a window is taken that says that it is that dialog; 0
+/// means that none is asked.
+TESSALY_API int ActivatePrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle,
+                                unsigned short nDialog);
+/// The same for a dialog of any title.
+TESSALY_API int ActivatePrevDlg(unsigned short nDialog);
+/// Looks for the window in the same way and asks it to close. 1 if there was one, even if it did
+/// not answer in time or stays.
+TESSALY_API int ClosePrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle,
+                             unsigned short nDialog);
+
+/// Gives the window the foreground from a process that has not got it: for the time of the call
+/// this thread's input is joined with that of the thread whose window has the foreground. If that
+/// thread does not answer it is not joined, since this one would then hang with it.
+TESSALY_API void DoAttachThreadInputActivateWindow(HWND hwnd);
 
 /// Tells whether this process is the first of its kind. The mark is a named event, open for the
 /// life of the object: keep the object as long as the program runs.

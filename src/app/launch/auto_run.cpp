@@ -1,6 +1,7 @@
 #include "app/launch/auto_run.h"
-#include "app/launch/dll_line.h"
-#include "runtime/text/text_format.h"
+#include "app/identity/my_product_info.h"
+#include "app/launch/run_file.h"
+#include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
 
 #include <cwchar>
@@ -40,4 +41,8 @@ int GetSetAutoRunDll32(int bWrite, int* pnOn, int bOn, int bCurrentUser, const w
 int AutoRunDll32(int* pnOn, int bOn, int bCurrentUser, const wchar_t* pszName,
                  const wchar_t* pszArguments) {
     return GetSetAutoRunDll32(1, pnOn, bOn, bCurrentUser, pszName, pszArguments);
+}
+
+void CALLBACK StartMonitor(HWND, HINSTANCE, const char*, int) {
+    RunSatelliteFile(nullptr, GetMyProductInfo().GetAutoUpdateFile(), L"/QUIET", nullptr);
 }

@@ -1,6 +1,5 @@
 #include "app/launch/cmd_line.h"
-#include "runtime/text/str_case.h"
-#include "runtime/text/str_white.h"
+#include "runtime/text/str_chars.h"
 
 namespace {
 int IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }

@@ -1,13 +1,17 @@
 #include "app/launch/run_file.h"
-#include "app/launch/dll_line.h"
-#include "app/launch/shell_start.h"
 #include "files/disk/path_home.h"
+#include "files/disk/path_short.h"
+#include "files/path/path_command.h"
 #include "files/path/path_split.h"
+#include "runtime/base/current_product.h"
+#include "runtime/messages/wait_cursor.h"
+#include "runtime/system/dll_loader.h"
 #include "runtime/system/elevation.h"
-#include "runtime/system/module_path.h"
 #include "runtime/system/runtime_func.h"
-#include "runtime/system/win_version.h"
-#include "wnd/core/wait_cursor.h"
+#include "runtime/system/system_facts.h"
+#include "runtime/text/str_format.h"
+
+#include <cwchar>
 
 namespace {
 constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this is no error
@@ -141,3 +145,48 @@ int RunDll32(const wchar_t* pszArguments) {
            MakeDllLine(szParameters, kDllLineSize, pszArguments) &&
            RunFile(szProgram, szParameters, nullptr, nullptr);
 }
+
+int MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments) {
+    constexpr int kQuotes = 2;
+    wchar_t szLibrary[MAX_PATH], szQuoted[MAX_PATH + kQuotes];
+    if (!pszArguments) pszArguments = L"";
+    *pszLine = 0;
+    if (!GetModulePath(GetLibraryInstance(), szLibrary)) return 0;
+    ConvertToShortPath(szLibrary, MAX_PATH);
+    std::wcscpy(szQuoted, szLibrary);
+    AddQuotesIfSpace(szQuoted);
+    std::size_t cch = std::wcslen(szQuoted) + 1 + std::wcslen(pszArguments);
+    if (cch >= static_cast<std::size_t>(cchLine)) return 0;
+    FormatText(pszLine, static_cast<std::size_t>(cchLine), L"%s,%s", szQuoted, pszArguments);
+    return 1;
+}
+
+static_assert(sizeof(SHELLEXECUTEINFOW) == 112, "as 64-bit Windows knows it");
+
+int StartByShell(const ShellStart& start) {
+    SHELLEXECUTEINFOW sei{};
+    sei.cbSize = sizeof(sei);
+    sei.fMask = start.nMask | (start.phProcess ? SEE_MASK_NOCLOSEPROCESS : 0);
+    sei.hwnd = start.hwnd;
+    sei.lpVerb = start.pszVerb;
+    sei.lpFile = start.pszFile;
+    sei.lpParameters = start.pszParameters;
+    sei.lpDirectory = start.pszDirectory && *start.pszDirectory ? start.pszDirectory : nullptr;
+    sei.nShow = start.nShow;
+    sei.lpIDList = const_cast<ITEMIDLIST*>(start.pidl);
+    int bStarted = ::ShellExecuteExW(&sei) != FALSE;
+    if (start.phProcess) *start.phProcess = bStarted ? sei.hProcess : nullptr;
+    return bStarted;
+}
+
+int StartWaiting(const ShellStart& start) {
+    CSWaitCursor wait;
+    return StartByShell(start);
+}
+
+HWND GetStartOwner(HWND hwnd) {
+    if (!hwnd) hwnd = ::GetActiveWindow();
+    return hwnd ? ::GetLastActivePopup(hwnd) : nullptr;
+}
+
+HWND FindProgman() { return ::FindWindowW(L"Progman", nullptr); }

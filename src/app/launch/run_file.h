@@ -1,6 +1,7 @@
 #pragma once
 #include "runtime/base/export.h"
 #include <windows.h>
+#include <shellapi.h>
 #include <shtypes.h> // ITEMIDLIST
 
 // Starting programs and documents through the shell. Results are the shell's: 1 started, 0 not
@@ -50,3 +51,36 @@ TESSALY_API int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParam
 /// "RunDll32.exe" of the system folder with this library, a comma and the arguments, which begin
 /// with an exported function's name. 0 also if they do not fit into 1,024 characters.
 TESSALY_API int RunDll32(const wchar_t* pszArguments);
+
+/// The program that calls an exported function of a library.
+constexpr const wchar_t* kRunDll32 = L"RunDll32.exe";
+
+/// What that program wants to be told: this library's short path, a comma and the arguments. 0 and
+/// an empty text if it does not fit. Where a path has no short form, quotes keep its blanks
+/// together.
+int MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments);
+
+/// What ShellExecuteExW is asked for. Texts may be null.
+struct ShellStart {
+    HWND hwnd = nullptr;
+    const wchar_t* pszVerb = nullptr;
+    const wchar_t* pszFile = nullptr;
+    const wchar_t* pszParameters = nullptr;
+    const wchar_t* pszDirectory = nullptr; // an empty one is none
+    const ITEMIDLIST* pidl = nullptr;
+    ULONG nMask = 0; // SEE_MASK_...; that for the process handle is added
+    int nShow = SW_SHOWNORMAL;
+    HANDLE* phProcess = nullptr; // null: not wanted
+};
+
+/// 1 if the shell did it. *phProcess gets the new process, null if there is none; the caller closes
+/// it.
+int StartByShell(const ShellStart& start);
+/// The same with the wait cursor.
+int StartWaiting(const ShellStart& start);
+
+/// The last active pop-up of the window, or of the thread's active one if that is null; null if
+/// there is neither.
+HWND GetStartOwner(HWND hwnd);
+/// The shell's window "Progman"; null if there is none.
+HWND FindProgman();

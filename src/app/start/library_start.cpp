@@ -1,10 +1,10 @@
 #include "app/start/library_start.h"
-#include "app/identity/app_instance.h"
 #include "app/identity/my_product_info.h"
-#include "runtime/base/library_instance.h"
-#include "runtime/base/manual_object.h"
+#include "app/identity/product_info.h"
+#include "runtime/base/current_product.h"
+#include "runtime/base/ownership.h"
 #include "runtime/system/wts_api32.h"
-#include "shell/namespace/shell_malloc.h"
+#include "shell/namespace/pidl.h"
 #include "shell/subclass/shell_subclass.h"
 
 // C++ leaves the order of construction open across files. So everything in the library that lives
@@ -28,6 +28,7 @@ void LibraryStart(HINSTANCE hinst) {
     AppInstance::StartLock();
 
     SetLibraryInstance(hinst);
+    SetMyProductAsCurrent();
     GetMyProductInfo().SetAppRootKey(kRootKey);
     ShellSubclass::Initialize(kSubclassId, kSubclassTag);
 }

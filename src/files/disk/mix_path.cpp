@@ -1,11 +1,10 @@
 #include "files/disk/mix_path.h"
-#include "files/stream/core_file.h"
-#include "files/path/path_chars.h"
 #include "files/disk/path_drive.h"
+#include "files/path/path_chars.h"
 #include "files/path/path_join.h"
-#include "files/disk/path_net.h"
 #include "files/path/path_shape.h"
-#include "runtime/text/str_case.h"
+#include "files/stream/core_file.h"
+#include "runtime/text/str_chars.h"
 
 #include <cwchar>
 

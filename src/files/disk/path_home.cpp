@@ -1,14 +1,15 @@
 #include "files/disk/path_home.h"
-#include "app/identity/my_product_info.h"
-#include "files/path/path_chars.h"
 #include "files/disk/path_fs.h"
-#include "files/path/path_join.h"
 #include "files/disk/path_short.h"
+#include "files/path/path_chars.h"
+#include "files/path/path_join.h"
+#include "files/path/path_shape.h"
 #include "files/path/path_split.h"
-#include "runtime/base/library_instance.h"
-#include "runtime/system/module_path.h"
+#include "runtime/base/current_product.h"
+#include "runtime/system/dll_loader.h"
 #include "store/registry/home_folder.h"
 
+#include <windows.h>
 #include <cwchar>
 
 namespace {
@@ -50,7 +51,7 @@ int GiveWhole(wchar_t* pszOut, unsigned cchOut, const wchar_t* psz) {
 int GetHomeDir(wchar_t* pszOut) {
     if (!pszOut) return 0;
     wchar_t szHome[kPathChars] = L"";
-    int bStored = GetHomeFolder(GetMyProductInfo().GetName(), szHome) && *szHome;
+    int bStored = GetHomeFolder(GetCurrentProduct().pfnGetName(), szHome) && *szHome;
     if (!bStored && !GetOwnFolder(szHome)) return Empty(pszOut);
     RemoveBackSlash(szHome);
     return CopyPath(pszOut, szHome);
@@ -58,7 +59,7 @@ int GetHomeDir(wchar_t* pszOut) {
 
 int SetHomeDir() {
     wchar_t szHome[kPathChars] = L"";
-    const wchar_t* pszProduct = GetMyProductInfo().GetName();
+    const wchar_t* pszProduct = GetCurrentProduct().pfnGetName();
     if (GetHomeFolder(pszProduct, szHome) && *szHome) return 1;
     return GetOwnFolder(szHome) && ProcessHomeFolder(RegKey::OpSet, pszProduct, szHome, kPathChars);
 }
@@ -117,4 +118,70 @@ int GetLocalFolder(wchar_t* pszOut, unsigned cch) {
 int LocalFileExists(const wchar_t* pszName) {
     wchar_t szPath[kPathChars];
     return GetLocalPath(szPath, pszName, nullptr) && FileExists(szPath);
+}
+
+namespace {
+/// Puts the folder into a path buffer; empty if the platform does not give it.
+void GetSystemFolder(wchar_t* pszOut) {
+    UINT cch = ::GetSystemDirectoryW(pszOut, kPathChars);
+    if (cch == 0 || cch >= kPathChars) *pszOut = 0;
+}
+
+void GetWindowsFolder(wchar_t* pszOut) {
+    UINT cch = ::GetWindowsDirectoryW(pszOut, kPathChars);
+    if (cch == 0 || cch >= kPathChars) *pszOut = 0;
+}
+
+void GetHome(wchar_t* pszOut) { ::GetHomeDir(pszOut); }
+
+struct CanonicalFolder {
+    wchar_t chName;
+    void (*pfnGet)(wchar_t* pszOut);
+};
+constexpr CanonicalFolder kFolders[] = {
+    {L'S', GetSystemFolder}, {L'W', GetWindowsFolder}, {L'_', GetHome}};
+
+/// The letter of the first of the folders that this is; 0 if it is none.
+wchar_t LetterOf(const wchar_t* pszFolder) {
+    if (!*pszFolder) return 0;
+    for (const CanonicalFolder& folder : kFolders) {
+        wchar_t szFolder[kPathChars];
+        folder.pfnGet(szFolder);
+        if (IsSamePath(pszFolder, szFolder)) return folder.chName;
+    }
+    return 0;
+}
+} // namespace
+
+void MakeCanonicalPath(const wchar_t* pszPath, wchar_t* pszOut) {
+    if (!pszOut) return;
+    wchar_t szPath[kPathChars], szFolder[kPathChars];
+    CopyPath(szPath, pszPath);
+    DirFromPath(szFolder, szPath);
+    wchar_t szPrefix[] = L"%?\\";
+    szPrefix[1] = LetterOf(szFolder);
+    if (!szPrefix[1]) {
+        CopyPath(pszOut, szPath);
+        return;
+    }
+    CopyPath(pszOut, szPrefix);
+    AppendTextCut(pszOut, kPathChars, FindLastPathComponent(szPath));
+}
+
+int GetPathFromCanonical(const wchar_t* pszText, wchar_t* pszOut) {
+    if (!pszOut) return 0;
+    wchar_t szText[kPathChars];
+    CopyPath(szText, pszText);
+    if (*szText != L'%') {
+        CopyPath(pszOut, szText);
+        return 0;
+    }
+    *pszOut = 0;
+    for (const CanonicalFolder& folder : kFolders) {
+        if (szText[1] == folder.chName) folder.pfnGet(pszOut);
+    }
+    const wchar_t* pszRest = szText[1] ? szText + 2 : szText + 1;
+    if (IsPathSeparator(*pszRest)) ++pszRest;
+    AppendFileName(pszOut, pszRest);
+    return 1;
 }

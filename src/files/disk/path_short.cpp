@@ -1,12 +1,12 @@
 #include "files/disk/path_short.h"
-#include "files/stream/core_file.h"
 #include "files/path/path_chars.h"
-#include "files/path/path_env.h"
+#include "files/path/path_command.h"
 #include "files/path/path_join.h"
 #include "files/path/path_name.h"
 #include "files/path/path_shape.h"
 #include "files/path/path_split.h"
-#include "runtime/text/str_case.h"
+#include "files/stream/core_file.h"
+#include "runtime/text/str_chars.h"
 
 #include <windows.h>
 #include <algorithm>

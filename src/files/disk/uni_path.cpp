@@ -1,12 +1,17 @@
 #include "files/disk/uni_path.h"
-#include "files/path/path_chars.h"
 #include "files/disk/path_fs.h"
+#include "files/path/path_chars.h"
+#include "files/stream/core_file.h"
 #include "files/path/path_split.h"
-#include "runtime/text/str_case.h"
+#include "runtime/text/str_chars.h"
 
 #include <windows.h>
 #include <shlobj.h>
 #include <new>
+
+// Declared with the streams (stream/core_io.h), which know of a UniPath no more than its name.
+CoreIO::CoreIO(UniPath* pPath, int bToWrite)
+    : pInner(CoreFile::CreateObject(pPath ? pPath->Path() : nullptr, bToWrite)) {}
 
 UniPath::~UniPath() { Free(); }
 

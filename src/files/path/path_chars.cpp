@@ -1,6 +1,6 @@
 #include "files/path/path_chars.h"
 #include "files/path/path_shape.h"
-#include "runtime/text/str_case.h"
+#include "runtime/text/str_chars.h"
 
 #include <cwchar>
 

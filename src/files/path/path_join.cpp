@@ -1,13 +1,12 @@
 #include "files/path/path_join.h"
 #include "files/path/path_chars.h"
-#include "files/path/path_env.h"
+#include "files/path/path_command.h"
 #include "files/path/path_name.h"
-#include "files/path/path_quote.h"
 #include "files/path/path_shape.h"
 #include "files/path/path_split.h"
-#include "runtime/text/str_case.h"
+#include "runtime/system/system_facts.h"
+#include "runtime/text/str_chars.h"
 #include "runtime/text/str_find.h"
-#include "runtime/system/win_version.h"
 
 #include <windows.h>
 #include <cwchar>

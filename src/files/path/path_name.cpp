@@ -1,7 +1,7 @@
 #include "files/path/path_name.h"
 #include "files/path/path_chars.h"
-#include "runtime/text/str_case.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_chars.h"
+#include "runtime/text/str_format.h"
 
 #include <cwchar>
 

@@ -4,7 +4,7 @@
 #include "files/path/path_name.h"
 #include "files/path/path_split.h"
 #include "runtime/system/dll_loader.h"
-#include "runtime/text/str_case.h"
+#include "runtime/text/str_chars.h"
 #include "runtime/text/str_find.h"
 
 #include <atomic>

@@ -1,14 +1,16 @@
-// Copies of whole files.
-
-#include "files/stream/copy_chunks.h"
+#include "files/stream/core_file_copy.h"
 #include "files/stream/core_file.h"
-#include "runtime/base/owned_handle.h"
-#include "runtime/base/scope_exit.h"
-#include "runtime/text/text_format.h"
+#include "files/stream/core_io.h"
+#include "runtime/base/ownership.h"
+#include "runtime/text/str_format.h"
 
 #include <shlobj.h>
 #include <algorithm>
 #include <cwchar>
+
+// Copies of whole files.
+
+
 
 namespace {
 constexpr std::size_t kPathSize = 260;
@@ -87,4 +89,20 @@ int CoreFile::CopyFileSafe(const wchar_t* pszSource, const wchar_t* pszTarget) {
     ScopeExit keepError([dwError = ::GetLastError()] { ::SetLastError(dwError); });
     if (IsFile(szBackup)) RenameFile(szBackup, pszTarget, 0);
     return 0;
+}
+
+int CopyChunks(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
+    if (cb && !cbBuffer) return 0;
+    while (cb) {
+        DWORD cbChunk = std::min(cb, cbBuffer);
+        if (!source.ReadBin(pBuffer, cbChunk, nullptr)) return 0;
+        if (!target.WriteBin(pBuffer, cbChunk, nullptr)) return 0;
+        cb -= cbChunk;
+    }
+    return 1;
+}
+
+int CopyContents(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
+    target.MoveTo64(0, FILE_BEGIN);
+    return CopyChunks(source, target, pBuffer, cbBuffer, cb) && target.SetEndOfFile();
 }

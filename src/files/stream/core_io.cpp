@@ -1,7 +1,5 @@
 #include "files/stream/core_io.h"
-
 #include "files/stream/core_file.h"
-#include "files/disk/uni_path.h"
 
 #include <algorithm>
 #include <atomic>
@@ -27,9 +25,6 @@ long CoreIOObj::GetLastHRESULT() { return lLastResult.load(std::memory_order_rel
 void CoreIOObj::SetLastHRESULT(long lNew) { lLastResult.store(lNew, std::memory_order_relaxed); }
 
 void CoreIOObj::SetLastWin32Error(DWORD dwError) { SetLastHRESULT(HRESULT_FROM_WIN32(dwError)); }
-
-CoreIO::CoreIO(UniPath* pPath, int bToWrite)
-    : pInner(CoreFile::CreateObject(pPath ? pPath->Path() : nullptr, bToWrite)) {}
 
 CoreIO::~CoreIO() { delete pInner; }
 

@@ -1,7 +1,6 @@
 #include "icons/agent/agent.h"
 #include "icons/agent/capture.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/agent/library_hold.h"
 
 #include <commctrl.h>

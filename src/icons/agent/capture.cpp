@@ -1,5 +1,5 @@
 #include "icons/agent/capture.h"
-#include "runtime/base/scope_exit.h"
+#include "runtime/base/ownership.h"
 
 #include <commctrl.h>
 #include <cstring>

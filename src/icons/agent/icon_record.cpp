@@ -1,5 +1,5 @@
 #include "icons/agent/icon_record.h"
-#include "runtime/base/md5.h"
+#include "runtime/base/digest.h"
 
 #include <cstring>
 #include <cwchar>

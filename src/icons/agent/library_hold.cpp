@@ -1,5 +1,5 @@
 #include "icons/agent/library_hold.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 
 #include <utility>
 

@@ -1,12 +1,11 @@
 #include "icons/engine/monitor.h"
+#include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/desktop_discovery.h"
 #include "icons/monitor/desktop_hook.h"
-#include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
+#include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
-#include "runtime/base/scope_exit.h"
 #include "wnd/core/company_msg.h"
 
 namespace {

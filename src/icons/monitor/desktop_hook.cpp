@@ -1,9 +1,8 @@
 #include "icons/monitor/desktop_hook.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/monitor/monitor_wnd.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
 #include "wnd/core/company_msg.h"
 
 #include <cwchar>

@@ -1,14 +1,13 @@
 #include "icons/monitor/monitor_wnd.h"
 #include "app/identity/my_product_info.h"
-#include "icons/monitor/desktop_hook.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
+#include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/front_end.h"
 #include "icons/monitor/message_gate.h"
 #include "icons/snapshots/snapshot_store.h"
-#include "runtime/system/win_version.h"
+#include "runtime/system/system_facts.h"
 #include "runtime/system/wts_api32.h"
-#include "shell/namespace/shell_malloc.h"
+#include "shell/namespace/pidl.h"
 #include "wnd/core/company_msg.h"
 
 #include <shlobj.h>

@@ -1,5 +1,5 @@
 #pragma once
-#include "runtime/threads/cs_timer.h"
+#include "runtime/threads/message_pump.h"
 #include "shell/namespace/shell_notify.h"
 #include "wnd/core/cswnd.h"
 

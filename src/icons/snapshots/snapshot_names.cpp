@@ -1,7 +1,6 @@
 #include "icons/snapshots/snapshot_names.h"
-
-#include "runtime/text/str_hex.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/encoding.h"
+#include "runtime/text/str_format.h"
 
 #include <new>
 

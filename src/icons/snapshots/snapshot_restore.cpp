@@ -1,8 +1,7 @@
 // The monitor's half of a restore: the question, the data for the shell side, the mark.
 
-#include "icons/snapshots/snapshot_store.h"
-
 #include "icons/agent/desktop_shared_data.h"
+#include "icons/snapshots/snapshot_store.h"
 #include "runtime/base/cs_buf.h"
 #include "runtime/messages/msg.h"
 

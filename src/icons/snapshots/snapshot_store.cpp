@@ -1,10 +1,9 @@
 #include "icons/snapshots/snapshot_store.h"
-
 #include "app/identity/my_product_info.h"
 #include "icons/monitor/front_end.h"
 #include "runtime/base/cs_buf.h"
-#include "runtime/base/md5.h"
-#include "runtime/text/text_format.h"
+#include "runtime/base/digest.h"
+#include "runtime/text/str_format.h"
 
 #include <cstring>
 #include <cwchar>

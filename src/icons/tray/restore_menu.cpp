@@ -1,6 +1,6 @@
 #include "icons/tray/restore_menu.h"
-#include "icons/tray/local_date.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/tray/day_count.h"
 #include "runtime/text/str_find.h"
 #include "wnd/menu/csmenu.h"
 

@@ -1,9 +1,9 @@
 #include "runtime/messages/file_resource.h"
-#include "app/identity/my_product_info.h"
 #include "resources/resource_ids.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
+#include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/messages/res_str.h"
 
 namespace {
 constexpr const wchar_t* kFileDataType = L"FILE_DATA";
@@ -31,7 +31,7 @@ const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst, const wchar_t
     if (pcb) *pcb = 0;
     if (nId == 0) return nullptr;
     if (nId < 0) hinst = GetLibraryInstance();
-    GetMyProductInfo().ConvertResourceId(nId, hinst);
+    ConvertResourceId(nId, hinst);
     if (nId < 0 || nId > 0xFFFF) return nullptr; // FindResourceW would take it for a name's address
     HRSRC hrsrc = ::FindResourceW(hinst, MAKEINTRESOURCEW(nId), pszType ? pszType : kFileDataType);
     if (!hrsrc) return nullptr;

@@ -1,5 +1,7 @@
 #include "runtime/messages/msg.h"
-#include "app/identity/my_product_info.h"
+#include "resources/resource_ids.h"
+#include "runtime/base/current_product.h"
+#include "runtime/system/system_facts.h"
 
 #include <commctrl.h>
 #include <atomic>
@@ -31,7 +33,7 @@ int ShowBox(HWND hwndOwner, UINT nFlags, const wchar_t* pszText) {
     HWND hwnd = FindOwner(hwndOwner);
     PauseOrResume(0);
     int nResult =
-        ::MessageBoxW(hwnd, pszText, GetMyProductInfo().GetName(), nFlags | MB_SETFOREGROUND);
+        ::MessageBoxW(hwnd, pszText, GetCurrentProduct().pfnGetName(), nFlags | MB_SETFOREGROUND);
     PauseOrResume(1);
     return nResult;
 }
@@ -145,4 +147,10 @@ void MsgSetPauseResumeCallback(MsgPauseResumeFunc* pfnNew) { pfnPauseResume = pf
 const wchar_t* GetLastErrorText(DWORD nError) {
     FormatSystemText(szErrorText, nError ? nError : ::GetLastError());
     return szErrorText;
+}
+
+int WinProNotSupported(HWND hwndOwner) {
+    if (!WinPro()) return 1;
+    Msg(hwndOwner, MB_ICONHAND, -IDS_NOT_ON_THIS_EDITION);
+    return 0;
 }

@@ -1,7 +1,7 @@
 #pragma once
 #include "runtime/base/export.h"
 #include "runtime/messages/res_str.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_format.h"
 #include <windows.h>
 
 // The system's only way to show a message box. The title is always the product's name.
@@ -52,3 +52,9 @@ TESSALY_API void MsgSetPauseResumeCallback(MsgPauseResumeFunc* pfnNew);
 /// The system's text of an error code (0: of the thread's last error), as it comes, with its line
 /// end; empty for an unknown code. In a buffer of the process: for use at once, on one thread.
 TESSALY_API const wchar_t* GetLastErrorText(DWORD nError = 0);
+
+/// 1 on editions that have the feature. On a WinPro edition the user is told, over hwndOwner, that
+/// the command is not available there, and the result is 0.
+// QUIRK: the other way round than the name of WinPro suggests: it is what is not supported.
+// Test: WinProNotSupported.TellsTheUserOnAProfessionalEdition
+TESSALY_API int WinProNotSupported(HWND hwndOwner);

@@ -1,5 +1,5 @@
 #include "runtime/messages/res_str.h"
-#include "app/identity/my_product_info.h"
+#include "runtime/base/current_product.h"
 
 #include <cstdint>
 #include <cwchar>
@@ -32,7 +32,7 @@ ResStr::~ResStr() { delete[] psz; }
 const wchar_t* ResStr::Load(int nId, HINSTANCE hinst, int /*nUnused*/) {
     delete[] std::exchange(psz, nullptr);
     if (nId == 0) return L"";
-    GetMyProductInfo().ConvertResourceId(nId, hinst);
+    ConvertResourceId(nId, hinst);
     wchar_t szLoaded[kMessageSize] = {};
     ::LoadStringW(hinst, static_cast<UINT>(nId), szLoaded, kMessageSize);
     Replace(szLoaded);
@@ -65,4 +65,28 @@ ResStrFmt::ResStrFmt(int nId, ...) : ResStr(nId) {
 
 ResStrFmt::ResStrFmt(int nId, HINSTANCE hinst, ArgList args) : ResStr(nId, hinst) {
     Format(args.v);
+}
+
+ResourceRef ResolveResourceId(int nId, HINSTANCE hinst, DefaultModule defaultModule) {
+    // The product's own rule keeps the module that is named, and asks the application otherwise.
+    if (nId < 0) hinst = nullptr;
+    if (nId >= 0 && !hinst && defaultModule == DefaultModule::kLibrary)
+        hinst = GetLibraryInstance();
+    ConvertResourceId(nId, hinst);
+    return {hinst, MAKEINTRESOURCEW(static_cast<WORD>(nId))};
+}
+
+void ConvertResourceId(int& nId, HINSTANCE& hinst) {
+    if (nId == 0) return;
+    if (!hinst) hinst = nId < 0 ? GetLibraryInstance() : GetCurrentProduct().pfnGetModule();
+    // Unsigned, because the least int has no magnitude; no resource has that id anyway.
+    if (nId < 0) nId = static_cast<int>(0u - static_cast<unsigned>(nId));
+}
+
+void StrAppendTextFmt(wchar_t* pszText, unsigned cch, int nFormatId, ...) {
+    ResStr format(nFormatId);
+    va_list args;
+    va_start(args, nFormatId);
+    StrAppendTextFmtV(pszText, cch, nFormatId ? static_cast<const wchar_t*>(format) : nullptr, args);
+    va_end(args);
 }

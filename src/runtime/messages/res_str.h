@@ -1,15 +1,12 @@
 #pragma once
 #include "runtime/base/export.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_format.h"
 #include <windows.h>
 
 // A resource id is a signed number. Negative: the library's string table, with the magnitude as the
 // id. Positive: the module of the current AppInstance if there is one, otherwise the library. An
 // instance handle that is given goes before this rule, and a negative id is then its magnitude. 0
-// is no text.
-
-/// What is loaded or formatted is cut to this many characters, with the terminator.
-constexpr int kMessageSize = 1024;
+// is no text. What is loaded or formatted is cut to kMessageSize characters, with the terminator.
 
 /// 1 if an argument that is a text or a resource id is an id: the value of an int from -65536 to
 /// 65535, extended to 64 bits with its sign or with zeros. Everything else is a pointer.
@@ -50,3 +47,27 @@ class TESSALY_API ResStrFmt : public ResStr {
     explicit ResStrFmt(int nId, ...);
     ResStrFmt(int nId, HINSTANCE hinst, ArgList args);
 };
+
+/// Where a positive resource id without a module is looked for.
+enum class DefaultModule {
+    kLibrary,    // the library
+    kApplication // the module of the current AppInstance, or the library if there is none
+};
+
+/// A resource by its module and its number, as LoadImageW and its relatives take them.
+struct ResourceRef {
+    HINSTANCE hinst;
+    LPCWSTR pszName; // MAKEINTRESOURCEW of the id
+};
+
+/// Resolves a signed resource id: a negative one is the library's, whatever module is named, and
+/// its number the absolute value; a positive one is hinst's or, for null, the default module's. The
+/// low 16 bits are the number.
+ResourceRef ResolveResourceId(int nId, HINSTANCE hinst, DefaultModule defaultModule);
+
+/// The rule at the head of this file for an id and its module; id 0 changes nothing.
+void ConvertResourceId(int& nId, HINSTANCE& hinst);
+
+/// StrAppendTextFmt (text/str_format.h) with a string of the string table as the format. Id 0
+/// clears the text; where there is no such string nothing is appended.
+TESSALY_API void StrAppendTextFmt(wchar_t* pszText, unsigned cch, int nFormatId, ...);

@@ -1,6 +1,6 @@
 #include "runtime/system/dll_loader.h"
-#include "runtime/system/module_path.h"
 #include "runtime/system/runtime_func.h"
+
 #include <shlwapi.h> // DLLVERSIONINFO
 #include <atomic>
 
@@ -79,4 +79,11 @@ unsigned short GetVerDll_ComCtl32() {
     static constinit std::atomic<unsigned short> nVersion{0}; // asked twice by two threads at worst
     if (nVersion == 0) nVersion = GetVerDll(L"COMCTL32");
     return nVersion;
+}
+
+int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]) {
+    DWORD cch = ::GetModuleFileNameW(hinst, szPath, MAX_PATH);
+    if (cch > 0 && cch < MAX_PATH) return 1; // XP cuts a longer one without a terminator
+    szPath[0] = 0;
+    return 0;
 }

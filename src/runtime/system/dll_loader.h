@@ -1,6 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
 
 /// A library loaded by name, for as long as the object lives.
@@ -35,3 +35,6 @@ TESSALY_API unsigned short GetVerDll(const wchar_t* pszName, DWORD* pdwMajor = n
                                      DWORD* pdwMinor = nullptr, DWORD* pdwBuild = nullptr);
 /// The same of "COMCTL32", asked once per process.
 TESSALY_API unsigned short GetVerDll_ComCtl32();
+
+/// The path of a module's file; null is the program. 0 and an empty text if it does not fit.
+int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]);

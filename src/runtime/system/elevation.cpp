@@ -1,6 +1,6 @@
 #include "runtime/system/elevation.h"
 #include "runtime/system/runtime_func.h"
-#include "runtime/system/win_version.h"
+#include "runtime/system/system_facts.h"
 
 namespace {
 // Of winnt.h from Windows Vista on.

@@ -1,6 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
 
 /// An access token for as long as the object lives; empty without one.

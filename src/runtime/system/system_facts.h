@@ -2,16 +2,56 @@
 #include "runtime/base/export.h"
 #include <windows.h>
 
+// Which Windows this is, asked anew with each call. All answers come from GetVersionExW, which
+// tells Windows 8.1 and later only to programs whose manifest names them. Each test is 1 or 0, and
+// 0 outside the NT family.
+
+TESSALY_API int WinNT();
+
+/// At least this version.
+TESSALY_API int Win2K();
+TESSALY_API int WinXP();
+TESSALY_API int WinServer2003();
+TESSALY_API int WinVista();
+TESSALY_API int Win7();
+TESSALY_API int Win8();
+TESSALY_API int Win81();
+TESSALY_API int Win10();
+
+/// Exactly this version.
+TESSALY_API int Win2K_only();
+TESSALY_API int WinXP_only();
+TESSALY_API int WinVista_only();
+TESSALY_API int Win7_only();
+
+/// A server or a domain controller.
+TESSALY_API int WinServer();
+/// Not a home edition.
+TESSALY_API int WinPro();
+
+/// Build number in the low 32 bits, above it minor and major version in 16 bits each. The service
+/// pack, if asked for, is major in the high 16 bits and minor in the low. 0 if the system does not
+/// tell; the service pack is then 0.
+TESSALY_API unsigned long long GetWinVersion(DWORD* pdwServicePack = nullptr);
+
+/// 1 if this 32-bit process runs on a 64-bit system.
+TESSALY_API int IsWow64();
+
 /// 1 if fewer than two of the drives A: and B: are removable.
 TESSALY_API int SingleFloppy();
-/// 1 on editions that have the feature. On a WinPro edition the user is told, over hwndOwner, that
-/// the command is not available there, and the result is 0.
-// QUIRK: the other way round than the name of WinPro suggests: it is what is not supported.
-// Test: WinProNotSupported.TellsTheUserOnAProfessionalEdition
-TESSALY_API int WinProNotSupported(HWND hwndOwner);
 /// The system's setting "AllowMultipleTSSessions"; 0 if it cannot be read.
 TESSALY_API int IsFastUserSwitchingEnabled();
 /// The system's default language as text: its locale name from Windows Vista on ("en-US"), before
 /// that its English name. cchBuffer counts the terminator. Returns 1; 0 if it does not fit, and the
 /// text is then empty.
 TESSALY_API int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer);
+
+/// The product's own time: now, in seconds since 26 December 1995, 00:00 UTC.
+TESSALY_API DWORD GetCurTime();
+/// The same of a given time (UTC), in 32 bits.
+TESSALY_API DWORD GetProductTime(const FILETIME& ft);
+/// Now, UTC. Returns 1.
+TESSALY_API int GetSysFileTime(FILETIME* pft);
+/// The packed date: year - 1980 in the high bits, month in 4 bits, day in 5. Null means today by
+/// the local clock.
+TESSALY_API DWORD GetDOSdate(const SYSTEMTIME* pst = nullptr);

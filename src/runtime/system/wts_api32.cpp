@@ -1,6 +1,6 @@
 #include "runtime/system/wts_api32.h"
+#include "runtime/base/ownership.h"
 #include "runtime/system/runtime_func.h"
-#include "runtime/base/scope_exit.h"
 #include <atomic>
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
 #include <wtsapi32.h>
 #include <span>

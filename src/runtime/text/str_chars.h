@@ -31,3 +31,39 @@ TESSALY_API int IsMiscChar(wchar_t ch);
 /// Replaces by "." each of the first n characters that is not printable. A terminator among them
 /// is replaced too: n is the text's length or less.
 TESSALY_API void MakeStrPrintable(wchar_t* pszText, unsigned n);
+
+// Upper and lower case, by the platform's tables for the user's language (CharUpperW, CharLowerW):
+// one character for one, so that no text changes its length.
+
+/// The character in the other case, or itself.
+TESSALY_API wchar_t CharToLower(wchar_t ch);
+TESSALY_API wchar_t CharToUpper(wchar_t ch);
+/// The same on one character in place. Null does nothing.
+TESSALY_API void CharToLower(wchar_t* pch);
+TESSALY_API void CharToUpper(wchar_t* pch);
+/// The same over a whole text in place. Null does nothing.
+TESSALY_API void StrToLower(wchar_t* pszText);
+TESSALY_API void StrToUpper(wchar_t* pszText);
+
+/// Puts the first ASCII letter of each word into upper case, in place. Words end at white
+/// characters (IsWhiteChar); the rest of a word stays as it is. A letter that is not ASCII, a digit
+/// or a sign before that letter does not count as the word's beginning: "3rd" becomes "3Rd".
+TESSALY_API void StrCapitalizeAll(wchar_t* pszText);
+
+/// Rotates A to Z and a to z by 13 places, in place, and leaves the rest. Twice gives the text
+/// back.
+TESSALY_API void StrRot13(wchar_t* pszText);
+
+/// Removes the white characters (IsWhiteChar) from both ends of a text, in place. Meant for texts
+/// that hold something else too; one that does not becomes empty.
+///
+/// An overload of the platform's StrTrimW, which takes the set of characters to remove and stands
+/// in shlwapi.h: with one argument a caller gets this one.
+TESSALY_API void StrTrimW(wchar_t* pszText);
+/// The same where the text may be null or empty.
+TESSALY_API void TrimStr(wchar_t* pszText);
+
+/// Moves past blanks and tabs. If a double quote comes next, moves past it and past further blanks
+/// and tabs and gives 1, otherwise 0. A null text stays null.
+TESSALY_API int SkipLeadingWhiteSpaces(const wchar_t*& pszText);
+TESSALY_API int SkipLeadingWhiteSpaces(wchar_t*& pszText);

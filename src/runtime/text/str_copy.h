@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include <cstddef>
 
 // Building texts in two passes with one routine: first with a null destination, which only counts,
 // then with a place of that size, which writes. The destination moves on behind what was written,
@@ -40,3 +41,18 @@ TESSALY_API const wchar_t* DecPsz(const wchar_t* pszStart, const wchar_t*& psz);
 TESSALY_API wchar_t* DecPsz(const wchar_t* pszStart, wchar_t*& psz);
 /// The character there; 0 for null.
 TESSALY_API wchar_t CharAt(const wchar_t* psz);
+
+// Texts on the library's heap, held by a plain pointer that starts as null. Only these functions
+// take and free them: the way to free one is to give no new text. Out of memory leaves a null.
+
+/// Replaces a text by a fresh copy of pszNew and stores that one's length; no new text leaves a
+/// null and length 0. The old text is freed; with bWipe it is filled with zeros before, over its
+/// stored length and the terminator. pszNew may lie in the old text.
+TESSALY_API void StrAllocCopy(wchar_t*& pszText, unsigned& cch, const wchar_t* pszNew, int bWipe);
+/// The same without length and filling. An empty new text leaves a null too.
+TESSALY_API void StrRealloc(wchar_t*& pszText, const wchar_t* pszNew);
+
+/// Writes n zero characters, which no optimiser leaves out. Null does nothing.
+TESSALY_API void StrErase(wchar_t* pszText, unsigned n);
+/// 1 if all n bytes of the block are b; 0 for a null block or no bytes.
+TESSALY_API int IsMemSetTo(const void* pBlock, unsigned char b, std::size_t n);

@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
 
 /// A critical section. A copy has the bytes of the platform's structure and nothing else: it must
@@ -33,4 +34,23 @@ class CritSecLock {
 
   private:
     CritSec& cs;
+};
+
+/// A process-wide critical section that the library's start makes and its end destroys.
+using ManualLock = ManualObject<CritSec>;
+
+/// Holds a ManualLock for the length of a block; nothing while the lock has not been started.
+class ManualLockGuard {
+  public:
+    explicit ManualLockGuard(ManualLock& lock) noexcept : pcs(lock.Get()) {
+        if (pcs) pcs->Enter();
+    }
+    ~ManualLockGuard() {
+        if (pcs) pcs->Leave();
+    }
+    ManualLockGuard(const ManualLockGuard&) = delete;
+    ManualLockGuard& operator=(const ManualLockGuard&) = delete;
+
+  private:
+    CritSec* pcs;
 };

@@ -1,7 +1,7 @@
 #pragma once
-#include "runtime/threads/crit_sec.h"
 #include "runtime/base/export.h"
-#include "runtime/base/owned_handle.h"
+#include "runtime/base/ownership.h"
+#include "runtime/threads/crit_sec.h"
 #include <windows.h>
 #include <atomic>
 

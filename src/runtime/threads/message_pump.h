@@ -10,3 +10,29 @@ TESSALY_API int ProcessAllMessages(HWND hwnd = nullptr);
 /// round of messages starts the time anew. Returns 1 if the handle was signalled (or the wait
 /// failed), 0 after the time.
 int WaitPumpingMessages(HANDLE h, DWORD nTimeoutMs);
+
+/// A timer of the calling thread: of a window (WM_TIMER, or pfnTimer), or of none. Start and Stop
+/// belong to the window's thread.
+class TESSALY_API CSTimer {
+  public:
+    /// nTimerId 0: the first Start's default id becomes the id.
+    explicit constexpr CSTimer(unsigned nTimerId = 0) noexcept : nId(nTimerId) {}
+    ~CSTimer() { Stop(); }
+    CSTimer(const CSTimer&) = delete; // owns the running timer
+    CSTimer& operator=(const CSTimer&) = delete;
+
+    /// Starts the timer, or starts it anew. hwndOwner may be null: then pfnTimer is called, or
+    /// WM_TIMER comes to the thread's queue with a number of the platform's choice. nDefaultId
+    /// becomes the id for good if there was none. Returns 1; 0 when the platform refused.
+    int Start(HWND hwndOwner, unsigned nPeriodMs, TIMERPROC pfnTimer = nullptr,
+              unsigned nDefaultId = 0);
+    /// Ends the timer; a WM_TIMER that already waits in the queue may still come.
+    void Stop();
+    int IsTicking() const { return uTimer != 0; }
+    unsigned GetID() const { return nId; }
+
+  private:
+    HWND hwnd = nullptr;
+    unsigned uTimer = 0; // what SetTimer returned; 0 while not ticking
+    unsigned nId;
+};

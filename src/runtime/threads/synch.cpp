@@ -1,6 +1,8 @@
 #include "runtime/threads/synch.h"
-#include "runtime/base/owned_handle.h"
-#include "runtime/text/text_format.h"
+#include "runtime/base/ownership.h"
+#include "runtime/system/system_facts.h"
+#include "runtime/text/str_format.h"
+
 #include <sddl.h>
 
 namespace {
@@ -99,3 +101,47 @@ void Event::Clear() {
 void Event::Pulse() {
     if (h) ::PulseEvent(h);
 }
+
+EventSimple::EventSimple() { Open(nullptr, 0, 0); }
+
+EventSimple::EventSimple(const wchar_t* pszName, int bManual, int bInitial) {
+    Open(pszName, bManual, bInitial);
+}
+
+int EventSimple::Open(const wchar_t* pszName, int bManual, int bInitial) {
+    h.Reset();
+    ::SetLastError(ERROR_SUCCESS);
+    HANDLE hCreated = ::CreateEventW(nullptr, bManual, bInitial, pszName);
+    bExisted = ::GetLastError() == ERROR_ALREADY_EXISTS;
+    h.Reset(hCreated);
+    return IsReady();
+}
+
+int EventSimple::OpenEventW(DWORD dwAccess, int bInherit, const wchar_t* pszName) {
+    h.Reset(::OpenEventW(dwAccess, bInherit, pszName));
+    bExisted = IsReady();
+    return bExisted;
+}
+
+void EventSimple::Set(int bSignalled) {
+    if (!h) return;
+    if (bSignalled)
+        ::SetEvent(h.Get());
+    else
+        ::ResetEvent(h.Get());
+}
+
+void EventSimple::Clear() { Set(0); }
+
+MyMutex::MyMutex(int bGlobal, const wchar_t* pszName) {
+    wchar_t szFull[kMaxObjectName];
+    // Systems without name spaces take a backslash in a name for an error.
+    if (Win2K() || WinXP()) pszName = PrepareObjectName(szFull, kMaxObjectName, pszName, bGlobal);
+    h.Reset(::CreateMutexW(nullptr, FALSE, pszName));
+}
+
+int MyMutex::Wait(DWORD nTimeoutMs) {
+    return ::WaitForSingleObject(h.Get(), nTimeoutMs) == WAIT_OBJECT_0;
+}
+
+void MyMutex::Release() { ::ReleaseMutex(h.Get()); }

@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
 
 /// Writes the name of a kernel object with its name space before it: "Global\" if bGlobal, else
@@ -76,4 +77,52 @@ class TESSALY_API Event : public Synch {
     /// CreateOrOpen; bExisted tells whether the event was there before.
     int Create(const wchar_t* pszName, int bGlobal, int bManual, int bInitial,
                SECURITY_ATTRIBUTES* pSecurity, int& bExisted);
+};
+
+/// An event under exactly the name given, without a name space put before it.
+class TESSALY_API EventSimple {
+  public:
+    /// An unnamed event that is not manual and not set.
+    EventSimple();
+    /// Makes the event or opens the one of that name; IsReady and HasExisted tell what came.
+    EventSimple(const wchar_t* pszName, int bManual, int bInitial);
+    EventSimple(const EventSimple&) = delete; // owns the handle
+    EventSimple& operator=(const EventSimple&) = delete;
+
+    /// As the constructor of the same arguments; what was open is closed. Returns 1 if a handle
+    /// came.
+    int Open(const wchar_t* pszName, int bManual, int bInitial);
+    /// Opens an event that exists. Returns 1 if it could be opened.
+    int OpenEventW(DWORD dwAccess, int bInherit, const wchar_t* pszName);
+    /// bSignalled 0 clears. Both do nothing without a handle.
+    void Set(int bSignalled = 1);
+    void Clear();
+    int IsReady() const { return h.Get() != nullptr; }
+    /// After making: 1 if an event of that name existed already. After OpenEventW: its result.
+    int HasExisted() const { return bExisted; }
+    operator HANDLE() const { return h.Get(); }
+
+  private:
+    OwnedHandle h;
+    int bExisted = 0;
+};
+
+/// A mutex, not owned by anybody at first; of this logon session or, if bGlobal, of the whole
+/// machine.
+class TESSALY_API MyMutex {
+  public:
+    /// A null name makes an unnamed mutex. Without a handle, when the platform refused, every Wait
+    /// gives 0.
+    MyMutex(int bGlobal, const wchar_t* pszName);
+    MyMutex(const MyMutex&) = delete; // owns the handle
+    MyMutex& operator=(const MyMutex&) = delete;
+
+    /// 1 if the mutex is now owned and its last owner had released it. After an abandonment it is
+    /// owned too, but the result is 0.
+    int Wait(DWORD nTimeoutMs);
+    void Release();
+    operator HANDLE() const { return h.Get(); }
+
+  private:
+    OwnedHandle h;
 };

@@ -1,8 +1,7 @@
 #include "shell/namespace/shell_notify.h"
+#include "runtime/base/ownership.h"
 #include "runtime/system/runtime_func.h"
-#include "runtime/base/scope_exit.h"
-#include "shell/namespace/pidl_of_path.h"
-#include "shell/namespace/shell_malloc.h"
+#include "shell/namespace/pidl.h"
 
 namespace {
 constexpr int kSources = SHCNRF_InterruptLevel | SHCNRF_ShellLevel | SHCNRF_NewDelivery;

@@ -1,7 +1,6 @@
 #include "store/ini/ini_file.h"
-
-#include "files/stream/core_file.h"
 #include "files/disk/path_fs.h"
+#include "files/stream/core_file.h"
 #include "runtime/base/cs_buf.h"
 #include "runtime/text/str_copy.h"
 #include "store/ini/parser.h"

@@ -1,7 +1,5 @@
 #include "store/registry/home_folder.h"
-
-#include "runtime/text/text_format.h"
-#include "store/registry/maker_keys.h"
+#include "runtime/text/str_format.h"
 
 namespace {
 constexpr std::size_t kHomePathSize = 257;

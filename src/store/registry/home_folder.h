@@ -23,3 +23,9 @@ TESSALY_API int Restricted(const wchar_t* pszProduct, const wchar_t* pszName);
 /// 1 if the user may write to the maker's key of the machine, which is tried: HKLM\Software\Orvanta
 /// is made if it is missing, and gets a value "Temp" for a moment.
 TESSALY_API int IsPowerUser();
+
+// Where the maker's products keep their settings, below HKCU and HKLM.
+
+constexpr const wchar_t* kMakerKey = L"Software\\Orvanta";
+/// Where they were before; what is left there is moved (RegKey::CS2WA).
+constexpr const wchar_t* kFormerMakerKey = L"Software\\Quenby";

@@ -1,13 +1,16 @@
-// Reading, writing and enumerating. Opening, deleting, operations and the log have files of their
-// own.
-
 #include "store/registry/reg_key.h"
-
 #include "runtime/base/cs_buf.h"
+#include "runtime/text/str_format.h"
 
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
+
+// Reading, writing and enumerating. Opening, deleting, operations and the log have files of their
+// own.
+
+
+
 
 namespace {
 constexpr DWORD kMaxValueSize = 0x7FFFFFF0; // leaves room for terminators in 32 bits
@@ -197,4 +200,76 @@ int RegKey::GetFirstValue(wchar_t* pszBuffer, int cchBuffer) {
 
 int RegKey::GetNextValue(wchar_t* pszBuffer, int cchBuffer) {
     return GetValueByIndex(++nIndex, pszBuffer, cchBuffer);
+}
+
+// Whole keys in files of the platform's own format.
+
+
+int RegKey::SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity) {
+    if (!pszFile || !*pszFile) {
+        lError = ERROR_INVALID_PARAMETER;
+        return 0;
+    }
+    DWORD dwAttributes = ::GetFileAttributesW(pszFile);
+    if (dwAttributes == INVALID_FILE_ATTRIBUTES) {
+        dwAttributes = FILE_ATTRIBUTE_ARCHIVE;
+    } else {
+        // The platform writes over no file, and deletes none that is read-only.
+        ::SetFileAttributesW(pszFile, FILE_ATTRIBUTE_NORMAL);
+        ::DeleteFileW(pszFile);
+    }
+    lError = ::RegSaveKeyW(hkeySaved, pszFile, pSecurity);
+    ::SetFileAttributesW(pszFile, dwAttributes);
+    return lError == ERROR_SUCCESS;
+}
+
+int RegKey::LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile) {
+    return ::RegLoadKeyW(hkeyParent, pszSubkey, pszFile) == ERROR_SUCCESS;
+}
+
+int RegKey::UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey) {
+    return ::RegUnLoadKeyW(hkeyParent, pszSubkey) == ERROR_SUCCESS;
+}
+
+// The text log: what a series of operations would do, as text instead of in the registry.
+
+
+
+
+constinit int RegKey::bLogMode = 0;
+constinit wchar_t* RegKey::pszLog = nullptr;
+constinit unsigned RegKey::nLogSizeChars = 0;
+constinit long RegKey::lError = 0;
+constinit const wchar_t* RegKey::pszFmtPrefix = L"%s%s";
+
+namespace {
+constexpr std::size_t kLineSize = 255; // with the terminator; longer lines are cut, ends and all
+} // namespace
+
+void RegKey::StartLog(wchar_t* pszBuffer) {
+    bLogMode = 1;
+    pszLog = pszBuffer;
+    nLogSizeChars = 0;
+}
+
+unsigned RegKey::EndLog() {
+    bLogMode = 0;
+    if (!nLogSizeChars) return 0;
+    if (pszLog) *pszLog = 0;
+    return nLogSizeChars + 1;
+}
+
+/// Appends one line. Always 1, which is what a logged operation gives.
+int RegKey::Log(const wchar_t* pszFormat, ...) {
+    wchar_t szLine[kLineSize];
+    va_list args;
+    va_start(args, pszFormat);
+    auto cch = static_cast<unsigned>(FormatTextV(szLine, kLineSize, pszFormat, args));
+    va_end(args);
+    if (pszLog) {
+        std::wmemcpy(pszLog, szLine, cch);
+        pszLog += cch;
+    }
+    nLogSizeChars += cch;
+    return 1;
 }

@@ -1,6 +1,5 @@
 #pragma once
 #include "runtime/base/export.h"
-
 #include <windows.h>
 
 /// One open registry key, and the only road to the registry. It shows nothing and raises nothing:

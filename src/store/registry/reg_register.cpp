@@ -1,6 +1,5 @@
 #include "store/registry/reg_register.h"
-
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_format.h"
 
 #include <shlobj.h>
 

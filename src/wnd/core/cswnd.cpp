@@ -1,8 +1,7 @@
 #include "wnd/core/cswnd.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
 #include "shell/subclass/shell_subclass.h"
-#include "wnd/core/creation_slot.h"
-#include "wnd/core/wm_hook.h"
+#include "wnd/core/core_wnd.h"
 
 #include <cwchar>
 
@@ -292,3 +291,13 @@ int CSWnd::Subclass(HWND hwndTarget) {
 }
 
 int CSWnd::Unsubclass() { return CommonUnsubclass() != 0; }
+
+WMHook::~WMHook() = default;
+
+int WMHook::OnWndMessage(CSWnd*, UINT, WPARAM, LPARAM, LRESULT*) { return 0; }
+
+int WMHook::OnDlgMessage(CSDlg*, UINT, WPARAM, LPARAM, LRESULT*) { return 0; }
+
+void WMHook::AddToWnd(CSWnd* pWnd) { pWnd->AddWndHook(this); }
+
+void WMHook::RemoveFromWnd(CSWnd* pWnd) { pWnd->RemoveWndHook(this); }

@@ -1,7 +1,7 @@
 // The members of CSWnd that only hand on to the platform or to the free functions.
 
 #include "runtime/messages/res_str.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_format.h"
 #include "wnd/core/cswnd.h"
 #include "wnd/core/wnd_free.h"
 

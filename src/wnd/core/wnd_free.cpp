@@ -1,5 +1,5 @@
 #include "wnd/core/wnd_free.h"
-#include "runtime/base/scope_exit.h"
+#include "runtime/base/ownership.h"
 
 #include <cwchar>
 

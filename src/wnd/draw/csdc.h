@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include "runtime/base/ownership.h"
 #include <windows.h>
 
 /// A device context for the length of a scope. Never without one: where a context can't be had, a
@@ -48,3 +49,11 @@ class TESSALY_API CompatibleDC : public CSDC {
   public:
     explicit CompatibleDC(HDC hdc);
 };
+
+// Owners of drawing objects. What is still selected in a context can't be deleted: declare the
+// owner before the CSDC that it is selected into, so that the context goes first.
+
+using OwnedBitmap = OwnedHandleOf<HBITMAP, &::DeleteObject>;
+using OwnedBrush = OwnedHandleOf<HBRUSH, &::DeleteObject>;
+using OwnedPen = OwnedHandleOf<HPEN, &::DeleteObject>;
+using OwnedIcon = OwnedHandleOf<HICON, &::DestroyIcon>;

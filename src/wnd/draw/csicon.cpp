@@ -1,6 +1,118 @@
 #include "wnd/draw/csicon.h"
-#include "wnd/draw/icon_bitmap.h"
-#include "wnd/draw/resource_id.h"
+#include "runtime/base/ownership.h"
+#include "runtime/messages/res_str.h"
+#include "runtime/system/system_facts.h"
+#include "wnd/draw/csdc.h"
+
+#include <objbase.h>
+#include <wincodec.h>
+#include <cstring>
+
+namespace {
+template <class Interface>
+void ReleaseInterface(Interface* p) {
+    p->Release();
+}
+template <class Interface>
+using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
+
+constexpr WORD kBitCount = 32;
+constexpr unsigned kBytesPerPixel = kBitCount / 8;
+
+// By value (wincodec.h): the library that defines their names is none of those linked.
+constexpr GUID kFactoryClass = {
+    0xcacaf262, 0x9370, 0x4615, {0xa1, 0x3b, 0x9f, 0x55, 0x39, 0xda, 0x4c, 0x0a}};
+constexpr GUID kFactoryInterface = {
+    0xec5ec8a9, 0xc395, 0x4314, {0x9c, 0x77, 0x54, 0xd7, 0xa9, 0x35, 0xff, 0x70}};
+constexpr GUID kPremultipliedBgra = {
+    0x6fddc324, 0x4e03, 0x4bfe, {0xb1, 0x85, 0x3d, 0x77, 0x76, 0x8d, 0xc9, 0x10}};
+
+IWICImagingFactory* CreateFactory(HRESULT* phr) {
+    void* pFactory = nullptr;
+    *phr = ::CoCreateInstance(kFactoryClass, nullptr, CLSCTX_INPROC_SERVER, kFactoryInterface,
+                              &pFactory);
+    return SUCCEEDED(*phr) ? static_cast<IWICImagingFactory*>(pFactory) : nullptr;
+}
+
+/// The icon's pixels, converted as they are asked for. Null on failure.
+IWICFormatConverter* CreateConverter(IWICImagingFactory* pFactory, HICON hicon) {
+    OwnedInterface<IWICBitmap> source;
+    if (FAILED(pFactory->CreateBitmapFromHICON(hicon, source.Put()))) return nullptr;
+    OwnedInterface<IWICFormatConverter> converter;
+    if (FAILED(pFactory->CreateFormatConverter(converter.Put()))) return nullptr;
+    // The converter holds a reference of its own to its source.
+    HRESULT hr =
+        converter.Get()->Initialize(source.Get(), kPremultipliedBgra, WICBitmapDitherTypeNone,
+                                    nullptr, 0.0, WICBitmapPaletteTypeCustom);
+    return SUCCEEDED(hr) ? converter.Release() : nullptr;
+}
+
+HBITMAP CreateSection(HDC hdc, LONG cx, LONG cy, void** ppBits) {
+    BITMAPINFO info;
+    FillBitmapInfo(&info, sizeof(info), cx, cy, kBitCount);
+    return ::CreateDIBSection(hdc, &info, DIB_RGB_COLORS, ppBits, nullptr, 0);
+}
+
+HBITMAP CopyToSection(IWICBitmapSource* pSource) {
+    UINT cx = 0, cy = 0;
+    if (FAILED(pSource->GetSize(&cx, &cy)) || !cx || !cy) return nullptr;
+    if (static_cast<unsigned long long>(cx) * cy > 0x7FFFFFFF / kBytesPerPixel) return nullptr;
+
+    void* pBits = nullptr;
+    HDC hdcScreen = ::GetDC(nullptr);
+    OwnedBitmap bitmap(
+        CreateSection(hdcScreen, static_cast<LONG>(cx), -static_cast<LONG>(cy), &pBits));
+    if (hdcScreen) ::ReleaseDC(nullptr, hdcScreen);
+    if (!bitmap || !pBits) return nullptr;
+    UINT cbRow = cx * kBytesPerPixel;
+    HRESULT hr = pSource->CopyPixels(nullptr, cbRow, cbRow * cy, static_cast<BYTE*>(pBits));
+    return SUCCEEDED(hr) ? bitmap.Release() : nullptr;
+}
+
+HBITMAP MakeWith(IWICImagingFactory* pFactory, HICON hicon) {
+    OwnedInterface<IWICFormatConverter> converter(CreateConverter(pFactory, hicon));
+    return converter ? CopyToSection(converter.Get()) : nullptr;
+}
+} // namespace
+
+HBITMAP MakeIconBitmap(HICON hicon) {
+    if (!WinVista()) return nullptr;
+    int bLeaveCom = 0;
+    ScopeExit leaveCom([&] { // behind the factory, which is destroyed first
+        if (bLeaveCom) ::CoUninitialize();
+    });
+    HRESULT hr = S_OK;
+    OwnedInterface<IWICImagingFactory> factory(CreateFactory(&hr));
+    if (hr == CO_E_NOTINITIALIZED) {
+        bLeaveCom =
+            SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
+        factory.Reset(CreateFactory(&hr));
+    }
+    return factory ? MakeWith(factory.Get(), hicon) : nullptr;
+}
+
+HRESULT MakeBitmap32(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult) {
+    *phResult = nullptr;
+    void* pUnused = nullptr;
+    HDC hdcScreen = hdc ? nullptr : ::GetDC(nullptr);
+    HDC hdcUsed = hdc ? hdc : hdcScreen;
+    if (!hdcUsed) return E_OUTOFMEMORY;
+    *phResult = CreateSection(hdcUsed, psize->cx, psize->cy, ppBits ? ppBits : &pUnused);
+    if (hdcScreen) ::ReleaseDC(nullptr, hdcScreen);
+    return *phResult ? S_OK : E_OUTOFMEMORY;
+}
+
+void FillBitmapInfo(BITMAPINFO* pInfo, DWORD cbInfo, LONG cx, LONG cy, WORD nBitCount) {
+    std::memset(pInfo, 0, cbInfo);
+    if (cbInfo < sizeof(BITMAPINFOHEADER)) return;
+    BITMAPINFOHEADER& header = pInfo->bmiHeader;
+    header.biSize = sizeof(header);
+    header.biWidth = cx;
+    header.biHeight = cy;
+    header.biPlanes = 1;
+    header.biBitCount = nBitCount;
+    header.biCompression = BI_RGB;
+}
 
 namespace {
 constexpr SIZE kPlainSmall{16, 16}, kPlainLarge{32, 32};

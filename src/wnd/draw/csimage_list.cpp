@@ -1,7 +1,7 @@
 #include "wnd/draw/csimage_list.h"
-#include "wnd/draw/bitmap_util.h"
-#include "wnd/draw/owned_gdi.h"
-#include "wnd/draw/resource_id.h"
+#include "runtime/messages/res_str.h"
+#include "wnd/draw/csdc.h"
+#include "wnd/draw/draw_util.h"
 
 namespace {
 HANDLE LoadFrom(int nId, HINSTANCE hinst, UINT uType, int cx, int cy) {

@@ -1,7 +1,6 @@
 #include "wnd/draw/dib_bits.h"
 #include "wnd/draw/csdc.h"
-#include "wnd/draw/icon_bitmap.h"
-#include "wnd/draw/owned_gdi.h"
+#include "wnd/draw/csicon.h"
 
 #include <algorithm>
 #include <climits>

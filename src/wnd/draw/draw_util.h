@@ -37,3 +37,53 @@ TESSALY_API void DrawBitmap(HDC hdc, HBITMAP hbm, int x, int y, int srcX, int sr
 [[nodiscard]] TESSALY_API HPEN CreateDashedPen(unsigned long color);
 /// Every other pixel.
 [[nodiscard]] TESSALY_API HPEN CreateDottedPen(unsigned long color);
+
+// Bitmaps that are made anew, each of which the caller owns. Null when one can't be made, as with a
+// width or height below 1.
+
+/// The size in pixels; 0 by 0 for what is no bitmap. Makes nothing.
+TESSALY_API SIZE GetBitmapSize(HBITMAP hbm);
+
+/// A copy that is compatible with the display. Null for a bitmap that is selected somewhere.
+[[nodiscard]] TESSALY_API HBITMAP CopyBitmap(HBITMAP hbm);
+/// A picture of a part of the context.
+[[nodiscard]] TESSALY_API HBITMAP MakeBitmap(HDC hdc, int x, int y, int width, int height);
+/// A picture of a part of the display, in screen coordinates.
+[[nodiscard]] TESSALY_API HBITMAP MakeScreenBitmap(int x, int y, int width, int height);
+[[nodiscard]] TESSALY_API HBITMAP MakeScreenBitmap(const RECT& rc);
+/// The text on that background, from (0, 0) on, in that font (null: the platform's default one).
+[[nodiscard]] TESSALY_API HBITMAP MakeTextBitmap(int width, int height, LPCWSTR pszText,
+                                                 HFONT hfont, unsigned long textColor,
+                                                 unsigned long bkgColor);
+/// A fade over the whole bitmap; see PaintShadedRect in wnd/draw/draw_util.h.
+[[nodiscard]] TESSALY_API HBITMAP MakeShadedBitmap(int width, int height, unsigned long color,
+                                                   int fromTop, int steps);
+
+/// How light a colour (0x00BBGGRR) is, from 0 (black) to 240 (white): the mean of its largest and
+/// smallest channel on the platform's scale of lightness.
+TESSALY_API int GetLuminosity(unsigned long color);
+/// The brightest colour of the same hue: each channel grows in proportion, the largest to 255.
+/// Black, which has no hue, stays black.
+TESSALY_API unsigned long MakeColorBright(unsigned long color);
+
+/// A colour in the platform's order, as one value and by its channels.
+union TESSALY_API COLORRGB {
+    constexpr COLORRGB() noexcept : color(0) {}
+    constexpr explicit COLORRGB(unsigned long colorNew) noexcept : color(colorNew) {}
+
+    /// Doubles the channels.
+    // QUIRK: each wraps at 256, so that one of 128 or more gets darker.
+    // Test: COLORRGB.MakeBrightWrapsAt256
+    void MakeBright();
+    /// Halves the channels.
+    void MakeDark();
+    int GetLuminosity() const;
+    /// Fills the rectangle; see the function of that name in wnd/draw/draw_util.h.
+    void PaintRect(HDC hdc, int x, int y, int width, int height) const;
+
+    unsigned long color; // 0x00BBGGRR; the byte on top is what a palette colour marks itself with
+    struct {
+        unsigned char red, green, blue, reserved;
+    } bytes;
+};
+static_assert(sizeof(COLORRGB) == 4);

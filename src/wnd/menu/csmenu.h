@@ -155,7 +155,7 @@ class TESSALY_API CSMenu {
     /// the place is moved off the taskbar.
     int Track2(HWND hwndOwner, int forTrayIcon);
 
-    /// A bitmap for a menu item, see MakeIconBitmap in wnd/draw/icon_bitmap.h, and its two helpers.
+    /// A bitmap for a menu item, see MakeIconBitmap in wnd/draw/csicon.h, and its two helpers.
     [[nodiscard]] static HBITMAP GenerateBitmap(HICON hicon);
     static long Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult);
     static void InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,

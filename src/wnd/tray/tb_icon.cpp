@@ -1,7 +1,7 @@
 #include "wnd/tray/tb_icon.h"
-#include "app/identity/my_product_info.h"
+#include "runtime/base/current_product.h"
 #include "runtime/system/dll_loader.h"
-#include "runtime/text/text_format.h"
+#include "runtime/text/str_format.h"
 #include "wnd/core/company_msg.h"
 
 #include <cstdarg>
@@ -208,7 +208,7 @@ LRESULT TBIcon::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 
 int TBIcon::OnCompanyMessage(WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
     if (OnMyCompanyMessage(wParam, lParam, plResult)) return 1;
-    int bForUs = lParam && LOWORD(lParam) == GetMyProductInfo().GetID();
+    int bForUs = lParam && LOWORD(lParam) == GetCurrentProduct().pfnGetId();
     if (wParam == kCompanyCodeClose && bForUs) DestroyWnd(nullptr);
     return 0;
 }

@@ -1,8 +1,8 @@
 #pragma once
-#include "runtime/threads/cs_timer.h"
 #include "runtime/base/export.h"
-#include "wnd/draw/csicon.h"
+#include "runtime/threads/message_pump.h"
 #include "wnd/core/cswnd.h"
+#include "wnd/draw/csicon.h"
 #include <windows.h>
 #include <shellapi.h>
 

@@ -1,6 +1,6 @@
-#include "app/identity/app_instance.h"
 #include "app/identity/my_product_info.h"
-#include "runtime/base/library_instance.h"
+#include "app/identity/product_info.h"
+#include "runtime/base/current_product.h"
 #include <gtest/gtest.h>
 
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "app/instance/activate_prev.h"
+#include "app/instance/single_instance.h"
 #include "app/instance_process.h"
 #include "app/other_window.h"
 #include "support/replace_import.h"

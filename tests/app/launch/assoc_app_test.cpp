@@ -1,6 +1,6 @@
-#include "app/launch/assoc_app.h"
-#include "support/launch_reports.h"
+#include "app/launch/open_html.h"
 #include "support/guard_page.h"
+#include "support/launch_reports.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

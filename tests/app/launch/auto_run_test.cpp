@@ -1,7 +1,7 @@
 #include "app/launch/auto_run.h"
-#include "support/launch_reports.h"
 #include "app/launch/run_file.h"
 #include "app/shell_start_recorder.h"
+#include "support/launch_reports.h"
 #include "support/replace_import.h"
 #include "support/run_key_away.h"
 

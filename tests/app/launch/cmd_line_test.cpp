@@ -1,5 +1,4 @@
 #include "app/launch/cmd_line.h"
-
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "app/start/library_start.h"
 #include "app/identity/my_product_info.h"
-#include "runtime/base/library_instance.h"
+#include "app/start/library_start.h"
+#include "runtime/base/current_product.h"
 #include "runtime/system/wts_api32.h"
-#include "shell/namespace/shell_malloc.h"
+#include "shell/namespace/pidl.h"
 #include "shell/subclass/shell_subclass.h"
 #include <gtest/gtest.h>
 

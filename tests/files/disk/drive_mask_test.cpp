@@ -1,5 +1,4 @@
-#include "files/disk/drive_mask.h"
-
+#include "files/disk/path_drive.h"
 #include "files/path_support.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "files/disk/error_mode.h"
+#include "files/disk/path_drive.h"
 
 #include <gtest/gtest.h>
 #include <type_traits>

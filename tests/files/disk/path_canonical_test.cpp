@@ -1,7 +1,6 @@
-#include "files/disk/path_canonical.h"
-
+#include "files/disk/path_home.h"
 #include "files/path_support.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
 #include "store/reg_tree.h"
 
 #include <gtest/gtest.h>

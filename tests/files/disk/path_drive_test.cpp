@@ -1,5 +1,4 @@
 #include "files/disk/path_drive.h"
-
 #include "files/fake_drives.h"
 #include "support/temp_folder.h"
 

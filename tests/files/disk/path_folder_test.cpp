@@ -1,11 +1,9 @@
-#include "files/disk/path_folder.h"
-
-#include "files/fake_drives.h"
 #include "files/disk/path_fs.h"
+#include "files/fake_drives.h"
 #include "files/read_only.h"
 #include "files/shell_ear.h"
 #include "files/short_names.h"
-#include "runtime/base/scope_exit.h"
+#include "runtime/base/ownership.h"
 #include "support/temp_folder.h"
 #include "support/wait_until.h"
 

@@ -1,8 +1,7 @@
 #include "files/disk/path_fs.h"
-
 #include "files/read_only.h"
 #include "files/short_names.h"
-#include "runtime/system/product_time.h"
+#include "runtime/system/system_facts.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

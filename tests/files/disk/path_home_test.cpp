@@ -1,7 +1,6 @@
 #include "files/disk/path_home.h"
-
 #include "files/disk/path_short.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
 #include "store/reg_tree.h"
 #include "support/temp_folder.h"
 

@@ -1,8 +1,7 @@
 #include "files/disk/uni_path.h"
-
-#include "files/stream/core_io.h"
 #include "files/read_only.h"
 #include "files/shell_ear.h"
+#include "files/stream/core_io.h"
 #include "support/heap_count.h"
 #include "support/temp_folder.h"
 

@@ -1,5 +1,4 @@
-#include "files/path/path_env.h"
-
+#include "files/path/path_command.h"
 #include "files/path_support.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
+#include "files/path/path_command.h"
 #include "files/path/path_join.h"
-
-#include "files/path/path_quote.h"
 #include "files/path/path_split.h"
 #include "files/path_tables.h"
 

@@ -1,5 +1,4 @@
 #include "files/path/path_name.h"
-
 #include "files/path_tables.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
-#include "files/path/path_quote.h"
-
+#include "files/path/path_command.h"
 #include "files/path_tables.h"
 
 #include <gtest/gtest.h>

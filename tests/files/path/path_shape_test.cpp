@@ -1,5 +1,4 @@
 #include "files/path/path_shape.h"
-
 #include "files/path_support.h"
 #include "runtime/system/dll_loader.h"
 

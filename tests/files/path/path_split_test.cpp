@@ -1,5 +1,4 @@
 #include "files/path/path_split.h"
-
 #include "files/path_tables.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,8 @@
-#include "files/stream/core_file.h"
-
-#include "files/stream/copy_chunks.h"
 #include "files/memory_stream.h"
 #include "files/read_only.h"
 #include "files/shell_ear.h"
+#include "files/stream/core_file.h"
+#include "files/stream/core_file_copy.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
-#include "files/stream/core_file.h"
-
 #include "files/read_only.h"
 #include "files/shell_ear.h"
+#include "files/stream/core_file.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

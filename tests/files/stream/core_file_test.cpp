@@ -1,6 +1,5 @@
-#include "files/stream/core_file.h"
-
 #include "files/read_only.h"
+#include "files/stream/core_file.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

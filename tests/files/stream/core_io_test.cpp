@@ -1,7 +1,6 @@
-#include "files/stream/core_io.h"
-
-#include "files/stream/core_file.h"
 #include "files/memory_stream.h"
+#include "files/stream/core_file.h"
+#include "files/stream/core_io.h"
 #include "support/guard_page.h"
 #include "support/temp_folder.h"
 

@@ -1,6 +1,5 @@
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/icons_test_support.h"
 #include "shell/subclass/shell_subclass.h"
 #include <gtest/gtest.h>

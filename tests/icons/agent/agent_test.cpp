@@ -1,8 +1,7 @@
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/icons_test_support.h"
-#include "runtime/base/scope_exit.h"
+#include "runtime/base/ownership.h"
 #include "shell/subclass/shell_subclass.h"
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,6 +1,5 @@
 #include "icons/agent/icon_record.h"
-
-#include "runtime/base/md5.h"
+#include "runtime/base/digest.h"
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #include "icons/agent/capture.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/icons_test_support.h"
-#include "runtime/base/scope_exit.h"
+#include "runtime/base/ownership.h"
 #include "support/guard_page.h"
 #include <gtest/gtest.h>
 #include <algorithm>

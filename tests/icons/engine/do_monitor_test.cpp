@@ -1,10 +1,9 @@
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
-#include "icons/icons_test_support.h"
 #include "icons/engine/monitor.h"
+#include "icons/icons_test_support.h"
 #include "icons/monitor/monitor_wnd.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
 #include <gtest/gtest.h>
 #include <atomic>
 #include <cstring>

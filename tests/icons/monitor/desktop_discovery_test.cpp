@@ -1,5 +1,5 @@
-#include "icons/monitor/desktop_discovery.h"
 #include "icons/icons_test_support.h"
+#include "icons/monitor/desktop_discovery.h"
 #include <gtest/gtest.h>
 #include <memory>
 

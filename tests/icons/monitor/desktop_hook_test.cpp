@@ -1,8 +1,7 @@
-#include "icons/monitor/desktop_hook.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/icons_test_support.h"
+#include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/monitor_wnd.h"
 #include <gtest/gtest.h>
 

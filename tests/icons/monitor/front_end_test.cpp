@@ -1,6 +1,6 @@
-#include "icons/monitor/front_end.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/icons_test_support.h"
+#include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "icons/monitor/message_gate.h"
 #include "icons/icons_test_support.h"
+#include "icons/monitor/message_gate.h"
 #include "icons/monitor/monitor_wnd.h"
 #include <gtest/gtest.h>
 

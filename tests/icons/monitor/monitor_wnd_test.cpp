@@ -1,12 +1,11 @@
-#include "icons/monitor/monitor_wnd.h"
 #include "app/identity/my_product_info.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/engine_codes.h"
 #include "icons/icons_test_support.h"
-#include "runtime/base/library_instance.h"
+#include "icons/monitor/monitor_wnd.h"
+#include "runtime/base/current_product.h"
 #include "runtime/system/wts_api32.h"
-#include "wnd/core/wm_hook.h"
+#include "wnd/core/cswnd.h"
 #include <gtest/gtest.h>
 #include <cstring>
 #include <shlobj.h>

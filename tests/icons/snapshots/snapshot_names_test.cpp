@@ -1,5 +1,4 @@
 #include "icons/snapshots/snapshot_names.h"
-
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

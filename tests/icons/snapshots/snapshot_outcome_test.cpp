@@ -1,8 +1,7 @@
-#include "icons/snapshots/snapshot_store.h"
-
 #include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshot_test_support.h"
+#include "icons/snapshots/snapshot_store.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
-#include "icons/snapshots/snapshot_store.h"
-
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/snapshot_test_support.h"
+#include "icons/snapshots/snapshot_store.h"
 
 #include <gtest/gtest.h>
 #include <commctrl.h>

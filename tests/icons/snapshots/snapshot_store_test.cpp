@@ -1,6 +1,5 @@
-#include "icons/snapshots/snapshot_store.h"
-
 #include "icons/snapshot_test_support.h"
+#include "icons/snapshots/snapshot_store.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "icons/tray/day_count.h"
 #include "app/identity/my_product_info.h"
 #include "icons/menu_test_support.h"
+#include "icons/tray/day_count.h"
 
 #include <gtest/gtest.h>
 

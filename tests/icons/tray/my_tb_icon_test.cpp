@@ -1,7 +1,7 @@
-#include "icons/tray/my_tb_icon.h"
 #include "icons/icons_test_support.h"
+#include "icons/tray/my_tb_icon.h"
 #include "resources/resource_ids.h"
-#include "runtime/base/library_instance.h"
+#include "runtime/base/current_product.h"
 #include "support/fake_tray.h"
 #include <gtest/gtest.h>
 

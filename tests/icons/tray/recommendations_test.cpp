@@ -1,6 +1,6 @@
-#include "icons/tray/recommendations.h"
 #include "app/launch/open_html.h"
 #include "icons/menu_test_support.h"
+#include "icons/tray/recommendations.h"
 #include "support/gui_objects.h"
 #include "support/test_resource_ids.h"
 #include "wnd/menu/csmenu.h"

@@ -1,5 +1,5 @@
-#include "icons/tray/restore_menu.h"
 #include "icons/menu_test_support.h"
+#include "icons/tray/restore_menu.h"
 #include "support/heap_count.h"
 #include "support/replace_import.h"
 #include "wnd/menu/csmenu.h"

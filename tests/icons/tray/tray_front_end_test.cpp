@@ -1,9 +1,9 @@
-#include "icons/tray/tray_front_end.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/icons_test_support.h"
 #include "icons/engine/monitor.h"
+#include "icons/icons_test_support.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/tray/my_tb_icon.h"
+#include "icons/tray/tray_front_end.h"
 #include "support/fake_tray.h"
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
-#include "runtime/base/sha1.h"
-
+#include "runtime/base/digest.h"
 #include "runtime/digest_text.h"
 
 #include <gtest/gtest.h>

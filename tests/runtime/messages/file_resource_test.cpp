@@ -1,5 +1,5 @@
-#include "runtime/messages/file_resource.h"
 #include "resources/resource_ids.h"
+#include "runtime/messages/file_resource.h"
 #include "support/message_box_driver.h"
 #include "support/temp_folder.h"
 #include "support/test_resource_ids.h"

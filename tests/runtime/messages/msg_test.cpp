@@ -1,5 +1,5 @@
-#include "runtime/messages/msg.h"
 #include "resources/resource_ids.h"
+#include "runtime/messages/msg.h"
 #include "support/message_box_driver.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"

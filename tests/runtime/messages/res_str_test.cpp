@@ -1,6 +1,6 @@
-#include "runtime/messages/res_str.h"
-#include "app/identity/app_instance.h"
+#include "app/identity/product_info.h"
 #include "resources/resource_ids.h"
+#include "runtime/messages/res_str.h"
 #include "support/test_resource_ids.h"
 #include <gtest/gtest.h>
 

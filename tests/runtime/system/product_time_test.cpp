@@ -1,4 +1,4 @@
-#include "runtime/system/product_time.h"
+#include "runtime/system/system_facts.h"
 
 #include <gtest/gtest.h>
 #include <ctime>

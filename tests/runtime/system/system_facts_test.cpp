@@ -1,6 +1,4 @@
 #include "runtime/system/system_facts.h"
-#include "runtime/system/win_version.h"
-
 #include "support/message_box_driver.h"
 
 #include <gtest/gtest.h>

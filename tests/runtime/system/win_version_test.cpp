@@ -1,5 +1,5 @@
-#include "runtime/system/win_version.h"
 #include "runtime/system/runtime_func.h"
+#include "runtime/system/system_facts.h"
 #include "support/other_windows.h"
 
 #include <gtest/gtest.h>

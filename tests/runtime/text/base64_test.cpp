@@ -1,5 +1,4 @@
-#include "runtime/text/base64.h"
-
+#include "runtime/text/encoding.h"
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

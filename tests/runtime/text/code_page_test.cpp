@@ -1,5 +1,4 @@
-#include "runtime/text/code_page.h"
-
+#include "runtime/text/encoding.h"
 #include "support/guard_page.h"
 
 #include <windows.h>

@@ -1,5 +1,4 @@
-#include "runtime/text/key_name.h"
-
+#include "runtime/text/menu_text.h"
 #include "support/guard_page.h"
 
 #include <windows.h>

@@ -1,5 +1,4 @@
-#include "runtime/text/str_alloc.h"
-
+#include "runtime/text/str_copy.h"
 #include "support/guard_page.h"
 
 #include <windows.h>

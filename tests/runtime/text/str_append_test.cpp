@@ -1,5 +1,4 @@
-#include "runtime/text/str_append.h"
-
+#include "runtime/text/str_format.h"
 #include "support/guard_page.h"
 #include "support/test_resource_ids.h"
 

@@ -1,5 +1,4 @@
-#include "runtime/text/str_case.h"
-
+#include "runtime/text/str_chars.h"
 #include "support/guard_page.h"
 
 #include <windows.h>

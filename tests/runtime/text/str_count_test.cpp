@@ -1,5 +1,4 @@
-#include "runtime/text/str_count.h"
-
+#include "runtime/text/str_find.h"
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

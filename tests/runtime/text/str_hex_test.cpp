@@ -1,5 +1,4 @@
-#include "runtime/text/str_hex.h"
-
+#include "runtime/text/encoding.h"
 #include "support/guard_page.h"
 
 #include <windows.h>

@@ -1,5 +1,4 @@
-#include "runtime/text/str_menu.h"
-
+#include "runtime/text/menu_text.h"
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

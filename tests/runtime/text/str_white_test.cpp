@@ -1,5 +1,4 @@
-#include "runtime/text/str_white.h"
-
+#include "runtime/text/str_chars.h"
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "runtime/threads/cs_timer.h"
+#include "runtime/threads/message_pump.h"
 
 #include <gtest/gtest.h>
 

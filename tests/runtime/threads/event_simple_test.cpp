@@ -1,4 +1,4 @@
-#include "runtime/threads/event_simple.h"
+#include "runtime/threads/synch.h"
 
 #include <gtest/gtest.h>
 #include <string>

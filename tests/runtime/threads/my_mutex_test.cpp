@@ -1,4 +1,4 @@
-#include "runtime/threads/my_mutex.h"
+#include "runtime/threads/synch.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,5 +1,4 @@
-#include "shell/namespace/pidl_of_path.h"
-#include "shell/namespace/shell_malloc.h"
+#include "shell/namespace/pidl.h"
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
 #include <shlobj.h>

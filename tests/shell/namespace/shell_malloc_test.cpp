@@ -1,4 +1,4 @@
-#include "shell/namespace/shell_malloc.h"
+#include "shell/namespace/pidl.h"
 #include <gtest/gtest.h>
 #include <shlobj.h>
 

@@ -1,6 +1,5 @@
+#include "shell/namespace/pidl.h"
 #include "shell/namespace/shell_notify.h"
-#include "shell/namespace/pidl_of_path.h"
-#include "shell/namespace/shell_malloc.h"
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"

@@ -1,4 +1,3 @@
-#include "shell/subclass/shell_subclasser.h"
 #include "shell/subclass/shell_subclass.h"
 #include "support/runtime_lookup.h"
 #include "support/test_window.h"

@@ -1,7 +1,6 @@
-#include "store/ini/ini_file.h"
-
 #include "files/read_only.h"
 #include "runtime/text/str_copy.h"
+#include "store/ini/ini_file.h"
 #include "support/guard_page.h"
 #include "support/replace_import.h"
 #include "support/temp_folder.h"

@@ -1,5 +1,4 @@
 #include "store/ini/parser.h"
-
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>

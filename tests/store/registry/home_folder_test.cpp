@@ -1,6 +1,5 @@
-#include "store/registry/home_folder.h"
-
 #include "reg_tree.h"
+#include "store/registry/home_folder.h"
 
 #include <gtest/gtest.h>
 

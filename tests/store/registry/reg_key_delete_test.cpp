@@ -1,6 +1,5 @@
+#include "runtime/base/ownership.h"
 #include "store/registry/reg_key.h"
-
-#include "runtime/base/owned_handle.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>

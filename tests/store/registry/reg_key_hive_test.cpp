@@ -1,7 +1,6 @@
-#include "store/registry/reg_key.h"
-
 #include "reg_tree.h"
 #include "runtime/system/elevation.h"
+#include "store/registry/reg_key.h"
 #include "support/replace_import.h"
 #include "support/temp_folder.h"
 

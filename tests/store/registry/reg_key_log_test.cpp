@@ -1,7 +1,6 @@
-#include "store/registry/reg_key.h"
-
 #include "store/registry/home_folder.h"
-#include "store/registry/reg_values.h"
+#include "store/registry/reg_key.h"
+#include "store/registry/reg_key_op.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>

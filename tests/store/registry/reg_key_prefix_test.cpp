@@ -1,5 +1,4 @@
 #include "store/registry/reg_key.h"
-
 #include "support/registry.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
-#include "store/registry/reg_key.h"
-
 #include "reg_tree.h"
+#include "store/registry/reg_key.h"
 #include "store/registry/reg_key_names.h"
 #include "support/guard_page.h"
 #include "support/replace_import.h"

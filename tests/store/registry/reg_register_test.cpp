@@ -1,7 +1,6 @@
-#include "store/registry/reg_register.h"
-
 #include "reg_tree.h"
 #include "shell/namespace/shell_notify.h"
+#include "store/registry/reg_register.h"
 #include "support/replace_import.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"

@@ -1,5 +1,4 @@
-#include "store/registry/reg_values.h"
-
+#include "store/registry/reg_key_op.h"
 #include "support/heap_count.h"
 #include "support/registry.h"
 

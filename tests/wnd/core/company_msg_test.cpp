@@ -1,6 +1,6 @@
-#include "wnd/core/company_msg.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
+#include "wnd/core/company_msg.h"
 #include <gtest/gtest.h>
 
 TEST(CompanyMsg, IsTheRegisteredMessage) {

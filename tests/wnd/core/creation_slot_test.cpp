@@ -1,5 +1,5 @@
-#include "wnd/core/creation_slot.h"
 #include "support/wait_until.h"
+#include "wnd/core/core_wnd.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

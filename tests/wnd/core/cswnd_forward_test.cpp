@@ -1,6 +1,6 @@
-#include "wnd/core/cswnd.h"
 #include "support/test_resource_ids.h"
 #include "support/wait_until.h"
+#include "wnd/core/cswnd.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

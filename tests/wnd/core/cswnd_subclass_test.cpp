@@ -1,7 +1,7 @@
-#include "wnd/core/cswnd.h"
 #include "runtime/system/runtime_func.h"
 #include "shell/subclass/shell_subclass.h"
 #include "support/wait_until.h"
+#include "wnd/core/cswnd.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "wnd/core/wait_cursor.h"
+#include "runtime/messages/wait_cursor.h"
 #include "support/replace_import.h"
 #include <gtest/gtest.h>
 

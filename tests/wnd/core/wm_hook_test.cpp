@@ -1,4 +1,4 @@
-#include "wnd/core/wm_hook.h"
+#include "wnd/core/cswnd.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

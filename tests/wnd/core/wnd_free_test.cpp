@@ -1,5 +1,5 @@
-#include "wnd/core/wnd_free.h"
 #include "runtime/threads/message_pump.h"
+#include "wnd/core/wnd_free.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

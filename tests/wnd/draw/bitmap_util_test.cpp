@@ -1,4 +1,3 @@
-#include "wnd/draw/bitmap_util.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
 #include "support/test_window.h"

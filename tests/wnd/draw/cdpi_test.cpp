@@ -1,6 +1,6 @@
-#include "wnd/draw/cdpi.h"
 #include "runtime/system/runtime_func.h"
 #include "support/replace_import.h"
+#include "wnd/draw/cdpi.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

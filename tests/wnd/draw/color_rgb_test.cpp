@@ -1,5 +1,5 @@
-#include "wnd/draw/color_rgb.h"
 #include "support/memory_picture.h"
+#include "wnd/draw/draw_util.h"
 
 #include <gtest/gtest.h>
 

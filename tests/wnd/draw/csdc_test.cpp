@@ -1,7 +1,7 @@
-#include "wnd/draw/csdc.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
 #include "support/replace_import.h"
+#include "wnd/draw/csdc.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-#include "wnd/draw/csicon.h"
-#include "app/identity/app_instance.h"
-#include "runtime/base/library_instance.h"
-#include "support/test_resource_ids.h"
+#include "app/identity/product_info.h"
+#include "runtime/base/current_product.h"
+#include "runtime/messages/res_str.h"
 #include "support/memory_picture.h"
-#include "wnd/draw/resource_id.h"
+#include "support/test_resource_ids.h"
+#include "wnd/draw/csicon.h"
 
 #include <gtest/gtest.h>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "wnd/draw/csimage_list.h"
-#include "app/identity/app_instance.h"
+#include "app/identity/product_info.h"
 #include "support/memory_picture.h"
 #include "support/replace_import.h"
 #include "support/test_resource_ids.h"
+#include "wnd/draw/csimage_list.h"
 
 #include <gtest/gtest.h>
 #include <cstring>

@@ -1,7 +1,7 @@
-#include "wnd/draw/dib_bits.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
 #include "support/replace_import.h"
+#include "wnd/draw/dib_bits.h"
 
 #include <gtest/gtest.h>
 #include <cstdlib>

@@ -1,6 +1,6 @@
-#include "wnd/draw/draw_util.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
+#include "wnd/draw/draw_util.h"
 
 #include <gtest/gtest.h>
 #include <string>

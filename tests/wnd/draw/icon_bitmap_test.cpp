@@ -1,6 +1,6 @@
-#include "wnd/draw/icon_bitmap.h"
 #include "support/gui_objects.h"
 #include "support/made_icon.h"
+#include "wnd/draw/csicon.h"
 
 #include <gtest/gtest.h>
 #include <objbase.h>

@@ -1,7 +1,7 @@
-#include "wnd/menu/csmenu.h"
 #include "support/gui_objects.h"
-#include "support/other_windows.h"
 #include "support/made_icon.h"
+#include "support/other_windows.h"
+#include "wnd/menu/csmenu.h"
 
 #include <gtest/gtest.h>
 #include <string>

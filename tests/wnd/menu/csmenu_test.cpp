@@ -1,5 +1,5 @@
-#include "wnd/menu/csmenu.h"
 #include "support/gui_objects.h"
+#include "wnd/menu/csmenu.h"
 
 #include <gtest/gtest.h>
 #include <random>

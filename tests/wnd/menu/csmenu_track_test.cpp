@@ -1,7 +1,7 @@
-#include "wnd/menu/csmenu.h"
 #include "support/menu_driver.h"
 #include "support/replace_import.h"
 #include "support/test_window.h"
+#include "wnd/menu/csmenu.h"
 
 #include <gtest/gtest.h>
 #include <string>

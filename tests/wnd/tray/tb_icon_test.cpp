@@ -1,11 +1,11 @@
-#include "wnd/tray/tb_icon.h"
-#include "app/identity/app_instance.h"
 #include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "runtime/system/dll_loader.h"
 #include "support/fake_tray.h"
 #include "support/test_resource_ids.h"
 #include "support/wait_until.h"
 #include "wnd/core/company_msg.h"
+#include "wnd/tray/tb_icon.h"
 #include "wnd_probe.h"
 
 #include <gtest/gtest.h>

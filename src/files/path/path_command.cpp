@@ -1,0 +1,151 @@
+#include "files/path/path_command.h"
+#include "files/path/path_chars.h"
+#include "runtime/text/str_chars.h"
+
+#include <windows.h>
+#include <shlwapi.h>
+#include <cwchar>
+
+namespace {
+constexpr wchar_t kPlace[] = L"%1";
+constexpr std::size_t kPlaceLength = 2;
+
+bool IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }
+
+const wchar_t* SkipBlanksAndTabs(const wchar_t* psz) {
+    while (IsBlankOrTab(*psz)) ++psz;
+    return psz;
+}
+
+/// The command's first word; psz moves to what follows.
+const wchar_t* TakeWord(const wchar_t*& psz, std::size_t& cch) {
+    const wchar_t* pWord = SkipBlanksAndTabs(psz);
+    const wchar_t* pEnd = pWord;
+    if (*pWord == L'"') {
+        pEnd = ++pWord;
+        while (*pEnd && *pEnd != L'"') ++pEnd;
+    } else {
+        while (*pEnd && !IsBlankOrTab(*pEnd)) ++pEnd;
+    }
+    cch = static_cast<std::size_t>(pEnd - pWord);
+    psz = SkipBlanksAndTabs(*pEnd == L'"' ? pEnd + 1 : pEnd);
+    return pWord;
+}
+
+/// The word, expanded, and two terminators into cchOut characters.
+int PutProgram(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pWord, std::size_t cchWord) {
+    wchar_t szWord[kPathChars];
+    if (cchOut < 2 || cchWord >= kPathChars) return 0;
+    CopyTextPart(szWord, pWord, cchWord);
+    if (!ExpandEnvStrings(szWord, pszOut, static_cast<unsigned>(cchOut - 1))) return 0;
+    pszOut[std::wcslen(pszOut) + 1] = 0;
+    return 1;
+}
+
+/// The rest of the command with the path in each of its places.
+int PutInPlaces(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest,
+                const wchar_t* pszPath) {
+    for (const wchar_t* pPlace; (pPlace = std::wcsstr(pszRest, kPlace));
+         pszRest = pPlace + kPlaceLength) {
+        auto cch = static_cast<std::size_t>(pPlace - pszRest);
+        if (cch + std::wcslen(pszPath) >= cchOut) return 0;
+        cch = CopyTextPart(pszOut, pszRest, cch);
+        cch += CopyTextPart(pszOut + cch, pszPath, cchOut - cch - 1);
+        pszOut += cch;
+        cchOut -= cch;
+    }
+    return CopyTextCut(pszOut, cchOut, pszRest);
+}
+
+int PutArgs(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest, const wchar_t* pszPath) {
+    if (!*pszRest) return CopyTextCut(pszOut, cchOut, pszPath);
+    if (std::wcsstr(pszRest, kPlace)) return PutInPlaces(pszOut, cchOut, pszRest, pszPath);
+    return CopyTextCut(pszOut, cchOut, pszRest) && AppendTextCut(pszOut, cchOut, L" ") &&
+           AppendTextCut(pszOut, cchOut, pszPath);
+}
+} // namespace
+
+int PreparePathArg(const wchar_t* pszCommand, const wchar_t* pszPath, wchar_t* pszProgram,
+                   wchar_t* pszArgs, unsigned cch) {
+    if (!pszProgram || !pszArgs || cch == 0) return 0;
+    const wchar_t* pszRest = pszCommand ? pszCommand : L"";
+    std::size_t cchWord = 0;
+    const wchar_t* pWord = TakeWord(pszRest, cchWord);
+    *pszArgs = 0;
+    if (!PutProgram(pszProgram, cch < kPathChars ? cch : kPathChars, pWord, cchWord)) {
+        *pszProgram = 0; // a cut name would be another program
+        return 0;
+    }
+    if (PutArgs(pszArgs, cch, pszRest, pszPath ? pszPath : L"")) return 1;
+    *pszArgs = 0;
+    return 0;
+}
+
+namespace {
+int Expand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    DWORD cch = ::ExpandEnvironmentStringsW(pszIn, pszOut, cchOut); // with the terminator
+    return cch > 1 && cch <= cchOut && *pszOut;
+}
+
+int UnExpand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    return ::PathUnExpandEnvStringsW(pszIn, pszOut, cchOut) && *pszOut;
+}
+
+/// The platform's functions do not work in place.
+template <class Fn>
+int ChangeOrCopy(Fn&& change, const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    if (!pszOut || cchOut == 0) return 0;
+    wchar_t szIn[kPathChars];
+    if (pszIn >= pszOut && pszIn < pszOut + cchOut) {
+        if (!CopyPath(szIn, pszIn)) return CopyTextCut(pszOut, cchOut, pszIn);
+        pszIn = szIn;
+    }
+    if (pszIn && *pszIn && change(pszIn, pszOut, cchOut)) return 1;
+    return CopyTextCut(pszOut, cchOut, pszIn);
+}
+} // namespace
+
+int ExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    return ChangeOrCopy(Expand, pszIn, pszOut, cchOut);
+}
+
+int UnExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    return ChangeOrCopy(UnExpand, pszIn, pszOut, cchOut);
+}
+
+namespace {
+constexpr wchar_t kQuote = L'"';
+
+/// The cch characters at psz, cut only if they come from elsewhere.
+void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch, bool bInPlace) {
+    if (!bInPlace && cch >= kPathChars) cch = kPathChars - 1;
+    CopyTextPart(pszOut, psz, cch);
+}
+
+const wchar_t* DropBlanksAndTabs(const wchar_t* pStart, const wchar_t* pEnd) {
+    while (pEnd > pStart && (pEnd[-1] == L' ' || pEnd[-1] == L'\t')) --pEnd;
+    return pEnd;
+}
+} // namespace
+
+void AddQuotesIfSpace(wchar_t* pszPath) {
+    if (pszPath && std::wcschr(pszPath, L' ')) AddQuotes(pszPath);
+}
+
+void UnQuote(wchar_t* pszOut, const wchar_t* pszIn) {
+    if (!pszOut) return;
+    const wchar_t* p = pszIn ? pszIn : pszOut;
+    const wchar_t* pEnd = nullptr;
+    if (*p == kQuote) pEnd = std::wcschr(++p, kQuote);
+    std::size_t cch = pEnd ? static_cast<std::size_t>(pEnd - p) : std::wcslen(p);
+    PutText(pszOut, p, cch, !pszIn);
+}
+
+void RemoveWhiteSpacesAndQuotes(wchar_t* pszOut, const wchar_t* pszIn) {
+    if (!pszOut) return;
+    const wchar_t* p = pszIn ? pszIn : pszOut;
+    SkipLeadingWhiteSpaces(p);
+    const wchar_t* pEnd = DropBlanksAndTabs(p, p + std::wcslen(p));
+    if (pEnd > p && pEnd[-1] == kQuote) pEnd = DropBlanksAndTabs(p, pEnd - 1);
+    PutText(pszOut, p, static_cast<std::size_t>(pEnd - p), !pszIn);
+}

@@ -1,0 +1,26 @@
+#pragma once
+#include "runtime/base/export.h"
+#include <windows.h>
+
+// What the rooms at the bottom have to know of the product that they are part of. They may not
+// include the product's identity (app/identity), which stands above them; it tells them here.
+
+/// The module that this library is part of: its resources come from there, and its window classes
+/// are registered with it. Null before the library's start.
+TESSALY_API HINSTANCE GetLibraryInstance();
+
+/// For the library's start alone.
+void SetLibraryInstance(HINSTANCE hinst);
+
+/// How the product is asked. Nothing is remembered here: module and name can change at any time.
+struct CurrentProduct {
+    HINSTANCE (*pfnGetModule)();    // of the current application, or the library
+    const wchar_t* (*pfnGetName)(); // the title of message boxes; borrowed, never null
+    unsigned short (*pfnGetId)();   // the number by which the maker's programs know each other
+};
+
+/// The product as it was set; until then it is the library, without a name and with the number 0.
+const CurrentProduct& GetCurrentProduct();
+
+/// For the library's start alone, on one thread.
+void SetCurrentProduct(const CurrentProduct& product);

@@ -1,0 +1,60 @@
+#pragma once
+#include <cassert>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
+#include <new>
+#include <utility>
+
+/// Elements of a plain type on the heap, owned by this object and zero at the start. There is no
+/// block for 0 elements and when out of memory: IsReady is what to test before an element is used.
+template <class T>
+class HeapArray {
+  public:
+    HeapArray() = default;
+    explicit HeapArray(std::size_t nWanted) noexcept {
+        if (nWanted && nWanted <= SIZE_MAX / sizeof(T)) p = new (std::nothrow) T[nWanted]();
+        if (p) n = nWanted;
+    }
+    HeapArray(HeapArray&& other) noexcept
+        : p(std::exchange(other.p, nullptr)), n(std::exchange(other.n, 0)) {}
+    HeapArray& operator=(HeapArray&& other) noexcept {
+        std::swap(p, other.p); // what was held goes with the other one
+        std::swap(n, other.n);
+        return *this;
+    }
+    HeapArray(const HeapArray&) = delete; // owns the block
+    HeapArray& operator=(const HeapArray&) = delete;
+    ~HeapArray() { delete[] p; }
+
+    [[nodiscard]] bool IsReady() const { return p != nullptr; }
+    std::size_t GetCount() const { return n; }
+    std::size_t GetByteCount() const { return n * sizeof(T); }
+    /// The first element; null without a block.
+    T* Get() { return p; }
+    const T* Get() const { return p; }
+    T& operator[](std::size_t nAt) {
+        assert(nAt < n);
+        return p[nAt];
+    }
+    const T& operator[](std::size_t nAt) const {
+        assert(nAt < n);
+        return p[nAt];
+    }
+    T* begin() { return p; }
+    T* end() { return p + n; }
+    const T* begin() const { return p; }
+    const T* end() const { return p + n; }
+
+  private:
+    T* p = nullptr;
+    std::size_t n = 0;
+};
+
+/// A copy of a text with its terminator. Not ready for a null text and when out of memory.
+inline HeapArray<wchar_t> CopyToHeap(const wchar_t* psz) {
+    HeapArray<wchar_t> copy(psz ? std::wcslen(psz) + 1 : 0);
+    if (copy.IsReady()) std::wmemcpy(copy.Get(), psz, copy.GetCount());
+    return copy;
+}
