@@ -1,4 +1,4 @@
-#include "reg_tree.h"
+#include "store/reg_tree.h"
 #include "store/registry/home_folder.h"
 
 #include <gtest/gtest.h>

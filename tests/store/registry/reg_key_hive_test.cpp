@@ -1,4 +1,4 @@
-#include "reg_tree.h"
+#include "store/reg_tree.h"
 #include "runtime/system/elevation.h"
 #include "store/registry/reg_key.h"
 #include "support/replace_import.h"

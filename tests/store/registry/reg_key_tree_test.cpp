@@ -1,4 +1,4 @@
-#include "reg_tree.h"
+#include "store/reg_tree.h"
 #include "store/registry/reg_key.h"
 #include "store/registry/reg_key_names.h"
 #include "support/guard_page.h"

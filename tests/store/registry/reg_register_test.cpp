@@ -1,4 +1,4 @@
-#include "reg_tree.h"
+#include "store/reg_tree.h"
 #include "shell/namespace/shell_notify.h"
 #include "store/registry/reg_register.h"
 #include "support/replace_import.h"

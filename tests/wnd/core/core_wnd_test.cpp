@@ -1,5 +1,5 @@
 #include "wnd/core/core_wnd.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <thread>

@@ -1,6 +1,6 @@
 #include "support/wait_until.h"
 #include "wnd/core/core_wnd.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <atomic>

@@ -1,5 +1,5 @@
 #include "wnd/core/cswnd.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "support/test_resource_ids.h"
 #include "support/wait_until.h"
 #include "wnd/core/cswnd.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "shell/subclass/shell_subclass.h"
 #include "support/wait_until.h"
 #include "wnd/core/cswnd.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "runtime/threads/message_pump.h"
 #include "wnd/core/wnd_free.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "runtime/system/runtime_func.h"
 #include "support/replace_import.h"
 #include "wnd/draw/cdpi.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <cstring>

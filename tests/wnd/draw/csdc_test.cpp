@@ -2,7 +2,7 @@
 #include "support/memory_picture.h"
 #include "support/replace_import.h"
 #include "wnd/draw/csdc.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <string>

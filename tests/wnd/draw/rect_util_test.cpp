@@ -1,5 +1,5 @@
 #include "wnd/draw/rect_util.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 

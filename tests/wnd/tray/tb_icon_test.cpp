@@ -6,7 +6,7 @@
 #include "support/wait_until.h"
 #include "wnd/core/company_msg.h"
 #include "wnd/tray/tb_icon.h"
-#include "wnd_probe.h"
+#include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
 #include <cstring>
