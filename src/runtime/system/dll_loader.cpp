@@ -11,17 +11,17 @@ namespace {
 using GetVersionFunc = std::remove_pointer_t<DLLGETVERSIONPROC>;
 constexpr DWORD kOldestVersion = 4; // what has no DllGetVersion is of the first shell
 
-int PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
-    if (!GetModulePath(reinterpret_cast<HMODULE>(&__ImageBase), szPath)) return 0;
+bool PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
+    if (!GetModulePath(reinterpret_cast<HMODULE>(&__ImageBase), szPath)) return false;
     int cch = ::lstrlenW(szPath);
     while (cch && szPath[cch - 1] != L'\\') --cch;
-    if (cch + ::lstrlenW(pszName) + 1 > MAX_PATH) return 0;
+    if (cch + ::lstrlenW(pszName) + 1 > MAX_PATH) return false;
     ::lstrcpyW(szPath + cch, pszName);
-    return 1;
+    return true;
 }
 
-int IsFullPath(const wchar_t* pszName) {
-    if (pszName[0] == L'\\' && pszName[1] == L'\\') return 1;
+bool IsFullPath(const wchar_t* pszName) {
+    if (pszName[0] == L'\\' && pszName[1] == L'\\') return true;
     return pszName[0] && pszName[1] == L':' && pszName[2] == L'\\';
 }
 
@@ -82,9 +82,9 @@ unsigned short GetVerDll_ComCtl32() {
     return nVersion;
 }
 
-int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]) {
+bool GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]) {
     DWORD cch = ::GetModuleFileNameW(hinst, szPath, MAX_PATH);
-    if (cch > 0 && cch < MAX_PATH) return 1; // XP cuts a longer one without a terminator
+    if (cch > 0 && cch < MAX_PATH) return true; // XP cuts a longer one without a terminator
     szPath[0] = 0;
-    return 0;
+    return false;
 }

@@ -3,6 +3,8 @@
 #include <windows.h>
 #include <cwchar>
 
+// Sets of characters
+
 namespace {
 constexpr AsciiSet kWhite = AsciiSet(L"\t \n \r").Add(L' ', L' ');
 constexpr AsciiSet kCapital = AsciiSet().Add(L'A', L'Z');
@@ -43,6 +45,8 @@ void MakeStrPrintable(wchar_t* pszText, unsigned n) {
         if (!IsPrintableChar(pszText[i])) pszText[i] = L'.';
     }
 }
+
+// Upper and lower case
 
 namespace {
 /// The platform's functions take one character in place of a pointer if all the rest is 0.
@@ -98,14 +102,16 @@ void StrRot13(wchar_t* pszText) {
     }
 }
 
+// Blanks at the ends
+
 namespace {
 template <class Char>
-int SkipToQuoted(Char*& p) {
-    if (!p) return 0;
+bool SkipToQuoted(Char*& p) {
+    if (!p) return false;
     p = SkipBlanksAndTabs(p);
-    if (*p != L'"') return 0;
+    if (*p != L'"') return false;
     p = SkipBlanksAndTabs(p + 1);
-    return 1;
+    return true;
 }
 } // namespace
 

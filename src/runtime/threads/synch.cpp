@@ -17,6 +17,8 @@ const wchar_t* PrepareObjectName(wchar_t* pszBuffer, unsigned cchBuffer, const w
     return pszBuffer;
 }
 
+// Objects that are opened by name
+
 const wchar_t* Synch::PrepareName(wchar_t* pszBuffer, unsigned cchBuffer, const wchar_t* pszName,
                                   int bGlobal) {
     return PrepareObjectName(pszBuffer, cchBuffer, pszName, bGlobal);
@@ -46,6 +48,8 @@ int Synch::MsgWait(DWORD nTimeoutMs, DWORD dwWakeMask) {
     return dwLastWait == WAIT_OBJECT_0;
 }
 
+// Events
+
 HANDLE Event::Win32_Open(DWORD dwAccess, int bInherit, const wchar_t* pszName) {
     return ::OpenEventW(dwAccess, bInherit, pszName);
 }
@@ -55,7 +59,7 @@ int Event::Create(const wchar_t* pszName, int bGlobal, int bManual, int bInitial
     Close();
     wchar_t szFull[kMaxObjectName];
     const wchar_t* pszFull = PrepareName(szFull, kMaxObjectName, pszName, bGlobal);
-    ::SetLastError(ERROR_SUCCESS);
+    ::SetLastError(ERROR_SUCCESS); // a success need not write it
     h = ::CreateEventW(pSecurity, bManual, bInitial, pszFull);
     bExisted = ::GetLastError() == ERROR_ALREADY_EXISTS;
     return h != nullptr;
@@ -102,6 +106,8 @@ void Event::Pulse() {
     if (h) ::PulseEvent(h);
 }
 
+// Events under exactly the name given
+
 EventSimple::EventSimple() { Open(nullptr, 0, 0); }
 
 EventSimple::EventSimple(const wchar_t* pszName, int bManual, int bInitial) {
@@ -132,6 +138,8 @@ void EventSimple::Set(int bSignalled) {
 }
 
 void EventSimple::Clear() { Set(0); }
+
+// Mutexes
 
 MyMutex::MyMutex(int bGlobal, const wchar_t* pszName) {
     wchar_t szFull[kMaxObjectName];

@@ -21,7 +21,8 @@ constinit decltype(&::SHChangeNotification_Unlock) ShellNotify::pfnUnlock = null
 
 ShellNotify::ShellNotify() {
     if (bInitialized) return;
-    // Two first constructions at once find the same functions.
+    // The shell is mapped by the library's imports, and this may run while the library is loaded:
+    // nothing is loaded here. Two first constructions at once find the same functions.
     FindShellFunc(pfnRegister, "SHChangeNotifyRegister");
     FindShellFunc(pfnDeregister, "SHChangeNotifyDeregister");
     FindShellFunc(pfnLock, "SHChangeNotification_Lock");

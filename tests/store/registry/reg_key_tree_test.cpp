@@ -1,6 +1,6 @@
 #include "store/reg_tree.h"
 #include "store/registry/reg_key.h"
-#include "store/registry/reg_key_names.h"
+#include "store/registry/reg_path.h"
 #include "support/guard_page.h"
 #include "support/replace_import.h"
 
