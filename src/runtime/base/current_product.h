@@ -2,9 +2,9 @@
 #include "runtime/base/export.h"
 #include <windows.h>
 
-// What the folders at the bottom have to know of the product that they are part of. They may not
-// include the product's identity (app/identity), which stands above them; the library's start tells
-// them here (app/start/library_start.cpp).
+// What the rooms at the bottom of the source tree have to know of the product that they are part
+// of. They may not include its identity (app/identity), which stands above them: during the
+// library's start it tells them here.
 
 /// The module that this library is part of: its resources come from there, and its window classes
 /// are registered with it. Null before the library's start.

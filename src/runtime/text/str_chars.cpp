@@ -17,9 +17,10 @@ constexpr AsciiSet kCode = AsciiSet().Add(0, kLastControl).Add(kDelete, kDelete)
 constexpr AsciiSet kPrintable =
     AsciiSet(L"\t \n \f \r").Add(kEndOfFile, kEndOfFile).Add(L' ', kDelete - 1);
 // QUIRK: "#", "$", "%", "&", "<", ">", "@" and "_" are no punctuation, "=", "^" and "~" are.
-// Test: CharSets.TableOfAllRows
+// Test: CharSets.HaveTheirMembersOfAllCharacters/Punctuation
 constexpr AsciiSet kPunctuation(L"! \" ' ( ) * + , - . / : ; = ? [ \\ ] ^ ` { | } ~");
-// QUIRK: the blank is in this set and the double quote is not. Test: CharSets.TableOfAllRows
+// QUIRK: the blank is in this set and the double quote is not. Test:
+// CharSets.HaveTheirMembersOfAllCharacters/Misc
 constexpr AsciiSet kMisc =
     AsciiSet(L"! # $ % & ' ( ) * + , - . / : ; < = > ? @ [ \\ ] ^ _ ` { | } ~").Add(L' ', L' ');
 } // namespace

@@ -29,7 +29,7 @@ bool IsItemPrefix(const wchar_t* p, const wchar_t* pszText, wchar_t chSeparator,
 } // namespace
 
 // QUIRK: the empty prefix is no beginning of the empty text, though a null one is.
-// Test: StrStartsWith.TableOfAllCases
+// Test: StrStartsWithTable.AsksForThePrefix/EmptyPrefixOfEmpty
 int StrStartsWith(const wchar_t* pszText, const wchar_t* pszPrefix, int bIgnoreCase) {
     if (!pszPrefix) return 1;
     if (!pszText || !*pszText) return 0;
@@ -53,7 +53,7 @@ unsigned StrFindInList(const wchar_t* pszList, const wchar_t* pszText, int bIgno
 }
 
 // QUIRK: the text need not equal an item, only begin with one, so that an empty item matches every
-// text. Test: IsStrInList.TableOfAllCases
+// text. Test: IsStrInListTable.AsksForAnItemAtTheTextsBeginning/EmptyItemBeginsEveryText
 int IsStrInList(const wchar_t* pszText, const wchar_t* pszList, wchar_t chSeparator,
                 int bIgnoreCase) {
     if (!pszText) pszText = L"";
