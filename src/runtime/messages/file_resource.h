@@ -8,8 +8,8 @@
 
 /// The resource's data, which live as long as the module, and their size in bytes. Null (size 0) if
 /// there is none; pcb may be null.
-TESSALY_API const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst = nullptr,
-                                         const wchar_t* pszType = nullptr);
+[[nodiscard]] TESSALY_API const void*
+LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst = nullptr, const wchar_t* pszType = nullptr);
 
 /// What CreateFileFromResource does with a file that exists; if several are given, the first of
 /// these counts. With none the user is asked.

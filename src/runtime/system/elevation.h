@@ -14,7 +14,7 @@ class TESSALY_API AccessToken {
 
     /// This process's token, with TOKEN_... rights; what was held is closed. Returns 1; 0 when the
     /// platform refused (GetLastError is kept).
-    int OpenProcess(DWORD dwAccess);
+    [[nodiscard]] int OpenProcess(DWORD dwAccess);
     operator HANDLE() const { return h.Get(); }
 
   private:
@@ -37,6 +37,7 @@ TESSALY_API int EnablePrivilege(const wchar_t* pszName, int bOn);
 /// process may not (GetLastError tells why).
 TESSALY_API int SetupExitToken();
 /// The platform's DuplicateTokenEx. 1; 0 when it refused (GetLastError is kept).
-TESSALY_API int MyDuplicateTokenEx(HANDLE hToken, DWORD dwAccess, SECURITY_ATTRIBUTES* pSecurity,
-                                   SECURITY_IMPERSONATION_LEVEL nLevel, TOKEN_TYPE nType,
-                                   HANDLE* phNew);
+[[nodiscard]] TESSALY_API int MyDuplicateTokenEx(HANDLE hToken, DWORD dwAccess,
+                                                 SECURITY_ATTRIBUTES* pSecurity,
+                                                 SECURITY_IMPERSONATION_LEVEL nLevel,
+                                                 TOKEN_TYPE nType, HANDLE* phNew);

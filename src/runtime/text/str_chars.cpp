@@ -19,8 +19,8 @@ constexpr AsciiSet kPrintable =
 // QUIRK: "#", "$", "%", "&", "<", ">", "@" and "_" are no punctuation, "=", "^" and "~" are.
 // Test: CharSets.HaveTheirMembersOfAllCharacters/Punctuation
 constexpr AsciiSet kPunctuation(L"! \" ' ( ) * + , - . / : ; = ? [ \\ ] ^ ` { | } ~");
-// QUIRK: the blank is in this set and the double quote is not. Test:
-// CharSets.HaveTheirMembersOfAllCharacters/Misc
+// QUIRK: the blank is in this set and the double quote is not.
+// Test: CharSets.HaveTheirMembersOfAllCharacters/Misc
 constexpr AsciiSet kMisc =
     AsciiSet(L"! # $ % & ' ( ) * + , - . / : ; < = > ? @ [ \\ ] ^ _ ` { | } ~").Add(L' ', L' ');
 } // namespace

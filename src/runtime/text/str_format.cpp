@@ -136,8 +136,8 @@ constexpr SizeUnit kSizeUnits[] = {
 constexpr unsigned kUnitBits = 10;
 } // namespace
 
-// QUIRK: cut, not rounded: one byte less than 2 KB is "1.9 KB". Test:
-// SizeToStrTable.GivesTheLargestUnit/CutNotRounded
+// QUIRK: cut, not rounded: one byte less than 2 KB is "1.9 KB".
+// Test: SizeToStrTable.GivesTheLargestUnit/CutNotRounded
 void SizeToStr(wchar_t* pszText, unsigned cch, unsigned long long cb, int bAlwaysDecimal) {
     for (const SizeUnit& unit : kSizeUnits) {
         auto nWhole = static_cast<int>(cb >> unit.nShift);

@@ -195,6 +195,8 @@ LSTATUS RegKey::ReadValueName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) cons
     return ::RegEnumValueW(hkey, nAt, pszBuffer, &cch, nullptr, nullptr, nullptr, nullptr);
 }
 
+// QUIRK: every walk answers 1 to any error but "no more", so that one over a key that is not open
+// never ends: the open has to be tested first. Test: RegKeyRead.NameThatDoesNotFitGivesOneAndNoName
 int RegKey::GetSubKeyByIndex(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const {
     return ReadSubKeyName(nAt, pszBuffer, cchBuffer) != ERROR_NO_MORE_ITEMS;
 }
@@ -224,7 +226,7 @@ int RegKey::GetNextValue(wchar_t* pszBuffer, int cchBuffer) {
 // Operations on entries
 
 /// Whether the value is the text; one that cannot be read is like an empty one.
-bool RegKey::TestStr(const wchar_t* pszName, const wchar_t* pszText, bool bNoCase) const {
+bool RegKey::TestStr(const wchar_t* pszName, const wchar_t* pszText, int bNoCase) const {
     wchar_t szStored[kMaxTestedSize / sizeof(wchar_t) + 1] = {}; // one more: text may be open-ended
     DWORD cb = kMaxTestedSize;
     LSTATUS status =
@@ -245,7 +247,7 @@ int RegKey::ProcessEntry(Op op, const wchar_t* pszName, const wchar_t* pszText) 
     case OpTest:
     case OpTestNoCase: return TestStr(pszName, pszText, op == OpTestNoCase);
     case OpDelete: DelValue(pszName); return 1;
-    case OpSet: return TestStr(pszName, pszText, false) || PutStr(pszName, pszText, 1);
+    case OpSet: return TestStr(pszName, pszText, 0) || PutStr(pszName, pszText, 1);
     case OpGet: return 0; // there is no buffer to read to
     case OpTestAbsent: return !FindValue(pszName);
     case OpSetAlways: return PutStr(pszName, pszText, 0);

@@ -93,13 +93,10 @@ class TESSALY_API RegKey {
     int PutStrOrDelEmpty(const wchar_t* pszName, const wchar_t* pszText, int bCompare);
     int PutBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes, DWORD dwType);
 
-    /// Deletes the value; 1 also if it is not there.
-    // QUIRK: a value of type REG_NONE counts as not there and is never deleted.
-    // Test: RegKeyDelete.ValueWithoutTypeStays
+    /// Deletes the value; 1 also if FindValue says that it is not there.
     int DelValue(const wchar_t* pszName);
-    /// Deletes the subkey with all that it holds. 1 if there is none, 0 if it could not be deleted.
-    // QUIRK: a subkey that exists and cannot be opened for writing is passed over with 1.
-    // Test: RegKeyDelete.SubKeyThatCannotBeWrittenIsPassedOver
+    /// Deletes the subkey with all that it holds. 0 if it could not be deleted; 1 if there is none,
+    /// and 1 for one that cannot be opened for writing.
     int DelSubKey(const wchar_t* pszSubkey);
     /// Empties the key of subkeys and values; the key itself stays. Always 1.
     int DelAll();
@@ -114,9 +111,7 @@ class TESSALY_API RegKey {
     /// but the default value. Names of more than 256 characters are passed over. Always 1.
     int DelValuesStartingWith(const wchar_t* pszPrefix, int bNoCase);
 
-    /// Copies one value with its type. 0 if it is missing or could not be copied.
-    // QUIRK: a value with no bytes counts as missing: CopyTo, RenameSubkey and CS2WA lose it.
-    // Test: RegKeyTree.ValueWithoutBytesIsNotCopied
+    /// Copies one value with its type. 0 if it is missing, has no bytes or could not be copied.
     int CopyValueTo(RegKey& target, const wchar_t* pszName) const;
     /// Copies all values and, with all that they hold, all subkeys into target, over what is there.
     /// What cannot be read or made is passed over, as are subkeys more than 512 levels down, the
@@ -165,11 +160,9 @@ class TESSALY_API RegKey {
     int PutBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const void* pBytes,
                      unsigned cbBytes);
 
-    /// Names in the platform's order, into cchBuffer characters. One index serves both kinds, so
-    /// that walks cannot be interleaved.
-    // QUIRK: 0 only for "no more": any other error, such as a name that does not fit or a key that
-    // is not open, gives 1 and an empty name. Test the open first.
-    // Test: RegKeyRead.NameThatDoesNotFitGivesOneAndNoName
+    /// Names in the platform's order. One index serves both kinds, so walks cannot be interleaved.
+    /// All give 0 only for "no more": an error, such as a name that does not fit or a key that is
+    /// not open, gives 1 and an empty name. Test the open first.
     int GetFirstSubKey(wchar_t* pszBuffer, int cchBuffer);
     int GetNextSubKey(wchar_t* pszBuffer, int cchBuffer);
     int GetSubKeyByIndex(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
@@ -215,10 +208,10 @@ class TESSALY_API RegKey {
     bool ReadStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer) const;
     bool HoldsStr(const wchar_t* pszName, const wchar_t* pszText) const;
     bool HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const;
-    bool TestStr(const wchar_t* pszName, const wchar_t* pszText, bool bNoCase) const;
+    bool TestStr(const wchar_t* pszName, const wchar_t* pszText, int bNoCase) const;
     void CopyTree(RegKey& target, int nLevelsLeft);
     void CopyValues(RegKey& target);
-    void DelSubKeys(bool bEmptyFirst);
+    void DelSubKeys(int bEmptyFirst);
     void DelValues();
 
     HKEY hkey = nullptr;
