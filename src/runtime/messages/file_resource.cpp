@@ -11,6 +11,7 @@ constexpr const wchar_t* kFileDataType = L"FILE_DATA";
 /// What to do with the place where the file is to be.
 enum class Decision { Write, LeaveAsDone, LeaveAsFailed };
 
+/// The first flag that is given counts; without one the user does.
 Decision Decide(HWND hwnd, const wchar_t* pszFile, unsigned nFlags) {
     if (::GetFileAttributesW(pszFile) == INVALID_FILE_ATTRIBUTES) return Decision::Write;
     if (nFlags & kExistingFileFails) return Decision::LeaveAsFailed;
@@ -29,7 +30,7 @@ bool WriteAll(HANDLE hFile, const void* pData, DWORD cb) {
 const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst, const wchar_t* pszType) {
     if (pcb) *pcb = 0;
     if (nId == 0) return nullptr;
-    if (nId < 0) hinst = GetLibraryInstance();
+    if (nId < 0) hinst = GetLibraryInstance(); // unlike strings, whatever module is named
     ConvertResourceId(nId, hinst);
     if (nId < 0 || nId > 0xFFFF) return nullptr; // FindResourceW would take it for a name's address
     HRSRC hrsrc = ::FindResourceW(hinst, MAKEINTRESOURCEW(nId), pszType ? pszType : kFileDataType);

@@ -11,6 +11,7 @@ namespace {
 using GetVersionFunc = std::remove_pointer_t<DLLGETVERSIONPROC>;
 constexpr DWORD kOldestVersion = 4; // what has no DllGetVersion is of the first shell
 
+/// The image is asked for itself, so that this works before the library's start too.
 bool PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
     if (!GetModulePath(reinterpret_cast<HMODULE>(&__ImageBase), szPath)) return false;
     int cch = ::lstrlenW(szPath);
@@ -33,7 +34,8 @@ HMODULE LoadByName(const wchar_t* pszName) {
     return MakeSystemPath(szPath, pszName) ? ::LoadLibraryW(szPath) : nullptr;
 }
 
-/// What the library's DllGetVersion tells; 4.0 without one.
+/// What the library's DllGetVersion tells; 4.0 without one. A function that fails may have written
+/// a part of its answer, which is not used.
 DLLVERSIONINFO AskVersion(const DLL_Loader& library) {
     DLLVERSIONINFO info{};
     info.cbSize = sizeof(info);
@@ -68,7 +70,7 @@ FARPROC DLL_Loader::GetAPI(const char* pszName) const {
 unsigned short GetVerDll(const wchar_t* pszName, DWORD* pdwMajor, DWORD* pdwMinor,
                          DWORD* pdwBuild) {
     DLL_Loader library(pszName ? pszName : L"SHELL32");
-    DLLVERSIONINFO info{};
+    DLLVERSIONINFO info{}; // zeros are the answer for a library that is not there
     if (static_cast<HMODULE>(library)) info = AskVersion(library);
     if (pdwMajor) *pdwMajor = info.dwMajorVersion;
     if (pdwMinor) *pdwMinor = info.dwMinorVersion;

@@ -61,7 +61,7 @@ int WinServer() {
 int WinPro() {
     OSVERSIONINFOEXW info;
     if (!ReadNtVersion(info)) return 0;
-    if (info.dwMajorVersion < 5) return 1;
+    if (info.dwMajorVersion < 5) return 1; // before Windows 2000 there was no home edition
     if (info.wSuiteMask & VER_SUITE_PERSONAL) return 0;
     return info.wProductType >= VER_NT_WORKSTATION && info.wProductType <= VER_NT_SERVER;
 }
@@ -72,6 +72,7 @@ unsigned long long GetWinVersion(DWORD* pdwServicePack) {
     if (pdwServicePack)
         *pdwServicePack = bKnown ? MAKELONG(info.wServicePackMinor, info.wServicePackMajor) : 0;
     if (!bKnown) return 0;
+    // Major and minor version are words here, though the platform has them as 32 bits each.
     DWORD dwVersion = MAKELONG(info.dwMinorVersion, info.dwMajorVersion);
     return static_cast<unsigned long long>(dwVersion) << 32 | info.dwBuildNumber;
 }
@@ -103,6 +104,7 @@ int IsFastUserSwitchingEnabled() {
     return status == ERROR_SUCCESS ? static_cast<int>(dwValue) : 0;
 }
 
+/// XP knows no names of locales and would fail for them.
 int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer) {
     if (cchBuffer <= 0) return 0; // a capacity of 0 would ask for the length
     LCTYPE nWhat = WinVista() ? LOCALE_SNAME : LOCALE_SENGLANGUAGE;

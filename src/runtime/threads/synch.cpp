@@ -76,13 +76,15 @@ int Event::CreateNew(const wchar_t* pszName, int bGlobal, int bManual, int bInit
     int bExisted = 0;
     int bCreated = Create(pszName, bGlobal, bManual, bInitial, pSecurity, bExisted);
     if (!bExisted) return bCreated;
-    Close();
+    Close(); // somebody else's: its settings are not those that were asked for
     return 0;
 }
 
 int Event::CreateNewForUser(const wchar_t* pszName, int bGlobal, const wchar_t* pszSid,
                             DWORD dwAccess, int bManual, int bInitial) {
     if (!pszSid) return 0;
+    // Two entries that allow: the user with those rights, LOCAL SERVICE (LS) with all (GA). Nobody
+    // else, not even who makes the event, has any but through the handle that comes back.
     wchar_t szDescriptor[kMaxDescriptor];
     FormatText(szDescriptor, L"D:(A;;0x%lX;;;%s)(A;;GA;;;LS)", dwAccess, pszSid);
     PSECURITY_DESCRIPTOR pDescriptor = nullptr;
@@ -115,7 +117,7 @@ EventSimple::EventSimple(const wchar_t* pszName, int bManual, int bInitial) {
 }
 
 int EventSimple::Open(const wchar_t* pszName, int bManual, int bInitial) {
-    h.Reset();
+    h.Reset(); // first: the same name may be asked for again, and would exist through this handle
     ::SetLastError(ERROR_SUCCESS);
     HANDLE hCreated = ::CreateEventW(nullptr, bManual, bInitial, pszName);
     bExisted = ::GetLastError() == ERROR_ALREADY_EXISTS;

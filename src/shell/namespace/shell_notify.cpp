@@ -46,7 +46,7 @@ int ShellNotify::Register(HWND hwnd, long nEvents, unsigned uMsg, const wchar_t*
 
 int ShellNotify::Register(HWND hwnd, long nEvents, unsigned uMsg, const ITEMIDLIST* pidl,
                           int nRecursive) {
-    End();
+    End(); // also where the new one fails: an object has one registration or none
     if (!pfnRegister) return 0;
     SHChangeNotifyEntry entry{pidl, nRecursive};
     int nSources = nRecursive ? kSourcesRecursive : kSources;
@@ -56,6 +56,7 @@ int ShellNotify::Register(HWND hwnd, long nEvents, unsigned uMsg, const ITEMIDLI
 
 void* ShellNotify::OnMsgStart(WPARAM wParam, LPARAM lParam, ITEMIDLIST*** pppidl, long* pnEvent) {
     if (!pfnLock) return nullptr;
+    // The new delivery's parameters: a block that processes share, and the id of who made it.
     return pfnLock(reinterpret_cast<HANDLE>(wParam), static_cast<DWORD>(lParam), pppidl, pnEvent);
 }
 

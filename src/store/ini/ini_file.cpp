@@ -61,7 +61,7 @@ int IniFile::GetVar(wchar_t* pszBuffer) {
     if (pParser->GetCurrentChar() == L'[' || pParser->GetCurrentChar() == L';') return 0;
     unsigned cch = pParser->CopyToChar(L'=', pszBuffer, kTextSize);
     if (!pParser->MustBe(L'=')) return 0;
-    while (cch && pszBuffer[cch - 1] == L' ') pszBuffer[--cch] = 0;
+    while (cch && pszBuffer[cch - 1] == L' ') pszBuffer[--cch] = 0; // "name =": tabs stay
     return 1;
 }
 
@@ -115,7 +115,7 @@ int IniFile::ReadAll(const wchar_t* pszText, unsigned cchText) {
 // Files
 
 int IniFile::ReadData() {
-    if (!*szPath) return 0;
+    if (!*szPath) return 0; // an object for a text alone
     CoreFile file(szPath, 0);
     if (!file.IsReady()) return 0;
     DWORD cb = file.GetSize(nullptr);
@@ -130,6 +130,7 @@ int IniFile::ReadData() {
 }
 
 int IniFile::WriteData() {
+    // Measured and then written by the same routine, so that the block is just large enough.
     unsigned cch = MakeData(nullptr);
     if (!cch) {
         ::DeleteFileW(szPath);

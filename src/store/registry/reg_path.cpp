@@ -44,6 +44,7 @@ int RegKey::GetParentSubkeyName(const wchar_t* pszPath, wchar_t* pszOut, unsigne
     *pszOut = 0;
     const wchar_t* pszName = FindLastSubkeyName(pszPath);
     if (!pszName) return 0;
+    // Without a backslash the name is all of the path, and nothing is in front of it.
     std::size_t cch = pszName == pszPath ? 0 : static_cast<std::size_t>(pszName - pszPath) - 1;
     cch = std::min<std::size_t>(cch, cchOut - 1);
     std::wmemcpy(pszOut, pszPath, cch);

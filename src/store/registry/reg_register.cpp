@@ -54,11 +54,13 @@ bool ProcessHandler(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszCls
     return op == RegKey::OpDelete || ProcessDefault(op, handlers, pszName, pszClsid);
 }
 
+/// Only what changed something is worth telling: the shell redraws all its icons for it.
 void NotifyShell(RegKey::Op op, int bNotify) {
     if (!bNotify || !RegKey::IsWritable(op)) return;
     ::SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_FLUSH, nullptr, nullptr);
 }
 
+/// The driver's key, whose default value says what kind of thing starts.
 bool ProcessDriver(RegKey::Op op, RegKey& mode, const wchar_t* pszSubkey) {
     if (op != RegKey::OpDelete && !mode.ProcessSubKey(op, pszSubkey)) return false;
     // With OpDelete this makes a missing key, which then goes at once.

@@ -7,8 +7,9 @@
 namespace {
 constexpr std::size_t kNameSize = 256; // of a prefix and a side's letter, with the terminator
 constexpr unsigned kFontSize = 92;     // bytes that are stored
-static_assert(sizeof(LOGFONTW) == kFontSize);
+static_assert(sizeof(LOGFONTW) == kFontSize); // stored as it stands in memory
 
+/// The numbers are values of their own, so that those that did not change are not written.
 struct RectSide {
     const wchar_t* pszFormat;
     LONG RECT::*pnSide;
