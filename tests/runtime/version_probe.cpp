@@ -1,9 +1,11 @@
-// Prints what the version tests say; started by the tests under names for which the platform shows
-// itself as one Windows or another.
+// Prints what the version tests say, and what the product is before the library's start; started by
+// the tests, also under names for which the platform shows itself as one Windows or another.
+#include "runtime/base/current_product.h"
 #include "runtime/system/elevation.h"
 #include "runtime/system/system_facts.h"
 
 #include <cstdio>
+#include <cwchar>
 
 int wmain() {
     struct Row {
@@ -40,5 +42,11 @@ int wmain() {
     wchar_t szLanguage[85];
     GetWinLanguage(szLanguage, 85);
     std::printf("Language %ls\n", szLanguage);
+    const CurrentProduct& product = GetCurrentProduct();
+    std::printf("NameLength %u\n", static_cast<unsigned>(std::wcslen(product.pfnGetName())));
+    std::printf("Id %u\n", product.pfnGetId());
+    std::printf("HasModule %d\n", GetLibraryInstance() || product.pfnGetModule());
+    SetLibraryInstance(::GetModuleHandleW(nullptr));
+    std::printf("IsLibrary %d\n", product.pfnGetModule() == GetLibraryInstance());
     return 0;
 }

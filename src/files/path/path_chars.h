@@ -26,28 +26,6 @@ Char* EndOfName(Char* psz) {
 /// which the end may be missing. Null without a root.
 wchar_t* SkipRoot(wchar_t* pszPath);
 
-/// A set of ASCII characters, given as a text; blanks in it only set the others apart.
-class AsciiSet {
-  public:
-    constexpr explicit AsciiSet(const wchar_t* pszChars) {
-        for (const wchar_t* p = pszChars; *p; ++p) {
-            if (*p != L' ') nBits[*p / kBits] |= 1ull << *p % kBits;
-        }
-    }
-    constexpr bool Has(wchar_t ch) const {
-        return ch < 2 * kBits && (nBits[ch / kBits] >> ch % kBits & 1);
-    }
-    /// Whether a text holds one of them.
-    bool AnyIn(const wchar_t* psz) const {
-        while (*psz && !Has(*psz)) ++psz;
-        return *psz != 0;
-    }
-
-  private:
-    static constexpr unsigned kBits = 64;
-    unsigned long long nBits[2] = {};
-};
-
 /// Neither null nor too long for a path buffer.
 int FitsPath(const wchar_t* psz);
 

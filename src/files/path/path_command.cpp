@@ -10,13 +10,6 @@ namespace {
 constexpr wchar_t kPlace[] = L"%1";
 constexpr std::size_t kPlaceLength = 2;
 
-bool IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }
-
-const wchar_t* SkipBlanksAndTabs(const wchar_t* psz) {
-    while (IsBlankOrTab(*psz)) ++psz;
-    return psz;
-}
-
 /// The command's first word; psz moves to what follows.
 const wchar_t* TakeWord(const wchar_t*& psz, std::size_t& cch) {
     const wchar_t* pWord = SkipBlanksAndTabs(psz);
@@ -123,7 +116,7 @@ void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch, bool bInPlace
 }
 
 const wchar_t* DropBlanksAndTabs(const wchar_t* pStart, const wchar_t* pEnd) {
-    while (pEnd > pStart && (pEnd[-1] == L' ' || pEnd[-1] == L'\t')) --pEnd;
+    while (pEnd > pStart && IsBlankOrTab(pEnd[-1])) --pEnd;
     return pEnd;
 }
 } // namespace

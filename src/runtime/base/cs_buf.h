@@ -13,9 +13,11 @@ class TESSALY_API CSBuf {
     CSBuf& operator=(const CSBuf&) = default; // shares the block; what was held is not freed
     virtual ~CSBuf();
 
+    /// The block, which stays the object's; null without one.
     operator unsigned char*() const { return pBlock; }
-    /// No block, or its first byte is 0.
+    /// 1 without a block, and if its first byte is 0.
     int IsEmpty() const { return !pBlock || !*pBlock; }
+    /// 1 if there is a block.
     int IsReady() const { return pBlock != nullptr; }
     /// The byte at that index; 0 outside the block.
     unsigned char GetAt(unsigned nIndex) const;
@@ -29,7 +31,7 @@ class TESSALY_API CSBuf {
     unsigned cb = 0;
 };
 
-/// The same, filled with zeros before it is freed: for what shall not linger in memory.
+/// A CSBuf that is filled with zeros before it is freed: for what shall not linger in memory.
 class TESSALY_API CSBufZ : public CSBuf {
   public:
     explicit CSBufZ(unsigned cbWanted) : CSBuf(cbWanted) {}

@@ -20,11 +20,13 @@ void CSList::LinkAfter(CSNode* pNode, CSNode* pAfter) {
     (pNode->pNext ? pNode->pNext->pPrev : pTail) = pNode;
 }
 
+/// Each side has one field that names the node: its neighbour's, or the list's at an end.
 void CSList::Unlink(CSNode* pNode) {
     (pNode->pPrev ? pNode->pPrev->pNext : pHead) = pNode->pNext;
     (pNode->pNext ? pNode->pNext->pPrev : pTail) = pNode->pPrev;
 }
 
+/// The node is out of the list before the callback runs, which may use the list.
 void* CSList::Remove(CSNode* pNode) {
     void* pElement = pNode->pElement;
     Unlink(pNode);

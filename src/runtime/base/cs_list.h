@@ -11,8 +11,7 @@ struct CSNode {
 /// A place in a CSList. Null is the end. It stays good until its own node is removed.
 using POS = struct CSListPosition*;
 
-/// Told when an element leaves a list: (context, code, element). The code is 1; the result is
-/// ignored.
+/// Told when an element leaves a list. nCode is always 1; the result is ignored.
 using CSListCallback = int (*)(unsigned long long qwContext, unsigned nCode, void* pElement);
 
 /// A doubly linked list of untyped pointers. It owns its nodes and not its elements: what removes a
@@ -28,7 +27,7 @@ class TESSALY_API CSList {
     CSList& operator=(const CSList&) = default; // what was held is not released
     virtual ~CSList();
 
-    /// A new node at that end; its position, null when out of memory.
+    /// Puts a new node at the head, or at the tail. Its position; null when out of memory.
     POS AddHead(void* pElement);
     POS AddTail(void* pElement);
     /// Copies the other list's elements in their order; the other list stays as it is. A list may
@@ -44,42 +43,46 @@ class TESSALY_API CSList {
     /// Null if the list is empty.
     void* RemoveHead();
     void* RemoveTail();
-    /// Removes the node at pos, with the callback; pos moves on to the next node. For these two and
-    /// MoveAfter a null position is nothing to do.
+    /// Removes the node at pos, with the callback; pos moves on to the next node. A null position
+    /// is nothing to do.
     void RemoveAt(POS& pos);
-    /// Removes the node at pos without the callback and returns its element; pos moves on.
+    /// Removes the node at pos without the callback and returns its element; pos moves on. Null for
+    /// a null position.
     void* ExtractAt(POS& pos);
     /// Removes everything, from the tail, with the callback.
     void RemoveAll();
     /// Relinks the node at pos behind posAfter, or to the head if that is null. A node moved behind
-    /// itself or its present predecessor stays. Returns pos.
+    /// itself or its present predecessor stays. Returns pos, also if that is null.
     POS MoveAfter(POS pos, POS posAfter);
 
-    /// The element at that end; the list must not be empty.
+    /// The element at the head, or at the tail; the list must not be empty.
     void*& GetHead() { return pHead->pElement; }
     void* GetHead() const { return pHead->pElement; }
     void*& GetTail() { return pTail->pElement; }
     void* GetTail() const { return pTail->pElement; }
+    /// The position of the head, or of the tail; null if the list is empty.
     POS GetHeadPos() const { return ToPos(pHead); }
     POS GetTailPos() const { return ToPos(pTail); }
-    /// The element at pos, which must not be null; pos moves on, or back.
+    /// The element at pos, which must not be null. GetNext moves pos on, GetPrev moves it back.
     void*& GetNext(POS& pos);
     void* GetNext(POS& pos) const;
     void*& GetPrev(POS& pos);
     void* GetPrev(POS& pos) const;
+    /// The element at pos, which must not be null.
     void*& GetAt(POS pos) { return ToNode(pos)->pElement; }
     void* GetAt(POS pos) const { return ToNode(pos)->pElement; }
     void SetAt(POS pos, void* pElement) { ToNode(pos)->pElement = pElement; }
 
     int GetCount() const { return nCount; }
     int IsEmpty() const { return nCount == 0; }
-    /// Steps from the head; -1 for a null position.
+    /// The number of nodes before pos; -1 for a null position.
     int GetIndex(POS pos) const;
     /// The position of the index-th node, from 0; null if there is none.
     POS FindIndex(int nIndex) const;
     /// The first node, from the head or from behind posAfter, whose element is that pointer.
     POS Find(const void* pElement, POS posAfter = nullptr) const;
 
+    /// What is told from now on when an element leaves the list, with qwContext; null for nobody.
     void SetCallback(unsigned long long qwContext, CSListCallback pfnNew);
     /// Forgets the nodes without releasing anything: for one of two lists that share them.
     void Abandon();

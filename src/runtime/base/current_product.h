@@ -2,8 +2,9 @@
 #include "runtime/base/export.h"
 #include <windows.h>
 
-// What the rooms at the bottom have to know of the product that they are part of. They may not
-// include the product's identity (app/identity), which stands above them; it tells them here.
+// What the rooms at the bottom of the source tree have to know of the product that they are part
+// of. They may not include its identity (app/identity), which stands above them: during the
+// library's start it tells them here.
 
 /// The module that this library is part of: its resources come from there, and its window classes
 /// are registered with it. Null before the library's start.
@@ -19,7 +20,8 @@ struct CurrentProduct {
     unsigned short (*pfnGetId)();   // the number by which the maker's programs know each other
 };
 
-/// The product as it was set; until then it is the library, without a name and with the number 0.
+/// The product as it was set; until then its module is the library, its name is empty and its
+/// number is 0.
 const CurrentProduct& GetCurrentProduct();
 
 /// For the library's start alone, on one thread.

@@ -5,12 +5,31 @@
 #include <cstdint>
 #include <cstring>
 
-static_assert(std::endian::native == std::endian::little, "words are swapped when loaded");
+// Both digests take the data in blocks of 64 bytes. SHA-1 reads them as words with the high byte
+// first, MD5 with the low byte first, which are this processor's own.
+static_assert(std::endian::native == std::endian::little, "the words of SHA-1 are swapped");
 
 namespace {
 constexpr std::size_t kBlockSize = 64;
 constexpr std::size_t kLengthOffset = 56; // in the last block: the length in bits, 64 bits
 
+/// What follows the whole blocks: the bytes that are left, a bit of 1, zeros, and room for the
+/// length; one block, or two if that does not fit.
+struct Tail {
+    Tail(const unsigned char* pLeft, std::size_t cbLeft) : nBlocks(cbLeft < kLengthOffset ? 1 : 2) {
+        if (cbLeft) std::memcpy(bytes, pLeft, cbLeft);
+        bytes[cbLeft] = 0x80;
+    }
+    unsigned char* GetLength() { return bytes + (nBlocks - 1) * kBlockSize + kLengthOffset; }
+
+    unsigned char bytes[2 * kBlockSize] = {};
+    std::size_t nBlocks;
+};
+} // namespace
+
+// SHA-1
+
+namespace {
 std::uint32_t Swapped(std::uint32_t n) { return __builtin_bswap32(n); }
 
 /// The words of a block, of which the last 16 are kept: word n stands at n modulo 16.
@@ -126,17 +145,11 @@ extern "C" void SHA1_Update(SHA1_Context* pContext, const void* pData, unsigned 
 }
 
 extern "C" void SHA1_Final(unsigned char digest[kSha1Size], SHA1_Context* pContext) {
-    // What is left, a bit of 1, zeros, and the length: one block, or two if it does not fit.
-    unsigned char tail[2 * kBlockSize] = {};
-    auto cbLeft = static_cast<std::size_t>(pContext->cbSoFar % kBlockSize);
-    std::memcpy(tail, pContext->block, cbLeft);
-    tail[cbLeft] = 0x80;
-    std::size_t nTailBlocks = cbLeft < kLengthOffset ? 1 : 2;
-    unsigned char* pLength = tail + (nTailBlocks - 1) * kBlockSize + kLengthOffset;
+    Tail tail(pContext->block, static_cast<std::size_t>(pContext->cbSoFar % kBlockSize));
     std::uint64_t cBits = pContext->cbSoFar << 3; // modulo 2^64, as the standard has it
-    StoreBigEndian(pLength, static_cast<std::uint32_t>(cBits >> 32));
-    StoreBigEndian(pLength + 4, static_cast<std::uint32_t>(cBits));
-    AddBlocks(pContext->state, tail, nTailBlocks);
+    StoreBigEndian(tail.GetLength(), static_cast<std::uint32_t>(cBits >> 32));
+    StoreBigEndian(tail.GetLength() + 4, static_cast<std::uint32_t>(cBits));
+    AddBlocks(pContext->state, tail.bytes, tail.nBlocks);
     for (unsigned i = 0; i < 5; ++i) StoreBigEndian(digest + 4 * i, pContext->state[i]);
     *pContext = {};
 }
@@ -155,7 +168,7 @@ int IsSHA1_Empty(const unsigned char digest[kSha1Size]) {
 
 void DoSHA1_Empty(unsigned char digest[kSha1Size]) { std::memset(digest, 0, kSha1Size); }
 
-static_assert(std::endian::native == std::endian::little, "words are loaded as they stand");
+// MD5
 
 namespace {
 /// The state between blocks: the four words whose bytes are the digest at the end.
@@ -278,20 +291,17 @@ void AddBlocks(Md5State& state, const unsigned char* pData, std::uint64_t nBlock
 }
 } // namespace
 
-extern "C" void CalcMD5(unsigned char digest[16], const void* pData, unsigned long long cbData) {
+extern "C" void CalcMD5(unsigned char digest[kMd5Size], const void* pData,
+                        unsigned long long cbData) {
     const auto* pBytes = static_cast<const unsigned char*>(pData);
     Md5State state;
     AddBlocks(state, pBytes, cbData / kBlockSize);
 
-    // What is left, a bit of 1, zeros, and the length: one block, or two if it does not fit.
-    unsigned char tail[2 * kBlockSize] = {};
-    std::size_t cbLeft = static_cast<std::size_t>(cbData % kBlockSize);
-    if (cbLeft) std::memcpy(tail, pBytes + (cbData - cbLeft), cbLeft);
-    tail[cbLeft] = 0x80;
-    std::size_t nTailBlocks = cbLeft < kLengthOffset ? 1 : 2;
+    auto cbLeft = static_cast<std::size_t>(cbData % kBlockSize);
+    Tail tail(pBytes + (cbData - cbLeft), cbLeft);
     std::uint64_t cBits = cbData << 3; // modulo 2^64, as the algorithm has it
-    std::memcpy(tail + (nTailBlocks - 1) * kBlockSize + kLengthOffset, &cBits, sizeof(cBits));
-    AddBlocks(state, tail, nTailBlocks);
+    std::memcpy(tail.GetLength(), &cBits, sizeof(cBits));
+    AddBlocks(state, tail.bytes, tail.nBlocks);
 
     std::memcpy(digest, &state, sizeof(state));
 }

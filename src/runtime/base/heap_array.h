@@ -14,14 +14,17 @@ class HeapArray {
   public:
     HeapArray() = default;
     explicit HeapArray(std::size_t nWanted) noexcept {
-        if (nWanted && nWanted <= SIZE_MAX / sizeof(T)) p = new (std::nothrow) T[nWanted]();
+        // Beyond that size the compiler's own test would raise an exception in programs that have
+        // them.
+        if (nWanted && nWanted <= PTRDIFF_MAX / sizeof(T)) p = new (std::nothrow) T[nWanted]();
         if (p) n = nWanted;
     }
     HeapArray(HeapArray&& other) noexcept
         : p(std::exchange(other.p, nullptr)), n(std::exchange(other.n, 0)) {}
     HeapArray& operator=(HeapArray&& other) noexcept {
-        std::swap(p, other.p); // what was held goes with the other one
-        std::swap(n, other.n);
+        HeapArray taken(std::move(other));
+        std::swap(p, taken.p); // what was held goes with the block
+        std::swap(n, taken.n);
         return *this;
     }
     HeapArray(const HeapArray&) = delete; // owns the block

@@ -51,11 +51,11 @@ class ScopeExit {
     }
     ScopeExit(const ScopeExit&) = delete;
     ScopeExit& operator=(const ScopeExit&) = delete;
-    void Dismiss() noexcept { bArmed = 0; }
+    void Dismiss() noexcept { bArmed = false; }
 
   private:
     Fn fn;
-    int bArmed = 1;
+    bool bArmed = true;
 };
 
 /// Room for a process-wide object whose construction is not constant and therefore belongs into the

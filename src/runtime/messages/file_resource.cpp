@@ -8,20 +8,20 @@
 namespace {
 constexpr const wchar_t* kFileDataType = L"FILE_DATA";
 
-/// 1 if the file is to be made; otherwise nResult is what the caller gives.
-int MayCreate(HWND hwnd, const wchar_t* pszFile, unsigned nFlags, int& nResult) {
-    nResult = 0;
-    if (::GetFileAttributesW(pszFile) == INVALID_FILE_ATTRIBUTES) return 1;
-    if (nFlags & kExistingFileFails) return 0;
-    if (nFlags & kExistingFileStays) {
-        nResult = 1;
-        return 0;
-    }
-    if (nFlags & kExistingFileOverwritten) return 1;
-    return MsgFmt(hwnd, MB_YESNO | MB_ICONEXCLAMATION, -IDS_FILE_OVERWRITE, pszFile) == IDYES;
+/// What to do with the place where the file is to be.
+enum class Decision { Write, LeaveAsDone, LeaveAsFailed };
+
+/// The first flag that is given counts; without one the user does.
+Decision Decide(HWND hwnd, const wchar_t* pszFile, unsigned nFlags) {
+    if (::GetFileAttributesW(pszFile) == INVALID_FILE_ATTRIBUTES) return Decision::Write;
+    if (nFlags & kExistingFileFails) return Decision::LeaveAsFailed;
+    if (nFlags & kExistingFileStays) return Decision::LeaveAsDone;
+    if (nFlags & kExistingFileOverwritten) return Decision::Write;
+    int nAnswer = MsgFmt(hwnd, MB_YESNO | MB_ICONEXCLAMATION, -IDS_FILE_OVERWRITE, pszFile);
+    return nAnswer == IDYES ? Decision::Write : Decision::LeaveAsFailed;
 }
 
-int WriteAll(HANDLE hFile, const void* pData, DWORD cb) {
+bool WriteAll(HANDLE hFile, const void* pData, DWORD cb) {
     DWORD cbWritten = 0;
     return ::WriteFile(hFile, pData, cb, &cbWritten, nullptr) && cbWritten == cb;
 }
@@ -30,7 +30,7 @@ int WriteAll(HANDLE hFile, const void* pData, DWORD cb) {
 const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst, const wchar_t* pszType) {
     if (pcb) *pcb = 0;
     if (nId == 0) return nullptr;
-    if (nId < 0) hinst = GetLibraryInstance();
+    if (nId < 0) hinst = GetLibraryInstance(); // unlike strings, whatever module is named
     ConvertResourceId(nId, hinst);
     if (nId < 0 || nId > 0xFFFF) return nullptr; // FindResourceW would take it for a name's address
     HRSRC hrsrc = ::FindResourceW(hinst, MAKEINTRESOURCEW(nId), pszType ? pszType : kFileDataType);
@@ -43,8 +43,8 @@ const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst, const wchar_t
 
 int CreateFileFromResource(HWND hwnd, const wchar_t* pszFile, int nId, HINSTANCE hinst,
                            unsigned nFlags) {
-    int nResult = 0;
-    if (!MayCreate(hwnd, pszFile, nFlags, nResult)) return nResult;
+    Decision decision = Decide(hwnd, pszFile, nFlags);
+    if (decision != Decision::Write) return decision == Decision::LeaveAsDone;
     DWORD cb = 0;
     const void* pData = LoadFileResource(&cb, nId, hinst);
     if (!pData) return 0;

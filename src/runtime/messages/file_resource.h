@@ -8,8 +8,8 @@
 
 /// The resource's data, which live as long as the module, and their size in bytes. Null (size 0) if
 /// there is none; pcb may be null.
-TESSALY_API const void* LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst = nullptr,
-                                         const wchar_t* pszType = nullptr);
+[[nodiscard]] TESSALY_API const void*
+LoadFileResource(DWORD* pcb, int nId, HINSTANCE hinst = nullptr, const wchar_t* pszType = nullptr);
 
 /// What CreateFileFromResource does with a file that exists; if several are given, the first of
 /// these counts. With none the user is asked.
@@ -17,8 +17,9 @@ constexpr unsigned kExistingFileFails = 1;       // the result is 0
 constexpr unsigned kExistingFileStays = 2;       // the result is 1
 constexpr unsigned kExistingFileOverwritten = 4; // without a question
 
-/// Writes such a resource to a file. Failures to create and to write are told in a box over hwnd;
-/// what was written in part is deleted. 1; 0 also if there is no such resource, and then the file
-/// is not touched.
+/// Writes such a resource to a file, nFlags being the sum of kExistingFile... Failures to create
+/// and to write are told in a box over hwnd; what was written in part is deleted. 1 if the file was
+/// written or an existing one shall stay. 0 if it could not be written, if the existing one may not
+/// be overwritten, and if there is no such resource; in the last two cases the file is not touched.
 TESSALY_API int CreateFileFromResource(HWND hwnd, const wchar_t* pszFile, int nId, HINSTANCE hinst,
                                        unsigned nFlags);

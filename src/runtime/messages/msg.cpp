@@ -16,6 +16,7 @@ constinit std::atomic<MsgPauseResumeFunc*> pfnPauseResume{nullptr};
 constinit wchar_t szErrorText[kMessageSize] = {};
 constinit wchar_t szHresultText[kMessageSize] = {};
 
+/// A box over a window that has a dialog open belongs over that dialog.
 HWND FindOwner(HWND hwndGiven) {
     if (hwndGiven == MsgNoOwner()) return nullptr;
     HWND hwnd = hwndGiven ? hwndGiven : ::GetActiveWindow();
@@ -28,6 +29,7 @@ void PauseOrResume(int nResume) {
 
 /// All boxes of the system come from here.
 int ShowBox(HWND hwndOwner, UINT nFlags, const wchar_t* pszText) {
+    // With a manifest for version 6 of the controls, a box needs their classes to be registered.
     INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_STANDARD_CLASSES};
     ::InitCommonControlsEx(&controls);
     HWND hwnd = FindOwner(hwndOwner);
@@ -77,6 +79,8 @@ DWORD FormatSystemText(wchar_t (&szBuffer)[kMessageSize], DWORD nCode) {
                             kMessageSize, nullptr);
 }
 
+/// The text without its line end. Codes of automation servers stand for numbers that only the
+/// server knows; any other unknown code is shown as it is.
 const wchar_t* GetHresultText(HRESULT hr) {
     auto nCode = static_cast<DWORD>(hr);
     DWORD cch = FormatSystemText(szHresultText, nCode);

@@ -9,8 +9,8 @@
 // The owner: null is the thread's active window, MsgNoOwner() no owner at all; any other window is
 // replaced by its last active pop-up. Flags are MessageBoxW's; MB_SETFOREGROUND is added. The
 // result is the button's id (IDOK...), 0 when the platform could not show the box. Texts are cut to
-// 1,023 characters. Ids are those of runtime/messages/res_str.h; a string that is missing shows an empty
-// box.
+// 1,023 characters. Ids are those of runtime/messages/res_str.h; a string that is missing shows an
+// empty box.
 
 /// The owner that means no owner.
 inline HWND MsgNoOwner() { return reinterpret_cast<HWND>(1); }
@@ -27,21 +27,24 @@ class MsgText {
     const void* p;
 };
 
+/// Shows a text.
 TESSALY_API int Msg(HWND hwndOwner, UINT nFlags, MsgText text);
 
-/// The text (which may be an id that was cast) or the string is a format for the arguments.
+/// Shows a text that is formatted with the arguments. The format is a text (or an id that was cast)
+/// or the string of that id, in the dialect of FormatText.
 TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, const wchar_t* pszFormat, ...);
 TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, int nId, ...);
 TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, const wchar_t* pszFormat, ArgList args);
 TESSALY_API int MsgFmt(HWND hwndOwner, UINT nFlags, int nId, ArgList args);
 
-/// As flags of the two below: the warning sign.
+/// As flags of MsgLastError and MsgHRESULT: the warning sign.
 constexpr UINT kMsgErrorFlags = 0xFFFFFFFF;
 
 /// Tells the thread's last error: the string, formatted with the arguments, an empty line and the
 /// system's text; either may be missing. 1 without a box if there is neither error nor id.
 TESSALY_API int MsgLastError(HWND hwndOwner, UINT nFlags, int nId, ...);
-/// The same with hr, whose text is only added to the string's if it is negative.
+/// Tells hr in the same way; the system's text is only added if hr is negative. 1 without a box if
+/// it is not and there is no id.
 TESSALY_API int MsgHRESULT(HWND hwndOwner, HRESULT hr, UINT nFlags, int nId, ...);
 
 /// Called with 0 before a box opens and with 1 when it has closed, on the box's thread, so that the

@@ -2,8 +2,6 @@
 #include "runtime/base/current_product.h"
 
 #include <cstdint>
-#include <cwchar>
-#include <new>
 #include <utility>
 
 namespace {
@@ -27,10 +25,10 @@ int GetResourceIdArg(const void* pArg) {
 
 ResStr::ResStr(int nId, HINSTANCE hinst, int /*nUnused*/) { Load(nId, hinst); }
 
-ResStr::~ResStr() { delete[] psz; }
+ResStr::~ResStr() = default;
 
 const wchar_t* ResStr::Load(int nId, HINSTANCE hinst, int /*nUnused*/) {
-    delete[] std::exchange(psz, nullptr);
+    text = {};
     if (nId == 0) return L"";
     ConvertResourceId(nId, hinst);
     wchar_t szLoaded[kMessageSize] = {};
@@ -41,18 +39,15 @@ const wchar_t* ResStr::Load(int nId, HINSTANCE hinst, int /*nUnused*/) {
 
 /// Keeps a copy of pszNew unless that is empty or memory is short.
 void ResStr::Replace(const wchar_t* pszNew) {
-    std::size_t cch = std::wcslen(pszNew) + 1;
-    if (cch == 1) return;
-    wchar_t* pszCopy = new (std::nothrow) wchar_t[cch];
-    if (!pszCopy) return;
-    std::wmemcpy(pszCopy, pszNew, cch);
-    delete[] std::exchange(psz, pszCopy);
+    if (!*pszNew) return;
+    HeapArray<wchar_t> copy = CopyToHeap(pszNew);
+    if (copy.IsReady()) text = std::move(copy);
 }
 
 void ResStr::Format(va_list args) {
     if (IsEmpty()) return;
     wchar_t szFormatted[kMessageSize] = {};
-    FormatTextV(szFormatted, kMessageSize, psz, args);
+    FormatTextV(szFormatted, kMessageSize, text.Get(), args);
     Replace(szFormatted);
 }
 
@@ -87,6 +82,7 @@ void StrAppendTextFmt(wchar_t* pszText, unsigned cch, int nFormatId, ...) {
     ResStr format(nFormatId);
     va_list args;
     va_start(args, nFormatId);
-    StrAppendTextFmtV(pszText, cch, nFormatId ? static_cast<const wchar_t*>(format) : nullptr, args);
+    StrAppendTextFmtV(pszText, cch, nFormatId ? static_cast<const wchar_t*>(format) : nullptr,
+                      args);
     va_end(args);
 }

@@ -3,23 +3,26 @@
 
 #include <shlwapi.h> // DLLVERSIONINFO
 #include <atomic>
+#include <type_traits>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase; // the linker's name for the start of this image
 
 namespace {
+using GetVersionFunc = std::remove_pointer_t<DLLGETVERSIONPROC>;
 constexpr DWORD kOldestVersion = 4; // what has no DllGetVersion is of the first shell
 
-int PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
-    if (!GetModulePath(reinterpret_cast<HMODULE>(&__ImageBase), szPath)) return 0;
+/// The image is asked for itself, so that this works before the library's start too.
+bool PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
+    if (!GetModulePath(reinterpret_cast<HMODULE>(&__ImageBase), szPath)) return false;
     int cch = ::lstrlenW(szPath);
     while (cch && szPath[cch - 1] != L'\\') --cch;
-    if (cch + ::lstrlenW(pszName) + 1 > MAX_PATH) return 0;
+    if (cch + ::lstrlenW(pszName) + 1 > MAX_PATH) return false;
     ::lstrcpyW(szPath + cch, pszName);
-    return 1;
+    return true;
 }
 
-int IsFullPath(const wchar_t* pszName) {
-    if (pszName[0] == L'\\' && pszName[1] == L'\\') return 1;
+bool IsFullPath(const wchar_t* pszName) {
+    if (pszName[0] == L'\\' && pszName[1] == L'\\') return true;
     return pszName[0] && pszName[1] == L':' && pszName[2] == L'\\';
 }
 
@@ -31,12 +34,12 @@ HMODULE LoadByName(const wchar_t* pszName) {
     return MakeSystemPath(szPath, pszName) ? ::LoadLibraryW(szPath) : nullptr;
 }
 
-/// What the library's DllGetVersion tells; 4.0 without one.
+/// What the library's DllGetVersion tells; 4.0 without one. A function that fails may have written
+/// a part of its answer, which is not used.
 DLLVERSIONINFO AskVersion(const DLL_Loader& library) {
     DLLVERSIONINFO info{};
     info.cbSize = sizeof(info);
-    auto* pfn = reinterpret_cast<DLLGETVERSIONPROC>(
-        reinterpret_cast<void*>(library.GetAPI("DllGetVersion")));
+    auto* pfn = FindModuleFunc<GetVersionFunc>(library, "DllGetVersion");
     if (pfn && SUCCEEDED(pfn(&info))) return info;
     info = {};
     info.dwMajorVersion = kOldestVersion;
@@ -67,7 +70,7 @@ FARPROC DLL_Loader::GetAPI(const char* pszName) const {
 unsigned short GetVerDll(const wchar_t* pszName, DWORD* pdwMajor, DWORD* pdwMinor,
                          DWORD* pdwBuild) {
     DLL_Loader library(pszName ? pszName : L"SHELL32");
-    DLLVERSIONINFO info{};
+    DLLVERSIONINFO info{}; // zeros are the answer for a library that is not there
     if (static_cast<HMODULE>(library)) info = AskVersion(library);
     if (pdwMajor) *pdwMajor = info.dwMajorVersion;
     if (pdwMinor) *pdwMinor = info.dwMinorVersion;
@@ -81,9 +84,9 @@ unsigned short GetVerDll_ComCtl32() {
     return nVersion;
 }
 
-int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]) {
+bool GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]) {
     DWORD cch = ::GetModuleFileNameW(hinst, szPath, MAX_PATH);
-    if (cch > 0 && cch < MAX_PATH) return 1; // XP cuts a longer one without a terminator
+    if (cch > 0 && cch < MAX_PATH) return true; // XP cuts a longer one without a terminator
     szPath[0] = 0;
-    return 0;
+    return false;
 }

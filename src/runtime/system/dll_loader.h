@@ -21,7 +21,9 @@ class TESSALY_API DLL_Loader {
     int Load(const wchar_t* pszName, int bLocal = 0);
     /// The function of that name; null without it or without a library.
     FARPROC GetAPI(const char* pszName) const;
+    /// Gives up what was loaded; nothing otherwise.
     void Unload() { hmod.Reset(); }
+    /// The library's module, which stays the object's; null without one.
     operator HMODULE() const { return hmod.Get(); }
 
   private:
@@ -33,8 +35,8 @@ class TESSALY_API DLL_Loader {
 /// build number is 0 if not told. All are 0 if there is no such library.
 TESSALY_API unsigned short GetVerDll(const wchar_t* pszName, DWORD* pdwMajor = nullptr,
                                      DWORD* pdwMinor = nullptr, DWORD* pdwBuild = nullptr);
-/// The same of "COMCTL32", asked once per process.
+/// The version of "COMCTL32" in the same form, asked once per process.
 TESSALY_API unsigned short GetVerDll_ComCtl32();
 
-/// The path of a module's file; null is the program. 0 and an empty text if it does not fit.
-int GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]);
+/// The path of a module's file; null is the program. False, and an empty text, if it does not fit.
+bool GetModulePath(HINSTANCE hinst, wchar_t (&szPath)[MAX_PATH]);

@@ -31,8 +31,7 @@ int IsSplitToken() { return GetElevationType() != static_cast<int>(kElevationTyp
 int IsElevated() { return ReadTokenDword(kTokenElevation, 0) != 0; }
 
 int IsAdminXP() {
-    static constinit RuntimeFunc<BOOL WINAPI()> func(L"shell32.dll", "IsUserAnAdmin");
-    auto* pfn = func.Get();
+    auto* pfn = FindSystemFunc<BOOL WINAPI()>(L"shell32.dll", "IsUserAnAdmin");
     return !pfn || pfn();
 }
 

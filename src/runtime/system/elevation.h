@@ -14,7 +14,7 @@ class TESSALY_API AccessToken {
 
     /// This process's token, with TOKEN_... rights; what was held is closed. Returns 1; 0 when the
     /// platform refused (GetLastError is kept).
-    int OpenProcess(DWORD dwAccess);
+    [[nodiscard]] int OpenProcess(DWORD dwAccess);
     operator HANDLE() const { return h.Get(); }
 
   private:
@@ -33,8 +33,11 @@ TESSALY_API int IsAdminXP();
 /// Turns a privilege such as SE_SHUTDOWN_NAME of this process on or off. Returns 1; 0 if the
 /// process does not have it (GetLastError tells why).
 TESSALY_API int EnablePrivilege(const wchar_t* pszName, int bOn);
-/// Allows this process to shut the system down. 1 also where no privilege is needed.
+/// Allows this process to shut the system down. 1, also where no privilege is needed; 0 if the
+/// process may not (GetLastError tells why).
 TESSALY_API int SetupExitToken();
-TESSALY_API int MyDuplicateTokenEx(HANDLE hToken, DWORD dwAccess, SECURITY_ATTRIBUTES* pSecurity,
-                                   SECURITY_IMPERSONATION_LEVEL nLevel, TOKEN_TYPE nType,
-                                   HANDLE* phNew);
+/// The platform's DuplicateTokenEx. 1; 0 when it refused (GetLastError is kept).
+[[nodiscard]] TESSALY_API int MyDuplicateTokenEx(HANDLE hToken, DWORD dwAccess,
+                                                 SECURITY_ATTRIBUTES* pSecurity,
+                                                 SECURITY_IMPERSONATION_LEVEL nLevel,
+                                                 TOKEN_TYPE nType, HANDLE* phNew);

@@ -2,28 +2,34 @@
 #include "runtime/base/ownership.h"
 #include "runtime/system/runtime_func.h"
 
+#ifndef LOCALE_SNAME
+#define LOCALE_SNAME 0x0000005c // winnls.h from Windows Vista on
+#endif
+
+// Versions and editions
+
 namespace {
-/// What the system says about itself; 0 if it does not.
-int ReadVersion(OSVERSIONINFOEXW& info) {
+/// What the system says about itself; false if it does not.
+bool ReadVersion(OSVERSIONINFOEXW& info) {
     info = {};
     info.dwOSVersionInfoSize = sizeof(info);
     return ::GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&info)) != 0;
 }
 
-int ReadNtVersion(OSVERSIONINFOEXW& info) {
+bool ReadNtVersion(OSVERSIONINFOEXW& info) {
     return ReadVersion(info) && info.dwPlatformId == VER_PLATFORM_WIN32_NT;
 }
 
-int IsAtLeast(DWORD dwMajor, DWORD dwMinor) {
+bool IsAtLeast(DWORD dwMajor, DWORD dwMinor) {
     OSVERSIONINFOEXW info;
-    if (!ReadNtVersion(info)) return 0;
+    if (!ReadNtVersion(info)) return false;
     if (info.dwMajorVersion != dwMajor) return info.dwMajorVersion > dwMajor;
     return info.dwMinorVersion >= dwMinor;
 }
 
-int IsExactly(DWORD dwMajor, DWORD dwMinor) {
+bool IsExactly(DWORD dwMajor, DWORD dwMinor) {
     OSVERSIONINFOEXW info;
-    if (!ReadNtVersion(info)) return 0;
+    if (!ReadNtVersion(info)) return false;
     return info.dwMajorVersion == dwMajor && info.dwMinorVersion == dwMinor;
 }
 } // namespace
@@ -55,42 +61,40 @@ int WinServer() {
 int WinPro() {
     OSVERSIONINFOEXW info;
     if (!ReadNtVersion(info)) return 0;
-    if (info.dwMajorVersion < 5) return 1;
+    if (info.dwMajorVersion < 5) return 1; // before Windows 2000 there was no home edition
     if (info.wSuiteMask & VER_SUITE_PERSONAL) return 0;
     return info.wProductType >= VER_NT_WORKSTATION && info.wProductType <= VER_NT_SERVER;
 }
 
 unsigned long long GetWinVersion(DWORD* pdwServicePack) {
     OSVERSIONINFOEXW info;
-    int bKnown = ReadVersion(info);
+    bool bKnown = ReadVersion(info);
     if (pdwServicePack)
         *pdwServicePack = bKnown ? MAKELONG(info.wServicePackMinor, info.wServicePackMajor) : 0;
     if (!bKnown) return 0;
+    // Major and minor version are words here, though the platform has them as 32 bits each.
     DWORD dwVersion = MAKELONG(info.dwMinorVersion, info.dwMajorVersion);
     return static_cast<unsigned long long>(dwVersion) << 32 | info.dwBuildNumber;
 }
 
 int IsWow64() {
-    static constinit RuntimeFunc<BOOL WINAPI(HANDLE, BOOL*)> func(L"kernel32.dll",
-                                                                  "IsWow64Process");
-    auto* pfn = func.Get();
+    auto* pfn = FindSystemFunc<BOOL WINAPI(HANDLE, BOOL*)>(L"kernel32.dll", "IsWow64Process");
     BOOL bWow64 = FALSE;
     return pfn && pfn(::GetCurrentProcess(), &bWow64) && bWow64;
 }
 
-#ifndef LOCALE_SNAME
-#define LOCALE_SNAME 0x0000005c // winnls.h from Windows Vista on
-#endif
+// Drives, users, language
 
 int SingleFloppy() {
-    int bBoth =
+    bool bBoth =
         ::GetDriveTypeW(L"A:\\") == DRIVE_REMOVABLE && ::GetDriveTypeW(L"B:\\") == DRIVE_REMOVABLE;
     return !bBoth;
 }
 
 int IsFastUserSwitchingEnabled() {
     HKEY hkey = nullptr;
-    constexpr const wchar_t* kWinlogon = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
+    constexpr const wchar_t* kWinlogon =
+        L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
     if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, kWinlogon, 0, KEY_QUERY_VALUE, &hkey) != ERROR_SUCCESS)
         return 0;
     OwnedHandleOf<HKEY, &::RegCloseKey> key(hkey);
@@ -100,6 +104,7 @@ int IsFastUserSwitchingEnabled() {
     return status == ERROR_SUCCESS ? static_cast<int>(dwValue) : 0;
 }
 
+/// XP knows no names of locales and would fail for them.
 int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer) {
     if (cchBuffer <= 0) return 0; // a capacity of 0 would ask for the length
     LCTYPE nWhat = WinVista() ? LOCALE_SNAME : LOCALE_SENGLANGUAGE;
@@ -107,6 +112,8 @@ int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer) {
     pszBuffer[0] = 0;
     return 0;
 }
+
+// Times
 
 namespace {
 constexpr unsigned long long kTicksPerSecond = 10'000'000;    // FILETIME counts 100 ns

@@ -6,6 +6,7 @@
 // tells Windows 8.1 and later only to programs whose manifest names them. Each test is 1 or 0, and
 // 0 outside the NT family.
 
+/// The NT family.
 TESSALY_API int WinNT();
 
 /// At least this version.
@@ -34,12 +35,12 @@ TESSALY_API int WinPro();
 /// tell; the service pack is then 0.
 TESSALY_API unsigned long long GetWinVersion(DWORD* pdwServicePack = nullptr);
 
-/// 1 if this 32-bit process runs on a 64-bit system.
+/// 1 if this process is of 32 bits and the system of 64; 0 also if the system does not tell.
 TESSALY_API int IsWow64();
 
 /// 1 if fewer than two of the drives A: and B: are removable.
 TESSALY_API int SingleFloppy();
-/// The system's setting "AllowMultipleTSSessions"; 0 if it cannot be read.
+/// The system's setting "AllowMultipleTSSessions", a number; 0 if it cannot be read.
 TESSALY_API int IsFastUserSwitchingEnabled();
 /// The system's default language as text: its locale name from Windows Vista on ("en-US"), before
 /// that its English name. cchBuffer counts the terminator. Returns 1; 0 if it does not fit, and the
@@ -48,9 +49,9 @@ TESSALY_API int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer);
 
 /// The product's own time: now, in seconds since 26 December 1995, 00:00 UTC.
 TESSALY_API DWORD GetCurTime();
-/// The same of a given time (UTC), in 32 bits.
+/// A given time (UTC) in the product's own, the low 32 bits of it.
 TESSALY_API DWORD GetProductTime(const FILETIME& ft);
-/// Now, UTC. Returns 1.
+/// Now, UTC. Returns 1; 0 when the platform refused.
 TESSALY_API int GetSysFileTime(FILETIME* pft);
 /// The packed date: year - 1980 in the high bits, month in 4 bits, day in 5. Null means today by
 /// the local clock.

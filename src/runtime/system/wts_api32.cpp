@@ -13,22 +13,22 @@ std::atomic<int> nObjects{0};
 
 /// The function while an object lives; otherwise null, as if the system did not have it.
 template <class Fn>
-Fn* WhileLoaded(RuntimeFunc<Fn>& func) {
-    return nObjects.load() > 0 ? func.Get() : nullptr;
+Fn* FindWhileLoaded(const char* pszName, const wchar_t* pszModule = kWtsModule) {
+    return nObjects.load() > 0 ? FindSystemFunc<Fn>(pszModule, pszName) : nullptr;
 }
 
-/// One DWORD of what the platform knows about a session; 0 if it does not tell.
-int QueryDword(DWORD dwSession, WTS_INFO_CLASS nInfoClass, DWORD& dwValue) {
+/// One DWORD of what the platform knows about a session; false if it does not tell.
+bool QueryDword(DWORD dwSession, WTS_INFO_CLASS nInfoClass, DWORD& dwValue) {
     LPWSTR pBuffer = nullptr;
     DWORD cb = 0;
     if (!WtsApi32::WTSQuerySessionInformationW(WTS_CURRENT_SERVER_HANDLE, dwSession, nInfoClass,
                                                &pBuffer, &cb))
-        return 0;
-    if (!pBuffer) return 0;
+        return false;
+    if (!pBuffer) return false;
     ScopeExit release([&] { WtsApi32::WTSFreeMemory(pBuffer); });
-    if (cb < sizeof(dwValue)) return 0;
+    if (cb < sizeof(dwValue)) return false;
     std::memcpy(&dwValue, pBuffer, sizeof(dwValue));
-    return 1;
+    return true;
 }
 
 /// This machine's sessions for as long as it lives.
@@ -65,50 +65,41 @@ WtsApi32::WtsApi32() noexcept {
 WtsApi32::~WtsApi32() { --nObjects; }
 
 int WtsApi32::WTSRegisterSessionNotification(HWND hwnd, DWORD dwFlags) {
-    static constinit RuntimeFunc<decltype(::WTSRegisterSessionNotification)> func(
-        kWtsModule, "WTSRegisterSessionNotification");
-    auto* pfn = WhileLoaded(func);
+    auto* pfn = FindWhileLoaded<decltype(::WTSRegisterSessionNotification)>(
+        "WTSRegisterSessionNotification");
     return pfn ? pfn(hwnd, dwFlags) : 0;
 }
 
 int WtsApi32::WTSUnRegisterSessionNotification(HWND hwnd) {
-    static constinit RuntimeFunc<decltype(::WTSUnRegisterSessionNotification)> func(
-        kWtsModule, "WTSUnRegisterSessionNotification");
-    auto* pfn = WhileLoaded(func);
+    auto* pfn = FindWhileLoaded<decltype(::WTSUnRegisterSessionNotification)>(
+        "WTSUnRegisterSessionNotification");
     return pfn ? pfn(hwnd) : 0;
 }
 
 int WtsApi32::WTSQuerySessionInformationW(HANDLE hServer, DWORD dwSession,
                                           WTS_INFO_CLASS nInfoClass, LPWSTR* ppBuffer,
                                           DWORD* pcbReturned) {
-    static constinit RuntimeFunc<decltype(::WTSQuerySessionInformationW)> func(
-        kWtsModule, "WTSQuerySessionInformationW");
-    auto* pfn = WhileLoaded(func);
+    auto* pfn =
+        FindWhileLoaded<decltype(::WTSQuerySessionInformationW)>("WTSQuerySessionInformationW");
     return pfn ? pfn(hServer, dwSession, nInfoClass, ppBuffer, pcbReturned) : 0;
 }
 
 void WtsApi32::WTSFreeMemory(void* pMemory) {
-    static constinit RuntimeFunc<decltype(::WTSFreeMemory)> func(kWtsModule, "WTSFreeMemory");
-    if (auto* pfn = WhileLoaded(func)) pfn(pMemory);
+    if (auto* pfn = FindWhileLoaded<decltype(::WTSFreeMemory)>("WTSFreeMemory")) pfn(pMemory);
 }
 
 int WtsApi32::WTSLogoffSession(HANDLE hServer, DWORD dwSession, BOOL bWait) {
-    static constinit RuntimeFunc<decltype(::WTSLogoffSession)> func(kWtsModule, "WTSLogoffSession");
-    auto* pfn = WhileLoaded(func);
+    auto* pfn = FindWhileLoaded<decltype(::WTSLogoffSession)>("WTSLogoffSession");
     return pfn ? pfn(hServer, dwSession, bWait) : 0;
 }
 
 int WtsApi32::WTSQueryUserToken(ULONG nSession, HANDLE* phToken) {
-    static constinit RuntimeFunc<decltype(::WTSQueryUserToken)> func(kWtsModule,
-                                                                     "WTSQueryUserToken");
-    auto* pfn = WhileLoaded(func);
+    auto* pfn = FindWhileLoaded<decltype(::WTSQueryUserToken)>("WTSQueryUserToken");
     return pfn ? pfn(nSession, phToken) : 0;
 }
 
 DWORD WtsApi32::WTSGetActiveConsoleSessionId() {
-    static constinit RuntimeFunc<DWORD WINAPI()> func(L"kernel32.dll",
-                                                      "WTSGetActiveConsoleSessionId");
-    auto* pfn = WhileLoaded(func);
+    auto* pfn = FindWhileLoaded<DWORD WINAPI()>("WTSGetActiveConsoleSessionId", L"kernel32.dll");
     return pfn ? pfn() : 0;
 }
 

@@ -25,11 +25,13 @@ class TESSALY_API WtsApi32 {
     static int WTSQueryUserToken(ULONG nSession, HANDLE* phToken);
     static DWORD WTSGetActiveConsoleSessionId();
 
-    /// The id of a session, such as WTS_CURRENT_SESSION; 0xFFFFFFFF if there is none.
+    /// The id of a session, which may be given as WTS_CURRENT_SESSION; 0xFFFFFFFF if it cannot be
+    /// asked.
     static DWORD GetSessionID(DWORD dwSession);
     /// The session's WTS_CONNECTSTATE_CLASS; 9 if it cannot be asked.
     static int GetSessionConnectState(DWORD dwSession);
-    /// Logs the session off on this machine; dwFlags nonzero waits until it is done.
+    /// Logs the session off on this machine; dwFlags nonzero waits until it is done. Nonzero; 0
+    /// when the platform refused.
     static int LogoffSession(DWORD dwSession, DWORD dwFlags);
     /// How many sessions this machine has; 0 if they cannot be listed.
     static DWORD GetSessionCount();

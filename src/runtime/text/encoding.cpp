@@ -1,19 +1,20 @@
 #include "runtime/text/encoding.h"
-#include "runtime/base/cs_buf.h"
+#include "runtime/base/heap_array.h"
 
 #include <windows.h>
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
+// Hexadecimal text
+
 namespace {
 template <class Char>
-int WriteHex(Char* pszText, unsigned cch, const void* pData, unsigned n) {
+bool WriteHex(Char* pszText, unsigned cch, const void* pData, unsigned n) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
-    if (!pszText || cch == 0) return 0;
+    if (!pszText || cch == 0) return false;
     const auto* pBytes = static_cast<const unsigned char*>(pData);
     unsigned nFitting = std::min(pBytes ? n : 0, (cch - 1) / 2);
     for (unsigned i = 0; i < nFitting; ++i) {
@@ -25,19 +26,19 @@ int WriteHex(Char* pszText, unsigned cch, const void* pData, unsigned n) {
 }
 
 /// Bytes in the system code page, up to the first zero among them, as terminated text.
-int WriteText(wchar_t* pszOut, unsigned cch, const char* pszBytes, unsigned cb) {
-    CSBuf buf(cb * sizeof(wchar_t)); // a byte gives at most one character
-    if (!buf.IsReady()) return 0;
-    auto* pszText = reinterpret_cast<wchar_t*>(static_cast<unsigned char*>(buf));
+bool WriteText(wchar_t* pszOut, unsigned cch, const char* pszBytes, unsigned cb) {
+    HeapArray<wchar_t> text(cb); // a byte gives at most one character
+    if (!text.IsReady()) return false;
     int cbText = static_cast<int>(::strnlen(pszBytes, cb));
     int cchText = 0;
     if (cbText) {
-        cchText = ::MultiByteToWideChar(CP_ACP, 0, pszBytes, cbText, pszText, static_cast<int>(cb));
+        cchText =
+            ::MultiByteToWideChar(CP_ACP, 0, pszBytes, cbText, text.Get(), static_cast<int>(cb));
     }
     unsigned cchFitting = std::min(static_cast<unsigned>(cchText), cch - 1);
-    std::wmemcpy(pszOut, pszText, cchFitting);
+    std::wmemcpy(pszOut, text.Get(), cchFitting);
     pszOut[cchFitting] = 0;
-    return 1;
+    return true;
 }
 } // namespace
 
@@ -91,17 +92,18 @@ int StrToHex(wchar_t* pszOut, unsigned cch, const wchar_t* pszText) {
 int HexToStr(wchar_t* pszOut, unsigned cch, const wchar_t* pszText) {
     if (!pszOut || cch == 0) return 0;
     unsigned cb = HexToBin(nullptr, pszText);
-    CSBuf bytes(cb);
+    HeapArray<char> bytes(cb);
     if (cb == 0 || cb > INT_MAX || !bytes.IsReady()) {
         *pszOut = 0;
         return cb == 0;
     }
-    HexToBin(bytes, pszText);
-    const auto* pszBytes = reinterpret_cast<const char*>(static_cast<unsigned char*>(bytes));
-    int bDone = WriteText(pszOut, cch, pszBytes, cb);
+    HexToBin(bytes.Get(), pszText);
+    bool bDone = WriteText(pszOut, cch, bytes.Get(), cb);
     if (!bDone) *pszOut = 0;
     return bDone;
 }
+
+// Bytes as text for file names
 
 namespace {
 constexpr wchar_t kAlphabet[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
@@ -178,6 +180,8 @@ unsigned Base64FSToBin(void* pData, unsigned cb, const wchar_t* pszText) {
     return cbAll;
 }
 
+// Code pages
+
 namespace {
 /// What the platform leaves in a destination that is too small has no terminator.
 template <class Char>
@@ -216,6 +220,8 @@ int wc2utf8(const wchar_t* pszText, char* pszOut, int cbOut) {
     return Narrow(CP_UTF8, pszText, pszOut, cbOut);
 }
 
+// CVT: text for a foreign call and back
+
 namespace {
 /// Converts pszText into at most cbOut bytes with the terminator, cut at whole characters: the
 /// platform's own call fails on a text that does not fit and leaves an open end.
@@ -250,19 +256,17 @@ void Widen(wchar_t* pszOut, unsigned cchOut, const char* pszText, unsigned cbMax
 
 CVT::CVT(unsigned cchWanted) : cch(cchWanted) {}
 
-CVT::~CVT() { std::free(pBuffer); }
+CVT::~CVT() = default;
 
 /// One block for both widths, so that a switch of direction never finds one that is too small.
-int CVT::Allocate() {
-    if (!pBuffer) {
-        pBuffer = std::calloc(static_cast<std::size_t>(cch) + 1, sizeof(wchar_t));
-    }
-    return pBuffer != nullptr;
+bool CVT::Allocate() {
+    if (!buffer.IsReady()) buffer = HeapArray<wchar_t>(static_cast<std::size_t>(cch) + 1);
+    return buffer.IsReady();
 }
 
 char* CVT::T_A(const wchar_t* pszText) {
     if (!Allocate()) return nullptr;
-    char* pszNarrow = static_cast<char*>(pBuffer);
+    auto* pszNarrow = reinterpret_cast<char*>(buffer.Get());
     unsigned cbBuffer = cch < UINT_MAX ? cch + 1 : cch;
     if (pszText) {
         Narrow(pszNarrow, cbBuffer, pszText, UINT_MAX);
@@ -272,16 +276,16 @@ char* CVT::T_A(const wchar_t* pszText) {
     return pszNarrow;
 }
 
-wchar_t* CVT::A_T() { return Allocate() ? static_cast<wchar_t*>(pBuffer) : nullptr; }
+wchar_t* CVT::A_T() { return Allocate() ? buffer.Get() : nullptr; }
 
 void CVT::T_A(char* pszOut) const {
     if (!pszOut) return;
-    const wchar_t* pszText = pBuffer ? static_cast<const wchar_t*>(pBuffer) : L"";
-    Narrow(pszOut, cch, pszText, pBuffer ? cch : 0);
+    if (!buffer.IsReady()) return Narrow(pszOut, cch, L"", 0);
+    Narrow(pszOut, cch, buffer.Get(), cch);
 }
 
 void CVT::A_T(wchar_t* pszOut) const {
     if (!pszOut) return;
-    const char* pszText = pBuffer ? static_cast<const char*>(pBuffer) : "";
-    Widen(pszOut, cch, pszText, pBuffer ? cch : 0);
+    if (!buffer.IsReady()) return Widen(pszOut, cch, "", 0);
+    Widen(pszOut, cch, reinterpret_cast<const char*>(buffer.Get()), cch);
 }

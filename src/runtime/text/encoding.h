@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include "runtime/base/heap_array.h"
 
 // Numbers and bytes in hexadecimal text. Either case is read; what is no digit counts as the digit
 // 0 and rejects nothing.
@@ -8,7 +9,7 @@
 /// characters; of what does not fit only whole pairs are written. n bytes take 2 * n + 1. 1 if all
 /// fitted, otherwise 0.
 TESSALY_API int BinToHex(wchar_t* pszText, unsigned cch, const void* pData, unsigned n);
-/// The same as 8-bit text.
+/// Writes the same as 8-bit text.
 TESSALY_API int BinToHex(char* pszText, unsigned cch, const void* pData, unsigned n);
 
 /// The value of a hexadecimal digit, 0 for any other character.
@@ -19,7 +20,7 @@ TESSALY_API unsigned char HexToChar(wchar_t chHigh, wchar_t chLow);
 /// pair, with its low nibble 0. Returns the number of bytes; null pData only counts. pData must
 /// have room for all of them.
 TESSALY_API unsigned HexToBin(void* pData, const wchar_t* pszText);
-/// The same with the bytes reversed after reading: a number written most significant pair first
+/// HexToBin with the bytes reversed after reading: a number written most significant pair first
 /// becomes a little-endian value.
 TESSALY_API unsigned HexToBinLE(void* pData, const wchar_t* pszText);
 
@@ -93,12 +94,12 @@ class TESSALY_API CVT {
     void T_A(char* pszOut) const;
     /// The 8-bit text in the buffer, in 16 bits, into pszOut of GetSize() characters.
     void A_T(wchar_t* pszOut) const;
-    /// Text is 16-bit already.
+    /// The text itself, which is of 16 bits already: for calls that are written for both forms.
     static const wchar_t* T_W(const wchar_t* pszText) { return pszText; }
 
   private:
-    int Allocate();
+    bool Allocate();
 
-    void* pBuffer = nullptr;
+    HeapArray<wchar_t> buffer; // of cch characters and a terminator, once it is used
     unsigned cch;
 };

@@ -5,6 +5,8 @@
 #include <windows.h>
 #include <cwchar>
 
+// Texts of menus
+
 void StrRemoveAmpAndDots(wchar_t* pszText) {
     if (!pszText) return;
     wchar_t* pOut = pszText;
@@ -48,6 +50,8 @@ wchar_t GetMenuItemChar(const wchar_t* pszText) {
     return pAmp ? CharToUpper(pAmp[1]) : L'\0';
 }
 
+// Names of keys
+
 namespace {
 constexpr int kKeyNameSize = 128; // characters; the platform's longest names have about 20
 constexpr unsigned kScanCodeShift = 16;
@@ -63,7 +67,7 @@ constexpr ModifierKey kModifierKeys[] = {
     {HotKeyAlt, VK_MENU},
 };
 
-void AppendKey(wchar_t* pszText, int cch, unsigned uVirtualKey, int bExtended) {
+void AppendKey(wchar_t* pszText, int cch, unsigned uVirtualKey, bool bExtended) {
     wchar_t szKey[kKeyNameSize];
     if (!GetKeyName(szKey, kKeyNameSize, uVirtualKey, bExtended)) return;
     StrAppendTextFmt(pszText, static_cast<unsigned>(cch), *pszText ? L" + %s" : L"%s", szKey);
@@ -83,7 +87,7 @@ int GetHotKeyName(wchar_t* pszText, int cch, unsigned uVirtualKey, unsigned uMod
     if (!pszText || cch <= 0) return 0;
     *pszText = 0;
     for (const ModifierKey& key : kModifierKeys) {
-        if (uModifiers & key.uModifier) AppendKey(pszText, cch, key.uVirtualKey, 0);
+        if (uModifiers & key.uModifier) AppendKey(pszText, cch, key.uVirtualKey, false);
     }
     if (uVirtualKey) AppendKey(pszText, cch, uVirtualKey, (uModifiers & HotKeyExtended) != 0);
     return *pszText != 0;

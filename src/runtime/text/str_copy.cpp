@@ -6,6 +6,28 @@
 #include <cwchar>
 #include <utility>
 
+// Building texts
+
+void CopyStr(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch) {
+    StrCopy(pszDest, pszSource, cch);
+}
+
+void CopyStrZ(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch) {
+    StrCopy(pszDest, pszSource, cch);
+    CharAdd(pszDest, L'\0', cch);
+}
+
+void StrCopy(wchar_t*& pszDest, const wchar_t*& pszSource, unsigned& cch) {
+    while (pszSource && *pszSource) CharAdd(pszDest, *pszSource++, cch);
+}
+
+void CharAdd(wchar_t*& pszDest, wchar_t ch, unsigned& cch) {
+    CharAdd(pszDest, ch);
+    ++cch;
+}
+
+// Steps over text
+
 namespace {
 template <class Char>
 Char* MoveOn(Char*& p) {
@@ -27,24 +49,6 @@ Char* MoveBack(const wchar_t* pStart, Char*& p) {
 }
 } // namespace
 
-void CopyStr(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch) {
-    StrCopy(pszDest, pszSource, cch);
-}
-
-void CopyStrZ(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch) {
-    StrCopy(pszDest, pszSource, cch);
-    CharAdd(pszDest, L'\0', cch);
-}
-
-void StrCopy(wchar_t*& pszDest, const wchar_t*& pszSource, unsigned& cch) {
-    while (pszSource && *pszSource) CharAdd(pszDest, *pszSource++, cch);
-}
-
-void CharAdd(wchar_t*& pszDest, wchar_t ch, unsigned& cch) {
-    CharAdd(pszDest, ch);
-    ++cch;
-}
-
 void CharAdd(wchar_t*& pszDest, wchar_t ch) {
     if (pszDest) *pszDest++ = ch;
 }
@@ -65,6 +69,9 @@ const wchar_t* DecPsz(const wchar_t* pszStart, const wchar_t*& psz) {
 }
 wchar_t* DecPsz(const wchar_t* pszStart, wchar_t*& psz) { return MoveBack(pszStart, psz); }
 wchar_t CharAt(const wchar_t* psz) { return psz ? *psz : L'\0'; }
+
+// Texts on the heap. The functions' interface owns them by plain pointers, so that nothing but
+// these functions may know where they come from.
 
 namespace {
 /// A copy with its terminator; null for a null text or without memory.
@@ -90,6 +97,8 @@ void StrRealloc(wchar_t*& pszText, const wchar_t* pszNew) {
     wchar_t* pszCopy = pszNew && *pszNew ? NewCopy(pszNew, std::wcslen(pszNew)) : nullptr;
     std::free(std::exchange(pszText, pszCopy));
 }
+
+// Blocks of memory
 
 void StrErase(wchar_t* pszText, unsigned n) {
     if (pszText) ::SecureZeroMemory(pszText, static_cast<std::size_t>(n) * sizeof(wchar_t));

@@ -15,9 +15,9 @@
 
 /// Copies the characters of a text, without its terminator.
 TESSALY_API void CopyStr(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch);
-/// The same and a terminator, which is counted too.
+/// Copies a text with its terminator, which is counted too.
 TESSALY_API void CopyStrZ(wchar_t*& pszDest, const wchar_t* pszSource, unsigned& cch);
-/// As CopyStr; the source moves on too, to its terminator.
+/// Copies the characters of a text, without its terminator, to which the source moves on.
 TESSALY_API void StrCopy(wchar_t*& pszDest, const wchar_t*& pszSource, unsigned& cch);
 /// Stores one character.
 TESSALY_API void CharAdd(wchar_t*& pszDest, wchar_t ch, unsigned& cch);
@@ -30,13 +30,12 @@ TESSALY_API void CharAdd(wchar_t*& pszDest, wchar_t ch);
 /// Copies one character, also a terminator, and moves both on. 1 if it was not the terminator; 0 if
 /// it was or a pointer is null.
 TESSALY_API int CharCopy(wchar_t*& pszDest, const wchar_t*& pszSource);
-/// Moves on; the new place.
+/// Moves on by one character. IncPsz gives the new place, PszInc the old one.
 TESSALY_API const wchar_t* IncPsz(const wchar_t*& psz);
 TESSALY_API wchar_t* IncPsz(wchar_t*& psz);
-/// Moves on; the old place.
 TESSALY_API const wchar_t* PszInc(const wchar_t*& psz);
 TESSALY_API wchar_t* PszInc(wchar_t*& psz);
-/// Moves back unless that is the start or before it; the place after that.
+/// Moves back by one character, but not to before pszStart, and gives the new place.
 TESSALY_API const wchar_t* DecPsz(const wchar_t* pszStart, const wchar_t*& psz);
 TESSALY_API wchar_t* DecPsz(const wchar_t* pszStart, wchar_t*& psz);
 /// The character there; 0 for null.
@@ -49,7 +48,8 @@ TESSALY_API wchar_t CharAt(const wchar_t* psz);
 /// null and length 0. The old text is freed; with bWipe it is filled with zeros before, over its
 /// stored length and the terminator. pszNew may lie in the old text.
 TESSALY_API void StrAllocCopy(wchar_t*& pszText, unsigned& cch, const wchar_t* pszNew, int bWipe);
-/// The same without length and filling. An empty new text leaves a null too.
+/// Replaces a text by a fresh copy of pszNew and frees the old one, which pszNew may lie in. No new
+/// text, and an empty one, leave a null.
 TESSALY_API void StrRealloc(wchar_t*& pszText, const wchar_t* pszNew);
 
 /// Writes n zero characters, which no optimiser leaves out. Null does nothing.

@@ -3,6 +3,8 @@
 
 #include <cwchar>
 
+// Comparing texts, and texts in lists
+
 namespace {
 bool IsSame(wchar_t ch1, wchar_t ch2, int bIgnoreCase) {
     return ch1 == ch2 || (bIgnoreCase && CharToUpper(ch1) == CharToUpper(ch2));
@@ -17,7 +19,7 @@ const wchar_t* SkipSame(const wchar_t* p, const wchar_t* pOther, int bIgnoreCase
     return p;
 }
 
-/// 1 if the item that starts at p, up to the separator or the end, is how the text begins.
+/// Whether the item that starts at p, up to the separator or the end, is how the text begins.
 bool IsItemPrefix(const wchar_t* p, const wchar_t* pszText, wchar_t chSeparator, int bIgnoreCase) {
     while (*p && *p != chSeparator) {
         if (!IsSame(*p++, *pszText++, bIgnoreCase)) return false; // also at the text's end
@@ -27,7 +29,7 @@ bool IsItemPrefix(const wchar_t* p, const wchar_t* pszText, wchar_t chSeparator,
 } // namespace
 
 // QUIRK: the empty prefix is no beginning of the empty text, though a null one is.
-// Test: StrStartsWith.TableOfAllCases
+// Test: StrStartsWithTable.AsksForThePrefix/EmptyPrefixOfEmpty
 int StrStartsWith(const wchar_t* pszText, const wchar_t* pszPrefix, int bIgnoreCase) {
     if (!pszPrefix) return 1;
     if (!pszText || !*pszText) return 0;
@@ -51,7 +53,7 @@ unsigned StrFindInList(const wchar_t* pszList, const wchar_t* pszText, int bIgno
 }
 
 // QUIRK: the text need not equal an item, only begin with one, so that an empty item matches every
-// text. Test: IsStrInList.TableOfAllCases
+// text. Test: IsStrInListTable.AsksForAnItemAtTheTextsBeginning/EmptyItemBeginsEveryText
 int IsStrInList(const wchar_t* pszText, const wchar_t* pszList, wchar_t chSeparator,
                 int bIgnoreCase) {
     if (!pszText) pszText = L"";
@@ -62,6 +64,8 @@ int IsStrInList(const wchar_t* pszText, const wchar_t* pszList, wchar_t chSepara
     }
     return 0;
 }
+
+// Counting and finding single characters
 
 int IsNumStr(const wchar_t* pszText) {
     if (!pszText || !*pszText) return 0;
@@ -95,6 +99,8 @@ unsigned GetLineCount(const wchar_t* pszText, unsigned n) {
     for (unsigned i = 0; i < n && pszText[i]; ++i) nLines += pszText[i] == L'\n';
     return nLines;
 }
+
+// Tokens
 
 namespace {
 template <class Char>

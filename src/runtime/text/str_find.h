@@ -33,7 +33,7 @@ constexpr unsigned kNotFound = 0xFFFFFFFF;
 TESSALY_API int IsNumStr(const wchar_t* pszText);
 /// The index of a character's first occurrence, kNotFound if there is none.
 TESSALY_API unsigned FindChar(const wchar_t* pszText, wchar_t ch);
-/// The same under its other name.
+/// FindChar under another name.
 TESSALY_API unsigned strPos(const wchar_t* pszText, wchar_t ch);
 /// How often the character occurs.
 TESSALY_API unsigned StrCharCount(const wchar_t* pszText, wchar_t ch);

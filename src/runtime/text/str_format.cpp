@@ -1,13 +1,15 @@
 #include "runtime/text/str_format.h"
-#include "runtime/base/ownership.h"
+#include "runtime/base/heap_array.h"
 
 #include <windows.h>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
-#include <new>
 #include <string_view>
+
+// The formatter. The platform reads a format that it does not know in ways of its own, and would
+// write through %n; such formats are repaired before they get there.
 
 namespace {
 template <class Ch>
@@ -31,6 +33,7 @@ const Ch* EndOfConversion(const Ch* psz) {
     return IsOneOf(*p, "cCdiouxXeEfgGsSp") ? p + 1 : psz;
 }
 
+/// Whether the platform knows every conversion.
 template <class Ch>
 bool IsSound(const Ch* pszFormat) {
     for (const Ch* p = pszFormat; *p;) {
@@ -91,11 +94,10 @@ int FormatAny(Ch* pszBuffer, std::size_t cchBuffer, const Ch* pszFormat, va_list
     if (!pszFormat) return 0;
     if (IsSound(pszFormat)) return FormatSound(pszBuffer, cchBuffer, pszFormat, args);
     std::size_t cchFormat = std::char_traits<Ch>::length(pszFormat);
-    Ch* pszRepaired = new (std::nothrow) Ch[2 * cchFormat + 1];
-    if (!pszRepaired) return 0;
-    ScopeExit release([&] { delete[] pszRepaired; });
-    CopyRepaired(pszRepaired, pszFormat);
-    return FormatSound(pszBuffer, cchBuffer, static_cast<const Ch*>(pszRepaired), args);
+    HeapArray<Ch> repaired(2 * cchFormat + 1);
+    if (!repaired.IsReady()) return 0;
+    CopyRepaired(repaired.Get(), pszFormat);
+    return FormatSound(pszBuffer, cchBuffer, static_cast<const Ch*>(repaired.Get()), args);
 }
 } // namespace
 
@@ -115,6 +117,8 @@ int FormatText(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszForm
     return n;
 }
 
+// Sizes, times, names that have to fit
+
 namespace {
 constexpr unsigned kSecondsPerMinute = 60, kSecondsPerHour = 3600;
 
@@ -132,7 +136,8 @@ constexpr SizeUnit kSizeUnits[] = {
 constexpr unsigned kUnitBits = 10;
 } // namespace
 
-// QUIRK: cut, not rounded: one byte less than 2 KB is "1.9 KB". Test: SizeToStr.TableOfAllCases
+// QUIRK: cut, not rounded: one byte less than 2 KB is "1.9 KB".
+// Test: SizeToStrTable.GivesTheLargestUnit/CutNotRounded
 void SizeToStr(wchar_t* pszText, unsigned cch, unsigned long long cb, int bAlwaysDecimal) {
     for (const SizeUnit& unit : kSizeUnits) {
         auto nWhole = static_cast<int>(cb >> unit.nShift);
@@ -187,15 +192,14 @@ const wchar_t* FitText(const wchar_t* pszText, int cxFull, int cxWanted) {
     return szFitted;
 }
 
-namespace {
-void Clear(wchar_t* pszText, unsigned cch) {
-    if (pszText && cch) *pszText = 0;
-}
-} // namespace
+// Formatting and appending
 
 void StrAppendTextFmtV(wchar_t* pszText, unsigned cch, const wchar_t* pszFormat, va_list args) {
-    if (!pszFormat) return Clear(pszText, cch);
-    wchar_t szFormatted[kMessageSize];
+    if (!pszFormat) {
+        if (pszText && cch) *pszText = 0;
+        return;
+    }
+    wchar_t szFormatted[kMessageSize]; // apart from the text, which may be among the arguments
     auto cchNew = static_cast<std::size_t>(FormatTextV(szFormatted, kMessageSize, pszFormat, args));
     if (!pszText) return;
     std::size_t cchText = ::wcsnlen(pszText, cch);

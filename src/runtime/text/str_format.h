@@ -22,10 +22,10 @@ struct ArgList {
 int FormatTextV(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, va_list args);
 int FormatText(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, ...);
 
-/// The same for narrow text, where %s and %c are narrow, %ls and %S wide.
+/// FormatTextV for narrow text, where %s and %c are narrow, %ls and %S wide.
 int FormatNarrowTextV(char* pszBuffer, std::size_t cchBuffer, const char* pszFormat, va_list args);
 
-/// The wide one into an array, whose size is taken from its type.
+/// FormatText into an array, whose size is taken from its type.
 template <std::size_t cch>
 int FormatText(wchar_t (&szBuffer)[cch], const wchar_t* pszFormat, ...) {
     va_list args;
@@ -60,8 +60,10 @@ TESSALY_API const wchar_t* FitText(const wchar_t* pszText, int cxFull, int cxWan
 
 // The format is of FormatText's dialect: %s is wide. What is formatted is cut to 1,023 characters,
 // and what of that does not fit behind the text within its cch characters (with the terminator) is
-// cut too. The arguments may be the text itself. With an id for the format: see messages/res_str.h.
+// cut too. The arguments may be the text itself. With an id for the format: see
+// runtime/messages/res_str.h.
 
-/// Formats and appends. A null format clears the text.
+/// Formats and appends. A null format clears the text; nothing is appended to a null text or to one
+/// without a terminator within its cch characters.
 TESSALY_API void StrAppendTextFmt(wchar_t* pszText, unsigned cch, const wchar_t* pszFormat, ...);
 void StrAppendTextFmtV(wchar_t* pszText, unsigned cch, const wchar_t* pszFormat, va_list args);

@@ -1,10 +1,11 @@
 #include "runtime/threads/co_init.h"
+
 #include <windows.h>
 #include <commctrl.h>
 #include <objbase.h>
 
 namespace {
-LONG nCoInitEx = 0;
+LONG nCoInitEx = 0; // objects of that class in the process
 } // namespace
 
 CoInit::CoInit() { ::CoInitialize(nullptr); }

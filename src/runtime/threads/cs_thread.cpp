@@ -1,5 +1,6 @@
 #include "runtime/threads/cs_thread.h"
 #include "runtime/threads/message_pump.h"
+
 #include <process.h>
 #include <new>
 
@@ -16,15 +17,15 @@ OwnedHandle Duplicate(HANDLE h) {
     return OwnedHandle(hCopy);
 }
 
-int IsSignalled(HANDLE h) { return ::WaitForSingleObject(h, 0) == WAIT_OBJECT_0; }
+bool IsSignalled(HANDLE h) { return ::WaitForSingleObject(h, 0) == WAIT_OBJECT_0; }
 } // namespace
 
 /// Tells whoever is not the object's owner whether the object is still there: a worker at its end,
 /// a wait during which the object went away. Counted, since any of them may be the last.
 struct CSThread::Life {
-    CritSec cs;           // held while somebody relies on what pObject says
-    CSThread* pObject;    // null once the destructor has passed the worker
-    int bDestructing = 0; // the owner is in the destructor: the worker must not delete
+    CritSec cs;                // held while somebody relies on what pObject says
+    CSThread* pObject;         // null once the destructor has passed the worker
+    bool bDestructing = false; // the owner is in the destructor: the worker must not delete
     std::atomic<int> nRefs{1};
 
     explicit Life(CSThread* pOf) : pObject(pOf) {}
@@ -54,7 +55,7 @@ CSThread::CSThread()
 CSThread::~CSThread() {
     if (pLife) {
         CritSecLock lock(pLife->cs);
-        pLife->bDestructing = 1;
+        pLife->bDestructing = true;
     }
     CSThread::Destroy(kDestructorTimeoutMs);
     if (pLife) {
@@ -100,8 +101,8 @@ int CSThread::Destroy(DWORD nTimeoutMs) {
     if (!IsSignalled(hCancel.Get())) SetCancel();
     // The worker may delete the object as soon as it is done, and with it the event.
     OwnedHandle hDoneKept = Duplicate(hDone.Get());
-    int bDone = nTimeoutMs ? WaitPumpingMessages(hDoneKept.Get(), nTimeoutMs)
-                           : IsSignalled(hDoneKept.Get());
+    bool bDone = nTimeoutMs ? WaitPumpingMessages(hDoneKept.Get(), nTimeoutMs)
+                            : IsSignalled(hDoneKept.Get());
     CritSecLock lock(life->cs);
     if (life->pObject) CloseThreadHandle();
     return bDone;
@@ -149,7 +150,7 @@ unsigned __stdcall CSThreadEx::ThreadProcEx(void* pArgument) {
     pThread->SetReady();
     unsigned nExitCode = pThread->DoThreadEx();
 
-    int bDelete = 0;
+    bool bDelete = false;
     {
         CritSecLock lock(life->cs);
         if (!life->pObject) return nExitCode;

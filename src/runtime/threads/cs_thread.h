@@ -34,6 +34,7 @@ class TESSALY_API CSThread {
     /// nPriority is a THREAD_PRIORITY_... value. Returns 1 if the thread was started, ready or not.
     int Create(CSThreadProc pfnThread, void* pArgument, int nPriority = 0);
 
+    /// Signal the events; the first two are for the worker, the third for whoever ends it.
     void SetReady() { ::SetEvent(hReady.Get()); }
     void SetDone() { ::SetEvent(hDone.Get()); }
     void SetCancel() { ::SetEvent(hCancel.Get()); }
@@ -48,13 +49,16 @@ class TESSALY_API CSThread {
     /// Otherwise messages are dispatched meanwhile, and each round of them starts the time anew.
     int WaitForEvent(HANDLE hEvent, DWORD nTimeoutMs);
     /// 1 if there is no thread or the event is signalled.
+    // QUIRK: with no thread, before the first Create as after the end, every question is answered
+    // with yes. Test: CSThread.ThatNeverRanSaysYesToEverything
     int CheckEvent(HANDLE hEvent);
     int IsReady() { return CheckEvent(hReady.Get()); }
     int IsDone() { return CheckEvent(hDone.Get()); }
     int IsCanceled() { return CheckEvent(hCancel.Get()); }
 
+    /// Gives the thread's handle back; the thread, if it runs, goes on.
     void CloseThreadHandle();
-    /// The free function of the same name.
+    /// The free function of the same name (runtime/threads/message_pump.h).
     int ProcessAllMessages(HWND hwnd = nullptr);
     /// Null when no thread runs or it has ended.
     operator HANDLE() const { return hThread.load(); }
@@ -86,9 +90,10 @@ class TESSALY_API CSThreadEx : public CSThread {
     /// The work, on the worker's thread; the result becomes the exit code.
     virtual unsigned DoThreadEx();
 
-    /// As Create; bDeleteSelf objects may be gone when it returns.
+    /// Create with ThreadProcEx. Returns 1 if the thread was started; an object that deletes itself
+    /// may be gone by then.
     int Start(int nPriority = 0);
-    /// The virtual Destroy.
+    /// Destroy under another name.
     int Stop(DWORD nTimeoutMs) { return Destroy(nTimeoutMs); }
     /// The thread's function; pArgument is the CSThreadEx.
     static unsigned __stdcall ThreadProcEx(void* pArgument);

@@ -11,15 +11,15 @@ int ProcessAllMessages(HWND hwnd) {
     return bGoOn;
 }
 
-int WaitPumpingMessages(HANDLE h, DWORD nTimeoutMs) {
+bool WaitPumpingMessages(HANDLE h, DWORD nTimeoutMs) {
     // The mask of 2000 to today without the touch and pointer input that later headers add.
     constexpr DWORD kAllInput = 1279;
     for (;;) {
         switch (::MsgWaitForMultipleObjects(1, &h, FALSE, nTimeoutMs, kAllInput)) {
-        case WAIT_TIMEOUT: return 0;
+        case WAIT_TIMEOUT: return false;
         case WAIT_OBJECT_0:
         case WAIT_ABANDONED_0:
-        case WAIT_FAILED: return 1;
+        case WAIT_FAILED: return true;
         }
         ProcessAllMessages();
     }

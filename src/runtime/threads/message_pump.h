@@ -7,9 +7,9 @@
 TESSALY_API int ProcessAllMessages(HWND hwnd = nullptr);
 
 /// Waits for the handle, up to nTimeoutMs, and dispatches the thread's messages meanwhile. Each
-/// round of messages starts the time anew. Returns 1 if the handle was signalled (or the wait
-/// failed), 0 after the time.
-int WaitPumpingMessages(HANDLE h, DWORD nTimeoutMs);
+/// round of messages starts the time anew. True if the handle was signalled (or the wait failed),
+/// false after the time.
+bool WaitPumpingMessages(HANDLE h, DWORD nTimeoutMs);
 
 /// A timer of the calling thread: of a window (WM_TIMER, or pfnTimer), or of none. Start and Stop
 /// belong to the window's thread.
@@ -28,7 +28,9 @@ class TESSALY_API CSTimer {
               unsigned nDefaultId = 0);
     /// Ends the timer; a WM_TIMER that already waits in the queue may still come.
     void Stop();
+    /// 1 from a Start that gave 1 to the next Stop.
     int IsTicking() const { return uTimer != 0; }
+    /// The timer's id; 0 while it has none.
     unsigned GetID() const { return nId; }
 
   private:

@@ -17,6 +17,8 @@ const wchar_t* PrepareObjectName(wchar_t* pszBuffer, unsigned cchBuffer, const w
     return pszBuffer;
 }
 
+// Objects that are opened by name
+
 const wchar_t* Synch::PrepareName(wchar_t* pszBuffer, unsigned cchBuffer, const wchar_t* pszName,
                                   int bGlobal) {
     return PrepareObjectName(pszBuffer, cchBuffer, pszName, bGlobal);
@@ -46,6 +48,8 @@ int Synch::MsgWait(DWORD nTimeoutMs, DWORD dwWakeMask) {
     return dwLastWait == WAIT_OBJECT_0;
 }
 
+// Events
+
 HANDLE Event::Win32_Open(DWORD dwAccess, int bInherit, const wchar_t* pszName) {
     return ::OpenEventW(dwAccess, bInherit, pszName);
 }
@@ -55,7 +59,7 @@ int Event::Create(const wchar_t* pszName, int bGlobal, int bManual, int bInitial
     Close();
     wchar_t szFull[kMaxObjectName];
     const wchar_t* pszFull = PrepareName(szFull, kMaxObjectName, pszName, bGlobal);
-    ::SetLastError(ERROR_SUCCESS);
+    ::SetLastError(ERROR_SUCCESS); // a success need not write it
     h = ::CreateEventW(pSecurity, bManual, bInitial, pszFull);
     bExisted = ::GetLastError() == ERROR_ALREADY_EXISTS;
     return h != nullptr;
@@ -72,13 +76,15 @@ int Event::CreateNew(const wchar_t* pszName, int bGlobal, int bManual, int bInit
     int bExisted = 0;
     int bCreated = Create(pszName, bGlobal, bManual, bInitial, pSecurity, bExisted);
     if (!bExisted) return bCreated;
-    Close();
+    Close(); // somebody else's: its settings are not those that were asked for
     return 0;
 }
 
 int Event::CreateNewForUser(const wchar_t* pszName, int bGlobal, const wchar_t* pszSid,
                             DWORD dwAccess, int bManual, int bInitial) {
     if (!pszSid) return 0;
+    // Two entries that allow: the user with those rights, LOCAL SERVICE (LS) with all (GA). Nobody
+    // else, not even who makes the event, has any but through the handle that comes back.
     wchar_t szDescriptor[kMaxDescriptor];
     FormatText(szDescriptor, L"D:(A;;0x%lX;;;%s)(A;;GA;;;LS)", dwAccess, pszSid);
     PSECURITY_DESCRIPTOR pDescriptor = nullptr;
@@ -102,6 +108,8 @@ void Event::Pulse() {
     if (h) ::PulseEvent(h);
 }
 
+// Events under exactly the name given
+
 EventSimple::EventSimple() { Open(nullptr, 0, 0); }
 
 EventSimple::EventSimple(const wchar_t* pszName, int bManual, int bInitial) {
@@ -109,7 +117,7 @@ EventSimple::EventSimple(const wchar_t* pszName, int bManual, int bInitial) {
 }
 
 int EventSimple::Open(const wchar_t* pszName, int bManual, int bInitial) {
-    h.Reset();
+    h.Reset(); // first: the same name may be asked for again, and would exist through this handle
     ::SetLastError(ERROR_SUCCESS);
     HANDLE hCreated = ::CreateEventW(nullptr, bManual, bInitial, pszName);
     bExisted = ::GetLastError() == ERROR_ALREADY_EXISTS;
@@ -132,6 +140,8 @@ void EventSimple::Set(int bSignalled) {
 }
 
 void EventSimple::Clear() { Set(0); }
+
+// Mutexes
 
 MyMutex::MyMutex(int bGlobal, const wchar_t* pszName) {
     wchar_t szFull[kMaxObjectName];

@@ -22,12 +22,14 @@ class TESSALY_API Synch {
     /// Opens the object of that name, which must exist; what was open before is closed. dwAccess
     /// are the platform's rights, such as EVENT_MODIFY_STATE. Returns 1 if there is a handle.
     int Open(const wchar_t* pszName, int bGlobal, DWORD dwAccess, int bInherit);
+    /// Closes the handle, if there is one.
     void Close();
     /// 1 only if the object was signalled; 0 after the time, for an abandoned mutex or without a
     /// handle. GetLastWaitResult tells which.
     int Wait(DWORD nTimeoutMs);
-    /// The same, but input of the kinds in dwWakeMask (QS_...) also ends the wait, with 0.
+    /// Wait, which input of the kinds in dwWakeMask (QS_...) also ends, with 0.
     int MsgWait(DWORD nTimeoutMs, DWORD dwWakeMask);
+    /// The platform's result (WAIT_...) of the last wait.
     DWORD GetLastWaitResult() const { return dwLastWait; }
     operator HANDLE() const { return h; }
 
@@ -55,7 +57,8 @@ class TESSALY_API Event : public Synch {
     /// a handle.
     int CreateOrOpen(const wchar_t* pszName, int bGlobal, int bManual, int bInitial,
                      SECURITY_ATTRIBUTES* pSecurity = nullptr);
-    /// The same, but an event that exists already is a failure.
+    /// Makes the event; one of that name that exists already is a failure. Returns 1 if there is a
+    /// handle; 0 without one.
     int CreateNew(const wchar_t* pszName, int bGlobal, int bManual, int bInitial,
                   SECURITY_ATTRIBUTES* pSecurity = nullptr);
     /// A new event that the user with that SID (as text) may use with the rights of dwAccess, and
@@ -63,11 +66,12 @@ class TESSALY_API Event : public Synch {
     /// exists already.
     int CreateNewForUser(const wchar_t* pszName, int bGlobal, const wchar_t* pszSid, DWORD dwAccess,
                          int bManual, int bInitial);
-    /// Without a handle these do nothing. Pulse lets the present waiters through and clears.
+    /// Sets or clears the event; Pulse lets the present waiters through and clears. Without a
+    /// handle these do nothing.
     void Set();
     void Clear();
     void Pulse();
-    /// Looks without waiting, which clears an event that is not manual.
+    /// 1 if the event is set, asked without waiting; that clears an event that is not manual.
     int IsSet() { return Wait(0); }
 
   protected:
@@ -89,12 +93,12 @@ class TESSALY_API EventSimple {
     EventSimple(const EventSimple&) = delete; // owns the handle
     EventSimple& operator=(const EventSimple&) = delete;
 
-    /// As the constructor of the same arguments; what was open is closed. Returns 1 if a handle
-    /// came.
+    /// Makes the event or opens the one of that name; what was open is closed. Returns 1 if there
+    /// is a handle.
     int Open(const wchar_t* pszName, int bManual, int bInitial);
     /// Opens an event that exists. Returns 1 if it could be opened.
     int OpenEventW(DWORD dwAccess, int bInherit, const wchar_t* pszName);
-    /// bSignalled 0 clears. Both do nothing without a handle.
+    /// Sets the event; bSignalled 0 clears it, as Clear does. Both do nothing without a handle.
     void Set(int bSignalled = 1);
     void Clear();
     int IsReady() const { return h.Get() != nullptr; }
@@ -120,6 +124,7 @@ class TESSALY_API MyMutex {
     /// 1 if the mutex is now owned and its last owner had released it. After an abandonment it is
     /// owned too, but the result is 0.
     int Wait(DWORD nTimeoutMs);
+    /// Gives the mutex up; the thread must own it.
     void Release();
     operator HANDLE() const { return h.Get(); }
 

@@ -1,31 +1,30 @@
 #include "shell/namespace/pidl.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/base/ownership.h"
 
 #include <shlobj.h>
 #include <atomic>
-#include <cwchar>
-#include <new>
+
+namespace {
+constinit std::atomic<IMalloc*> pShellMalloc{nullptr};
+} // namespace
+
+// Item id lists
 
 ITEMIDLIST* GetPidlOf(const wchar_t* pszPath) {
     if (!pszPath) return nullptr;
     IShellFolder* pDesktop = nullptr;
     if (FAILED(::SHGetDesktopFolder(&pDesktop)) || !pDesktop) return nullptr;
     ScopeExit release([&] { pDesktop->Release(); });
-    // The parser takes a text that it may write to.
-    std::size_t cch = std::wcslen(pszPath) + 1;
-    wchar_t* pszCopy = new (std::nothrow) wchar_t[cch];
-    if (!pszCopy) return nullptr;
-    ScopeExit freeCopy([&] { delete[] pszCopy; });
-    std::wmemcpy(pszCopy, pszPath, cch);
+    HeapArray<wchar_t> path = CopyToHeap(pszPath); // the parser takes a text that it may write to
+    if (!path.IsReady()) return nullptr;
     ITEMIDLIST* pidl = nullptr;
-    if (FAILED(pDesktop->ParseDisplayName(nullptr, nullptr, pszCopy, nullptr, &pidl, nullptr)))
+    if (FAILED(pDesktop->ParseDisplayName(nullptr, nullptr, path.Get(), nullptr, &pidl, nullptr)))
         return nullptr;
     return pidl;
 }
 
-namespace {
-constinit std::atomic<IMalloc*> pShellMalloc{nullptr};
-} // namespace
+// The shell's allocator
 
 IMalloc* GetShellMalloc() {
     IMalloc* pMalloc = pShellMalloc;

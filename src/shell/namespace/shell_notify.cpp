@@ -7,9 +7,9 @@ namespace {
 constexpr int kSources = SHCNRF_InterruptLevel | SHCNRF_ShellLevel | SHCNRF_NewDelivery;
 constexpr int kSourcesRecursive = kSources | SHCNRF_RecursiveInterrupt;
 
-template <class Pfn>
-void FindShellFunc(Pfn& pfn, const char* pszName) {
-    pfn = reinterpret_cast<Pfn>(reinterpret_cast<void*>(FindMappedFunc(L"SHELL32", pszName)));
+template <class Fn>
+void FindShellFunc(Fn*& pfn, const char* pszName) {
+    pfn = FindMappedFunc<Fn>(L"SHELL32", pszName);
 }
 } // namespace
 
@@ -21,7 +21,8 @@ constinit decltype(&::SHChangeNotification_Unlock) ShellNotify::pfnUnlock = null
 
 ShellNotify::ShellNotify() {
     if (bInitialized) return;
-    // Two first constructions at once find the same functions.
+    // The shell is mapped by the library's imports, and this may run while the library is loaded:
+    // nothing is loaded here. Two first constructions at once find the same functions.
     FindShellFunc(pfnRegister, "SHChangeNotifyRegister");
     FindShellFunc(pfnDeregister, "SHChangeNotifyDeregister");
     FindShellFunc(pfnLock, "SHChangeNotification_Lock");
@@ -45,7 +46,7 @@ int ShellNotify::Register(HWND hwnd, long nEvents, unsigned uMsg, const wchar_t*
 
 int ShellNotify::Register(HWND hwnd, long nEvents, unsigned uMsg, const ITEMIDLIST* pidl,
                           int nRecursive) {
-    End();
+    End(); // also where the new one fails: an object has one registration or none
     if (!pfnRegister) return 0;
     SHChangeNotifyEntry entry{pidl, nRecursive};
     int nSources = nRecursive ? kSourcesRecursive : kSources;
@@ -55,6 +56,7 @@ int ShellNotify::Register(HWND hwnd, long nEvents, unsigned uMsg, const ITEMIDLI
 
 void* ShellNotify::OnMsgStart(WPARAM wParam, LPARAM lParam, ITEMIDLIST*** pppidl, long* pnEvent) {
     if (!pfnLock) return nullptr;
+    // The new delivery's parameters: a block that processes share, and the id of who made it.
     return pfnLock(reinterpret_cast<HANDLE>(wParam), static_cast<DWORD>(lParam), pppidl, pnEvent);
 }
 

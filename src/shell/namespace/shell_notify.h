@@ -16,7 +16,7 @@ class TESSALY_API ShellNotify {
     /// Asks for nEvents (SHCNE_...) in that folder, with nRecursive also below it. They come to
     /// hwnd as uMsg, whose handler calls OnMsgStart and OnMsgEnd. A registration that is held ends
     /// first. A path without an item id list, or a null list, watches the whole namespace.
-    /// 1; 0 when nothing is registered.
+    /// Returns 1; 0 when nothing is registered.
     int Register(HWND hwnd, long nEvents, unsigned uMsg, const wchar_t* pszPath, int nRecursive);
     int Register(HWND hwnd, long nEvents, unsigned uMsg, const ITEMIDLIST* pidl, int nRecursive);
 
@@ -25,7 +25,9 @@ class TESSALY_API ShellNotify {
 
     /// Opens the notification in a message's parameters: two lists and an SHCNE_... event, good
     /// until OnMsgEnd gets the lock that this returns. Null if there is nothing to open.
-    static void* OnMsgStart(WPARAM wParam, LPARAM lParam, ITEMIDLIST*** pppidl, long* pnEvent);
+    [[nodiscard]] static void* OnMsgStart(WPARAM wParam, LPARAM lParam, ITEMIDLIST*** pppidl,
+                                          long* pnEvent);
+    /// Closes what OnMsgStart opened; null does nothing.
     static void OnMsgEnd(void* hLock);
 
   protected:

@@ -10,9 +10,11 @@ constinit ManualLock csSubclass;
 /// The module is only asked for, never loaded: this runs while the library itself is loaded.
 template <class Fn>
 Fn* FindControlsFunc(const char* pszName) {
-    return reinterpret_cast<Fn*>(reinterpret_cast<void*>(FindMappedFunc(kControlsModule, pszName)));
+    return FindMappedFunc<Fn>(kControlsModule, pszName);
 }
 } // namespace
+
+// The platform's chain
 
 constinit std::atomic<int> ShellSubclass::nState{kNotSetUp};
 constinit UINT_PTR ShellSubclass::nId = 0;
@@ -77,6 +79,8 @@ LRESULT ShellSubclass::Default(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPara
     return pfn(hwnd, uMsg, wParam, lParam);
 }
 
+// One window's subclass, with the chain
+
 LRESULT ShellSubclasser::OnWndMsg(HWND hwndMsg, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (ShellSubclass::IsReady()) return ShellSubclass::Default(hwndMsg, uMsg, wParam, lParam);
     if (!nOldWndProc) return ::DefWindowProcW(hwndMsg, uMsg, wParam, lParam);
@@ -111,6 +115,8 @@ LRESULT CALLBACK ShellSubclasser::ShellSubclasserProc(HWND hwndMsg, UINT uMsg, W
     }
     return lResult;
 }
+
+// And without it: a replaced window procedure, which finds its object by a property of the window
 
 int ShellSubclasser::Subclass_Win2K(HWND hwndOther) {
     const wchar_t* pszTag = ShellSubclass::GetTag();

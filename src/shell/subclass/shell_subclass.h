@@ -27,6 +27,7 @@ class TESSALY_API ShellSubclass {
     static int ReInitialize();
     /// kReady if the chain can be used, kMissing if not; looks first if nobody did.
     static int IsReady();
+    /// The stored tag, of at most four characters.
     static const wchar_t* GetTag();
 
     /// SetWindowSubclass and RemoveWindowSubclass with the stored id. 1; 0 when the platform
@@ -69,10 +70,10 @@ class TESSALY_API ShellSubclasser {
     ShellSubclasser(const ShellSubclasser&) = delete; // the window knows its address
     ShellSubclasser& operator=(const ShellSubclasser&) = delete;
 
-    /// 1; 0 when the platform refused, or without the chain if the window has a subclasser: then
-    /// nothing has changed.
+    /// Begins to see hwndOther's messages. 1; 0 when the platform refused, or without the chain if
+    /// the window has a subclasser: then nothing has changed.
     int Subclass(HWND hwndOther);
-    /// 1; 0 when there was nothing to undo.
+    /// Leaves the window. 1; 0 when there was nothing to undo.
     int Unsubclass();
 
     /// Called for each message; the default passes it on. An override calls this one for what it

@@ -1,7 +1,7 @@
 #include "store/ini/ini_file.h"
 #include "files/disk/path_fs.h"
 #include "files/stream/core_file.h"
-#include "runtime/base/cs_buf.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/text/str_copy.h"
 #include "store/ini/parser.h"
 #include "store/registry/reg_key.h"
@@ -11,8 +11,10 @@
 
 namespace {
 constexpr wchar_t kByteOrderMark = 0xFEFF;
-constexpr unsigned long long kMaxBlock = 0xFFFFFFFF; // what CSBuf can be told
+constexpr unsigned long long kMaxBlock = 0xFFFFFFFF; // bytes, as the platform writes at once
 } // namespace
+
+// An object and what its subclasses override
 
 IniFile::IniFile(const wchar_t* pszFile) { SetPath(pszFile); }
 
@@ -31,6 +33,8 @@ int IniFile::DeleteParser() {
     pParser = nullptr;
     return 0;
 }
+
+// The steps of a pass
 
 int IniFile::GetComment(wchar_t* pszBuffer) {
     if (!pParser || !pszBuffer || !pParser->SkipWhite()) return 0;
@@ -57,7 +61,7 @@ int IniFile::GetVar(wchar_t* pszBuffer) {
     if (pParser->GetCurrentChar() == L'[' || pParser->GetCurrentChar() == L';') return 0;
     unsigned cch = pParser->CopyToChar(L'=', pszBuffer, kTextSize);
     if (!pParser->MustBe(L'=')) return 0;
-    while (cch && pszBuffer[cch - 1] == L' ') pszBuffer[--cch] = 0;
+    while (cch && pszBuffer[cch - 1] == L' ') pszBuffer[--cch] = 0; // "name =": tabs stay
     return 1;
 }
 
@@ -68,6 +72,8 @@ int IniFile::GetVal(wchar_t* pszBuffer) {
     pParser->SkipCR();
     return 1;
 }
+
+// Whole passes. A callback that gives 0 ends them, and may have given the parser up besides.
 
 int IniFile::ReportComments(const wchar_t* pszSection) {
     wchar_t szComment[kTextSize];
@@ -106,37 +112,39 @@ int IniFile::ReadAll(const wchar_t* pszText, unsigned cchText) {
     return ReadSections();
 }
 
+// Files
+
 int IniFile::ReadData() {
-    if (!*szPath) return 0;
+    if (!*szPath) return 0; // an object for a text alone
     CoreFile file(szPath, 0);
     if (!file.IsReady()) return 0;
     DWORD cb = file.GetSize(nullptr);
     if (!cb || cb > kMaxBlock - sizeof(wchar_t)) return 0;
-    CSBuf buffer(cb + sizeof(wchar_t)); // zeros behind the file's bytes complete an odd one
-    if (!buffer.IsReady()) return 0;
-    file.ReadBin(buffer, cb, nullptr); // what could not be read stays zero
-    auto* pszText = reinterpret_cast<const wchar_t*>(static_cast<unsigned char*>(buffer));
-    int nResult = ReadAll(pszText, cb / sizeof(wchar_t) + cb % sizeof(wchar_t));
+    HeapArray<wchar_t> text(cb / sizeof(wchar_t) + 1); // a zero completes an odd last byte
+    if (!text.IsReady()) return 0;
+    file.ReadBin(text.Get(), cb, nullptr); // what could not be read stays zero
+    int nResult = ReadAll(text.Get(), cb / sizeof(wchar_t) + cb % sizeof(wchar_t));
     // The parser outlives the pass, the text does not.
     DeleteParser();
     return nResult;
 }
 
 int IniFile::WriteData() {
-    unsigned long long cb = 1ULL * MakeData(nullptr) * sizeof(wchar_t);
-    if (!cb) {
+    // Measured and then written by the same routine, so that the block is just large enough.
+    unsigned cch = MakeData(nullptr);
+    if (!cch) {
         ::DeleteFileW(szPath);
         return 1;
     }
-    if (cb > kMaxBlock) return 0;
-    CSBuf buffer(static_cast<unsigned>(cb));
-    if (!buffer.IsReady()) return 0;
-    MakeData(reinterpret_cast<wchar_t*>(static_cast<unsigned char*>(buffer)));
+    if (cch > kMaxBlock / sizeof(wchar_t)) return 0;
+    HeapArray<wchar_t> text(cch);
+    if (!text.IsReady()) return 0;
+    MakeData(text.Get());
     CoreFileAttrib attrib(szPath, FILE_ATTRIBUTE_NORMAL); // put back when the file is closed
     CoreFile file(szPath, GENERIC_READ | GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL);
     if (!file.IsReady()) return 0;
     file.WriteBin(&kByteOrderMark, sizeof(kByteOrderMark), nullptr);
-    file.WriteBin(buffer, static_cast<DWORD>(cb), nullptr);
+    file.WriteBin(text.Get(), static_cast<DWORD>(text.GetByteCount()), nullptr);
     return 1;
 }
 

@@ -38,6 +38,7 @@ class TESSALY_API IniFile {
                          const wchar_t* pszValue);
 
     const wchar_t* GetPath() const { return szPath; }
+    /// The file to read and write from now on; cut and null as in the constructor.
     void SetPath(const wchar_t* pszFile);
     /// Reads the file, which is shared with readers, and runs ReadAll. 0 also for an empty file.
     int ReadData();

@@ -21,6 +21,7 @@ int Parser::SkipLine() {
     return SkipCR();
 }
 
+/// White characters and line ends are what stands between tokens.
 int Parser::SkipToken() {
     while (IsTokenChar()) ++p;
     return NotEnd();

@@ -5,8 +5,8 @@ namespace {
 constexpr std::size_t kHomePathSize = 257;
 constexpr std::size_t kRestrictionsPathSize = 256;
 
-/// 0 without a key, and where only a part of its path would fit: that would be another key.
-int OpenSetup(RegKey& key, const wchar_t* pszMakerKey, const wchar_t* pszProduct, int bWrite) {
+/// False without a key, and where only a part of its path would fit: that would be another key.
+bool OpenSetup(RegKey& key, const wchar_t* pszMakerKey, const wchar_t* pszProduct, int bWrite) {
     wchar_t szPath[kHomePathSize + 1]; // one more, in which a longer path shows
     std::size_t cch = FormatText(szPath, L"HKLM\\%s\\%s\\Setup", pszMakerKey, pszProduct);
     return cch < kHomePathSize && key.Open(szPath, bWrite);
@@ -20,6 +20,7 @@ int ProcessHomeFolder(RegKey::Op op, const wchar_t* pszProduct, wchar_t* pszText
     if (bWrite) RegKey::CS2WA(0, pszProduct);
     RegKey key;
     if (!OpenSetup(key, kMakerKey, pszProduct, bWrite)) {
+        // What was installed by an older version is only read where it lies.
         if (bWrite || !OpenSetup(key, kFormerMakerKey, pszProduct, 0)) return 0;
     }
     return key.ProcessEntry(op, L"Home", pszText, cchText);
@@ -42,6 +43,7 @@ int Restricted(const wchar_t* pszProduct, const wchar_t* pszName) {
 }
 
 int IsPowerUser() {
+    // The rights of the key tell less than an attempt: groups and policies decide too.
     wchar_t szPath[kHomePathSize];
     FormatText(szPath, L"HKLM\\%s", kMakerKey);
     RegKey key(szPath, 1);

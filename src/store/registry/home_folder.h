@@ -1,6 +1,11 @@
 #pragma once
 #include "store/registry/reg_key.h"
 
+/// Where the maker's products keep their settings, below HKCU and HKLM.
+constexpr const wchar_t* kMakerKey = L"Software\\Orvanta";
+/// Where they were before; what is left there is moved (RegKey::CS2WA).
+constexpr const wchar_t* kFormerMakerKey = L"Software\\Quenby";
+
 // What the maker's products keep for the whole machine and what a user may be barred from.
 // pszProduct is the product's name (ProductInfo::GetName). Without one, null, the result is 0; so
 // it is with one that makes the key's path longer than 256 characters (Restricted: 255).
@@ -23,9 +28,3 @@ TESSALY_API int Restricted(const wchar_t* pszProduct, const wchar_t* pszName);
 /// 1 if the user may write to the maker's key of the machine, which is tried: HKLM\Software\Orvanta
 /// is made if it is missing, and gets a value "Temp" for a moment.
 TESSALY_API int IsPowerUser();
-
-// Where the maker's products keep their settings, below HKCU and HKLM.
-
-constexpr const wchar_t* kMakerKey = L"Software\\Orvanta";
-/// Where they were before; what is left there is moved (RegKey::CS2WA).
-constexpr const wchar_t* kFormerMakerKey = L"Software\\Quenby";

@@ -1,19 +1,32 @@
 #include "store/registry/reg_key.h"
-#include "runtime/base/cs_buf.h"
+#include "runtime/base/heap_array.h"
+#include "runtime/text/str_find.h"
 #include "runtime/text/str_format.h"
 
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
 
-// Reading, writing and enumerating. Opening, deleting, operations and the log have files of their
-// own.
-
-
-
+// Values: reading, writing, their names, and the operations on entries. Opening and the log are in
+// reg_key_open.cpp, whole keys in reg_key_tree.cpp.
 
 namespace {
 constexpr DWORD kMaxValueSize = 0x7FFFFFF0; // leaves room for terminators in 32 bits
+constexpr DWORD kMaxTestedSize = 520;       // bytes; a longer text matches nothing in a test
+constexpr std::size_t kJoinedSize = 256;    // of a prefix and a name, with the terminator
+
+/// A prefix and a name as one name.
+class JoinedName {
+  public:
+    JoinedName(const wchar_t* pszPrefix, const wchar_t* pszName) {
+        FormatText(szJoined, RegKey::pszFmtPrefix, pszPrefix ? pszPrefix : L"",
+                   pszName ? pszName : L"");
+    }
+    operator const wchar_t*() const { return szJoined; }
+
+  private:
+    wchar_t szJoined[kJoinedSize] = {};
+};
 
 /// Copies pszText into the buffer, cut to fit; the two may be the same place.
 void CopyCut(wchar_t* pszBuffer, int cchBuffer, const wchar_t* pszText) {
@@ -24,7 +37,10 @@ void CopyCut(wchar_t* pszBuffer, int cchBuffer, const wchar_t* pszText) {
 }
 } // namespace
 
-int RegKey::QuerySize(const wchar_t* pszName, DWORD& cbValue) const {
+// Reading
+
+/// The size of a value in bytes; false, and size 0, if it cannot be queried.
+bool RegKey::QuerySize(const wchar_t* pszName, DWORD& cbValue) const {
     DWORD cb = 0;
     LSTATUS status = ::RegQueryValueExW(hkey, pszName, nullptr, nullptr, nullptr, &cb);
     cbValue = status == ERROR_SUCCESS ? cb : 0;
@@ -48,25 +64,25 @@ DWORD RegKey::GetDword(const wchar_t* pszName, DWORD dwDefault) const {
     return status == ERROR_SUCCESS ? dwValue : dwDefault;
 }
 
-/// The reading half of GetStr: 0, with the buffer as it was, if there is no text that fits.
-int RegKey::ReadStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer) const {
+/// The reading half of GetStr: false, with the buffer as it was, if there is no text that fits.
+bool RegKey::ReadStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer) const {
     DWORD cb = 0;
-    if (!QuerySize(pszName, cb) || cb > kMaxValueSize) return 0;
-    if (cb > 2 * static_cast<unsigned long long>(cchBuffer)) return 0;
+    if (!QuerySize(pszName, cb) || cb > kMaxValueSize) return false;
+    if (cb > 2 * static_cast<unsigned long long>(cchBuffer)) return false;
     // Stored text need not be terminated, and the buffer may be the default at the same time: it is
     // read elsewhere first.
-    CSBuf block(cb + sizeof(wchar_t));
-    if (!block.IsReady()) return 0;
-    unsigned char* pBytes = block;
-    if (::RegQueryValueExW(hkey, pszName, nullptr, nullptr, pBytes, &cb) != ERROR_SUCCESS) return 0;
+    HeapArray<wchar_t> text(cb / sizeof(wchar_t) + 1);
+    if (!text.IsReady()) return false;
+    auto* pBytes = reinterpret_cast<BYTE*>(text.Get());
+    if (::RegQueryValueExW(hkey, pszName, nullptr, nullptr, pBytes, &cb) != ERROR_SUCCESS)
+        return false;
 
-    const auto* pszRead = reinterpret_cast<const wchar_t*>(pBytes);
     std::size_t cch = std::min<std::size_t>(cb / sizeof(wchar_t), cchBuffer);
-    std::size_t cchText = ::wcsnlen(pszRead, cch);
-    if (cchText >= static_cast<std::size_t>(cchBuffer)) return 0; // no room for the terminator
-    std::wmemcpy(pszBuffer, pszRead, cch);
+    std::size_t cchText = ::wcsnlen(text.Get(), cch);
+    if (cchText >= static_cast<std::size_t>(cchBuffer)) return false; // no room for the terminator
+    std::wmemcpy(pszBuffer, text.Get(), cch);
     pszBuffer[cchText] = 0;
-    return 1;
+    return true;
 }
 
 int RegKey::GetStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer,
@@ -101,6 +117,8 @@ int RegKey::GetBin(const wchar_t* pszName, void* pBuffer, unsigned cbMax, DWORD*
     return status == ERROR_SUCCESS;
 }
 
+// Writing
+
 int RegKey::PutDword(const wchar_t* pszName, DWORD dwValue, int bCompare) {
     if (bLogMode) return Log(L"%s=dword:%08X\r\n", pszName ? pszName : L"", dwValue);
     if (bCompare && GetDword(pszName, ~dwValue) == dwValue) return 1;
@@ -114,17 +132,16 @@ int RegKey::PutInt(const wchar_t* pszName, int nValue) {
 }
 
 /// Whether the value is a text equal to pszText. A stored size that is odd is no text's.
-int RegKey::HoldsStr(const wchar_t* pszName, const wchar_t* pszText) const {
+bool RegKey::HoldsStr(const wchar_t* pszName, const wchar_t* pszText) const {
     DWORD cb = 0;
-    if (!QuerySize(pszName, cb) || !cb || cb % sizeof(wchar_t) || cb > kMaxValueSize) return 0;
+    if (!QuerySize(pszName, cb) || !cb || cb % sizeof(wchar_t) || cb > kMaxValueSize) return false;
     // One character more than stored: a text without its terminator is compared too, and the
     // default has room.
     int cch = static_cast<int>(cb / sizeof(wchar_t)) + 1;
-    CSBuf block(static_cast<unsigned>(cch) * sizeof(wchar_t));
-    if (!block.IsReady()) return 0;
-    auto* pszStored = reinterpret_cast<wchar_t*>(static_cast<unsigned char*>(block));
-    GetStr(pszName, pszStored, cch, *pszText ? L"" : L"1"); // a default that differs
-    return std::wcscmp(pszStored, pszText) == 0;
+    HeapArray<wchar_t> stored(static_cast<std::size_t>(cch));
+    if (!stored.IsReady()) return false;
+    GetStr(pszName, stored.Get(), cch, *pszText ? L"" : L"1"); // a default that differs
+    return std::wcscmp(stored.Get(), pszText) == 0;
 }
 
 int RegKey::PutStr(const wchar_t* pszName, const wchar_t* pszText, int bCompare) {
@@ -143,15 +160,15 @@ int RegKey::PutStrOrDelEmpty(const wchar_t* pszName, const wchar_t* pszText, int
     return PutStr(pszName, pszText, bCompare);
 }
 
-int RegKey::HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const {
+/// Whether the value has just these bytes, whatever its type.
+bool RegKey::HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const {
     DWORD cb = 0;
-    if (!QuerySize(pszName, cb) || !cb || cb != cbBytes) return 0;
-    CSBuf block(cb);
-    if (!block.IsReady()) return 0; // written without a comparison then
-    unsigned char* pStored = block;
-    if (::RegQueryValueExW(hkey, pszName, nullptr, nullptr, pStored, &cb) != ERROR_SUCCESS)
-        return 0;
-    return cb == cbBytes && std::memcmp(pStored, pBytes, cb) == 0;
+    if (!QuerySize(pszName, cb) || !cb || cb != cbBytes) return false;
+    HeapArray<BYTE> stored(cb);
+    if (!stored.IsReady()) return false; // written without a comparison then
+    if (::RegQueryValueExW(hkey, pszName, nullptr, nullptr, stored.Get(), &cb) != ERROR_SUCCESS)
+        return false;
+    return cb == cbBytes && std::memcmp(stored.Get(), pBytes, cb) == 0;
 }
 
 int RegKey::PutBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes, DWORD dwType) {
@@ -161,6 +178,8 @@ int RegKey::PutBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes,
         ::RegSetValueExW(hkey, pszName, 0, dwType, static_cast<const BYTE*>(pBytes), cbBytes);
     return status == ERROR_SUCCESS;
 }
+
+// Names of subkeys and values
 
 LSTATUS RegKey::ReadSubKeyName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const {
     if (!pszBuffer || cchBuffer <= 0) return ERROR_MORE_DATA;
@@ -176,6 +195,8 @@ LSTATUS RegKey::ReadValueName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) cons
     return ::RegEnumValueW(hkey, nAt, pszBuffer, &cch, nullptr, nullptr, nullptr, nullptr);
 }
 
+// QUIRK: every walk answers 1 to any error but "no more", so that one over a key that is not open
+// never ends: the open has to be tested first. Test: RegKeyRead.NameThatDoesNotFitGivesOneAndNoName
 int RegKey::GetSubKeyByIndex(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const {
     return ReadSubKeyName(nAt, pszBuffer, cchBuffer) != ERROR_NO_MORE_ITEMS;
 }
@@ -202,74 +223,113 @@ int RegKey::GetNextValue(wchar_t* pszBuffer, int cchBuffer) {
     return GetValueByIndex(++nIndex, pszBuffer, cchBuffer);
 }
 
-// Whole keys in files of the platform's own format.
+// Operations on entries
 
+/// Whether the value is the text; one that cannot be read is like an empty one.
+bool RegKey::TestStr(const wchar_t* pszName, const wchar_t* pszText, int bNoCase) const {
+    wchar_t szStored[kMaxTestedSize / sizeof(wchar_t) + 1] = {}; // one more: text may be open-ended
+    DWORD cb = kMaxTestedSize;
+    LSTATUS status =
+        ::RegQueryValueExW(hkey, pszName, nullptr, nullptr, reinterpret_cast<BYTE*>(szStored), &cb);
+    szStored[status == ERROR_SUCCESS ? cb / sizeof(wchar_t) : 0] = 0;
+    return StrIsSame(szStored, pszText, bNoCase);
+}
 
-int RegKey::SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity) {
-    if (!pszFile || !*pszFile) {
-        lError = ERROR_INVALID_PARAMETER;
-        return 0;
+int RegKey::ProcessEntry(Op op, const wchar_t* pszName, wchar_t* pszText, unsigned cchText) {
+    if (op != OpGet) return ProcessEntry(op, pszName, static_cast<const wchar_t*>(pszText));
+    int cch = cchText > 0x7FFFFFFF ? 0x7FFFFFFF : static_cast<int>(cchText);
+    return GetStr(pszName, pszText, cch, nullptr) != 0;
+}
+
+int RegKey::ProcessEntry(Op op, const wchar_t* pszName, const wchar_t* pszText) {
+    if (!pszText) pszText = L"";
+    switch (op) {
+    case OpTest:
+    case OpTestNoCase: return TestStr(pszName, pszText, op == OpTestNoCase);
+    case OpDelete: DelValue(pszName); return 1;
+    case OpSet: return TestStr(pszName, pszText, 0) || PutStr(pszName, pszText, 1);
+    case OpGet: return 0; // there is no buffer to read to
+    case OpTestAbsent: return !FindValue(pszName);
+    case OpSetAlways: return PutStr(pszName, pszText, 0);
     }
-    DWORD dwAttributes = ::GetFileAttributesW(pszFile);
-    if (dwAttributes == INVALID_FILE_ATTRIBUTES) {
-        dwAttributes = FILE_ATTRIBUTE_ARCHIVE;
-    } else {
-        // The platform writes over no file, and deletes none that is read-only.
-        ::SetFileAttributesW(pszFile, FILE_ATTRIBUTE_NORMAL);
-        ::DeleteFileW(pszFile);
-    }
-    lError = ::RegSaveKeyW(hkeySaved, pszFile, pSecurity);
-    ::SetFileAttributesW(pszFile, dwAttributes);
-    return lError == ERROR_SUCCESS;
-}
-
-int RegKey::LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile) {
-    return ::RegLoadKeyW(hkeyParent, pszSubkey, pszFile) == ERROR_SUCCESS;
-}
-
-int RegKey::UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey) {
-    return ::RegUnLoadKeyW(hkeyParent, pszSubkey) == ERROR_SUCCESS;
-}
-
-// The text log: what a series of operations would do, as text instead of in the registry.
-
-
-
-
-constinit int RegKey::bLogMode = 0;
-constinit wchar_t* RegKey::pszLog = nullptr;
-constinit unsigned RegKey::nLogSizeChars = 0;
-constinit long RegKey::lError = 0;
-constinit const wchar_t* RegKey::pszFmtPrefix = L"%s%s";
-
-namespace {
-constexpr std::size_t kLineSize = 255; // with the terminator; longer lines are cut, ends and all
-} // namespace
-
-void RegKey::StartLog(wchar_t* pszBuffer) {
-    bLogMode = 1;
-    pszLog = pszBuffer;
-    nLogSizeChars = 0;
-}
-
-unsigned RegKey::EndLog() {
-    bLogMode = 0;
-    if (!nLogSizeChars) return 0;
-    if (pszLog) *pszLog = 0;
-    return nLogSizeChars + 1;
-}
-
-/// Appends one line. Always 1, which is what a logged operation gives.
-int RegKey::Log(const wchar_t* pszFormat, ...) {
-    wchar_t szLine[kLineSize];
-    va_list args;
-    va_start(args, pszFormat);
-    auto cch = static_cast<unsigned>(FormatTextV(szLine, kLineSize, pszFormat, args));
-    va_end(args);
-    if (pszLog) {
-        std::wmemcpy(pszLog, szLine, cch);
-        pszLog += cch;
-    }
-    nLogSizeChars += cch;
     return 1;
+}
+
+int RegKey::ProcessEntry(Op op, const wchar_t* pszName, DWORD& dwValue) {
+    switch (op) {
+    case OpTest:
+    case OpTestNoCase: return GetDword(pszName, 0) == dwValue;
+    case OpDelete: DelValue(pszName); return 1;
+    case OpSet:
+        if (GetDword(pszName, 0) == dwValue) return 1;
+        if (dwValue) return PutDword(pszName, dwValue, 1);
+        DelValue(pszName);
+        return 1;
+    case OpGet: dwValue = GetDword(pszName, 0); return 1;
+    case OpTestAbsent: return !FindValue(pszName);
+    case OpSetAlways: return PutDword(pszName, dwValue, 0);
+    }
+    return 1;
+}
+
+int RegKey::ProcessEntry(Op op, const wchar_t* pszName, int& nValue) {
+    auto dwValue = static_cast<DWORD>(nValue);
+    int nResult = ProcessEntry(op, pszName, dwValue);
+    nValue = static_cast<int>(dwValue);
+    return nResult;
+}
+
+int RegKey::ProcessSubKey(Op op, const wchar_t* pszSubkey) {
+    if (op != OpDelete && op != OpSet && op != OpSetAlways) return 1;
+    DelSubKey(pszSubkey);
+    RegKey created;
+    if (op != OpDelete) created.Open(*this, pszSubkey, 1);
+    if (!bLogMode) Flush();
+    return 1;
+}
+
+// Values whose names have a prefix in common
+
+int RegKey::DelValuePrefix(const wchar_t* pszPrefix, const wchar_t* pszName) {
+    return DelValue(JoinedName(pszPrefix, pszName));
+}
+
+int RegKey::GetIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nDefault) const {
+    return GetInt(JoinedName(pszPrefix, pszName), nDefault);
+}
+
+DWORD RegKey::GetDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName,
+                             DWORD dwDefault) const {
+    return GetDword(JoinedName(pszPrefix, pszName), dwDefault);
+}
+
+unsigned RegKey::GetBinSizePrefix(const wchar_t* pszPrefix, const wchar_t* pszName) const {
+    return GetBinSize(JoinedName(pszPrefix, pszName));
+}
+
+int RegKey::GetBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, void* pBuffer,
+                         unsigned cbMax) const {
+    return GetBin(JoinedName(pszPrefix, pszName), pBuffer, cbMax);
+}
+
+int RegKey::GetStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, wchar_t* pszBuffer,
+                         int cchBuffer, const wchar_t* pszDefault) const {
+    return GetStr(JoinedName(pszPrefix, pszName), pszBuffer, cchBuffer, pszDefault);
+}
+
+int RegKey::PutIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nValue) {
+    return PutInt(JoinedName(pszPrefix, pszName), nValue);
+}
+
+int RegKey::PutDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwValue) {
+    return PutDword(JoinedName(pszPrefix, pszName), dwValue, 1);
+}
+
+int RegKey::PutStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const wchar_t* pszText) {
+    return PutStr(JoinedName(pszPrefix, pszName), pszText, 1);
+}
+
+int RegKey::PutBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const void* pBytes,
+                         unsigned cbBytes) {
+    return PutBin(JoinedName(pszPrefix, pszName), pBytes, cbBytes, REG_BINARY);
 }

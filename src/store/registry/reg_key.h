@@ -16,7 +16,7 @@
 class TESSALY_API RegKey {
   public:
     /// What to do with one entry, so that one list of entries can be tested, installed and removed.
-    /// Callers compute these numbers.
+    /// Callers compute with these numbers.
     enum Op {
         OpTest = 0,       // is it there with this content?
         OpDelete = 1,     // take it away
@@ -52,7 +52,9 @@ class TESSALY_API RegKey {
     int Attach(HKEY hkeyTaken, int);
     /// Forgets the handle without closing it.
     void Detach() { hkey = nullptr; }
+    /// Closes the handle, if there is one.
     void Close();
+    /// Has the platform write what was changed to the disk.
     int Flush();
     HKEY GetHandle() const { return hkey; }
     /// Whether an open for that operation is one for writing: 1 for OpDelete and OpSet only.
@@ -64,8 +66,8 @@ class TESSALY_API RegKey {
     DWORD GetValueType(const wchar_t* pszName) const;
     /// A value of type REG_NONE counts as absent.
     int FindValue(const wchar_t* pszName) const { return GetValueType(pszName) != REG_NONE; }
-    /// The first four bytes of any type; shorter values are filled up with zeros, longer ones give
-    /// the default.
+    /// The first four bytes of a value of any type; shorter ones are filled up with zeros, longer
+    /// ones give the default.
     int GetInt(const wchar_t* pszName, int nDefault) const;
     DWORD GetDword(const wchar_t* pszName, DWORD dwDefault) const;
     /// The text of a value of any type, which must fit pszBuffer of cchBuffer characters with its
@@ -87,17 +89,14 @@ class TESSALY_API RegKey {
     int PutDword(const wchar_t* pszName, DWORD dwValue, int bCompare);
     int PutInt(const wchar_t* pszName, int nValue);
     int PutStr(const wchar_t* pszName, const wchar_t* pszText, int bCompare);
-    /// An empty text deletes the value.
+    /// PutStr, but a null or empty text deletes the value.
     int PutStrOrDelEmpty(const wchar_t* pszName, const wchar_t* pszText, int bCompare);
     int PutBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes, DWORD dwType);
 
-    /// A value that is not there gives 1.
-    // QUIRK: a value of type REG_NONE counts as not there and is never deleted.
-    // Test: RegKeyDelete.ValueWithoutTypeStays
+    /// Deletes the value; 1 also if FindValue says that it is not there.
     int DelValue(const wchar_t* pszName);
-    /// Deletes the subkey with all that it holds. 1 if there is none, 0 if it could not be deleted.
-    // QUIRK: a subkey that exists and cannot be opened for writing is passed over with 1.
-    // Test: RegKeyDelete.SubKeyThatCannotBeWrittenIsPassedOver
+    /// Deletes the subkey with all that it holds. 0 if it could not be deleted; 1 if there is none,
+    /// and 1 for one that cannot be opened for writing.
     int DelSubKey(const wchar_t* pszSubkey);
     /// Empties the key of subkeys and values; the key itself stays. Always 1.
     int DelAll();
@@ -112,9 +111,7 @@ class TESSALY_API RegKey {
     /// but the default value. Names of more than 256 characters are passed over. Always 1.
     int DelValuesStartingWith(const wchar_t* pszPrefix, int bNoCase);
 
-    /// Copies one value with its type. 0 if it is missing or could not be copied.
-    // QUIRK: a value with no bytes counts as missing: CopyTo, RenameSubkey and CS2WA lose it.
-    // Test: RegKeyTree.ValueWithoutBytesIsNotCopied
+    /// Copies one value with its type. 0 if it is missing, has no bytes or could not be copied.
     int CopyValueTo(RegKey& target, const wchar_t* pszName) const;
     /// Copies all values and, with all that they hold, all subkeys into target, over what is there.
     /// What cannot be read or made is passed over, as are subkeys more than 512 levels down, the
@@ -141,8 +138,8 @@ class TESSALY_API RegKey {
     /// otherwise it gets FILE_ATTRIBUTE_ARCHIVE. The platform's status is kept in lError.
     static int SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity);
     int Save(const wchar_t* pszFile) const { return SaveKey(hkey, pszFile, nullptr); }
-    /// Hangs a hive file up as a subkey of HKEY_LOCAL_MACHINE or HKEY_USERS, and takes it down;
-    /// both need SE_RESTORE_NAME too.
+    /// Hang a hive file up as a subkey of HKEY_LOCAL_MACHINE or HKEY_USERS, and take it down. Both
+    /// need SE_BACKUP_NAME and SE_RESTORE_NAME.
     static int LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile);
     static int UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey);
 
@@ -172,7 +169,7 @@ class TESSALY_API RegKey {
     int GetFirstValue(wchar_t* pszBuffer, int cchBuffer);
     int GetNextValue(wchar_t* pszBuffer, int cchBuffer);
     int GetValueByIndex(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
-    /// The same with the platform's status, for walks that must tell errors apart.
+    /// The names by their index with the platform's status, for walks that tell errors apart.
     LSTATUS ReadSubKeyName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
     LSTATUS ReadValueName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
 
@@ -183,7 +180,8 @@ class TESSALY_API RegKey {
     int ProcessEntry(Op op, const wchar_t* pszName, const wchar_t* pszText);
     int ProcessEntry(Op op, const wchar_t* pszName, DWORD& dwValue);
     int ProcessEntry(Op op, const wchar_t* pszName, int& nValue);
-    /// Always 1. The writing operations flush this key.
+    /// Performs op on a subkey, of which OpSet and OpSetAlways make an empty one, and flushes this
+    /// key; the operations that only look do nothing. Always 1.
     int ProcessSubKey(Op op, const wchar_t* pszSubkey);
 
     /// The text log: from StartLog to EndLog, opening a path, PutDword, PutStr and DelValue leave
@@ -206,12 +204,12 @@ class TESSALY_API RegKey {
 
   private:
     static int Log(const wchar_t* pszFormat, ...);
-    int QuerySize(const wchar_t* pszName, DWORD& cbValue) const;
-    int ReadStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer) const;
-    int HoldsStr(const wchar_t* pszName, const wchar_t* pszText) const;
-    int HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const;
-    int TestStr(const wchar_t* pszName, const wchar_t* pszText, int bNoCase) const;
-    int CopyTree(RegKey& target, int nLevelsLeft);
+    bool QuerySize(const wchar_t* pszName, DWORD& cbValue) const;
+    bool ReadStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer) const;
+    bool HoldsStr(const wchar_t* pszName, const wchar_t* pszText) const;
+    bool HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const;
+    bool TestStr(const wchar_t* pszName, const wchar_t* pszText, int bNoCase) const;
+    void CopyTree(RegKey& target, int nLevelsLeft);
     void CopyValues(RegKey& target);
     void DelSubKeys(int bEmptyFirst);
     void DelValues();

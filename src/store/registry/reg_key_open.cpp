@@ -1,19 +1,18 @@
+#include "runtime/text/str_find.h"
 #include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
-#include "store/registry/reg_key_names.h"
 
 #include <algorithm>
 #include <cwchar>
 
-// Opening: the walk over a textual path, and the roots that it knows.
-
-
-
+// Opening: the walk over a textual path, and the roots that it knows; and the text log, which
+// stands in the place of the registry.
 
 namespace {
 constexpr wchar_t kSeparator = L'\\';
 constexpr std::size_t kComponentSize = 128; // with the terminator
 constexpr std::size_t kPathSize = 256;      // of a path joined from two texts
+constexpr std::size_t kLineSize = 255;      // of the log; longer lines are cut, ends and all
 /// While the text log is on, this stands for every key: the platform fails on it.
 const HKEY kLoggedKey = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(1));
 
@@ -31,22 +30,22 @@ HKEY FindRoot(const wchar_t* pszName) {
         {L"HKU", L"HKEY_USERS", HKEY_USERS},
     };
     for (const RootName& root : kRoots) {
-        if (IsSameRegName(pszName, root.pszShort) || IsSameRegName(pszName, root.pszLong)) {
+        if (StrIsSame(pszName, root.pszShort, 1) || StrIsSame(pszName, root.pszLong, 1)) {
             return root.hkey;
         }
     }
     return nullptr;
 }
 
-/// Takes the next component off the path and the backslash behind it. 0 if it is too long.
-int TakeComponent(const wchar_t*& pszPath, wchar_t (&szComponent)[kComponentSize]) {
+/// Takes the next component off the path and the backslash behind it. False if it is too long.
+bool TakeComponent(const wchar_t*& pszPath, wchar_t (&szComponent)[kComponentSize]) {
     std::size_t cch = std::wcscspn(pszPath, L"\\");
-    if (cch >= kComponentSize) return 0;
+    if (cch >= kComponentSize) return false;
     std::copy_n(pszPath, cch, szComponent);
     szComponent[cch] = 0;
     pszPath += cch;
     if (*pszPath == kSeparator) ++pszPath;
-    return 1;
+    return true;
 }
 
 int CountComponents(const wchar_t* pszPath) {
@@ -146,67 +145,38 @@ int RegKey::Flush() {
     return ::RegFlushKey(hkey) == ERROR_SUCCESS;
 }
 
-// Values whose names have a prefix in common.
+// The text log
 
+constinit int RegKey::bLogMode = 0;
+constinit wchar_t* RegKey::pszLog = nullptr;
+constinit unsigned RegKey::nLogSizeChars = 0;
+constinit long RegKey::lError = 0;
+constinit const wchar_t* RegKey::pszFmtPrefix = L"%s%s";
 
+void RegKey::StartLog(wchar_t* pszBuffer) {
+    bLogMode = 1;
+    pszLog = pszBuffer;
+    nLogSizeChars = 0;
+}
 
-namespace {
-constexpr std::size_t kJoinedSize = 256; // of a prefix and a name, with the terminator
+unsigned RegKey::EndLog() {
+    bLogMode = 0;
+    if (!nLogSizeChars) return 0;
+    if (pszLog) *pszLog = 0;
+    return nLogSizeChars + 1;
+}
 
-/// A prefix and a name as one name.
-class JoinedName {
-  public:
-    JoinedName(const wchar_t* pszPrefix, const wchar_t* pszName) {
-        FormatText(szJoined, RegKey::pszFmtPrefix, pszPrefix ? pszPrefix : L"",
-                   pszName ? pszName : L"");
+/// Appends one line. Always 1, which is what a logged operation gives.
+int RegKey::Log(const wchar_t* pszFormat, ...) {
+    wchar_t szLine[kLineSize];
+    va_list args;
+    va_start(args, pszFormat);
+    auto cch = static_cast<unsigned>(FormatTextV(szLine, kLineSize, pszFormat, args));
+    va_end(args);
+    if (pszLog) {
+        std::wmemcpy(pszLog, szLine, cch);
+        pszLog += cch;
     }
-    operator const wchar_t*() const { return szJoined; }
-
-  private:
-    wchar_t szJoined[kJoinedSize] = {};
-};
-} // namespace
-
-int RegKey::DelValuePrefix(const wchar_t* pszPrefix, const wchar_t* pszName) {
-    return DelValue(JoinedName(pszPrefix, pszName));
-}
-
-int RegKey::GetIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nDefault) const {
-    return GetInt(JoinedName(pszPrefix, pszName), nDefault);
-}
-
-DWORD RegKey::GetDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName,
-                             DWORD dwDefault) const {
-    return GetDword(JoinedName(pszPrefix, pszName), dwDefault);
-}
-
-unsigned RegKey::GetBinSizePrefix(const wchar_t* pszPrefix, const wchar_t* pszName) const {
-    return GetBinSize(JoinedName(pszPrefix, pszName));
-}
-
-int RegKey::GetBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, void* pBuffer,
-                         unsigned cbMax) const {
-    return GetBin(JoinedName(pszPrefix, pszName), pBuffer, cbMax);
-}
-
-int RegKey::GetStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, wchar_t* pszBuffer,
-                         int cchBuffer, const wchar_t* pszDefault) const {
-    return GetStr(JoinedName(pszPrefix, pszName), pszBuffer, cchBuffer, pszDefault);
-}
-
-int RegKey::PutIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nValue) {
-    return PutInt(JoinedName(pszPrefix, pszName), nValue);
-}
-
-int RegKey::PutDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwValue) {
-    return PutDword(JoinedName(pszPrefix, pszName), dwValue, 1);
-}
-
-int RegKey::PutStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const wchar_t* pszText) {
-    return PutStr(JoinedName(pszPrefix, pszName), pszText, 1);
-}
-
-int RegKey::PutBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const void* pBytes,
-                         unsigned cbBytes) {
-    return PutBin(JoinedName(pszPrefix, pszName), pBytes, cbBytes, REG_BINARY);
+    nLogSizeChars += cch;
+    return 1;
 }

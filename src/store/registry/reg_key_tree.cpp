@@ -1,28 +1,62 @@
-#include "runtime/base/cs_buf.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/text/str_find.h"
 #include "runtime/text/str_format.h"
 #include "store/registry/home_folder.h"
 #include "store/registry/reg_key.h"
-#include "store/registry/reg_key_names.h"
+#include "store/registry/reg_path.h"
 
 #include <algorithm>
 #include <cwchar>
 
-// Whole keys: emptiness, copies, renames, and the move from the maker's former root.
-
-
-
+// Whole keys: emptiness, copies, renames, the move from the maker's former root, deletions, and the
+// platform's files.
 
 namespace {
-constexpr wchar_t kSeparator = L'\\';
 constexpr int kNameSize = 256;        // of the names that are walked, with the terminator
 constexpr int kDeletedNameSize = 257; // of the names of what is deleted
 constexpr int kMaxLevels = 512;       // of the platform's trees
 constexpr std::size_t kPathSize = 257;
 
-/// Joins root, maker's key and name. 0 if that was cut: it would be another key.
-int JoinMakerPath(wchar_t (&szPath)[kPathSize], const wchar_t* pszRoot, const wchar_t* pszMakerKey,
-                  const wchar_t* pszName) {
+/// A walk over names that vanish while they are walked: the index stays where it is as long as what
+/// it names gets deleted. A name that comes a second time was not, and is stepped over.
+class DeletingWalk {
+  public:
+    using ReadName = LSTATUS (RegKey::*)(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
+
+    DeletingWalk(const RegKey& keyToWalk, ReadName pfnReadName)
+        : key(keyToWalk), pfnRead(pfnReadName) {}
+
+    /// The next name to delete; null at the end. Any error but a name that is too long is the end:
+    /// it would come again at every index.
+    const wchar_t* Next() {
+        for (;; ++nAt) {
+            LSTATUS status = (key.*pfnRead)(nAt, szName, kDeletedNameSize);
+            if (status == ERROR_MORE_DATA) continue;
+            if (status != ERROR_SUCCESS) return nullptr;
+            if (StrIsSame(szName, szPrevious, 1)) continue;
+            std::wcscpy(szPrevious, szName);
+            return szName;
+        }
+    }
+
+  private:
+    const RegKey& key;
+    ReadName pfnRead;
+    DWORD nAt = 0;
+    wchar_t szName[kDeletedNameSize] = {};
+    wchar_t szPrevious[kDeletedNameSize] = {};
+};
+
+/// Opens a subkey for writing, if it is there and can be written.
+bool OpenExisting(RegKey& child, RegKey& parent, const wchar_t* pszSubkey) {
+    if (!child.Open(parent, pszSubkey, 0)) return false;
+    child.Close(); // opened only to see that it is there: an open for writing would create it
+    return child.Open(parent, pszSubkey, 1) != 0;
+}
+
+/// Joins root, maker's key and name. False if that was cut: it would be another key.
+bool JoinMakerPath(wchar_t (&szPath)[kPathSize], const wchar_t* pszRoot, const wchar_t* pszMakerKey,
+                   const wchar_t* pszName) {
     FormatText(szPath, L"%s\\%s\\%s", pszRoot, pszMakerKey, pszName);
     return std::wcslen(pszRoot) + std::wcslen(pszMakerKey) + std::wcslen(pszName) + 2 < kPathSize;
 }
@@ -42,9 +76,7 @@ int RegKey::DelSubKeyIfEmpty(const wchar_t* pszSubkey) {
     if (!pszSubkey || !*pszSubkey) return 1; // would name this key itself
     {
         RegKey child;
-        if (!child.Open(*this, pszSubkey, 0)) return 1;
-        child.Close(); // opened only to see that it is there: the next open would create it
-        if (!child.Open(*this, pszSubkey, 1)) return 1;
+        if (!OpenExisting(child, *this, pszSubkey)) return 1;
         if (!child.IsKeyEmpty()) return 0;
         child.DelValue(nullptr);
     }
@@ -53,31 +85,32 @@ int RegKey::DelSubKeyIfEmpty(const wchar_t* pszSubkey) {
 
 int RegKey::DelValuesStartingWith(const wchar_t* pszPrefix, int bNoCase) {
     wchar_t szName[kDeletedNameSize], szPrevious[kDeletedNameSize];
-    int bHasPrevious = 0; // the default value's empty name may be the previous one
+    bool bHasPrevious = false; // the default value's empty name may be the previous one
     for (DWORD nAt = 0;;) {
         LSTATUS status = ReadValueName(nAt, szName, kDeletedNameSize);
         if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) return 1;
-        int bSelected = status == ERROR_SUCCESS && StrStartsWith(szName, pszPrefix, bNoCase);
+        bool bSelected = status == ERROR_SUCCESS && StrStartsWith(szName, pszPrefix, bNoCase);
         // What comes again could not be deleted and is stepped over too.
-        if (!bSelected || (bHasPrevious && IsSameRegName(szName, szPrevious))) {
+        if (!bSelected || (bHasPrevious && StrIsSame(szName, szPrevious, 1))) {
             ++nAt;
             continue;
         }
         std::wcscpy(szPrevious, szName);
-        bHasPrevious = 1;
+        bHasPrevious = true;
         DelValue(*szName ? szName : nullptr);
     }
 }
 
+// QUIRK: a value with no bytes counts as missing: CopyTo, RenameSubkey and CS2WA lose it.
+// Test: RegKeyTree.ValueWithoutBytesIsNotCopied
 int RegKey::CopyValueTo(RegKey& target, const wchar_t* pszName) const {
     unsigned cb = GetBinSize(pszName);
     if (!cb) return 0;
-    CSBuf block(cb);
-    if (!block.IsReady()) return 0;
-    unsigned char* pBytes = block;
+    HeapArray<BYTE> bytes(cb);
+    if (!bytes.IsReady()) return 0;
     DWORD dwType = REG_NONE;
-    if (!GetBin(pszName, pBytes, cb, &dwType)) return 0; // it grew or went away meanwhile
-    return target.PutBin(pszName, pBytes, cb, dwType);
+    if (!GetBin(pszName, bytes.Get(), cb, &dwType)) return 0; // it grew or went away meanwhile
+    return target.PutBin(pszName, bytes.Get(), cb, dwType);
 }
 
 /// Copies the values; those with a name whatever its length.
@@ -89,17 +122,17 @@ void RegKey::CopyValues(RegKey& target) {
         return;
     }
     int cchBuffer = static_cast<int>(std::min<DWORD>(cchLongest, 0x7FFF)) + 1;
-    CSBuf block(static_cast<unsigned>(cchBuffer) * sizeof(wchar_t));
-    if (!block.IsReady()) return;
-    auto* pszName = reinterpret_cast<wchar_t*>(static_cast<unsigned char*>(block));
+    HeapArray<wchar_t> name(static_cast<std::size_t>(cchBuffer));
+    if (!name.IsReady()) return;
     for (nIndex = 0;; ++nIndex) {
-        LSTATUS status = ReadValueName(nIndex, pszName, cchBuffer);
+        LSTATUS status = ReadValueName(nIndex, name.Get(), cchBuffer);
         if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) return;
-        if (*pszName) CopyValueTo(target, pszName);
+        if (name[0]) CopyValueTo(target, name.Get());
     }
 }
 
-int RegKey::CopyTree(RegKey& target, int nLevelsLeft) {
+/// CopyTo, down to so many levels.
+void RegKey::CopyTree(RegKey& target, int nLevelsLeft) {
     wchar_t szName[kNameSize];
     for (nIndex = 0; nLevelsLeft > 0; ++nIndex) {
         LSTATUS status = ReadSubKeyName(nIndex, szName, kNameSize);
@@ -110,10 +143,12 @@ int RegKey::CopyTree(RegKey& target, int nLevelsLeft) {
         child.CopyTree(childOfTarget, nLevelsLeft - 1);
     }
     CopyValues(target);
-    return 1;
 }
 
-int RegKey::CopyTo(RegKey& target) { return CopyTree(target, kMaxLevels); }
+int RegKey::CopyTo(RegKey& target) {
+    CopyTree(target, kMaxLevels);
+    return 1;
+}
 
 int RegKey::RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew) {
     if (!pszOld || !pszNew || !*pszNew) return 0;
@@ -129,24 +164,6 @@ int RegKey::RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew) {
         source.CopyTo(target);
     }
     return DelSubKey(pszOld);
-}
-
-const wchar_t* RegKey::FindLastSubkeyName(const wchar_t* pszPath) {
-    if (!pszPath || !*pszPath) return nullptr;
-    const wchar_t* pszLast = std::wcsrchr(pszPath, kSeparator);
-    return pszLast ? pszLast + 1 : pszPath;
-}
-
-int RegKey::GetParentSubkeyName(const wchar_t* pszPath, wchar_t* pszOut, unsigned cchOut) {
-    if (!pszOut || !cchOut) return 0;
-    *pszOut = 0;
-    const wchar_t* pszName = FindLastSubkeyName(pszPath);
-    if (!pszName) return 0;
-    std::size_t cch = pszName == pszPath ? 0 : static_cast<std::size_t>(pszName - pszPath) - 1;
-    cch = std::min<std::size_t>(cch, cchOut - 1);
-    std::wmemcpy(pszOut, pszPath, cch);
-    pszOut[cch] = 0;
-    return 1;
 }
 
 int RegKey::CS2WA(int bUser, const wchar_t* pszName) {
@@ -175,43 +192,10 @@ int RegKey::CS2WA(int bUser, const wchar_t* pszName) {
     return 1;
 }
 
-// Deleting: single values, and whole trees by walks that end even beside what cannot be deleted.
+// Deleting
 
-
-
-
-namespace {
-/// A walk over names that vanish while they are walked: the index stays where it is as long as what
-/// it names gets deleted. A name that comes a second time was not, and is stepped over.
-class DeletingWalk {
-  public:
-    using ReadName = LSTATUS (RegKey::*)(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
-
-    DeletingWalk(const RegKey& keyToWalk, ReadName pfnReadName)
-        : key(keyToWalk), pfnRead(pfnReadName) {}
-
-    /// The next name to delete; null at the end. Any error but a name that is too long is the end:
-    /// it would come again at every index.
-    const wchar_t* Next() {
-        for (;; ++nAt) {
-            LSTATUS status = (key.*pfnRead)(nAt, szName, kDeletedNameSize);
-            if (status == ERROR_MORE_DATA) continue;
-            if (status != ERROR_SUCCESS) return nullptr;
-            if (IsSameRegName(szName, szPrevious)) continue;
-            std::wcscpy(szPrevious, szName);
-            return szName;
-        }
-    }
-
-  private:
-    const RegKey& key;
-    ReadName pfnRead;
-    DWORD nAt = 0;
-    wchar_t szName[kDeletedNameSize] = {};
-    wchar_t szPrevious[kDeletedNameSize] = {};
-};
-} // namespace
-
+// QUIRK: a value of type REG_NONE counts as not there and is never deleted.
+// Test: RegKeyDelete.ValueWithoutTypeStays
 int RegKey::DelValue(const wchar_t* pszName) {
     if (bLogMode) return Log(L"%s=@\r\n", pszName ? pszName : L"");
     if (!FindValue(pszName)) return 1;
@@ -236,13 +220,13 @@ void RegKey::DelValues() {
     while (const wchar_t* pszValue = walk.Next()) DelValue(*pszValue ? pszValue : nullptr);
 }
 
+// QUIRK: a subkey that exists and cannot be opened for writing is passed over with 1.
+// Test: RegKeyDelete.SubKeyThatCannotBeWrittenIsPassedOver
 int RegKey::DelSubKey(const wchar_t* pszSubkey) {
     if (!pszSubkey || !*pszSubkey) return 1; // would name this key itself
     {
         RegKey child;
-        if (!child.Open(*this, pszSubkey, 0)) return 1;
-        child.Close(); // opened only to see that it is there: the next open would create it
-        if (!child.Open(*this, pszSubkey, 1)) return 1;
+        if (!OpenExisting(child, *this, pszSubkey)) return 1;
         child.DelSubKeys(0);
         child.DelValues();
         child.DelValue(nullptr);
@@ -255,4 +239,32 @@ int RegKey::DelAll() {
     DelValue(nullptr);
     DelValues();
     return 1;
+}
+
+// Whole keys in files of the platform's own format
+
+int RegKey::SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity) {
+    if (!pszFile || !*pszFile) {
+        lError = ERROR_INVALID_PARAMETER;
+        return 0;
+    }
+    DWORD dwAttributes = ::GetFileAttributesW(pszFile);
+    if (dwAttributes == INVALID_FILE_ATTRIBUTES) {
+        dwAttributes = FILE_ATTRIBUTE_ARCHIVE;
+    } else {
+        // The platform writes over no file, and deletes none that is read-only.
+        ::SetFileAttributesW(pszFile, FILE_ATTRIBUTE_NORMAL);
+        ::DeleteFileW(pszFile);
+    }
+    lError = ::RegSaveKeyW(hkeySaved, pszFile, pSecurity);
+    ::SetFileAttributesW(pszFile, dwAttributes);
+    return lError == ERROR_SUCCESS;
+}
+
+int RegKey::LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile) {
+    return ::RegLoadKeyW(hkeyParent, pszSubkey, pszFile) == ERROR_SUCCESS;
+}
+
+int RegKey::UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey) {
+    return ::RegUnLoadKeyW(hkeyParent, pszSubkey) == ERROR_SUCCESS;
 }

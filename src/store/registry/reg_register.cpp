@@ -9,63 +9,67 @@ constexpr std::size_t kDriverFileSize = 65; // of a driver's file name, with the
 constexpr const wchar_t* kSafeModes[] = {L"Minimal", L"Network"};
 constexpr const wchar_t* kCurrentVersion = L"HKLM\\Software\\Microsoft\\Windows\\CurrentVersion";
 
-int IsEmpty(const wchar_t* psz) { return !psz || !*psz; }
+bool IsEmpty(const wchar_t* psz) { return !psz || !*psz; }
 
 /// The default value of a subkey that is there, or is made by an operation that writes.
-int ProcessDefault(RegKey::Op op, RegKey& parent, const wchar_t* pszSubkey,
-                   const wchar_t* pszText) {
+bool ProcessDefault(RegKey::Op op, RegKey& parent, const wchar_t* pszSubkey,
+                    const wchar_t* pszText) {
     RegKey key(parent, pszSubkey, op);
     return key.GetHandle() && key.ProcessEntry(op, nullptr, pszText);
 }
 
 /// What is below the key of a class.
-int ProcessClassEntries(RegKey::Op op, RegKey& keyClass, const wchar_t* pszName,
-                        const wchar_t* pszDllPath) {
-    if (!keyClass.ProcessEntry(op, nullptr, pszName)) return 0;
+bool ProcessClassEntries(RegKey::Op op, RegKey& keyClass, const wchar_t* pszName,
+                         const wchar_t* pszDllPath) {
+    if (!keyClass.ProcessEntry(op, nullptr, pszName)) return false;
     RegKey server(keyClass, L"InProcServer32", op);
-    if (!server.GetHandle()) return 0;
+    if (!server.GetHandle()) return false;
     return server.ProcessEntry(op, nullptr, pszDllPath) &&
            server.ProcessEntry(op, L"ThreadingModel", L"Apartment");
 }
 
-int ProcessClass(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
-                 const wchar_t* pszClsid) {
-    if (IsEmpty(pszClsid)) return 0;
+bool ProcessClass(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
+                  const wchar_t* pszClsid) {
+    if (IsEmpty(pszClsid)) return false;
     RegKey classes(L"HKCLS\\CLSID", op);
-    if (!classes.GetHandle() || !classes.ProcessSubKey(op, pszClsid)) return 0;
-    if (op == RegKey::OpDelete) return 1; // that took all of it
+    if (!classes.GetHandle() || !classes.ProcessSubKey(op, pszClsid)) return false;
+    if (op == RegKey::OpDelete) return true; // that took all of it
     RegKey key(classes, pszClsid, op);
     return key.GetHandle() && ProcessClassEntries(op, key, pszName, pszDllPath);
 }
 
-int ProcessApproval(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszClsid) {
+bool ProcessApproval(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszClsid) {
     wchar_t szPath[kPathSize];
     FormatText(szPath, L"%s\\Shell Extensions\\Approved", kCurrentVersion);
     RegKey approved(szPath, op);
     return approved.GetHandle() && approved.ProcessEntry(op, pszClsid, pszName);
 }
 
-int ProcessHandler(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszClsid,
-                   const wchar_t* pszType, const wchar_t* pszHandlerKind) {
+bool ProcessHandler(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszClsid,
+                    const wchar_t* pszType, const wchar_t* pszHandlerKind) {
     wchar_t szPath[kPathSize];
     FormatText(szPath, L"HKEY_CLASSES_ROOT\\%s\\shellex\\%s", pszType, pszHandlerKind);
     RegKey handlers(szPath, op);
-    if (!handlers.GetHandle() || !handlers.ProcessSubKey(op, pszName)) return 0;
+    if (!handlers.GetHandle() || !handlers.ProcessSubKey(op, pszName)) return false;
     return op == RegKey::OpDelete || ProcessDefault(op, handlers, pszName, pszClsid);
 }
 
+/// Only what changed something is worth telling: the shell redraws all its icons for it.
 void NotifyShell(RegKey::Op op, int bNotify) {
     if (!bNotify || !RegKey::IsWritable(op)) return;
     ::SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_FLUSH, nullptr, nullptr);
 }
 
-int ProcessDriver(RegKey::Op op, RegKey& mode, const wchar_t* pszSubkey) {
-    if (op != RegKey::OpDelete && !mode.ProcessSubKey(op, pszSubkey)) return 0;
+/// The driver's key, whose default value says what kind of thing starts.
+bool ProcessDriver(RegKey::Op op, RegKey& mode, const wchar_t* pszSubkey) {
+    if (op != RegKey::OpDelete && !mode.ProcessSubKey(op, pszSubkey)) return false;
     // With OpDelete this makes a missing key, which then goes at once.
-    if (!ProcessDefault(op, mode, pszSubkey, L"Driver")) return 0;
+    if (!ProcessDefault(op, mode, pszSubkey, L"Driver")) return false;
     return op != RegKey::OpDelete || mode.ProcessSubKey(op, pszSubkey);
 }
 } // namespace
+
+// Every function is one list of steps, whatever the operation; a failed step ends it.
 
 int RegisterComServer(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
                       const wchar_t* pszClsid, int bNotify) {

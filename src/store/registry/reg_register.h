@@ -23,13 +23,14 @@ TESSALY_API int RegisterComServer(RegKey::Op op, const wchar_t* pszName, const w
 TESSALY_API int RegisterShellExtObject(RegKey::Op op, const wchar_t* pszName,
                                        const wchar_t* pszDllPath, const wchar_t* pszClsid);
 
-/// The same, and then the class as a handler of that kind ("ContextMenuHandlers") under the name
-/// pszName for each type ("*", "Folder"). ppszTypes ends with a null or empty text; null is an
-/// empty list. The shell is told after OpSet and OpDelete.
+/// The class, its entry in the list of approved shell extensions, and then the class as a handler
+/// of the kind pszHandlerKind ("ContextMenuHandlers") under the name pszName for each type ("*",
+/// "Folder"). ppszTypes ends with a null or empty text; null is an empty list. The shell is told
+/// after OpSet and OpDelete.
 TESSALY_API int RegisterShellExt(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
                                  const wchar_t* pszClsid, const wchar_t* const* ppszTypes,
                                  const wchar_t* pszHandlerKind, int bNotify);
-/// As a handler of context menus.
+/// RegisterShellExt with the kind "ContextMenuHandlers".
 TESSALY_API int SetupCtxMenuRegistry(RegKey::Op op, const wchar_t* pszName,
                                      const wchar_t* pszDllPath, const wchar_t* pszClsid,
                                      const wchar_t* const* ppszTypes, int bNotify);

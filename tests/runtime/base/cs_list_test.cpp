@@ -245,31 +245,31 @@ struct MoveCase {
     Elements expected;
 };
 
-TEST(CSList, MoveAfterRelinksWithoutCountOrCallback) {
-    const MoveCase kCases[] = {
-        {"behind itself", 1, 1, {&a, &b, &c, &d}},
-        {"behind its predecessor", 2, 1, {&a, &b, &c, &d}},
-        {"head to the head", 0, -1, {&a, &b, &c, &d}},
-        {"head behind the tail", 0, 3, {&b, &c, &d, &a}},
-        {"tail to the head", 3, -1, {&d, &a, &b, &c}},
-        {"tail behind the head", 3, 0, {&a, &d, &b, &c}},
-        {"inner forward", 1, 2, {&a, &c, &b, &d}},
-        {"inner to the tail", 1, 3, {&a, &c, &d, &b}},
-        {"inner to the head", 2, -1, {&c, &a, &b, &d}},
-    };
-    for (const MoveCase& row : kCases) {
-        SCOPED_TRACE(row.pszName);
-        CSList list;
-        Released released;
-        released.Watch(list);
-        Fill(list, {&a, &b, &c, &d});
-        POS pos = list.FindIndex(row.nMoved);
-        POS posAfter = row.nAfter < 0 ? nullptr : list.FindIndex(row.nAfter);
-        EXPECT_EQ(pos, list.MoveAfter(pos, posAfter));
-        EXPECT_EQ(row.expected, Walk(list));
-        EXPECT_EQ(Elements{}, released.elements);
-    }
+class CSListMove : public testing::TestWithParam<MoveCase> {};
+
+TEST_P(CSListMove, RelinksWithoutCountOrCallback) {
+    CSList list;
+    Released released;
+    released.Watch(list);
+    Fill(list, {&a, &b, &c, &d});
+    POS pos = list.FindIndex(GetParam().nMoved);
+    POS posAfter = GetParam().nAfter < 0 ? nullptr : list.FindIndex(GetParam().nAfter);
+    EXPECT_EQ(pos, list.MoveAfter(pos, posAfter));
+    EXPECT_EQ(GetParam().expected, Walk(list));
+    EXPECT_EQ(Elements{}, released.elements);
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, CSListMove,
+                         testing::Values(MoveCase{"BehindItself", 1, 1, {&a, &b, &c, &d}},
+                                         MoveCase{"BehindItsPredecessor", 2, 1, {&a, &b, &c, &d}},
+                                         MoveCase{"HeadToTheHead", 0, -1, {&a, &b, &c, &d}},
+                                         MoveCase{"HeadBehindTheTail", 0, 3, {&b, &c, &d, &a}},
+                                         MoveCase{"TailToTheHead", 3, -1, {&d, &a, &b, &c}},
+                                         MoveCase{"TailBehindTheHead", 3, 0, {&a, &d, &b, &c}},
+                                         MoveCase{"InnerForward", 1, 2, {&a, &c, &b, &d}},
+                                         MoveCase{"InnerToTheTail", 1, 3, {&a, &c, &d, &b}},
+                                         MoveCase{"InnerToTheHead", 2, -1, {&c, &a, &b, &d}}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CSList, MoveAfterOfTheOnlyNodeStays) {
     CSList list;

@@ -22,7 +22,6 @@ std::string DataOf(int nId, HINSTANCE hinst = nullptr, const wchar_t* pszType = 
 int Create(const std::wstring& strFile, unsigned nFlags, int nId = -IDR_TEST_FILE) {
     return CreateFileFromResource(nullptr, strFile.c_str(), nId, nullptr, nFlags);
 }
-} // namespace
 
 TEST(LoadFileResource, GivesTheDataAndTheirSize) {
     EXPECT_EQ(kContent, DataOf(-IDR_TEST_FILE));
@@ -55,20 +54,30 @@ TEST(CreateFileFromResource, WritesANewFileWithAnyFlags) {
     }
 }
 
-TEST(CreateFileFromResource, FlagsSayWhatHappensToAnExistingFile) {
-    const struct {
-        unsigned nFlags;
-        int nResult;
-        const char* pszContent;
-    } cases[] = {{1, 0, "old"}, {2, 1, "old"}, {3, 0, "old"}, {4, 1, kContent.c_str()},
-                 {5, 0, "old"}, {6, 1, "old"}};
-    for (const auto& row : cases) {
-        TempFolder folder;
-        std::wstring strFile = folder.MakeFile(L"f", "old");
-        EXPECT_EQ(row.nResult, Create(strFile, row.nFlags)) << row.nFlags;
-        EXPECT_EQ(row.pszContent, folder.ReadFile(L"f")) << row.nFlags;
-    }
+struct ExistingCase {
+    const char* pszName;
+    unsigned nFlags;
+    int nResult;
+    bool bOverwritten;
+};
+
+class CreateFileFromResourceTable : public testing::TestWithParam<ExistingCase> {};
+
+TEST_P(CreateFileFromResourceTable, FlagsSayWhatHappensToAnExistingFile) {
+    TempFolder folder;
+    std::wstring strFile = folder.MakeFile(L"f", "old");
+    EXPECT_EQ(GetParam().nResult, Create(strFile, GetParam().nFlags));
+    EXPECT_EQ(GetParam().bOverwritten ? kContent : "old", folder.ReadFile(L"f"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, CreateFileFromResourceTable,
+                         testing::Values(ExistingCase{"Fails", 1, 0, false},
+                                         ExistingCase{"Stays", 2, 1, false},
+                                         ExistingCase{"FailsBeforeStays", 3, 0, false},
+                                         ExistingCase{"Overwritten", 4, 1, true},
+                                         ExistingCase{"FailsBeforeOverwritten", 5, 0, false},
+                                         ExistingCase{"StaysBeforeOverwritten", 6, 1, false}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CreateFileFromResource, WithoutFlagsTheUserIsAsked) {
     TempFolder folder;
@@ -121,3 +130,4 @@ TEST(CreateFileFromResource, FailedWriteIsToldAndGivesZero) {
     ASSERT_EQ(1u, boxes.size());
     EXPECT_EQ(L"Cannot write to file '" + strPipe + L"'.", boxes[0].strText);
 }
+} // namespace

@@ -1,5 +1,6 @@
 #include "resources/resource_ids.h"
 #include "runtime/messages/msg.h"
+#include "runtime/system/system_facts.h"
 #include "support/message_box_driver.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"
@@ -38,7 +39,6 @@ std::wstring WithoutReturns(std::wstring str) {
 std::vector<int> calls; // of the pause-resume callback
 
 void NotePauseOrResume(int nResume) { calls.push_back(nResume + (IsMessageBoxOpen() ? 100 : 0)); }
-} // namespace
 
 TEST(Msg, ShowsTextUnderTheProductsNameAndGivesTheButton) {
     for (int nButton : {IDYES, IDNO}) {
@@ -165,7 +165,6 @@ TEST(MsgFmt, NarrowFirstArgumentIsAnArgument) {
               BoxOf([&] { return MsgFmt(nullptr, MB_OK, L"a %hs text", szNarrow); }).strText);
 }
 
-namespace {
 template <class Format>
 int ShowList(Format format, int nUnused, ...) {
     ArgList args;
@@ -174,7 +173,6 @@ int ShowList(Format format, int nUnused, ...) {
     va_end(args.v);
     return nResult;
 }
-} // namespace
 
 TEST(MsgFmt, TakesAStartedArgumentList) {
     EXPECT_EQ(L"7 abc", BoxOf([] { return ShowList(L"%d %s", 0, 7, L"abc"); }).strText);
@@ -242,25 +240,32 @@ TEST(MsgHRESULT, ShowsOnlyTheStringForSuccess) {
                                    }).strText);
 }
 
-TEST(MsgHRESULT, ShowsTheTextOfAFailure) {
-    std::wstring strAccess = WithoutReturns(SystemTextOf(static_cast<DWORD>(E_ACCESSDENIED)));
-    ASSERT_FALSE(strAccess.empty());
-    const struct {
-        DWORD nCode;
-        std::wstring strText;
-    } cases[] = {
-        {static_cast<DWORD>(E_ACCESSDENIED), strAccess}, {0x8004FE01, L"IDispatch error #64513"},
-        {0x8004FFFF, L"IDispatch error #65023"},         {0x80050000, L"Unknown error 0x80050000"},
-        {0xE1234567, L"Unknown error 0xE1234567"},
-    };
-    for (const auto& row : cases) {
-        SeenMessageBox box = BoxOf([&] {
-            return MsgHRESULT(nullptr, static_cast<HRESULT>(row.nCode), kMsgErrorFlags, 0);
-        });
-        EXPECT_EQ(row.strText, box.strText) << std::hex << row.nCode;
-        EXPECT_EQ(1, box.bHasIcon);
-    }
+struct FailureCase {
+    const char* pszName;
+    DWORD nCode;
+    const wchar_t* pszText; // null: the system's
+};
+
+class MsgHRESULTTable : public testing::TestWithParam<FailureCase> {};
+
+TEST_P(MsgHRESULTTable, ShowsTheTextOfAFailure) {
+    const FailureCase& row = GetParam();
+    std::wstring strExpected = row.pszText ? row.pszText : WithoutReturns(SystemTextOf(row.nCode));
+    ASSERT_FALSE(strExpected.empty());
+    SeenMessageBox box = BoxOf(
+        [&] { return MsgHRESULT(nullptr, static_cast<HRESULT>(row.nCode), kMsgErrorFlags, 0); });
+    EXPECT_EQ(strExpected, box.strText);
+    EXPECT_EQ(1, box.bHasIcon);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MsgHRESULTTable,
+    testing::Values(FailureCase{"KnownToTheSystem", static_cast<DWORD>(E_ACCESSDENIED), nullptr},
+                    FailureCase{"Dispatch", 0x8004FE01, L"IDispatch error #64513"},
+                    FailureCase{"LastDispatch", 0x8004FFFF, L"IDispatch error #65023"},
+                    FailureCase{"BehindTheLastDispatch", 0x80050000, L"Unknown error 0x80050000"},
+                    FailureCase{"Unknown", 0xE1234567, L"Unknown error 0xE1234567"}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(MsgHRESULT, FirstDispatchCodeIsNoNumber) {
     // The system knows some codes of this range by name; number 0 and the code before the range are
@@ -297,3 +302,15 @@ TEST(GetLastErrorText, UnknownCodeLeavesAnEmptyText) {
     ASSERT_STRNE(L"", GetLastErrorText(ERROR_FILE_NOT_FOUND));
     EXPECT_STREQ(L"", GetLastErrorText(0xE1234567));
 }
+
+TEST(WinProNotSupported, TellsTheUserOnAProfessionalEdition) {
+    if (!WinPro()) GTEST_SKIP() << "this is a home edition";
+    MessageBoxDriver driver({IDOK});
+    EXPECT_EQ(0, WinProNotSupported(nullptr));
+    const auto& boxes = driver.Finish();
+    ASSERT_EQ(1u, boxes.size());
+    EXPECT_EQ(L"This command is not available on this edition of Windows.", boxes[0].strText);
+    EXPECT_EQ(1, boxes[0].bHasIcon);
+    EXPECT_EQ(std::vector<int>{IDOK}, boxes[0].buttons);
+}
+} // namespace

@@ -27,32 +27,35 @@ struct OtherModule {
     }
     ~OtherModule() { ::FreeLibrary(hmod); }
 };
-} // namespace
 
-TEST(IsResourceIdArg, TellsIdsFromPointersByTheWholeValue) {
-    const struct {
-        unsigned long long n;
-        int bId;
-    } cases[] = {
-        {0, 1},
-        {1, 1},
-        {0xFFFF, 1},
-        {0x10000, 0},
-        {0xFFFEFFFF, 0},
-        {0xFFFF0000, 1}, // -65536 extended with zeros
-        {0xFFFFFFFF, 1},
-        {0x100000000, 0}, // pointers whose bits 16 to 31 are all clear, or all set
-        {0x10000FFFF, 0},
-        {0x1FFFF0000, 0},
-        {0x00007FFF0000ABCD, 0},
-        {0x00007FFFFFFFFFFF, 0},
-        {0xFFFFFFFFFFFEFFFF, 0},
-        {0xFFFFFFFFFFFF0000, 1}, // -65536 extended with its sign
-        {0xFFFFFFFFFFFFFFFF, 1},
-    };
-    for (const auto& row : cases)
-        EXPECT_EQ(row.bId, IsResourceIdArg(Arg(row.n))) << std::hex << row.n;
+struct ArgCase {
+    const char* pszName;
+    unsigned long long n;
+    int bId;
+};
+
+class IsResourceIdArgTable : public testing::TestWithParam<ArgCase> {};
+
+TEST_P(IsResourceIdArgTable, TellsIdsFromPointersByTheWholeValue) {
+    EXPECT_EQ(GetParam().bId, IsResourceIdArg(Arg(GetParam().n)));
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, IsResourceIdArgTable,
+                         testing::Values(ArgCase{"Zero", 0, 1}, ArgCase{"One", 1, 1},
+                                         ArgCase{"LargestId", 0xFFFF, 1},
+                                         ArgCase{"AboveTheLargestId", 0x10000, 0},
+                                         ArgCase{"BelowTheLeastWithZeros", 0xFFFEFFFF, 0},
+                                         ArgCase{"LeastWithZeros", 0xFFFF0000, 1},
+                                         ArgCase{"MinusOneWithZeros", 0xFFFFFFFF, 1},
+                                         ArgCase{"PointerWithLowBitsClear", 0x100000000, 0},
+                                         ArgCase{"PointerWithBits16To31Clear", 0x10000FFFF, 0},
+                                         ArgCase{"PointerWithBits16To31Set", 0x1FFFF0000, 0},
+                                         ArgCase{"UserPointer", 0x00007FFF0000ABCD, 0},
+                                         ArgCase{"LastUserPointer", 0x00007FFFFFFFFFFF, 0},
+                                         ArgCase{"BelowTheLeastWithSign", 0xFFFFFFFFFFFEFFFF, 0},
+                                         ArgCase{"LeastWithSign", 0xFFFFFFFFFFFF0000, 1},
+                                         ArgCase{"MinusOneWithSign", 0xFFFFFFFFFFFFFFFF, 1}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(GetResourceIdArg, GivesTheSignedIdOfEitherExtension) {
     EXPECT_EQ(-20102, GetResourceIdArg(Arg(0xFFFFFFFFFFFFB17A)));
@@ -67,19 +70,32 @@ TEST(ResStr, NegativeIdIsAStringOfTheLibrary) {
     EXPECT_EQ(0, str.IsEmpty());
 }
 
-TEST(ResStr, StringTableHasTheStatedTexts) {
-    const struct {
-        int nId;
-        const wchar_t* psz;
-    } cases[] = {
-        {20001, L"Cannot write to the Windows Registry."},
-        {20011, L"File '%s' already exists.\n\nOverwrite it?"},
-        {20102, L"No updates are available at this time. You are using the latest version "
-                L"available."},
-        {21651, L"Cannot write to the Windows Registry. (You may need to run this application as "
-                L"an administrator to perform this command)."},
-    };
-    for (const auto& row : cases) EXPECT_STREQ(row.psz, ResStr(-row.nId)) << row.nId;
+struct StatedText {
+    const char* pszName;
+    int nId;
+    const wchar_t* pszText;
+};
+
+class ResStrTable : public testing::TestWithParam<StatedText> {};
+
+TEST_P(ResStrTable, StringTableHasTheStatedText) {
+    EXPECT_STREQ(GetParam().pszText, ResStr(-GetParam().nId));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ResStrTable,
+    testing::Values(
+        StatedText{"NotWritten", 20001, L"Cannot write to the Windows Registry."},
+        StatedText{"Overwrite", 20011, L"File '%s' already exists.\n\nOverwrite it?"},
+        StatedText{
+            "NoUpdates", 20102,
+            L"No updates are available at this time. You are using the latest version available."},
+        StatedText{"NotWrittenByUser", 21651,
+                   L"Cannot write to the Windows Registry. (You may need to run this application "
+                   L"as an administrator to perform this command)."}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(ResStr, StringTableHasTheTextsOfFiles) {
     for (int nId : {20008, 20012, 20013}) EXPECT_FALSE(ResStr(-nId).IsEmpty()) << nId;
 }
 
@@ -123,7 +139,6 @@ TEST(ResStrFmt, FormatsTheStringWithTheArguments) {
     EXPECT_STREQ(L"number 12, text abc", str);
 }
 
-namespace {
 std::wstring FormatWithList(int nId, HINSTANCE hinst, ...) {
     ArgList args;
     va_start(args.v, hinst);
@@ -131,7 +146,6 @@ std::wstring FormatWithList(int nId, HINSTANCE hinst, ...) {
     va_end(args.v);
     return std::wstring(str);
 }
-} // namespace
 
 TEST(ResStrFmt, TakesAStartedArgumentList) {
     EXPECT_EQ(L"number 3, text x", FormatWithList(-IDS_TEST_NUMBER_AND_TEXT, nullptr, 3, L"x"));
@@ -156,3 +170,30 @@ TEST(ResStrFmt, LongResultIsCut) {
 TEST(ResStrFmt, ConversionThatWritesIsPrintedAsItStands) {
     EXPECT_STREQ(L"%n is no conversion", ResStrFmt(-IDS_TEST_HOSTILE_FORMAT, 0));
 }
+
+TEST(StrAppendTextFmt, TakesAStringOfTheTableAsTheFormat) {
+    for (int nSign : {1, -1}) {
+        wchar_t sz[64] = L"a, ";
+        StrAppendTextFmt(sz, 64, nSign * IDS_TEST_NUMBER_AND_TEXT, 12, L"abc");
+        EXPECT_STREQ(L"a, number 12, text abc", sz);
+        StrAppendTextFmt(sz, 64, nSign * IDS_TEST_EMPTY_WHEN_FORMATTED, L"");
+        EXPECT_STREQ(L"a, number 12, text abc", sz);
+    }
+}
+
+TEST(StrAppendTextFmt, MissingStringAppendsNothing) {
+    wchar_t sz[16] = L"abc";
+    StrAppendTextFmt(sz, 16, -9, L"x");
+    EXPECT_STREQ(L"abc", sz);
+}
+
+TEST(StrAppendTextFmt, IdZeroClearsTheText) {
+    wchar_t sz[16] = L"abc";
+    StrAppendTextFmt(sz, 16, 0);
+    EXPECT_STREQ(L"", sz);
+    sz[0] = L'x';
+    StrAppendTextFmt(sz, 0, 0); // no characters, none cleared
+    EXPECT_EQ(L'x', sz[0]);
+    StrAppendTextFmt(nullptr, 16, 0);
+}
+} // namespace

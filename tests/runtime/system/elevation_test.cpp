@@ -1,5 +1,5 @@
 #include "runtime/system/elevation.h"
-#include "runtime/system/runtime_func.h"
+#include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -47,19 +47,18 @@ BOOL WINAPI SaysNo() { return FALSE; }
 BOOL WINAPI SaysYes() { return 7; }
 
 TEST(IsAdminXP, AsksTheShellAndIsOneWhereItCannot) {
-    SetRuntimeLookup([](const wchar_t* pszModule, const char* pszName) {
-        EXPECT_STREQ(L"shell32.dll", pszModule);
-        EXPECT_STREQ("IsUserAnAdmin", pszName);
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&SaysNo));
-    });
-    EXPECT_EQ(0, IsAdminXP());
-    SetRuntimeLookup([](const wchar_t*, const char*) {
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&SaysYes));
-    });
-    EXPECT_EQ(1, IsAdminXP());
-    SetRuntimeLookup([](const wchar_t*, const char*) -> FARPROC { return nullptr; });
-    EXPECT_EQ(1, IsAdminXP());
-    SetRuntimeLookup(nullptr);
+    {
+        ReplaceFunctions no{{{"IsUserAnAdmin", AsProc(&SaysNo)}}};
+        EXPECT_EQ(0, IsAdminXP());
+    }
+    {
+        ReplaceFunctions yes{{{"IsUserAnAdmin", AsProc(&SaysYes)}}};
+        EXPECT_EQ(1, IsAdminXP());
+    }
+    {
+        HideFunctions hide{"IsUserAnAdmin"};
+        EXPECT_EQ(1, IsAdminXP());
+    }
     IsAdminXP(); // the real one can be called
 }
 

@@ -1,6 +1,6 @@
 #include "app/start/library_start.h"
-#include "runtime/system/runtime_func.h"
 #include "runtime/system/wts_api32.h"
+#include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -33,24 +33,22 @@ BOOL WINAPI FakeLogoff(HANDLE, DWORD dwSession, BOOL bWait) {
     server.bWait = bWait;
     return TRUE;
 }
-FARPROC FindFake(const wchar_t* pszModule, const char* pszName) {
-    std::string str = pszName;
-    void* p = nullptr;
-    if (str == "WTSQuerySessionInformationW") p = reinterpret_cast<void*>(&FakeQuery);
-    if (str == "WTSFreeMemory") p = reinterpret_cast<void*>(&FakeFree);
-    if (str == "WTSLogoffSession") p = reinterpret_cast<void*>(&FakeLogoff);
-    return p ? reinterpret_cast<FARPROC>(p) : FindSystemFunc(pszModule, pszName);
-}
+/// That server in the place of the platform's.
+struct FakeFunctions : ReplaceFunctions {
+    FakeFunctions()
+        : ReplaceFunctions({{"WTSQuerySessionInformationW", AsProc(&FakeQuery)},
+                            {"WTSFreeMemory", AsProc(&FakeFree)},
+                            {"WTSLogoffSession", AsProc(&FakeLogoff)}}) {}
+};
 
 class WtsApi32Test : public testing::Test {
   protected:
     void SetUp() override { server = {}; }
-    void TearDown() override { SetRuntimeLookup(nullptr); }
 };
 
 TEST_F(WtsApi32Test, QueriesTheSessionsIdAndState) {
     WtsApi32 api;
-    SetRuntimeLookup(&FindFake);
+    FakeFunctions fake;
     server.dwValue = 7;
     EXPECT_EQ(7u, WtsApi32::GetSessionID(3));
     EXPECT_EQ(3u, server.dwSession);
@@ -64,7 +62,7 @@ TEST_F(WtsApi32Test, QueriesTheSessionsIdAndState) {
 
 TEST_F(WtsApi32Test, GivesTheDefaultsWhenThePlatformDoesNotTell) {
     WtsApi32 api;
-    SetRuntimeLookup(&FindFake);
+    FakeFunctions fake;
     server.bAnswers = FALSE;
     EXPECT_EQ(0xFFFFFFFFu, WtsApi32::GetSessionID(0));
     EXPECT_EQ(9, WtsApi32::GetSessionConnectState(0));
@@ -80,7 +78,7 @@ TEST_F(WtsApi32Test, GivesTheDefaultsWhenThePlatformDoesNotTell) {
 
 TEST_F(WtsApi32Test, LogsOffOnThisMachine) {
     WtsApi32 api;
-    SetRuntimeLookup(&FindFake);
+    FakeFunctions fake;
     EXPECT_EQ(1, WtsApi32::LogoffSession(12, 1));
     EXPECT_EQ(12u, server.dwLoggedOff);
     EXPECT_EQ(1, server.bWait);
@@ -106,7 +104,13 @@ void ExpectNothingIsFound() {
 
 TEST_F(WtsApi32Test, WithoutTheFunctionsEverythingIsZero) {
     WtsApi32 api;
-    SetRuntimeLookup([](const wchar_t*, const char*) -> FARPROC { return nullptr; });
+    HideFunctions hide{"WTSRegisterSessionNotification",
+                       "WTSUnRegisterSessionNotification",
+                       "WTSQuerySessionInformationW",
+                       "WTSFreeMemory",
+                       "WTSLogoffSession",
+                       "WTSQueryUserToken",
+                       "WTSGetActiveConsoleSessionId"};
     ExpectNothingIsFound();
 }
 

@@ -4,49 +4,142 @@
 #include <gtest/gtest.h>
 #include <climits>
 #include <cwchar>
+#include <iterator>
 #include <random>
 #include <string>
 
 namespace {
-constexpr unsigned long long kKb = 1ull << 10, kMb = 1ull << 20, kGb = 1ull << 30, kTb = 1ull << 40;
+// The formatter
 
-TEST(SizeToStr, TableOfAllCases) {
-    const struct {
-        unsigned long long cb;
-        int bAlwaysDecimal;
-        const wchar_t* pszExpected;
-    } rows[] = {
-        {0, 0, L"0 B"},
-        {0, 1, L"0 B"},
-        {1, 0, L"1 B"},
-        {1023, 0, L"1023 B"},
-        {1023, 1, L"1023 B"},
-        {1024, 0, L"1 KB"},
-        {1024, 1, L"1.0 KB"},
-        {1536, 0, L"1.5 KB"},
-        {1024 + 102, 0, L"1 KB"}, // 102 * 10 is below 1,024
-        {1024 + 102, 1, L"1.0 KB"},
-        {1024 + 103, 0, L"1.1 KB"},
-        {2 * kKb - 1, 0, L"1.9 KB"}, // cut, not rounded
-        {kMb - 1, 0, L"1023.9 KB"},
-        {kMb, 0, L"1 MB"},
-        {kMb, 1, L"1.0 MB"},
-        {kMb + 512 * kKb, 0, L"1.5 MB"},
-        {kGb - 1, 0, L"1023.9 MB"},
-        {kGb, 0, L"1 GB"},
-        {kGb * 5 / 2, 0, L"2.5 GB"},
-        {kTb - 1, 0, L"1023.9 GB"},
-        {kTb, 0, L"1 TB"},
-        {kTb, 1, L"1.0 TB"},
-        {kTb * 2000, 0, L"2000 TB"}, // there is no larger unit
-        {ULLONG_MAX, 0, L"16777215.9 TB"},
-    };
-    for (const auto& row : rows) {
-        wchar_t sz[32];
-        SizeToStr(sz, 32, row.cb, row.bAlwaysDecimal);
-        EXPECT_STREQ(row.pszExpected, sz) << row.cb;
+std::wstring Format(const wchar_t* pszFormat, ...) {
+    wchar_t sz[64];
+    va_list args;
+    va_start(args, pszFormat);
+    int n = FormatTextV(sz, 64, pszFormat, args);
+    va_end(args);
+    EXPECT_EQ(static_cast<int>(wcslen(sz)), n);
+    return sz;
+}
+
+TEST(FormatText, PercentSIsWideText) { EXPECT_EQ(L"a-wide", Format(L"a-%s", L"wide")); }
+
+TEST(FormatText, PercentHsIsNarrowText) { EXPECT_EQ(L"narrow", Format(L"%hs", "narrow")); }
+
+TEST(FormatText, PrintsNumbersWithWidthAndPrecision) {
+    EXPECT_EQ(L"000000FF 7 -3", Format(L"%08X %u %d", 255u, 7u, -3));
+    EXPECT_EQ(L"18446744073709551615", Format(L"%I64u", ~0ull));
+    EXPECT_EQ(L"   ab", Format(L"%*.2s", 5, L"abc"));
+}
+
+TEST(FormatText, PercentPercentIsOnePercent) { EXPECT_EQ(L"100%", Format(L"%d%%", 100)); }
+
+TEST(FormatText, WritingConversionIsPrintedAndTakesNoArgument) {
+    int nUntouched = 5;
+    EXPECT_EQ(L"%n and 7", Format(L"%n and %d", 7, &nUntouched));
+    EXPECT_EQ(5, nUntouched);
+}
+
+TEST(FormatText, UnknownConversionsArePrintedAsTheyStand) {
+    EXPECT_EQ(L"%y %", Format(L"%y %"));
+    EXPECT_EQ(L"% %-5q!", Format(L"% %-5q!"));
+    EXPECT_EQ(L"%k x", Format(L"%k %s", L"x"));
+}
+
+TEST(FormatText, CutsAtTheBufferAndTerminates) {
+    wchar_t sz[5] = L"zzzz";
+    EXPECT_EQ(4, FormatText(sz, L"%s", L"abcdefgh"));
+    EXPECT_STREQ(L"abcd", sz);
+    EXPECT_EQ(4, FormatText(sz, L"%s", L"abcd"));
+    EXPECT_STREQ(L"abcd", sz);
+    EXPECT_EQ(3, FormatText(sz, L"%s", L"abc"));
+    EXPECT_STREQ(L"abc", sz);
+}
+
+TEST(FormatText, BufferOfOneIsEmptied) {
+    wchar_t ch = L'z';
+    EXPECT_EQ(0, FormatText(&ch, 1, L"%d", 5));
+    EXPECT_EQ(L'\0', ch);
+}
+
+TEST(FormatText, EmptyBufferIsLeftAlone) {
+    wchar_t ch = L'z';
+    EXPECT_EQ(0, FormatText(&ch, 0, L"%d", 5));
+    EXPECT_EQ(L'z', ch);
+    EXPECT_EQ(0, FormatText(nullptr, 0, L"x"));
+}
+
+TEST(FormatText, NullFormatGivesEmptyText) {
+    wchar_t sz[4] = L"abc";
+    EXPECT_EQ(0, FormatText(sz, static_cast<const wchar_t*>(nullptr)));
+    EXPECT_STREQ(L"", sz);
+}
+
+TEST(FormatText, CutRepairedFormatTerminatesToo) {
+    wchar_t sz[3];
+    EXPECT_EQ(2, FormatText(sz, L"%n%n"));
+    EXPECT_STREQ(L"%n", sz);
+}
+
+TEST(FormatText, RandomFormatsKeepToTheBufferAndWriteNoArgument) {
+    std::mt19937 random(20241121);
+    // No precision: with a long one of a number Wine 8 overruns a block of its own.
+    constexpr wchar_t kChars[] = L"%%%%nnsSdXcphlLwI641-+0# qy";
+    GuardedArea areaFormat(64), areaOut(64);
+    GuardedText argument(L"t"); // what every conversion finds, also one that would write
+    const wchar_t* psz = argument.Get();
+    for (int i = 0; i < 200000; ++i) {
+        std::wstring str(random() % 16, 0); // at most 7 conversions
+        for (wchar_t& ch : str) ch = kChars[random() % (std::size(kChars) - 1)];
+        unsigned cch = 1 + random() % 20;
+        auto* pszOut = static_cast<wchar_t*>(areaOut.Put(cch * sizeof(wchar_t)));
+        int n = FormatText(pszOut, cch, areaFormat.Put(str), psz, psz, psz, psz, psz, psz, psz);
+        ASSERT_EQ(static_cast<int>(wcslen(pszOut)), n) << str;
+        ASSERT_LT(static_cast<unsigned>(n), cch) << str;
+        ASSERT_STREQ(L"t", psz) << str;
     }
 }
+
+// Sizes, times, names that have to fit
+
+constexpr unsigned long long kKb = 1ull << 10, kMb = 1ull << 20, kGb = 1ull << 30, kTb = 1ull << 40;
+
+struct SizeCase {
+    const char* pszName;
+    unsigned long long cb;
+    int bAlwaysDecimal;
+    const wchar_t* pszExpected;
+};
+
+class SizeToStrTable : public testing::TestWithParam<SizeCase> {};
+
+TEST_P(SizeToStrTable, GivesTheLargestUnit) {
+    wchar_t sz[32];
+    SizeToStr(sz, 32, GetParam().cb, GetParam().bAlwaysDecimal);
+    EXPECT_STREQ(GetParam().pszExpected, sz);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, SizeToStrTable,
+    testing::Values(
+        SizeCase{"Nothing", 0, 0, L"0 B"}, SizeCase{"BytesHaveNoTenth", 0, 1, L"0 B"},
+        SizeCase{"OneByte", 1, 0, L"1 B"}, SizeCase{"MostBytes", 1023, 0, L"1023 B"},
+        SizeCase{"MostBytesHaveNoTenth", 1023, 1, L"1023 B"}, SizeCase{"OneKb", 1024, 0, L"1 KB"},
+        SizeCase{"OneKbAlwaysDecimal", 1024, 1, L"1.0 KB"},
+        SizeCase{"OneKbAndAHalf", 1536, 0, L"1.5 KB"},
+        SizeCase{"BelowATenth", 1024 + 102, 0, L"1 KB"},
+        SizeCase{"BelowATenthAlwaysDecimal", 1024 + 102, 1, L"1.0 KB"},
+        SizeCase{"ATenth", 1024 + 103, 0, L"1.1 KB"},
+        SizeCase{"CutNotRounded", 2 * kKb - 1, 0, L"1.9 KB"},
+        SizeCase{"BelowOneMb", kMb - 1, 0, L"1023.9 KB"}, SizeCase{"OneMb", kMb, 0, L"1 MB"},
+        SizeCase{"OneMbAlwaysDecimal", kMb, 1, L"1.0 MB"},
+        SizeCase{"OneMbAndAHalf", kMb + 512 * kKb, 0, L"1.5 MB"},
+        SizeCase{"BelowOneGb", kGb - 1, 0, L"1023.9 MB"}, SizeCase{"OneGb", kGb, 0, L"1 GB"},
+        SizeCase{"TwoGbAndAHalf", kGb * 5 / 2, 0, L"2.5 GB"},
+        SizeCase{"BelowOneTb", kTb - 1, 0, L"1023.9 GB"}, SizeCase{"OneTb", kTb, 0, L"1 TB"},
+        SizeCase{"OneTbAlwaysDecimal", kTb, 1, L"1.0 TB"},
+        SizeCase{"NoLargerUnit", kTb * 2000, 0, L"2000 TB"},
+        SizeCase{"Largest", ULLONG_MAX, 0, L"16777215.9 TB"}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(SizeToStr, AgreesWithThePlainRuleOnSizesOfEveryLength) {
     std::mt19937_64 random(12);
@@ -75,29 +168,35 @@ TEST(SizeToStr, KeepsToItsCapacity) {
     SizeToStr(nullptr, 0, 1536, 0);
 }
 
-TEST(GetTextRemaining, TableOfAllCases) {
-    const struct {
-        unsigned nSeconds;
-        const wchar_t* pszLong;
-        const wchar_t* pszShort;
-    } rows[] = {
-        {1, L"1 seconds", L"1 s"},
-        {59, L"59 seconds", L"59 s"},
-        {60, L"1 minute(s) 0 seconds", L"1 m 0 s"},
-        {61, L"1 minute(s) 1 seconds", L"1 m 1 s"},
-        {3599, L"59 minute(s) 59 seconds", L"59 m 59 s"},
-        {3600, L"1 hour(s) 0 minutes", L"1 h 0 m"},
-        {3661, L"1 hour(s) 1 minutes", L"1 h 1 m"}, // the seconds are dropped
-        {UINT_MAX, L"1193046 hour(s) 28 minutes", L"1193046 h 28 m"},
-    };
-    for (const auto& row : rows) {
-        wchar_t sz[64];
-        EXPECT_EQ(1, GetTextRemaining(row.nSeconds, sz, 64, 1));
-        EXPECT_STREQ(row.pszLong, sz);
-        EXPECT_EQ(1, GetTextRemaining(row.nSeconds, sz, 64, 0));
-        EXPECT_STREQ(row.pszShort, sz);
-    }
+struct RemainingCase {
+    const char* pszName;
+    unsigned nSeconds;
+    const wchar_t* pszLong;
+    const wchar_t* pszShort;
+};
+
+class GetTextRemainingTable : public testing::TestWithParam<RemainingCase> {};
+
+TEST_P(GetTextRemainingTable, GivesTheTwoLargestUnitsInBothForms) {
+    wchar_t sz[64];
+    EXPECT_EQ(1, GetTextRemaining(GetParam().nSeconds, sz, 64, 1));
+    EXPECT_STREQ(GetParam().pszLong, sz);
+    EXPECT_EQ(1, GetTextRemaining(GetParam().nSeconds, sz, 64, 0));
+    EXPECT_STREQ(GetParam().pszShort, sz);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, GetTextRemainingTable,
+    testing::Values(RemainingCase{"OneSecond", 1, L"1 seconds", L"1 s"},
+                    RemainingCase{"MostSeconds", 59, L"59 seconds", L"59 s"},
+                    RemainingCase{"OneMinute", 60, L"1 minute(s) 0 seconds", L"1 m 0 s"},
+                    RemainingCase{"MinuteAndSecond", 61, L"1 minute(s) 1 seconds", L"1 m 1 s"},
+                    RemainingCase{"MostMinutes", 3599, L"59 minute(s) 59 seconds", L"59 m 59 s"},
+                    RemainingCase{"OneHour", 3600, L"1 hour(s) 0 minutes", L"1 h 0 m"},
+                    RemainingCase{"SecondsAreDropped", 3661, L"1 hour(s) 1 minutes", L"1 h 1 m"},
+                    RemainingCase{"Largest", UINT_MAX, L"1193046 hour(s) 28 minutes",
+                                  L"1193046 h 28 m"}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(GetTextRemaining, NoSecondsGiveZeroAndTheEmptyText) {
     for (int bLongForm : {0, 1}) {
@@ -138,15 +237,28 @@ TEST(FitText, CutsOutTheMiddleByProportion) {
     EXPECT_STREQ(L"abcdefgh...lmnopqrst", FitText(kTwenty.c_str(), 200, 199));
 }
 
-TEST(FitText, NoHeadGivesTheEmptyText) {
-    const struct {
-        int cxWanted;
-        const wchar_t* pszExpected;
-    } rows[] = {{50, L"a...t"}, {45, L"a...t"}, {40, L""}, {30, L""},   {20, L""},     {10, L""},
-                {1, L""},       {0, L""},       {-1, L""}, {-100, L""}, {INT_MIN, L""}};
-    for (const auto& row : rows) {
-        EXPECT_STREQ(row.pszExpected, FitText(kTwenty.c_str(), 200, row.cxWanted)) << row.cxWanted;
-    }
+struct FitCase {
+    const char* pszName;
+    int cxWanted; // of the 20 characters, which are 200 wide
+    const wchar_t* pszExpected;
+};
+
+class FitTextTable : public testing::TestWithParam<FitCase> {};
+
+TEST_P(FitTextTable, NoHeadGivesTheEmptyText) {
+    EXPECT_STREQ(GetParam().pszExpected, FitText(kTwenty.c_str(), 200, GetParam().cxWanted));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, FitTextTable,
+    testing::Values(FitCase{"Five", 50, L"a...t"}, FitCase{"FourAndAHalf", 45, L"a...t"},
+                    FitCase{"Four", 40, L""}, FitCase{"Three", 30, L""}, FitCase{"Two", 20, L""},
+                    FitCase{"One", 10, L""}, FitCase{"LessThanOne", 1, L""},
+                    FitCase{"Nothing", 0, L""}, FitCase{"Negative", -1, L""},
+                    FitCase{"FarNegative", -100, L""}, FitCase{"Least", INT_MIN, L""}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(FitText, NoWidthOrOneCharacterGivesTheEmptyText) {
     EXPECT_STREQ(L"", FitText(kTwenty.c_str(), 0, -1));
     EXPECT_STREQ(L"", FitText(kTwenty.c_str(), -5, -100));
     EXPECT_STREQ(L"", FitText(L"x", 100, 99));
@@ -181,6 +293,63 @@ TEST(FitText, RandomWidthsKeepHeadAndTail) {
         ASSERT_TRUE(str.starts_with(strFit.substr(0, nDots)));
         ASSERT_TRUE(str.ends_with(strFit.substr(nDots + 3)));
         ASSERT_LE(strFit.size(), str.size());
+    }
+}
+
+// Formatting and appending
+
+TEST(StrAppendTextFmt, FormatsBehindTheText) {
+    wchar_t sz[64] = L"a:";
+    StrAppendTextFmt(sz, 64, L" %s=%d", L"x", 5);
+    EXPECT_STREQ(L"a: x=5", sz);
+    StrAppendTextFmt(sz, 64, L"");
+    EXPECT_STREQ(L"a: x=5", sz);
+    StrAppendTextFmt(sz, 64, L"%s", sz); // the text itself
+    EXPECT_STREQ(L"a: x=5a: x=5", sz);
+}
+
+TEST(StrAppendTextFmt, NullFormatClearsTheText) {
+    wchar_t sz[16] = L"abc";
+    StrAppendTextFmt(sz, 16, nullptr);
+    EXPECT_STREQ(L"", sz);
+    sz[0] = L'x';
+    StrAppendTextFmt(sz, 0, nullptr); // no characters, none cleared
+    EXPECT_EQ(L'x', sz[0]);
+    StrAppendTextFmt(nullptr, 16, nullptr);
+    StrAppendTextFmt(nullptr, 16, L"abc");
+}
+
+TEST(StrAppendTextFmt, KeepsToItsCapacity) {
+    for (unsigned cch = 3; cch <= 8; ++cch) {
+        GuardedMemory memory(cch * sizeof(wchar_t));
+        auto* psz = static_cast<wchar_t*>(memory.Get());
+        wcscpy(psz, L"ab");
+        StrAppendTextFmt(psz, cch, L"%s", L"cdef");
+        EXPECT_EQ(std::wstring(L"abcdef").substr(0, cch - 1), psz) << cch;
+    }
+    GuardedMemory one(sizeof(wchar_t));
+    auto* psz = static_cast<wchar_t*>(one.Get());
+    *psz = 0;
+    StrAppendTextFmt(psz, 1, L"x");
+    EXPECT_STREQ(L"", psz);
+}
+
+TEST(StrAppendTextFmt, TextWithoutAnEndIsLeftAlone) {
+    GuardedMemory memory(2 * sizeof(wchar_t));
+    auto* psz = static_cast<wchar_t*>(memory.Get());
+    psz[0] = L'a';
+    psz[1] = L'b';
+    StrAppendTextFmt(psz, 2, L"x");
+    EXPECT_EQ(L'a', psz[0]);
+    EXPECT_EQ(L'b', psz[1]);
+}
+
+TEST(StrAppendTextFmt, FormatsIntoAtMost1023Characters) {
+    for (std::size_t n : {1022u, 1023u, 1024u, 1500u}) {
+        std::wstring str(n, L'x');
+        wchar_t sz[2048] = L"a";
+        StrAppendTextFmt(sz, 2048, L"%s", str.c_str());
+        EXPECT_EQ(1 + std::min<std::size_t>(n, 1023), std::wcslen(sz)) << n;
     }
 }
 } // namespace

@@ -1,4 +1,6 @@
 #include "runtime/threads/cs_thread.h"
+#include "support/test_window.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 #include <atomic>
@@ -30,12 +32,7 @@ class Worker : public CSThreadEx {
 unsigned WorkUntilCanceled(Worker& worker) { return worker.WaitForCancel(20000) ? 5u : 6u; }
 
 bool BecomesDone(CSThread& thread) {
-    DWORD dwStart = ::GetTickCount();
-    while (static_cast<HANDLE>(thread)) {
-        if (::GetTickCount() - dwStart > 10000) return false;
-        ::Sleep(1);
-    }
-    return true;
+    return WaitUntil([&] { return !static_cast<HANDLE>(thread); });
 }
 
 TEST(CSThread, ThatNeverRanSaysYesToEverything) {
@@ -160,13 +157,11 @@ TEST(CSThread, WaitKeepsTheCallersWindowsAlive) {
     static Worker* pWorker;
     Worker worker(&WorkUntilCanceled);
     pWorker = &worker;
-    HWND hwnd = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
-                                  nullptr);
+    TestWindow wnd;
     ASSERT_EQ(1, worker.Start());
     // The timer's procedure runs only if the wait dispatches.
-    ::SetTimer(hwnd, 1, 10, [](HWND, UINT, UINT_PTR, DWORD) { pWorker->SetCancel(); });
+    ::SetTimer(wnd, 1, 10, [](HWND, UINT, UINT_PTR, DWORD) { pWorker->SetCancel(); });
     EXPECT_EQ(1, worker.WaitForDone(10000));
-    ::DestroyWindow(hwnd);
 }
 
 TEST(CSThread, DestructorStopsTheWorker) {
@@ -297,9 +292,7 @@ TEST(CSThreadEx, ManyQuickSelfDeletingThreadsAllGo) {
         ~Quick() override { ++nGone; }
     };
     for (int i = 0; i < kThreads; ++i) EXPECT_EQ(1, (new Quick)->Start());
-    DWORD dwStart = ::GetTickCount();
-    while (nGone != kThreads && ::GetTickCount() - dwStart < 10000) ::Sleep(1);
-    EXPECT_EQ(kThreads, nGone.load());
+    EXPECT_TRUE(WaitUntil([&] { return nGone == kThreads; })) << nGone;
 }
 
 /// Its worker never answers a cancel; its memory stays readable after the object's end.

@@ -1,11 +1,14 @@
 #include "runtime/threads/synch.h"
 
-#include <gtest/gtest.h>
-#include <sddl.h>
 #include <aclapi.h>
+#include <sddl.h>
+#include <gtest/gtest.h>
 #include <string>
+#include <thread>
 
 namespace {
+// Objects that are opened by name, and events
+
 /// A name that no other run of the tests uses.
 std::wstring UniqueName(const wchar_t* pszTail = L"") {
     static int n = 0;
@@ -207,5 +210,144 @@ TEST(Event, CreateNewForUserFailsForBadSidsAndExistingNames) {
     ASSERT_EQ(1, first.CreateNewForUser(strName.c_str(), 0, L"S-1-5-32-545", 0x1F0003, 1, 0));
     EXPECT_EQ(0, event.CreateNewForUser(strName.c_str(), 0, L"S-1-5-32-545", 0x1F0003, 1, 0));
     EXPECT_EQ(nullptr, static_cast<HANDLE>(event));
+}
+
+// Events under exactly the name given
+
+bool IsSignalled(HANDLE h) { return ::WaitForSingleObject(h, 0) == WAIT_OBJECT_0; }
+
+TEST(EventSimple, DefaultIsUnnamedAutomaticAndNotSet) {
+    EventSimple event;
+    EXPECT_EQ(1, event.IsReady());
+    EXPECT_EQ(0, event.HasExisted());
+    EXPECT_FALSE(IsSignalled(event));
+    event.Set();
+    EXPECT_TRUE(IsSignalled(event));
+    EXPECT_FALSE(IsSignalled(event)); // the look took it
+}
+
+TEST(EventSimple, SetZeroAndClearReset) {
+    EventSimple event(nullptr, 1, 1);
+    EXPECT_TRUE(IsSignalled(event));
+    event.Set(0);
+    EXPECT_FALSE(IsSignalled(event));
+    event.Set(5);
+    EXPECT_TRUE(IsSignalled(event));
+    event.Clear();
+    EXPECT_FALSE(IsSignalled(event));
+}
+
+TEST(EventSimple, ExistingNameGivesAHandleAndTheFlag) {
+    std::wstring strName = UniqueName();
+    EventSimple first(strName.c_str(), 1, 0);
+    EXPECT_EQ(1, first.IsReady());
+    EXPECT_EQ(0, first.HasExisted());
+    EventSimple second(strName.c_str(), 1, 0);
+    EXPECT_EQ(1, second.IsReady());
+    EXPECT_EQ(1, second.HasExisted());
+    second.Set();
+    EXPECT_TRUE(IsSignalled(first));
+}
+
+TEST(EventSimple, OpenMakesAnewAndReportsTheHandle) {
+    std::wstring strName = UniqueName();
+    EventSimple event;
+    EXPECT_EQ(1, event.Open(strName.c_str(), 1, 1));
+    EXPECT_EQ(0, event.HasExisted());
+    EXPECT_TRUE(IsSignalled(event));
+    // The own handle is closed first, so that the same name is new again.
+    EXPECT_EQ(1, event.Open(strName.c_str(), 1, 0));
+    EXPECT_EQ(0, event.HasExisted());
+    EXPECT_FALSE(IsSignalled(event));
+}
+
+TEST(EventSimple, OpenFailsOnANameOfAnotherKind) {
+    std::wstring strName = UniqueName();
+    HANDLE hMutex = ::CreateMutexW(nullptr, FALSE, strName.c_str());
+    EventSimple event(strName.c_str(), 1, 0);
+    EXPECT_EQ(0, event.IsReady());
+    event.Set(); // nothing to set
+    event.Clear();
+    ::CloseHandle(hMutex);
+}
+
+TEST(EventSimple, OpenEventTellsWhetherItCouldBeOpened) {
+    std::wstring strName = UniqueName();
+    EventSimple opened;
+    EXPECT_EQ(0, opened.OpenEventW(EVENT_ALL_ACCESS, 0, strName.c_str()));
+    EXPECT_EQ(0, opened.HasExisted());
+    EXPECT_EQ(0, opened.IsReady());
+    EventSimple made(strName.c_str(), 1, 1);
+    EXPECT_EQ(1, opened.OpenEventW(EVENT_ALL_ACCESS, 0, strName.c_str()));
+    EXPECT_EQ(1, opened.HasExisted());
+    EXPECT_TRUE(IsSignalled(opened));
+}
+
+// Mutexes
+
+/// What another thread's Wait gives; it keeps the mutex if bKeep.
+int WaitInThread(MyMutex& mutex, bool bKeep = false) {
+    int nResult = -1;
+    std::thread([&] {
+        nResult = mutex.Wait(0);
+        if (nResult && !bKeep) mutex.Release();
+    }).join();
+    return nResult;
+}
+
+TEST(MyMutex, IsNotOwnedAtFirst) {
+    MyMutex mutex(0, nullptr);
+    EXPECT_EQ(1, WaitInThread(mutex));
+}
+
+TEST(MyMutex, KeepsOtherThreadsOutUntilReleased) {
+    MyMutex mutex(0, UniqueName().c_str());
+    ASSERT_EQ(1, mutex.Wait(0));
+    EXPECT_EQ(1, mutex.Wait(0)); // again by the owner
+    EXPECT_EQ(0, WaitInThread(mutex));
+    mutex.Release();
+    EXPECT_EQ(0, WaitInThread(mutex));
+    mutex.Release();
+    EXPECT_EQ(1, WaitInThread(mutex));
+}
+
+TEST(MyMutex, AbandonedMutexGivesZeroOnce) {
+    MyMutex mutex(0, nullptr);
+    ASSERT_EQ(1, WaitInThread(mutex, true));
+    EXPECT_EQ(0, mutex.Wait(0));
+    EXPECT_EQ(1, mutex.Wait(0)); // it was owned all the same
+    mutex.Release();
+    mutex.Release();
+}
+
+TEST(MyMutex, NameSpacesAreApart) {
+    std::wstring strName = UniqueName();
+    MyMutex local(0, strName.c_str()), global(1, strName.c_str());
+    HANDLE hLocal = ::OpenMutexW(SYNCHRONIZE, FALSE, (L"Local\\" + strName).c_str());
+    HANDLE hGlobal = ::OpenMutexW(SYNCHRONIZE, FALSE, (L"Global\\" + strName).c_str());
+    EXPECT_NE(nullptr, hLocal);
+    EXPECT_NE(nullptr, hGlobal);
+    ASSERT_EQ(1, local.Wait(0));
+    EXPECT_EQ(1, WaitInThread(global));
+    EXPECT_EQ(0, WaitInThread(local));
+    local.Release();
+    ::CloseHandle(hLocal);
+    ::CloseHandle(hGlobal);
+}
+
+TEST(MyMutex, DestructorClosesTheHandle) {
+    std::wstring strName = UniqueName();
+    { MyMutex mutex(0, strName.c_str()); }
+    EXPECT_EQ(nullptr, ::OpenMutexW(SYNCHRONIZE, FALSE, (L"Local\\" + strName).c_str()));
+}
+
+TEST(MyMutex, WithoutAHandleWaitGivesZero) {
+    std::wstring strName = UniqueName();
+    HANDLE hEvent = ::CreateEventW(nullptr, TRUE, TRUE, (L"Local\\" + strName).c_str());
+    MyMutex mutex(0, strName.c_str()); // the name belongs to an event
+    EXPECT_EQ(nullptr, static_cast<HANDLE>(mutex));
+    EXPECT_EQ(0, mutex.Wait(0));
+    mutex.Release();
+    ::CloseHandle(hEvent);
 }
 } // namespace

@@ -240,31 +240,37 @@ Copied CopyAtGuards(const std::wstring& strText, unsigned cchOut, int bLine, wch
     return {pszOut, Rest(parser)};
 }
 
-TEST(Parser, CopyToLineEndCutsWhatDoesNotFitAndPassesIt) {
-    struct {
-        const wchar_t* pszText;
-        unsigned cchOut;
-        const wchar_t *pszCopy, *pszRest;
-    } rows[] = {
-        {L"", 5, L"", L""},
-        {L"ab", 5, L"ab", L""},
-        {L"abcd\nx", 5, L"abcd", L"\nx"},
-        {L"abcde\r\nx", 5, L"abcd", L"\r\nx"},
-        {L"abc\nx", 1, L"", L"\nx"},
-        {L"\r\n", 5, L"", L"\r\n"},
-        {L"a\rb\n", 9, L"a\rb", L"\n"}, // a carriage return alone is no line end
-        {L"ab\r", 9, L"ab\r", L""},
-        {L"a\tb\v\x01\xFFFF", 9, L"a\tb\v\x01\xFFFF", L""},
-    };
-    for (const auto& row : rows) {
-        Copied expected{row.pszCopy, row.pszRest};
-        for (int bByLength : {0, 1}) {
-            if (bByLength && !*row.pszText) continue; // length 0 is up to the terminator
-            EXPECT_EQ(expected, CopyAtGuards(row.pszText, row.cchOut, 1, 0, bByLength))
-                << &row - rows;
-        }
+struct CopyLineCase {
+    const char* pszName;
+    const wchar_t* pszText;
+    unsigned cchOut;
+    const wchar_t *pszCopy, *pszRest;
+};
+
+class ParserCopyToLineEnd : public testing::TestWithParam<CopyLineCase> {};
+
+TEST_P(ParserCopyToLineEnd, CutsWhatDoesNotFitAndPassesIt) {
+    const CopyLineCase& row = GetParam();
+    Copied expected{row.pszCopy, row.pszRest};
+    for (int bByLength : {0, 1}) {
+        if (bByLength && !*row.pszText) continue; // length 0 is up to the terminator
+        EXPECT_EQ(expected, CopyAtGuards(row.pszText, row.cchOut, 1, 0, bByLength)) << bByLength;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ParserCopyToLineEnd,
+    testing::Values(CopyLineCase{"Empty", L"", 5, L"", L""},
+                    CopyLineCase{"UpToTheEnd", L"ab", 5, L"ab", L""},
+                    CopyLineCase{"Fits", L"abcd\nx", 5, L"abcd", L"\nx"},
+                    CopyLineCase{"DoesNotFit", L"abcde\r\nx", 5, L"abcd", L"\r\nx"},
+                    CopyLineCase{"RoomForNothing", L"abc\nx", 1, L"", L"\nx"},
+                    CopyLineCase{"EmptyLine", L"\r\n", 5, L"", L"\r\n"},
+                    CopyLineCase{"CarriageReturnAloneIsNoLineEnd", L"a\rb\n", 9, L"a\rb", L"\n"},
+                    CopyLineCase{"LastCarriageReturn", L"ab\r", 9, L"ab\r", L""},
+                    CopyLineCase{"OtherControls", L"a\tb\v\x01\xFFFF", 9, L"a\tb\v\x01\xFFFF",
+                                 L""}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(Parser, CopyToCharGoesOverLineEnds) {
     EXPECT_EQ((Copied{L"a\r\nb", L"=c=d"}), CopyAtGuards(L"a\r\nb=c=d", 9, 0, L'=', 0));

@@ -1,6 +1,6 @@
 #include "store/registry/home_folder.h"
 #include "store/registry/reg_key.h"
-#include "store/registry/reg_key_op.h"
+#include "store/registry/reg_values.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>

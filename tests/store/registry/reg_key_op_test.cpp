@@ -28,6 +28,8 @@ TEST_F(RegKeyOp, NumbersAreThoseOfTheInterface) {
     EXPECT_EQ(6, RegKey::OpSetAlways);
 }
 
+const std::wstring kLongest(259, L'x'), kLonger(260, L'x'); // of 520 and 522 bytes
+
 struct TestCase {
     const char* pszName;
     RegBytes stored;
@@ -36,32 +38,33 @@ struct TestCase {
     int nTestNoCase;
 };
 
-TEST_F(RegKeyOp, TestComparesTheStoredText) {
-    std::wstring strLongest(259, L'x'), strLonger(260, L'x');
-    const TestCase kCases[] = {
-        {"equal", BytesOf(L"Text"), L"Text", 1, 1},
-        {"other case", BytesOf(L"Text"), L"tEXT", 0, 1},
-        {"other case beyond ASCII", BytesOf(L"\u00C4rger"), L"\u00E4RGER", 0, 1},
-        {"different", BytesOf(L"Text"), L"Test", 0, 0},
-        {"longer", BytesOf(L"Text2"), L"Text", 0, 0},
-        {"shorter", BytesOf(L"Tex"), L"Text", 0, 0},
-        {"empty stored", BytesOf(L""), L"Text", 0, 0},
-        {"empty expected", BytesOf(L"Text"), L"", 0, 0},
-        {"both empty", BytesOf(L""), L"", 1, 1},
-        {"no bytes", {}, L"", 1, 1},
-        {"open end", BytesOf(L"Text", false), L"Text", 1, 1},
-        {"520 bytes", BytesOf(strLongest), strLongest.c_str(), 1, 1},
-        {"520 bytes with an open end", BytesOf(strLonger, false), strLonger.c_str(), 1, 1},
-        {"522 bytes", BytesOf(strLonger), strLonger.c_str(), 0, 0},
-        {"522 bytes against empty", BytesOf(strLonger), L"", 1, 1},
-    };
-    for (const TestCase& row : kCases) {
-        SCOPED_TRACE(row.pszName);
-        raw.Put(L"v", REG_BINARY, row.stored);
-        EXPECT_EQ(row.nTest, Str(RegKey::OpTest, row.pszExpected));
-        EXPECT_EQ(row.nTestNoCase, Str(RegKey::OpTestNoCase, row.pszExpected));
-    }
+class RegKeyOpTest : public RegKeyOp, public testing::WithParamInterface<TestCase> {};
+
+TEST_P(RegKeyOpTest, ComparesTheStoredText) {
+    raw.Put(L"v", REG_BINARY, GetParam().stored);
+    EXPECT_EQ(GetParam().nTest, Str(RegKey::OpTest, GetParam().pszExpected));
+    EXPECT_EQ(GetParam().nTestNoCase, Str(RegKey::OpTestNoCase, GetParam().pszExpected));
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RegKeyOpTest,
+    testing::Values(TestCase{"Equal", BytesOf(L"Text"), L"Text", 1, 1},
+                    TestCase{"OtherCase", BytesOf(L"Text"), L"tEXT", 0, 1},
+                    TestCase{"OtherCaseBeyondASCII", BytesOf(L"\u00C4rger"), L"\u00E4RGER", 0, 1},
+                    TestCase{"Different", BytesOf(L"Text"), L"Test", 0, 0},
+                    TestCase{"Longer", BytesOf(L"Text2"), L"Text", 0, 0},
+                    TestCase{"Shorter", BytesOf(L"Tex"), L"Text", 0, 0},
+                    TestCase{"EmptyStored", BytesOf(L""), L"Text", 0, 0},
+                    TestCase{"EmptyExpected", BytesOf(L"Text"), L"", 0, 0},
+                    TestCase{"BothEmpty", BytesOf(L""), L"", 1, 1},
+                    TestCase{"NoBytes", {}, L"", 1, 1},
+                    TestCase{"OpenEnd", BytesOf(L"Text", false), L"Text", 1, 1},
+                    TestCase{"520Bytes", BytesOf(kLongest), kLongest.c_str(), 1, 1},
+                    TestCase{"520BytesWithAnOpenEnd", BytesOf(kLonger, false), kLonger.c_str(), 1,
+                             1},
+                    TestCase{"522Bytes", BytesOf(kLonger), kLonger.c_str(), 0, 0},
+                    TestCase{"522BytesAgainstEmpty", BytesOf(kLonger), L"", 1, 1}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(RegKeyOp, TestOfAMissingValueIsTrueForTheEmptyText) {
     EXPECT_EQ(1, Str(RegKey::OpTest, L""));

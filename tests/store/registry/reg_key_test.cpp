@@ -58,29 +58,31 @@ TEST(RegKey, OpenOfEmptyPathGivesZero) {
 }
 
 struct RootCase {
+    const char* pszName;
     const wchar_t* pszPath;
     HKEY hkey;
 };
 
-TEST(RegKey, EveryRootNameGivesItsHandleInAnyCase) {
-    const RootCase kCases[] = {
-        {L"HKCLS", HKEY_CLASSES_ROOT},
-        {L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-        {L"HKCU", HKEY_CURRENT_USER},
-        {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-        {L"HKLM", HKEY_LOCAL_MACHINE},
-        {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-        {L"HKU", HKEY_USERS},
-        {L"HKEY_USERS", HKEY_USERS},
-        {L"hkcu", HKEY_CURRENT_USER},
-        {L"hKey_Local_Machine", HKEY_LOCAL_MACHINE},
-        {L"\\\\HKCU\\\\", HKEY_CURRENT_USER},
-    };
-    for (const RootCase& row : kCases) {
-        RegKey key(row.pszPath, 0);
-        EXPECT_EQ(row.hkey, key.GetHandle()) << testing::PrintToString(row.pszPath);
-    }
+class RegKeyRoot : public testing::TestWithParam<RootCase> {};
+
+TEST_P(RegKeyRoot, NameGivesItsHandleInAnyCase) {
+    EXPECT_EQ(GetParam().hkey, RegKey(GetParam().pszPath, 0).GetHandle());
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RegKeyRoot,
+    testing::Values(RootCase{"ShortClasses", L"HKCLS", HKEY_CLASSES_ROOT},
+                    RootCase{"LongClasses", L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+                    RootCase{"ShortUser", L"HKCU", HKEY_CURRENT_USER},
+                    RootCase{"LongUser", L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                    RootCase{"ShortMachine", L"HKLM", HKEY_LOCAL_MACHINE},
+                    RootCase{"LongMachine", L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                    RootCase{"ShortUsers", L"HKU", HKEY_USERS},
+                    RootCase{"LongUsers", L"HKEY_USERS", HKEY_USERS},
+                    RootCase{"SmallLetters", L"hkcu", HKEY_CURRENT_USER},
+                    RootCase{"MixedLetters", L"hKey_Local_Machine", HKEY_LOCAL_MACHINE},
+                    RootCase{"Backslashes", L"\\\\HKCU\\\\", HKEY_CURRENT_USER}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(RegKey, NamesThatAreNoRootGiveNull) {
     for (const wchar_t* psz : {L"HKC", L"HKCUX", L"HKCR", L"HKCC", L"nonsense", L"\\", L"\\\\\\"}) {
@@ -137,25 +139,31 @@ TEST_F(RegKeyOpen, ComponentMayHave127Characters) {
 }
 
 struct LevelCase {
+    const char* pszName;
     const wchar_t* pszBelow;
     int nLevels;
     const wchar_t* pszMade; // the deepest key that a write open makes
     const wchar_t* pszNotMade;
 };
 
-TEST_F(RegKeyOpen, OpenParentLeavesTheLastLevelsUnopened) {
-    const LevelCase kCases[] = {
-        {L"a1\\b", 1, L"a1", L"a1\\b"},     {L"a2\\b\\c", 2, L"a2", L"a2\\b"},
-        {L"a3\\b", 0, L"a3\\b", L"a3\\c"},  {L"a4\\b\\", 1, L"a4\\b", L"a4\\c"},
-        {L"a5\\b", -1, L"a5\\b", L"a5\\c"},
-    };
-    for (const LevelCase& row : kCases) {
-        RegKey key;
-        EXPECT_EQ(1, key.OpenParent(raw.Path(row.pszBelow).c_str(), 1, row.nLevels));
-        EXPECT_TRUE(raw.HasSubKey(row.pszMade)) << testing::PrintToString(row.pszBelow);
-        EXPECT_FALSE(raw.HasSubKey(row.pszNotMade)) << testing::PrintToString(row.pszBelow);
-    }
+class RegKeyOpenParent : public RegKeyOpen, public testing::WithParamInterface<LevelCase> {};
+
+TEST_P(RegKeyOpenParent, LeavesTheLastLevelsUnopened) {
+    const LevelCase& row = GetParam();
+    RegKey key;
+    EXPECT_EQ(1, key.OpenParent(raw.Path(row.pszBelow).c_str(), 1, row.nLevels));
+    EXPECT_TRUE(raw.HasSubKey(row.pszMade));
+    EXPECT_FALSE(raw.HasSubKey(row.pszNotMade));
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, RegKeyOpenParent,
+                         testing::Values(LevelCase{"One", L"a1\\b", 1, L"a1", L"a1\\b"},
+                                         LevelCase{"Two", L"a2\\b\\c", 2, L"a2", L"a2\\b"},
+                                         LevelCase{"None", L"a3\\b", 0, L"a3\\b", L"a3\\c"},
+                                         LevelCase{"OneBehindTheLastBackslash", L"a4\\b\\", 1,
+                                                   L"a4\\b", L"a4\\c"},
+                                         LevelCase{"Negative", L"a5\\b", -1, L"a5\\b", L"a5\\c"}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(RegKey, OpenParentBeforeTheRootGivesNull) {
     RegKey key;
@@ -317,32 +325,33 @@ struct StrCase {
     const wchar_t* pszExpected; // with the default "def"
 };
 
-TEST_F(RegKeyRead, TextMustFitWithItsTerminator) {
-    const StrCase kCases[] = {
-        {"fits", BytesOf(L"abcd"), 5, L"abcd"},
-        {"roomy", BytesOf(L"abcd"), 100, L"abcd"},
-        {"one too small", BytesOf(L"abcd"), 4, L"def"},
-        {"much too small", BytesOf(L"abcd"), 2, L"d"},
-        {"empty text", BytesOf(L""), 5, L""},
-        {"no bytes", {}, 5, L""},
-        {"open end that fits", BytesOf(L"abcd", false), 5, L"abcd"},
-        {"open end without room", BytesOf(L"abcde", false), 5, L"def"},
-        {"one byte", {'x'}, 5, L""},
-        {"three bytes", {'x', 0, 'y'}, 5, L"x"},
-        {"inner terminator", {'x', 0, 0, 0, 'y', 0, 0, 0}, 5, L"x"},
-    };
+class RegKeyReadText : public RegKeyRead, public testing::WithParamInterface<StrCase> {};
+
+TEST_P(RegKeyReadText, MustFitWithItsTerminator) {
+    const StrCase& row = GetParam();
     for (DWORD dwType : {REG_SZ, REG_BINARY, REG_DWORD}) {
-        for (const StrCase& row : kCases) {
-            SCOPED_TRACE(row.pszName);
-            raw.Put(L"s", dwType, row.stored);
-            std::vector<wchar_t> buffer(row.cchBuffer + 4, L'#');
-            int nExpected = static_cast<int>(wcslen(row.pszExpected));
-            EXPECT_EQ(nExpected, key.GetStr(L"s", buffer.data(), row.cchBuffer, L"def"));
-            EXPECT_STREQ(row.pszExpected, buffer.data());
-            for (int n = 0; n < 4; ++n) EXPECT_EQ(L'#', buffer[row.cchBuffer + n]);
-        }
+        raw.Put(L"s", dwType, row.stored);
+        std::vector<wchar_t> buffer(row.cchBuffer + 4, L'#');
+        int nExpected = static_cast<int>(wcslen(row.pszExpected));
+        EXPECT_EQ(nExpected, key.GetStr(L"s", buffer.data(), row.cchBuffer, L"def")) << dwType;
+        EXPECT_STREQ(row.pszExpected, buffer.data()) << dwType;
+        for (int n = 0; n < 4; ++n) EXPECT_EQ(L'#', buffer[row.cchBuffer + n]) << dwType;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RegKeyReadText,
+    testing::Values(StrCase{"Fits", BytesOf(L"abcd"), 5, L"abcd"},
+                    StrCase{"Roomy", BytesOf(L"abcd"), 100, L"abcd"},
+                    StrCase{"OneTooSmall", BytesOf(L"abcd"), 4, L"def"},
+                    StrCase{"MuchTooSmall", BytesOf(L"abcd"), 2, L"d"},
+                    StrCase{"EmptyText", BytesOf(L""), 5, L""}, StrCase{"NoBytes", {}, 5, L""},
+                    StrCase{"OpenEndThatFits", BytesOf(L"abcd", false), 5, L"abcd"},
+                    StrCase{"OpenEndWithoutRoom", BytesOf(L"abcde", false), 5, L"def"},
+                    StrCase{"OneByte", {'x'}, 5, L""},
+                    StrCase{"ThreeBytes", {'x', 0, 'y'}, 5, L"x"},
+                    StrCase{"InnerTerminator", {'x', 0, 0, 0, 'y', 0, 0, 0}, 5, L"x"}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(RegKeyRead, MissingTextGivesTheDefaultCutToFit) {
     wchar_t sz[4] = L"###";
@@ -494,27 +503,28 @@ struct PutStrCase {
     const wchar_t* pszNew;
 };
 
-TEST_F(RegKeyWrite, DifferentStrIsWrittenThoughCompared) {
-    const PutStrCase kCases[] = {
-        {"other text", BytesOf(L"old"), L"new"},
-        {"other case", BytesOf(L"TEXT"), L"text"},
-        {"longer", BytesOf(L"text"), L"text2"},
-        {"shorter", BytesOf(L"text2"), L"text"},
-        {"the text 1 becomes empty", BytesOf(L"1"), L""},
-        {"text becomes empty", BytesOf(L"text"), L""},
-        {"empty becomes text", BytesOf(L""), L"text"},
-        {"one open character becomes empty", BytesOf(L"x", false), L""},
-        {"no bytes become empty", {}, L""},
-        {"one byte becomes empty", {0}, L""},
-        {"odd size of the same text", {'x', 0, 0}, L"x"},
-    };
-    for (const PutStrCase& row : kCases) {
-        SCOPED_TRACE(row.pszName);
-        raw.Put(L"s", REG_BINARY, row.stored);
-        EXPECT_EQ(1, key.PutStr(L"s", row.pszNew, 1));
-        EXPECT_EQ((RegContent{REG_SZ, BytesOf(row.pszNew)}), raw.Value(L"s"));
-    }
+class RegKeyWriteText : public RegKeyWrite, public testing::WithParamInterface<PutStrCase> {};
+
+TEST_P(RegKeyWriteText, DifferentOneIsWrittenThoughCompared) {
+    raw.Put(L"s", REG_BINARY, GetParam().stored);
+    EXPECT_EQ(1, key.PutStr(L"s", GetParam().pszNew, 1));
+    EXPECT_EQ((RegContent{REG_SZ, BytesOf(GetParam().pszNew)}), raw.Value(L"s"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, RegKeyWriteText,
+                         testing::Values(PutStrCase{"OtherText", BytesOf(L"old"), L"new"},
+                                         PutStrCase{"OtherCase", BytesOf(L"TEXT"), L"text"},
+                                         PutStrCase{"Longer", BytesOf(L"text"), L"text2"},
+                                         PutStrCase{"Shorter", BytesOf(L"text2"), L"text"},
+                                         PutStrCase{"TheText1BecomesEmpty", BytesOf(L"1"), L""},
+                                         PutStrCase{"TextBecomesEmpty", BytesOf(L"text"), L""},
+                                         PutStrCase{"EmptyBecomesText", BytesOf(L""), L"text"},
+                                         PutStrCase{"OneOpenCharacterBecomesEmpty",
+                                                    BytesOf(L"x", false), L""},
+                                         PutStrCase{"NoBytesBecomeEmpty", {}, L""},
+                                         PutStrCase{"OneByteBecomesEmpty", {0}, L""},
+                                         PutStrCase{"OddSizeOfTheSameText", {'x', 0, 0}, L"x"}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(RegKeyWrite, EmptyStrDeletesWhereAskedTo) {
     raw.PutStr(L"s", L"text");

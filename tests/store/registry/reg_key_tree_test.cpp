@@ -1,6 +1,5 @@
 #include "store/reg_tree.h"
 #include "store/registry/reg_key.h"
-#include "store/registry/reg_key_names.h"
 #include "support/guard_page.h"
 #include "support/replace_import.h"
 
@@ -202,37 +201,37 @@ struct PrefixCase {
     std::vector<std::wstring> left;
 };
 
-TEST_F(RegKeyTree, ValuesGoByTheBeginningOfTheirNames) {
-    const PrefixCase kCases[] = {
-        {"null", nullptr, 0, {}},
-        {"empty", L"", 0, {L""}},
-        {"empty, no case", L"", 1, {L""}},
-        {"text", L"pos", 0, {L"", L"POSX", L"a", L"apos", L"po", L"z"}},
-        {"text, no case", L"pos", 1, {L"", L"a", L"apos", L"po", L"z"}},
-        {"whole name",
-         L"posLeft",
-         0,
-         {L"", L"POSX", L"a", L"apos", L"po", L"pos", L"posRight", L"z"}},
-        {"longer",
-         L"posLeft2",
-         1,
-         {L"", L"POSX", L"a", L"apos", L"po", L"pos", L"posLeft", L"posRight", L"z"}},
-    };
-    for (const PrefixCase& row : kCases) {
-        SCOPED_TRACE(row.pszName);
-        key.DelAll();
-        raw.Create(L"pos");
-        for (const wchar_t* psz :
-             {L"", L"a", L"apos", L"po", L"pos", L"posLeft", L"posRight", L"POSX", L"z"})
-            raw.PutStr(psz, L"text");
-        EXPECT_EQ(1, key.DelValuesStartingWith(row.pszPrefix, row.bNoCase));
-        RegDump dump = raw.Dump();
-        std::vector<std::wstring> names;
-        for (const auto& [strName, content] : dump.values) names.push_back(strName);
-        EXPECT_EQ(row.left, names);
-        EXPECT_EQ(1u, dump.subkeys.count(L"pos"));
-    }
+class RegKeyTreePrefix : public RegKeyTree, public testing::WithParamInterface<PrefixCase> {};
+
+TEST_P(RegKeyTreePrefix, ValuesGoByTheBeginningOfTheirNames) {
+    raw.Create(L"pos");
+    for (const wchar_t* psz :
+         {L"", L"a", L"apos", L"po", L"pos", L"posLeft", L"posRight", L"POSX", L"z"})
+        raw.PutStr(psz, L"text");
+    EXPECT_EQ(1, key.DelValuesStartingWith(GetParam().pszPrefix, GetParam().bNoCase));
+    RegDump dump = raw.Dump();
+    std::vector<std::wstring> names;
+    for (const auto& [strName, content] : dump.values) names.push_back(strName);
+    EXPECT_EQ(GetParam().left, names);
+    EXPECT_EQ(1u, dump.subkeys.count(L"pos"));
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RegKeyTreePrefix,
+    testing::Values(PrefixCase{"Null", nullptr, 0, {}}, PrefixCase{"Empty", L"", 0, {L""}},
+                    PrefixCase{"EmptyNoCase", L"", 1, {L""}},
+                    PrefixCase{"Text", L"pos", 0, {L"", L"POSX", L"a", L"apos", L"po", L"z"}},
+                    PrefixCase{"TextNoCase", L"pos", 1, {L"", L"a", L"apos", L"po", L"z"}},
+                    PrefixCase{"WholeName",
+                               L"posLeft",
+                               0,
+                               {L"", L"POSX", L"a", L"apos", L"po", L"pos", L"posRight", L"z"}},
+                    PrefixCase{"Longer",
+                               L"posLeft2",
+                               1,
+                               {L"", L"POSX", L"a", L"apos", L"po", L"pos", L"posLeft", L"posRight",
+                                L"z"}}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(RegKeyTree, ValuesThatCannotBeDeletedAreSteppedOver) {
     raw.Put(L"", REG_NONE, {1});
@@ -492,117 +491,6 @@ TEST_F(RegKeyTree, RenameOntoAParentIsRefusedWhereTheOldKeyWouldSwallowAPart) {
     expected.subkeys[L"a"].subkeys[L"b"].subkeys[L"B"] =
         before.subkeys[L"a"].subkeys[L"b"].subkeys[L"c"].subkeys[L"B"];
     EXPECT_EQ(expected, raw.Dump());
-}
-
-TEST(RegPathBelow, ComparesComponents) {
-    struct Row {
-        const wchar_t* pszPath;
-        const wchar_t* pszOther;
-        const wchar_t* pszBelow;
-    };
-    const Row kRows[] = {
-        {L"", L"", L""},
-        {L"a", L"", L"a"},
-        {L"", L"a", nullptr},
-        {L"a", L"a", L""},
-        {L"A", L"a", L""},
-        {L"a\\B", L"A", L"B"},
-        {L"a\\b", L"A\\B", L""},
-        {L"ab", L"a", nullptr},
-        {L"a", L"ab", nullptr},
-        {L"a", L"a\\b", nullptr},
-        {L"a\\\\b", L"a\\b", L""},
-        {L"\\a", L"a\\", L""},
-        {L"a\\", L"a", L""},
-        {L"a\\c", L"a\\b", nullptr},
-        {L"a\\bc", L"a\\b", nullptr},
-        {L"a\\b\\c", L"a\\b", L"c"},
-        {L"\\", L"\\\\", L""},
-        {L"\\a\\\\b\\c", L"a", L"b\\c"},
-    };
-    GuardedArea area(100), areaOther(100);
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(testing::PrintToString(row.pszPath) + " below " +
-                     testing::PrintToString(row.pszOther));
-        EXPECT_STREQ(row.pszBelow,
-                     FindRegPathBelow(area.Put(row.pszPath), areaOther.Put(row.pszOther)));
-    }
-}
-
-// Names
-
-struct NameCase {
-    const wchar_t* pszPath;
-    const wchar_t* pszLast;
-    const wchar_t* pszParent;
-};
-
-TEST(RegSubkeyName, LastNameAndParent) {
-    const NameCase kCases[] = {
-        {L"a", L"a", L""},         {L"a\\b", L"b", L"a"}, {L"a\\b\\c", L"c", L"a\\b"},
-        {L"a\\b\\", L"", L"a\\b"}, {L"\\a", L"a", L""},   {L"\\", L"", L""},
-        {L"a\\\\b", L"b", L"a\\"}, {L"a/b", L"a/b", L""},
-    };
-    for (const NameCase& row : kCases) {
-        SCOPED_TRACE(testing::PrintToString(row.pszPath));
-        EXPECT_STREQ(row.pszLast, RegKey::FindLastSubkeyName(row.pszPath));
-        wchar_t sz[20] = L"untouched";
-        EXPECT_EQ(1, RegKey::GetParentSubkeyName(row.pszPath, sz, 20));
-        EXPECT_STREQ(row.pszParent, sz);
-    }
-}
-
-TEST(RegSubkeyName, NoPathHasNoName) {
-    EXPECT_EQ(nullptr, RegKey::FindLastSubkeyName(nullptr));
-    EXPECT_EQ(nullptr, RegKey::FindLastSubkeyName(L""));
-    for (const wchar_t* psz : {static_cast<const wchar_t*>(nullptr), L""}) {
-        wchar_t sz[20] = L"text";
-        EXPECT_EQ(0, RegKey::GetParentSubkeyName(psz, sz, 20));
-        EXPECT_STREQ(L"", sz);
-    }
-}
-
-TEST(RegSubkeyName, ParentIsCutToTheBuffer) {
-    GuardedArea area(100);
-    for (unsigned n = 1; n < 10; ++n) {
-        auto* psz = static_cast<wchar_t*>(area.Put(n * sizeof(wchar_t)));
-        EXPECT_EQ(1, RegKey::GetParentSubkeyName(L"abcd\\e", psz, n));
-        EXPECT_EQ(std::wstring(L"abcd").substr(0, n - 1), psz);
-    }
-    wchar_t ch = L'#';
-    EXPECT_EQ(0, RegKey::GetParentSubkeyName(L"a\\b", &ch, 0));
-    EXPECT_EQ(L'#', ch);
-    EXPECT_EQ(0, RegKey::GetParentSubkeyName(L"a\\b", nullptr, 5));
-}
-
-TEST(RegSubkeyName, RandomPathsStayInTheirBuffers) {
-    std::mt19937 random(20090607);
-    GuardedArea area(200), areaOut(200), areaOther(200);
-    for (int nRound = 0; nRound < 200000; ++nRound) {
-        auto make = [&] {
-            std::wstring str(random() % 12, L' ');
-            for (wchar_t& ch : str) ch = L"\\aAb\\"[random() % 5];
-            return str;
-        };
-        std::wstring strPath = make(), strOther = make();
-        const wchar_t* pszPath = area.Put(strPath);
-        unsigned cch = 1 + random() % 12;
-        auto* pszOut = static_cast<wchar_t*>(areaOut.Put(cch * sizeof(wchar_t)));
-        std::size_t nSlash = strPath.rfind(L'\\');
-        bool bSlash = nSlash != std::wstring::npos;
-        ASSERT_EQ(!strPath.empty(), RegKey::GetParentSubkeyName(pszPath, pszOut, cch));
-        ASSERT_EQ(strPath.substr(0, bSlash ? nSlash : 0).substr(0, cch - 1), pszOut);
-        const wchar_t* pszLast = RegKey::FindLastSubkeyName(pszPath);
-        ASSERT_EQ(strPath.empty() ? nullptr : pszPath + (bSlash ? nSlash + 1 : 0), pszLast);
-        const wchar_t* pszOther = areaOther.Put(strOther);
-        if (FindRegPathBelow(pszPath, pszOther) && FindRegPathBelow(pszOther, pszPath)) {
-            auto count = [](const std::wstring& str) {
-                return std::count_if(str.begin(), str.end(),
-                                     [](wchar_t ch) { return ch != L'\\'; });
-            };
-            ASSERT_EQ(count(strPath), count(strOther));
-        }
-    }
 }
 
 // Moving from the maker's former root

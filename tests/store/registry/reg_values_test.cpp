@@ -1,4 +1,4 @@
-#include "store/registry/reg_key_op.h"
+#include "store/registry/reg_values.h"
 #include "support/heap_count.h"
 #include "support/registry.h"
 

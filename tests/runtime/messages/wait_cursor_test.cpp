@@ -10,7 +10,6 @@ HCURSOR WINAPI SetNoCursor(HCURSOR) {
     return nullptr;
 }
 HCURSOR StandardCursor(int nId) { return ::LoadCursorW(nullptr, MAKEINTRESOURCEW(nId)); }
-} // namespace
 
 TEST(CSWaitCursor, ShowsTheWaitCursorAndPutsTheFormerOneBack) {
     HCURSOR hcurBefore = ::SetCursor(StandardCursor(32515));
@@ -35,3 +34,4 @@ TEST(CSWaitCursor, LeavesTheErrorOfWhatWasWaitedFor) {
     }
     EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), ::GetLastError());
 }
+} // namespace

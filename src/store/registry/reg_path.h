@@ -1,7 +1,7 @@
 #pragma once
 
-/// Compares two names as the registry does, ignoring case. 1 if they are the same.
-int IsSameRegName(const wchar_t* pszLeft, const wchar_t* pszRight);
+// The text of registry paths. RegKey's FindLastSubkeyName and GetParentSubkeyName are in the same
+// source.
 
 /// The part of the path that lies below the other one, compared component by component, ignoring
 /// case and doubled, leading and trailing backslashes; empty if the two are the same, null if the

@@ -12,10 +12,10 @@ TESSALY_API int RegPutRect(RegKey& key, const RECT* prc, const wchar_t* pszPrefi
 
 /// Reads a font into *plf, which is allocated if it is null. If there is no value of exactly 92
 /// bytes, 0, and plf is freed and null. The face's name is as stored: it may lack its terminator.
-TESSALY_API int RegGetLogFont(RegKey& key, const wchar_t* pszName, LOGFONTW*& plf);
+[[nodiscard]] TESSALY_API int RegGetLogFont(RegKey& key, const wchar_t* pszName, LOGFONTW*& plf);
 /// Writes the font if it changed. Null deletes the value.
 TESSALY_API int RegPutLogFont(RegKey& key, const wchar_t* pszName, const LOGFONTW* plf);
 /// Allocates a font, not cleared, whatever plf was. 0, with a null plf, when out of memory.
-TESSALY_API int RegNewLogFont(LOGFONTW*& plf);
+[[nodiscard]] TESSALY_API int RegNewLogFont(LOGFONTW*& plf);
 /// Frees a font of these functions, and sets plf to null. Null does nothing.
 TESSALY_API void RegDelLogFont(LOGFONTW*& plf);

@@ -1,0 +1,53 @@
+#include "runtime/base/current_product.h"
+#include "support/other_windows.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+
+namespace {
+/// Puts the product and the library's module back at the end of a test.
+class CurrentProductTest : public testing::Test {
+  protected:
+    ~CurrentProductTest() override {
+        SetCurrentProduct(productBefore);
+        SetLibraryInstance(hinstBefore);
+    }
+    CurrentProduct productBefore = GetCurrentProduct();
+    HINSTANCE hinstBefore = GetLibraryInstance();
+};
+
+const HINSTANCE kOther = reinterpret_cast<HINSTANCE>(0x123450000);
+
+TEST(CurrentProductStart, IsTheLibraryWithoutNameAndNumber) {
+    std::istringstream stream(OutputOf(FolderOfThisProgram() + L"version_probe.exe"));
+    std::string strAnswers;
+    for (std::string strName, strValue; stream >> strName >> strValue;) {
+        if (strName == "NameLength" || strName == "Id" || strName == "HasModule" ||
+            strName == "IsLibrary") {
+            strAnswers += strName + " " + strValue + " ";
+        }
+    }
+    EXPECT_EQ("NameLength 0 Id 0 HasModule 0 IsLibrary 1 ", strAnswers);
+}
+
+TEST_F(CurrentProductTest, LibraryStartSetsItsOwn) {
+    EXPECT_EQ(::GetModuleHandleW(nullptr), GetLibraryInstance());
+    EXPECT_STREQ(L"Tessaly", GetCurrentProduct().pfnGetName());
+    EXPECT_EQ(GetLibraryInstance(), GetCurrentProduct().pfnGetModule());
+}
+
+TEST_F(CurrentProductTest, SetReplacesAllThree) {
+    SetCurrentProduct({[] { return kOther; }, []() -> const wchar_t* { return L"other"; },
+                       []() -> unsigned short { return 7; }});
+    EXPECT_EQ(kOther, GetCurrentProduct().pfnGetModule());
+    EXPECT_STREQ(L"other", GetCurrentProduct().pfnGetName());
+    EXPECT_EQ(7, GetCurrentProduct().pfnGetId());
+    EXPECT_EQ(hinstBefore, GetLibraryInstance()) << "the library is what it was";
+}
+
+TEST_F(CurrentProductTest, LibrarysModuleIsWhatWasSet) {
+    SetLibraryInstance(kOther);
+    EXPECT_EQ(kOther, GetLibraryInstance());
+}
+} // namespace
