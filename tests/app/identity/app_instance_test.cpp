@@ -1,4 +1,3 @@
-#include "app/identity/my_product_info.h"
 #include "app/identity/product_info.h"
 #include "runtime/base/current_product.h"
 #include <gtest/gtest.h>
