@@ -251,8 +251,8 @@ int CanRunNonElevated(int) { return FindProgman() != nullptr; }
 int RunElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
                 const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError, int bForce) {
     if (!hwnd) hwnd = FindProgman();
-    // Before Vista the shell knows no more of rights than this process, so there is nothing to hand
-    // over for a user who has to give a password in any case.
+    // Before Vista a user who is no administrator is asked for another one's name and password,
+    // whichever process asks.
     if (!WinVista() && !IsAdminXP())
         return MyShellExec(hwnd, kAsAdministrator, pszFile, pszParameters, pszDirectory, phProcess,
                            pdwError);
