@@ -1,7 +1,6 @@
 #pragma once
 // Everything that the library offers to programs that use it.
 #include "app/about/about.h"
-#include "app/identity/my_product_info.h"
 #include "app/identity/product_info.h"
 #include "app/instance/single_instance.h"
 #include "app/launch/auto_run.h"
@@ -63,11 +62,11 @@
 #include "wnd/core/core_wnd.h"
 #include "wnd/core/cswnd.h"
 #include "wnd/core/wnd_free.h"
+#include "wnd/draw/bitmaps.h"
 #include "wnd/draw/cdpi.h"
 #include "wnd/draw/csdc.h"
 #include "wnd/draw/csicon.h"
 #include "wnd/draw/csimage_list.h"
-#include "wnd/draw/dib_bits.h"
 #include "wnd/draw/draw_util.h"
 #include "wnd/draw/rect_util.h"
 #include "wnd/menu/csmenu.h"

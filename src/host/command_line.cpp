@@ -1,4 +1,5 @@
 #include "host/command_line.h"
+
 #include <windows.h>
 
 namespace {
@@ -6,9 +7,10 @@ struct Switch {
     const wchar_t* pszName;
     void (*pfnApply)(HostOptions& options);
 };
+// A switch with data is a row for each sign that may divide them and each value that they may have.
 constexpr Switch kSwitches[] = {
-    {L"QUIET", [](HostOptions& options) { options.bQuiet = 1; }},
-    {L"EXIT", [](HostOptions& options) { options.bExit = 1; }},
+    {L"QUIET", [](HostOptions& options) { options.bQuiet = true; }},
+    {L"EXIT", [](HostOptions& options) { options.bExit = true; }},
     {L"AUTOSTART", [](HostOptions& options) { options.autoStart = AutoStart::Tell; }},
     {L"AUTOSTART:ON", [](HostOptions& options) { options.autoStart = AutoStart::On; }},
     {L"AUTOSTART=ON", [](HostOptions& options) { options.autoStart = AutoStart::On; }},

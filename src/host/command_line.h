@@ -5,8 +5,8 @@ enum class AutoStart { None, Tell, On, Off };
 
 /// What the program was asked for.
 struct HostOptions {
-    int bQuiet = 0;                        // start without the opening balloon
-    int bExit = 0;                         // ask the running program to close, and start nothing
+    bool bQuiet = false;                   // start without the opening balloon
+    bool bExit = false;                    // ask the running program to close, and start nothing
     AutoStart autoStart = AutoStart::None; // other than None: start nothing
     const wchar_t* pszUnknown = nullptr;   // the first argument that means nothing; borrowed
 };

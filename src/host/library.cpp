@@ -9,6 +9,7 @@ constexpr const wchar_t* kLibraryName = L"TSDLL64.dll";
 // What this program calls, by the exported names. A function that is not there would end the
 // program at its first call, without a word.
 constexpr const char* kFunctions[] = {
+    "DoMonitor",
     "_Z3MsgP6HWND__j7MsgText",
     "_Z16GetMyProductInfov",
     "_Z18GetSetAutoRunDll32iPiiiPKwS1_",
@@ -17,6 +18,7 @@ constexpr const char* kFunctions[] = {
 };
 
 /// The fixed part of a version resource: found by its mark, as what is before it varies in length.
+/// Null if the module has none.
 const VS_FIXEDFILEINFO* FindFixedInfo(HMODULE hmod) {
     HRSRC hrsrc = ::FindResourceW(hmod, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
     if (!hrsrc) return nullptr;
@@ -31,7 +33,7 @@ const VS_FIXEDFILEINFO* FindFixedInfo(HMODULE hmod) {
     return nullptr;
 }
 
-int IsThisVersion(HMODULE hmod) {
+bool IsThisVersion(HMODULE hmod) {
     constexpr DWORD kNumbers[] = {TESSALY_VERSION_NUMBERS};
     const VS_FIXEDFILEINFO* pInfo = FindFixedInfo(hmod);
     return pInfo &&
@@ -39,38 +41,37 @@ int IsThisVersion(HMODULE hmod) {
            pInfo->dwProductVersionLS == static_cast<DWORD>(MAKELONG(kNumbers[3], kNumbers[2]));
 }
 
-int HasAllFunctions(HMODULE hmod) {
+bool HasAllFunctions(HMODULE hmod) {
     for (const char* pszName : kFunctions)
-        if (!FindModuleFunc(hmod, pszName)) return 0;
-    return 1;
+        if (!FindModuleFunc(hmod, pszName)) return false;
+    return true;
 }
 } // namespace
 
-int GetLibraryPath(wchar_t (&szPath)[MAX_PATH]) {
+bool GetLibraryPath(wchar_t (&szPath)[MAX_PATH]) {
     DWORD cch = ::GetModuleFileNameW(nullptr, szPath, MAX_PATH);
-    if (cch == 0 || cch >= MAX_PATH) return 0;
+    if (cch == 0 || cch >= MAX_PATH) return false;
     while (cch && szPath[cch - 1] != L'\\') --cch;
-    if (cch + ::lstrlenW(kLibraryName) + 1 > MAX_PATH) return 0;
+    if (cch + ::lstrlenW(kLibraryName) + 1 > MAX_PATH) return false;
     ::lstrcpyW(szPath + cch, kLibraryName);
-    return 1;
+    return true;
 }
 
-LibraryProblem LoadLibraryFile(const wchar_t* pszPath, MonitorFunc*& pfnMonitor) {
+LibraryProblem MapLibrary(const wchar_t* pszPath) {
     if (::GetFileAttributesW(pszPath) == INVALID_FILE_ATTRIBUTES) return LibraryProblem::Missing;
     // The loader's own boxes would say less than ours.
     UINT nOldMode = ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     ScopeExit restore([&] { ::SetErrorMode(nOldMode); });
     {
+        // As data first: the entry point of a library of another version must not run.
         OwnedModule data(::LoadLibraryExW(pszPath, nullptr, LOAD_LIBRARY_AS_DATAFILE));
         if (!data) return LibraryProblem::NotLoadable;
         if (!IsThisVersion(data.Get())) return LibraryProblem::OtherVersion;
     }
     OwnedModule library(::LoadLibraryW(pszPath));
     if (!library) return LibraryProblem::NotLoadable;
-    auto* pfnEntry = FindModuleFunc<MonitorFunc>(library.Get(), "DoMonitor");
-    if (!pfnEntry || !HasAllFunctions(library.Get())) return LibraryProblem::Foreign;
-    pfnMonitor = pfnEntry;
-    (void)library.Release(); // mapped until the program ends
+    if (!HasAllFunctions(library.Get())) return LibraryProblem::Foreign;
+    static_cast<void>(library.Release()); // mapped until the program ends
     return LibraryProblem::None;
 }
 

@@ -10,16 +10,14 @@ enum class LibraryProblem {
     Foreign,      // lacks functions that this program calls
 };
 
-/// DoMonitor, the library's entry for this program (icons/engine/monitor.h).
-using MonitorFunc = void(HWND hwndParent, int bQuiet);
+/// Finds the library's path: beside this program, and nowhere else. False, with an undefined text,
+/// if it does not fit.
+[[nodiscard]] bool GetLibraryPath(wchar_t (&szPath)[MAX_PATH]);
 
-/// The library's path: beside this program, and nowhere else. 0 if it does not fit.
-int GetLibraryPath(wchar_t (&szPath)[MAX_PATH]);
+/// Maps the library of that full path for the rest of the program's life, after looking at its
+/// version without running it. Its functions may be called only after None: each is bound to the
+/// mapped module on its first call.
+[[nodiscard]] LibraryProblem MapLibrary(const wchar_t* pszPath);
 
-/// Maps the library of that full path for good, after looking at its version without running it.
-/// Its functions may be called only after None: they are bound to the mapped module on their first
-/// call. pfnMonitor is written only then.
-LibraryProblem LoadLibraryFile(const wchar_t* pszPath, MonitorFunc*& pfnMonitor);
-
-/// What a problem is, in words for the user.
+/// What a problem is, in words for the user; the empty text for None.
 const wchar_t* DescribeProblem(LibraryProblem problem);

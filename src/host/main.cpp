@@ -1,15 +1,18 @@
 // The program: it maps the library beside it, and leaves the work to that.
 
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "app/instance/single_instance.h"
 #include "app/launch/auto_run.h"
-#include "host/close_running.h"
 #include "host/command_line.h"
 #include "host/library.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/engine/monitor.h"
 #include "resources/resource_ids.h"
 #include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
 #include "runtime/text/str_format.h"
+#include "wnd/core/company_msg.h"
+
 #include <windows.h>
 #include <shellapi.h>
 
@@ -24,6 +27,7 @@ enum ExitCode {
 };
 
 constexpr DWORD kCloseTimeoutMs = 15000;
+constexpr DWORD kClosePollMs = 50;
 constexpr int kBoxTextSize = 1024;
 
 int TellBadSwitch(const wchar_t* pszUnknown) {
@@ -50,6 +54,55 @@ int TellNoLibrary(LibraryProblem problem, const wchar_t* pszPath) {
     return kExitNoLibrary;
 }
 
+// Closing the program that runs
+
+/// The time that is left of a wait that began at dwStart.
+DWORD Remaining(DWORD dwStart, DWORD nTimeoutMs) {
+    DWORD nPassed = ::GetTickCount() - dwStart;
+    return nPassed < nTimeoutMs ? nTimeoutMs - nPassed : 0;
+}
+
+bool IsNothingRunning() {
+    SingleInstanceXP instance; // gives the mark back at once
+    return instance.IsFirstInstance(0, GetMyProductInfo().GetName()) != 0;
+}
+
+/// The running monitor's window, waiting for it while a program runs that has none yet. Null when
+/// nothing runs or the time is over.
+HWND WaitForMonitorWindow(DWORD dwStart, DWORD nTimeoutMs) {
+    for (;;) {
+        HWND hwnd = ::FindWindowW(kMonitorClass, nullptr);
+        if (hwnd || IsNothingRunning() || !Remaining(dwStart, nTimeoutMs)) return hwnd;
+        ::Sleep(kClosePollMs);
+    }
+}
+
+/// Asks the running program to close and waits until its process has gone. Whether nothing runs
+/// (any more).
+bool CloseRunning(DWORD nTimeoutMs) {
+    DWORD dwStart = ::GetTickCount();
+    HWND hwnd = WaitForMonitorWindow(dwStart, nTimeoutMs);
+    if (!hwnd) return IsNothingRunning();
+    DWORD dwProcess = 0;
+    ::GetWindowThreadProcessId(hwnd, &dwProcess);
+    // Null for another user's process, whose end takes its window and mark away.
+    OwnedHandle process(::OpenProcess(SYNCHRONIZE, FALSE, dwProcess));
+    HWND hwndAsked = nullptr;
+    do {
+        // When the shell restarts, the window goes with what was posted to it and a new one comes.
+        hwnd = ::FindWindowW(kMonitorClass, nullptr);
+        if (hwnd && hwnd != hwndAsked)
+            PostMyCompanyMsg(hwndAsked = hwnd, kCompanyCodeClose, GetMyProductInfo().GetID());
+        if (!process) {
+            if (!hwnd && IsNothingRunning()) return true;
+            ::Sleep(kClosePollMs);
+        } else if (::WaitForSingleObject(process.Get(), kClosePollMs) == WAIT_OBJECT_0) {
+            return true;
+        }
+    } while (Remaining(dwStart, nTimeoutMs));
+    return false;
+}
+
 int CloseTheRunningOne() {
     if (CloseRunning(kCloseTimeoutMs)) return kExitDone;
     Msg(nullptr, MB_ICONWARNING,
@@ -57,23 +110,25 @@ int CloseTheRunningOne() {
     return kExitStillRunning;
 }
 
-/// The start with Windows, of the current user. *pnOn is as for the library's function.
-int ProcessAutoStart(int bWrite, int bOn, int* pnOn) {
+// The start with Windows
+
+/// Of the current user. The arguments and the result are as for GetSetAutoRunDll32.
+bool ProcessAutoStart(bool bWrite, bool bOn, int* pnOn) {
     constexpr int kCurrentUser = 1;
     return GetSetAutoRunDll32(bWrite, pnOn, bOn, kCurrentUser, GetMyProductInfo().GetName(),
-                              kStartMonitorEntry);
+                              kStartMonitorEntry) != 0;
 }
 
-int SetAutoStart(int bOn) {
-    if (ProcessAutoStart(1, bOn, nullptr)) return kExitDone;
+int SetAutoStart(bool bOn) {
+    if (ProcessAutoStart(true, bOn, nullptr)) return kExitDone;
     Msg(nullptr, MB_ICONWARNING, -IDS_REGISTRY_NOT_WRITTEN);
     return kExitNotWritten;
 }
 
 /// With bQuiet only the exit code tells.
-int TellAutoStart(int bQuiet) {
+int TellAutoStart(bool bQuiet) {
     int bOn = 0;
-    ProcessAutoStart(0, 0, &bOn); // no key: no programs start with Windows
+    ProcessAutoStart(false, false, &bOn); // no key: no programs start with Windows
     if (!bQuiet)
         Msg(nullptr, MB_ICONINFORMATION,
             bOn ? L"Tessaly starts with Windows." : L"Tessaly does not start with Windows.");
@@ -85,28 +140,27 @@ int RunAutoStart(const HostOptions& options) {
     return SetAutoStart(options.autoStart == AutoStart::On);
 }
 
-int RunMonitor(MonitorFunc* pfnMonitor, int bQuiet) {
-    SingleInstanceXP instance;
+int RunMonitor(bool bQuiet) {
+    SingleInstanceXP instance; // its mark stays until the monitor has returned
     if (!instance.IsFirstInstance(0, GetMyProductInfo().GetName())) return kExitDone;
-    pfnMonitor(nullptr, bQuiet);
+    DoMonitor(nullptr, bQuiet);
     return kExitDone;
 }
 
 int Run(const HostOptions& options) {
     wchar_t szPath[MAX_PATH] = L"";
-    MonitorFunc* pfnMonitor = nullptr;
     LibraryProblem problem = LibraryProblem::Missing;
-    if (GetLibraryPath(szPath)) problem = LoadLibraryFile(szPath, pfnMonitor);
+    if (GetLibraryPath(szPath)) problem = MapLibrary(szPath);
     if (problem != LibraryProblem::None) return TellNoLibrary(problem, szPath);
     if (options.pszUnknown) return TellBadSwitch(options.pszUnknown);
-    int bAutoStart = options.autoStart != AutoStart::None;
+    bool bAutoStart = options.autoStart != AutoStart::None;
     int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
     if (options.bExit) {
         int nCloseCode = CloseTheRunningOne();
         return nCloseCode != kExitDone ? nCloseCode : nExitCode;
     }
     if (bAutoStart) return nExitCode;
-    return RunMonitor(pfnMonitor, options.bQuiet);
+    return RunMonitor(options.bQuiet);
 }
 } // namespace
 

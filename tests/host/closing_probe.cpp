@@ -1,6 +1,6 @@
 // A window as the running monitor has it, which ends the process when it is asked to close. Prints
 // a line when it stands.
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "wnd/core/company_msg.h"
 
 #include <cstdio>

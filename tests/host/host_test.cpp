@@ -1,5 +1,5 @@
 // The program itself, as it was built, in folders with and without a good library.
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "app/instance/single_instance.h"
 #include "resources/resource_ids.h"
 #include "runtime/messages/res_str.h"

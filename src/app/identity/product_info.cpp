@@ -1,5 +1,6 @@
 #include "app/identity/product_info.h"
-#include "app/identity/my_product_info.h"
+#include "resources/resource_ids.h"
+#include "resources/version.h"
 #include "runtime/base/cs_list.h"
 #include "runtime/base/current_product.h"
 #include "runtime/messages/res_str.h"
@@ -14,11 +15,42 @@
 #include <utility>
 
 namespace {
+// Where the settings of all of the maker's products live.
+constexpr const wchar_t* kMakerRootKey = L"HKCU\\Software\\Orvanta";
+constexpr int kComponentRootSize = 265;
 constexpr DWORD kShutDownStepMs = 1000;
+constexpr unsigned short kProductId = 16738;
+
+// One object from before the library's start to its end: its destructor is trivial, so that nothing
+// of it has an order among the other statics.
+constinit MyProductInfo myProductInfo;
+constinit wchar_t szVersionRev[128] = {};
+
+constinit ManualLock csAppInstances;
+constinit CSList appInstances; // newest at the head
+
+/// Under the lock.
+void TakeHeadAsCurrent() {
+    void* pHead = appInstances.IsEmpty() ? nullptr : appInstances.GetHead();
+    ProductInfo::pCurrentApp = static_cast<AppInstance*>(pHead);
+}
+
+/// Frees an owned text and puts a copy of pszNew in its place, with its length; null and 0 for a
+/// null or empty text, or when out of memory. pszNew may be the present text, which is therefore
+/// freed last.
+void ReplaceRootText(wchar_t*& pszOwned, int& nLength, const wchar_t* pszNew) {
+    std::size_t cch = pszNew ? std::wcslen(pszNew) : 0;
+    wchar_t* pszCopy = cch ? new (std::nothrow) wchar_t[cch + 1] : nullptr;
+    if (pszCopy) std::wmemcpy(pszCopy, pszNew, cch + 1);
+    nLength = pszCopy ? static_cast<int>(cch) : 0;
+    delete[] std::exchange(pszOwned, pszCopy);
+}
 } // namespace
 
 constinit std::atomic<AppInstance*> ProductInfo::pCurrentApp{nullptr};
 constinit ProductInfo::StepProgressFunc* ProductInfo::pfnStepProgress = nullptr;
+
+// What all products have in common
 
 const wchar_t* ProductInfo::GetOEMStr() { return L""; }
 
@@ -37,8 +69,8 @@ const wchar_t* ProductInfo::GetAppRootKey() {
     }
     if (!szRootKey[0]) {
         // QUIRK: the library's start writes this field with "SOFTWARE" and without a second level;
-        // this default is reached only without it, or after the field was cleared. The registry
-        // does not mind the case. Test: ProductInfoTest.EmptyOwnRootIsMadeFromTheNames
+        // this default, which differs in both, is reached only after the field was cleared. The
+        // registry does not mind the case. Test: ProductInfoTest.EmptyOwnRootIsMadeFromTheNames
         FormatText(szRootKey, L"%s\\%s\\%s", kMakerRootKey, GetName(), GetNickName());
     }
     return szRootKey;
@@ -73,9 +105,7 @@ const wchar_t* ProductInfo::GetComponent() {
     return pApp && pApp->GetComponent() ? pApp->GetComponent() : GetNickName();
 }
 
-void ProductInfo::ConvertResourceId(int& nId, HINSTANCE& hinst) {
-    ::ConvertResourceId(nId, hinst);
-}
+void ProductInfo::ConvertResourceId(int& nId, HINSTANCE& hinst) { ::ConvertResourceId(nId, hinst); }
 
 int ProductInfo::IsSameVersion(const wchar_t* pszVersion) {
     if (!pszVersion) return 0;
@@ -109,17 +139,7 @@ void ProductInfo::ShutDownMyModules(HWND /*hwnd*/, ProgressEx* pProgress, unsign
     }
 }
 
-namespace {
-constexpr int kComponentRootSize = 265;
-
-constinit ManualLock csAppInstances;
-constinit CSList appInstances; // newest at the head
-
-void TakeHeadAsCurrent() {
-    void* pHead = appInstances.IsEmpty() ? nullptr : appInstances.GetHead();
-    ProductInfo::pCurrentApp = static_cast<AppInstance*>(pHead);
-}
-} // namespace
+// The components
 
 void AppInstance::StartLock() { csAppInstances.Start(); }
 
@@ -155,10 +175,51 @@ void AppInstance::SetAppRootKey(const wchar_t* pszRoot) {
 
 const wchar_t* AppInstance::GetAppRootKey() { return nRootKeyLength ? pszRootKey : nullptr; }
 
-void ReplaceRootText(wchar_t*& pszOwned, int& nLength, const wchar_t* pszNew) {
-    std::size_t cch = pszNew ? std::wcslen(pszNew) : 0;
-    wchar_t* pszCopy = cch ? new (std::nothrow) wchar_t[cch + 1] : nullptr;
-    if (pszCopy) std::wmemcpy(pszCopy, pszNew, cch + 1);
-    nLength = pszCopy ? static_cast<int>(cch) : 0;
-    delete[] std::exchange(pszOwned, pszCopy);
+// This product
+
+MyProductInfo& GetMyProductInfo() { return myProductInfo; }
+
+void SetMyProductAsCurrent() {
+    SetCurrentProduct({
+        [] { return myProductInfo.GetAppInstance(); },
+        [] { return myProductInfo.GetName(); },
+        [] { return myProductInfo.GetID(); },
+    });
 }
+
+unsigned short MyProductInfo::GetID() { return kProductId; }
+const wchar_t* MyProductInfo::GetStoreID() { return L"tessaly"; }
+const wchar_t* MyProductInfo::GetName() { return L"Tessaly"; }
+const wchar_t* MyProductInfo::GetNickName() { return L"Tessaly"; }
+const wchar_t* MyProductInfo::GetDisplayName() { return L"Tessaly"; }
+int MyProductInfo::IsNameRegTM() { return 0; }
+const wchar_t* MyProductInfo::GetVersionStr() { return TEXT(TESSALY_VERSION_SHORT_TEXT); }
+const wchar_t* MyProductInfo::GetVersionStrLong(int bRich) {
+    return bRich ? L"Version <b>" TEXT(TESSALY_VERSION_SHORT_TEXT) L"</b>"
+                 : L"Version " TEXT(TESSALY_VERSION_SHORT_TEXT);
+}
+const wchar_t* MyProductInfo::GetVersionStrRev(int /*bRich*/) {
+    FormatText(szVersionRev, L"%s (rev. %s)", GetVersionStr(), GetRevisionStr());
+    return szVersionRev;
+}
+// QUIRK: the second byte is ten times the minor version: it counts the version's hundredths.
+// Test: MyProductInfo.VersionNumber
+unsigned MyProductInfo::GetVersionNum() {
+    return TESSALY_VERSION_MAJOR << 24 | TESSALY_VERSION_MINOR * 10u << 16 | TESSALY_REVISION;
+}
+unsigned long long MyProductInfo::GetVersionQWORD() {
+    return static_cast<unsigned long long>(TESSALY_VERSION_MAJOR) << 48 |
+           static_cast<unsigned long long>(TESSALY_VERSION_MINOR) << 32 |
+           static_cast<unsigned long long>(TESSALY_VERSION_BUILD) << 16 | TESSALY_REVISION;
+}
+const wchar_t* MyProductInfo::GetLanguage() { return L"en"; }
+const wchar_t* MyProductInfo::GetRevisionStr() { return TEXT(TESSALY_REVISION_TEXT); }
+unsigned MyProductInfo::GetRevisionNum() { return TESSALY_REVISION; }
+const wchar_t* MyProductInfo::GetEditionShort() { return L"x64"; }
+const wchar_t* MyProductInfo::GetEdition() { return L"x64 Edition"; }
+const wchar_t* MyProductInfo::GetForOS() { return L"for Windows\u00AE 10, 7, Vista, XP (64-bit)"; }
+const wchar_t* MyProductInfo::GetCopyrightYear() { return L"2017"; }
+const wchar_t* MyProductInfo::GetHelpFile() { return L"Tessaly.chm"; }
+const wchar_t* MyProductInfo::GetAutoUpdateFile() { return L"TSEXE64.exe"; }
+unsigned MyProductInfo::GetIconID() { return static_cast<unsigned>(-IDI_TESSALY); }
+HINSTANCE MyProductInfo::GetIconInstance() { return GetLibraryInstance(); }

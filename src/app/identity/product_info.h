@@ -6,9 +6,9 @@
 class AppInstance;
 class ProgressEx;
 
-/// Which product this is: its numbers, names, version texts, help file, icon, and where its
-/// settings live. Each product derives its own and supplies what is pure here. Texts are borrowed
-/// from the object and never null unless said.
+/// Who a product is: its numbers, names, version texts, help file, icon, and where its settings
+/// live. Each product derives its own class and supplies what is pure here; this library's own is
+/// MyProductInfo below. Texts are borrowed from the object and never null unless said.
 class TESSALY_API ProductInfo {
   public:
     static constexpr int kRootKeySize = 256; // characters of a root key, with the terminator
@@ -23,14 +23,16 @@ class TESSALY_API ProductInfo {
     virtual const wchar_t* GetDisplayName() = 0;
     /// 1 if the name is a registered trade mark.
     virtual int IsNameRegTM() = 0;
+    /// The version as "major.minor".
     virtual const wchar_t* GetVersionStr() = 0;
-    /// With bRich in the mark-up of rich texts.
+    /// The same behind "Version"; with bRich in the mark-up of rich texts.
     virtual const wchar_t* GetVersionStrLong(int bRich) = 0;
-    /// With the revision, in a buffer of the process.
+    /// The version with the revision. The text lies in a buffer of the process; bRich may be
+    /// anything.
     virtual const wchar_t* GetVersionStrRev(int bRich) = 0;
     /// Major version in the high byte, minor in the next, the revision in the low 16 bits.
     virtual unsigned GetVersionNum() = 0;
-    /// Four parts of 16 bits.
+    /// Four parts of 16 bits: major, minor, build, revision.
     virtual unsigned long long GetVersionQWORD() = 0;
     virtual const wchar_t* GetLanguage() = 0;
     virtual const wchar_t* GetRevisionStr() = 0;
@@ -46,7 +48,8 @@ class TESSALY_API ProductInfo {
     virtual HINSTANCE GetIconInstance() = 0;
     virtual const wchar_t* GetOEMStr();
     virtual const wchar_t* GetMsgTitle();
-    /// Nickname, edition and version into a buffer of that many characters, cut to fit.
+    /// Nickname, edition and version into a buffer of that many characters, cut to fit. Nothing for
+    /// a buffer of 0 characters or fewer.
     virtual void MakeTitleLong(wchar_t* pszBuffer, int cchBuffer);
 
     /// The registry path below which the settings live: the pushed root, else that of the current
@@ -55,9 +58,10 @@ class TESSALY_API ProductInfo {
     /// For the current AppInstance if that has a root, otherwise the product's own; cut to
     /// kRootKeySize - 1 characters. Null is the empty text.
     void SetAppRootKey(const wchar_t* pszRoot);
-    /// A root that goes before all others. QUIRK: there is no stack: a second push drops the first,
-    /// and one pop then leaves none. Null or empty clears it, as PopAppRootKey does.
-    /// Test: ProductInfoTest.TwoPushesAndOnePopLeaveNoPushedRoot
+    /// Sets the pushed root, which goes before all others. Null, the empty text and a lack of
+    /// memory clear it, as PopAppRootKey does.
+    // QUIRK: there is no stack: a second push drops the first, and one pop then leaves none.
+    // Test: ProductInfoTest.TwoPushesAndOnePopLeaveNoPushedRoot
     void PushAppRootKey(const wchar_t* pszRoot);
     void PopAppRootKey();
 
@@ -68,15 +72,18 @@ class TESSALY_API ProductInfo {
     /// Resolves a signed resource id: without a module, a negative one gets the library, a positive
     /// one GetAppInstance; then a negative id becomes its magnitude. Id 0 changes nothing.
     void ConvertResourceId(int& nId, HINSTANCE& hinst);
-    /// 1 if the text from its first digit on is this product's version.
+    /// 1 if the text from its first digit on is this product's version; 0 also for null.
     int IsSameVersion(const wchar_t* pszVersion);
+    /// 1 if the language is "en".
     int IsLangEN();
     /// The sign that goes with the name: a letter for a registered trade mark, or "[TM]".
     const wchar_t* GetRegTM();
 
-    /// The company message to all top-level windows; does not wait for other threads. 1, or 0 if
-    /// the platform refused.
+    // The company message (wnd/core/company_msg.h).
+
+    /// To all top-level windows; does not wait for other threads. 1, or 0 if the platform refused.
     int BroadcastMyMessage(WPARAM nCode, LPARAM lValue);
+    /// To one window, as PostMyCompanyMsg and SendMyCompanyMsg.
     int PostMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
     LRESULT SendMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
     /// Tells all modules of this product to close and gives them that many seconds, each of which
@@ -85,18 +92,18 @@ class TESSALY_API ProductInfo {
 
     /// The newest AppInstance alive, null if there is none. Read without a lock.
     static std::atomic<AppInstance*> pCurrentApp;
-    /// How a progress is advanced by a step. The progress subsystem puts its own function here, as
-    /// what is below may not include it; without one there is no progress to advance.
+    /// How a progress is advanced by a step. The progress dialogs, which this file may not include,
+    /// put their function here; null means that there is no progress to advance.
     using StepProgressFunc = int(ProgressEx*);
     static StepProgressFunc* pfnStepProgress;
 
   protected:
     constexpr ProductInfo() noexcept = default;
-    ~ProductInfo() = default; // the pushed root is dropped by the library's end
+    ~ProductInfo() = default; // trivial: the library's end pops the pushed root
 
   private:
     wchar_t szRootKey[kRootKeySize] = {};
-    wchar_t* pszPushedRoot = nullptr; // owned
+    wchar_t* pszPushedRoot = nullptr; // owned; null: none
     int nPushedRootLength = 0;
 };
 
@@ -110,9 +117,10 @@ class TESSALY_API AppInstance {
     AppInstance(HINSTANCE hinstApp, const wchar_t* pszComponentName);
     AppInstance(const AppInstance&) = delete; // the list knows its address
     AppInstance& operator=(const AppInstance&) = delete;
-    /// Also drops the product's pushed root.
+    /// Also drops MyProductInfo's pushed root.
     virtual ~AppInstance();
 
+    /// Copies the root. Null, the empty text and a lack of memory leave none.
     void SetAppRootKey(const wchar_t* pszRoot);
     /// Null if there is no root or it is empty.
     const wchar_t* GetAppRootKey();
@@ -127,13 +135,42 @@ class TESSALY_API AppInstance {
   private:
     HINSTANCE hinst;
     const wchar_t* pszComponent;   // borrowed
-    wchar_t* pszRootKey = nullptr; // owned
+    wchar_t* pszRootKey = nullptr; // owned; null: none
     int nRootKeyLength = 0;
 };
 
-/// Where the settings of all of the maker's products live.
-constexpr const wchar_t* kMakerRootKey = L"HKCU\\Software\\Orvanta";
+/// This product, Tessaly.
+class TESSALY_API MyProductInfo : public ProductInfo {
+  public:
+    constexpr MyProductInfo() noexcept = default;
 
-/// Frees an owned text and puts a copy of pszNew in its place, with its length; null and 0 for a
-/// null or empty text, or when out of memory. pszNew may be the present text.
-void ReplaceRootText(wchar_t*& pszOwned, int& nLength, const wchar_t* pszNew);
+    unsigned short GetID() override;
+    const wchar_t* GetStoreID() override;
+    const wchar_t* GetName() override;
+    const wchar_t* GetNickName() override;
+    const wchar_t* GetDisplayName() override;
+    int IsNameRegTM() override;
+    const wchar_t* GetVersionStr() override;
+    const wchar_t* GetVersionStrLong(int bRich) override;
+    const wchar_t* GetVersionStrRev(int bRich) override;
+    unsigned GetVersionNum() override;
+    unsigned long long GetVersionQWORD() override;
+    const wchar_t* GetLanguage() override;
+    const wchar_t* GetRevisionStr() override;
+    unsigned GetRevisionNum() override;
+    const wchar_t* GetEditionShort() override;
+    const wchar_t* GetEdition() override;
+    const wchar_t* GetForOS() override;
+    const wchar_t* GetCopyrightYear() override;
+    const wchar_t* GetHelpFile() override;
+    const wchar_t* GetAutoUpdateFile() override;
+    unsigned GetIconID() override;
+    HINSTANCE GetIconInstance() override;
+};
+
+/// The one object of the process, from before the library's start to its end.
+TESSALY_API MyProductInfo& GetMyProductInfo();
+
+/// Tells the rooms below who the product is (runtime/base/current_product.h). For the library's
+/// start alone.
+void SetMyProductAsCurrent();

@@ -19,11 +19,11 @@ const wchar_t* DialogClass() { return MAKEINTRESOURCEW(32770); }
 
 constinit HWND hwndFound = nullptr; // by the last ActivatePreviousInstance
 
-/// Sends with the time-out. 0 if the window did not answer; nAnswer is then 0 too.
-int Ask(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& nAnswer) {
+/// Sends with the time-out. False if the window did not answer; nAnswer is then 0.
+bool Ask(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& nAnswer) {
     DWORD_PTR dwAnswer = 0;
-    int bAnswered = ::SendMessageTimeoutW(hwnd, uMsg, wParam, lParam, SMTO_ABORTIFHUNG,
-                                          kAskTimeoutMs, &dwAnswer) != 0;
+    bool bAnswered = ::SendMessageTimeoutW(hwnd, uMsg, wParam, lParam, SMTO_ABORTIFHUNG,
+                                           kAskTimeoutMs, &dwAnswer) != 0;
     nAnswer = bAnswered ? static_cast<LRESULT>(dwAnswer) : 0;
     return bAnswered;
 }
@@ -40,14 +40,14 @@ class Questions {
         if (!nId || IsSilent(nThread)) return 0;
         LRESULT nAnswer = 0;
         DWORD nStart = ::GetTickCount();
-        int bAnswered = ::Ask(hwnd, nId, nCode, lValue, nAnswer);
+        bool bAnswered = ::Ask(hwnd, nId, nCode, lValue, nAnswer);
         // One that is gone, or may not be asked, fails at once and says nothing about the thread.
         if (!bAnswered && ::GetTickCount() - nStart >= kAskTimeoutMs / 2) Remember(nThread);
         return nAnswer;
     }
 
   private:
-    int IsSilent(DWORD nThread) const {
+    bool IsSilent(DWORD nThread) const {
         return std::find(silent.begin(), silent.end(), nThread) != silent.end();
     }
     void Remember(DWORD nThread) { silent[nNext++ % silent.size()] = nThread; }
@@ -75,8 +75,10 @@ void BringForward(HWND hwnd) {
     ::SetForegroundWindow(hwndPopup ? hwndPopup : hwnd);
 }
 
+/// One walk through the top-level windows of that class and title. bCutShort: the window went on
+/// which the walk stood.
 HWND WalkToWnd(const wchar_t* pszClass, const wchar_t* pszTitle, unsigned short nDialog,
-               Questions& questions, int& bCutShort) {
+               Questions& questions, bool& bCutShort) {
     HWND hwnd = ::FindWindowExW(nullptr, nullptr, pszClass, pszTitle);
     for (int n = 0; hwnd && n < kMaxWindows; ++n) {
         if (!nDialog || questions.Ask(hwnd, kCompanyCodeIsDialog, nDialog)) return hwnd;
@@ -91,7 +93,7 @@ HWND FindPrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle, unsigned shor
     if (!pszClass && !pszTitle && !nDialog) return nullptr; // any window at all would do
     Questions questions;
     for (int n = 0; n < kMaxWalks; ++n) {
-        int bCutShort = 0;
+        bool bCutShort = false;
         HWND hwnd = WalkToWnd(pszClass, pszTitle, nDialog, questions, bCutShort);
         if (hwnd || !bCutShort) return hwnd;
     }
@@ -101,7 +103,7 @@ HWND FindPrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle, unsigned shor
 void ActivateWnd(HWND hwnd, unsigned short nDialog) {
     LRESULT nAnswer = 0;
     UINT nId = GetMyCompanyMsgId();
-    int bAnswered = nId && Ask(hwnd, nId, kCompanyCodeActivate, nDialog, nAnswer);
+    bool bAnswered = nId && Ask(hwnd, nId, kCompanyCodeActivate, nDialog, nAnswer);
     if (nAnswer) return; // it has seen to it
     if (::IsIconic(hwnd)) {
         // ShowWindow waits for the window; one that hangs is restored when it is back.
@@ -150,7 +152,7 @@ int ClosePrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle, unsigned shor
     HWND hwnd = FindPrevWnd(pszClass, pszTitle, nDialog);
     if (!hwnd) return 0;
     LRESULT nAnswer = 0;
-    Ask(hwnd, WM_CLOSE, 0, 0, nAnswer);
+    Ask(hwnd, WM_CLOSE, 0, 0, nAnswer); // that there was one is all that counts
     return 1;
 }
 
@@ -160,13 +162,15 @@ void DoAttachThreadInputActivateWindow(HWND hwnd) {
     DWORD nOwn = ::GetCurrentThreadId();
     DWORD nFront = hwndFront ? ::GetWindowThreadProcessId(hwndFront, nullptr) : 0;
     LRESULT nAnswer = 0;
-    int bJoined = nFront && nFront != nOwn && Ask(hwndFront, WM_NULL, 0, 0, nAnswer) &&
-                  ::AttachThreadInput(nOwn, nFront, TRUE);
+    bool bJoined = nFront && nFront != nOwn && Ask(hwndFront, WM_NULL, 0, 0, nAnswer) &&
+                   ::AttachThreadInput(nOwn, nFront, TRUE);
     ScopeExit part([&] {
         if (bJoined) ::AttachThreadInput(nOwn, nFront, FALSE);
     });
     ::SetForegroundWindow(hwnd);
 }
+
+// The mark of the first instance
 
 int SingleInstanceXP::IsFirstInstance(int bGlobal, const wchar_t* pszName) {
     if (!Win2K()) return 1; // its names have no name spaces

@@ -3,9 +3,9 @@
 #include "runtime/base/ownership.h"
 #include <windows.h>
 
-// Finding the window of a program that runs already and bringing it forward. A window is known by
-// what it answers to the company message (wnd/core/company_msg.h), not by its title. Whatever window is
-// asked gets kAskTimeoutMs to answer; one that hangs counts as one that says no.
+// Telling whether a program runs already, finding its window and bringing that forward. A window is
+// known by what it answers to the company message (wnd/core/company_msg.h), not by its title.
+// Whatever window is asked gets kAskTimeoutMs to answer; one that hangs counts as one that says no.
 
 /// How long one window may think about one question.
 constexpr UINT kAskTimeoutMs = 1000;
@@ -30,10 +30,10 @@ TESSALY_API LRESULT OnActivatePreviousInstance(unsigned nId, HWND hwnd, UINT uMs
 /// means that none is asked.
 TESSALY_API int ActivatePrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle,
                                 unsigned short nDialog);
-/// The same for a dialog of any title.
+/// ActivatePrevWnd for the dialog of that number, whatever its title.
 TESSALY_API int ActivatePrevDlg(unsigned short nDialog);
-/// Looks for the window in the same way and asks it to close. 1 if there was one, even if it did
-/// not answer in time or stays.
+/// Looks for the window as ActivatePrevWnd does and asks it to close. 1 if there was one, even if
+/// it did not answer in time or stays.
 TESSALY_API int ClosePrevWnd(const wchar_t* pszClass, const wchar_t* pszTitle,
                              unsigned short nDialog);
 

@@ -1,5 +1,5 @@
 #include "app/launch/auto_run.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "app/launch/run_file.h"
 #include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
@@ -12,8 +12,8 @@ constexpr const wchar_t* kMachineKey = L"HKLM\\Software\\Microsoft\\Windows\\Cur
 constexpr int kKeySize = 64;
 constexpr int kLineSize = 260; // a longer value is not compared (RegKey::OpTest)
 
-/// The value's text. 0 if it does not fit.
-int MakeLine(wchar_t (&szLine)[kLineSize], const wchar_t* pszArguments) {
+/// The value's text. False if it does not fit.
+bool MakeLine(wchar_t (&szLine)[kLineSize], const wchar_t* pszArguments) {
     int cch = FormatText(szLine, L"%s ", kRunDll32);
     return MakeDllLine(szLine + cch, kLineSize - cch, pszArguments);
 }

@@ -11,7 +11,7 @@
 /// 1. 0 if the key cannot be opened or written, or the line is too long.
 TESSALY_API int GetSetAutoRunDll32(int bWrite, int* pnOn, int bOn, int bCurrentUser,
                                    const wchar_t* pszName, const wchar_t* pszArguments);
-/// The same with bWrite 1.
+/// GetSetAutoRunDll32 with bWrite 1.
 TESSALY_API int AutoRunDll32(int* pnOn, int bOn, int bCurrentUser, const wchar_t* pszName,
                              const wchar_t* pszArguments);
 

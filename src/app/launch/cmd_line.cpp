@@ -2,9 +2,9 @@
 #include "runtime/text/str_chars.h"
 
 namespace {
-int IsSwitchSign(wchar_t ch) { return ch == L'/' || ch == L'-'; }
+bool IsSwitchSign(wchar_t ch) { return ch == L'/' || ch == L'-'; }
 
-int IsDataSign(wchar_t ch) { return ch == L':' || ch == L'='; }
+bool IsDataSign(wchar_t ch) { return ch == L':' || ch == L'='; }
 
 const wchar_t* SkipBlanks(const wchar_t* psz) {
     while (*psz == L' ') ++psz;
@@ -38,7 +38,7 @@ const wchar_t* SkipPrefix(const wchar_t* pszText, const wchar_t* pszPrefix) {
     return pszText;
 }
 
-int IsSameName(const wchar_t* pszText, const wchar_t* pszName) {
+bool IsSameName(const wchar_t* pszText, const wchar_t* pszName) {
     const wchar_t* pszRest = SkipPrefix(pszText, pszName);
     return pszRest && !*pszRest;
 }
@@ -47,12 +47,12 @@ int IsSameName(const wchar_t* pszText, const wchar_t* pszName) {
 struct FirstToken {
     const wchar_t* pszBegin;
     const wchar_t* pszEnd; // its closing quote, a blank, a tab or the terminator
-    int bQuoted;
+    bool bQuoted;
 };
 
 FirstToken FindFirstToken(const wchar_t* pszLine) {
-    FirstToken token{pszLine, nullptr, 0};
-    token.bQuoted = SkipLeadingWhiteSpaces(token.pszBegin);
+    FirstToken token{pszLine, nullptr, false};
+    token.bQuoted = SkipLeadingWhiteSpaces(token.pszBegin) != 0;
     if (token.bQuoted) {
         token.pszEnd = FindQuote(token.pszBegin);
         return token;
@@ -129,7 +129,7 @@ int GetCmdLineSwitchData(const wchar_t* pszToken, wchar_t* pszBuffer, int cchBuf
 
 int ParseCmdLn(const wchar_t* pszLine, wchar_t* pszPath, wchar_t* pszArguments) {
     if (!pszLine) pszLine = L"";
-    int bQuoted = *pszLine == L'"';
+    bool bQuoted = *pszLine == L'"';
     const wchar_t* pszBegin = bQuoted ? pszLine + 1 : pszLine;
     const wchar_t* pszEnd = pszBegin;
     if (bQuoted) {

@@ -1,8 +1,8 @@
 #include "app/launch/elevate.h"
 #include "app/launch/run_file.h"
 #include "files/disk/path_home.h"
-#include "runtime/base/digest.h"
 #include "runtime/base/current_product.h"
+#include "runtime/base/digest.h"
 #include "runtime/base/ownership.h"
 #include "runtime/system/elevation.h"
 #include "runtime/system/runtime_func.h"
@@ -19,6 +19,7 @@
 __attribute__((section("ve_share"), shared)) HandOverData handOverData = {};
 
 namespace {
+constexpr const wchar_t* kAsAdministrator = L"runas";
 constexpr const wchar_t* kMessageName = L"VistaElevatorMsg";
 // The section is the same in all sessions, and so is its lock.
 constexpr const wchar_t* kLockName = L"Global\\Orvanta_Tessaly_HandOver";
@@ -69,15 +70,15 @@ class HandOverLock {
 
 void Clear() { handOverData = HandOverData{}; }
 
-/// 0 if the text does not fit; null is the empty text.
-int Put(wchar_t (&szField)[MAX_PATH], const wchar_t* psz) {
+/// False if the text does not fit; null is the empty text.
+bool Put(wchar_t (&szField)[MAX_PATH], const wchar_t* psz) {
     if (!psz) psz = L"";
-    if (std::wcslen(psz) >= MAX_PATH) return 0;
+    if (std::wcslen(psz) >= MAX_PATH) return false;
     std::wcscpy(szField, psz);
-    return 1;
+    return true;
 }
 
-int IsTerminated(const wchar_t (&szField)[MAX_PATH]) {
+bool IsTerminated(const wchar_t (&szField)[MAX_PATH]) {
     return std::wmemchr(szField, 0, MAX_PATH) != nullptr;
 }
 
@@ -147,11 +148,25 @@ void Serve(const CWPSTRUCT& msg) {
     handOverData.nResult = nResult;
 }
 
-int Fail(DWORD* pdwError, DWORD dwError) {
+bool Fail(DWORD* pdwError, DWORD dwError) {
     if (pdwError) *pdwError = dwError;
+    return false;
+}
+
+/// Starts the file of that name, in the folder that pfnFind knows, by pfnRun.
+int RunFound(decltype(RunElevated)* pfnRun, decltype(GetLocalPath)* pfnFind, HWND hwnd,
+             const wchar_t* pszName, const wchar_t* pszParameters, const wchar_t* pszDirectory,
+             HANDLE* phProcess, DWORD* pdwError, int bForce) {
+    wchar_t szPath[MAX_PATH];
+    if (pszName && pfnFind(szPath, pszName, nullptr))
+        return pfnRun(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
+    if (phProcess) *phProcess = nullptr;
+    if (pdwError) *pdwError = ERROR_FILE_NOT_FOUND;
     return 0;
 }
 } // namespace
+
+// The hand-over
 
 LRESULT CALLBACK HandOverHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     HHOOK hhook = handOverData.hhook;
@@ -159,9 +174,9 @@ LRESULT CALLBACK HandOverHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     return ::CallNextHookEx(hhook, nCode, wParam, lParam);
 }
 
-int HandOver(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
-             const wchar_t* pszParameters, const wchar_t* pszDirectory, HANDLE* phProcess,
-             DWORD* pdwError) {
+bool HandOver(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
+              const wchar_t* pszParameters, const wchar_t* pszDirectory, HANDLE* phProcess,
+              DWORD* pdwError) {
     if (phProcess) *phProcess = nullptr;
     HandOverLock lock;
     if (!lock) return Fail(pdwError, ERROR_BUSY);
@@ -194,33 +209,17 @@ int HandOver(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
     return handOverData.nResult != 0;
 }
 
-namespace {
-constexpr const wchar_t* kAsAdministrator = L"runas";
-
-/// The file of that name, in the folder that pfnFind knows, in the way of pfnRun.
-int RunFound(decltype(RunElevated)* pfnRun, decltype(GetLocalPath)* pfnFind, HWND hwnd,
-             const wchar_t* pszName, const wchar_t* pszParameters, const wchar_t* pszDirectory,
-             HANDLE* phProcess, DWORD* pdwError, int bForce) {
-    wchar_t szPath[MAX_PATH];
-    if (pszName && pfnFind(szPath, pszName, nullptr))
-        return pfnRun(hwnd, szPath, pszParameters, pszDirectory, phProcess, pdwError, bForce);
-    if (phProcess) *phProcess = nullptr;
-    if (pdwError) *pdwError = ERROR_FILE_NOT_FOUND;
-    return 0;
-}
-} // namespace
+// More and fewer rights
 
 int MyShellExec(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
                 const wchar_t* pszParameters, const wchar_t* pszDirectory, HANDLE* phProcess,
                 DWORD* pdwError) {
-    ShellStart start;
-    start.hwnd = hwnd;
-    start.pszVerb = pszVerb;
-    start.pszFile = pszFile;
-    start.pszParameters = pszParameters;
-    start.pszDirectory = pszDirectory;
-    start.phProcess = phProcess;
-    int bStarted = StartByShell(start);
+    bool bStarted = StartByShell({.hwnd = hwnd,
+                                  .pszVerb = pszVerb,
+                                  .pszFile = pszFile,
+                                  .pszParameters = pszParameters,
+                                  .pszDirectory = pszDirectory,
+                                  .phProcess = phProcess});
     if (pdwError) *pdwError = bStarted ? ERROR_SUCCESS : ::GetLastError();
     return bStarted;
 }
@@ -252,6 +251,8 @@ int CanRunNonElevated(int) { return FindProgman() != nullptr; }
 int RunElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
                 const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError, int bForce) {
     if (!hwnd) hwnd = FindProgman();
+    // Before Vista a user who is no administrator is asked for another one's name and password,
+    // whichever process asks.
     if (!WinVista() && !IsAdminXP())
         return MyShellExec(hwnd, kAsAdministrator, pszFile, pszParameters, pszDirectory, phProcess,
                            pdwError);

@@ -1,5 +1,5 @@
 #include "app/launch/open_html.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "app/launch/run_file.h"
 #include "files/disk/path_fs.h"
 #include "files/path/path_command.h"
@@ -15,76 +15,126 @@
 constinit const wchar_t* pszMyCompanyURL = L"https://orvanta.example/";
 
 namespace {
-constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this is no error
 constexpr unsigned kCommandSize = 8192; // of an address with what a program wants around it
 constexpr int kEncodedLength = 3;       // of one character: "%20"
-
-/// 1 if the shell took it.
-int IsOpened(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters) {
-    HINSTANCE hinst =
-        ::ShellExecuteW(hwnd, nullptr, pszFile, pszParameters, nullptr, SW_SHOWNORMAL);
-    return reinterpret_cast<INT_PTR>(hinst) > kLastShellError;
-}
+constexpr int kTypeSize = 512 / sizeof(wchar_t); // of a type's name, with the terminator
+constexpr int kKeySize = kTypeSize + 64;         // of a key's path that holds such a name
+constexpr int kFirstIcon = 0;
+constexpr int kProgramIcons[] = {1, 0}; // in the order they are tried
 
 /// The address without anything that could end an argument of a command line: quotes, blanks and
-/// control characters become "%XX". 0 if it does not fit.
-int EncodeUrl(const wchar_t* pszUrl, wchar_t (&szEncoded)[kCommandSize]) {
+/// control characters become "%XX". False if it does not fit.
+bool EncodeUrl(const wchar_t* pszUrl, wchar_t (&szEncoded)[kCommandSize]) {
     unsigned n = 0;
     for (; *pszUrl; ++pszUrl) {
-        if (n + kEncodedLength >= kCommandSize) return 0;
+        if (n + kEncodedLength >= kCommandSize) return false;
         if (*pszUrl > L' ' && *pszUrl != L'"')
             szEncoded[n++] = *pszUrl;
         else
             n += FormatText(szEncoded + n, kCommandSize - n, L"%%%02X", *pszUrl);
     }
     szEncoded[n] = 0;
-    return 1;
+    return true;
 }
 
 /// Starts the program that is registered for web pages.
-int OpenByHandler(HWND hwnd, const wchar_t* pszUrl) {
+bool OpenByHandler(HWND hwnd, const wchar_t* pszUrl) {
     wchar_t szCommand[MAX_PATH], szProgram[MAX_PATH];
     wchar_t szEncoded[kCommandSize], szArguments[kCommandSize];
     return GetProtocolApp(L"http", nullptr, szCommand) && EncodeUrl(pszUrl, szEncoded) &&
            PreparePathArg(szCommand, szEncoded, szProgram, szArguments, kCommandSize) &&
-           IsOpened(hwnd, szProgram, szArguments);
+           ExecuteByShell(hwnd, nullptr, szProgram, szArguments, nullptr, SW_SHOWNORMAL);
 }
 
-int OpenSilently(const wchar_t* pszUrl) {
-    ShellStart start;
-    start.hwnd = GetStartOwner(nullptr);
-    start.pszFile = pszUrl;
-    start.nMask = SEE_MASK_FLAG_NO_UI;
-    return StartWaiting(start);
+bool OpenSilently(const wchar_t* pszUrl) {
+    return StartWaiting(
+        {.hwnd = GetStartOwner(nullptr), .pszFile = pszUrl, .nMask = SEE_MASK_FLAG_NO_UI});
 }
 
-/// Adds to a web address: behind "?" for the first addition, "&" for others. 0 if it does not fit.
-int JoinToUrl(wchar_t (&szUrl)[kMaxUrl], const wchar_t* pszAddition) {
+/// Adds to a web address: behind "?" for the first addition, "&" for others. False if it does not
+/// fit.
+bool JoinToUrl(wchar_t (&szUrl)[kMaxUrl], const wchar_t* pszAddition) {
     std::size_t cch = std::wcslen(szUrl);
     const wchar_t* pszBetween = std::wcschr(szUrl, L'?') ? L"&" : L"?";
     if (cch && szUrl[cch - 1] == L'?') pszBetween = L"";
-    if (cch + std::wcslen(pszBetween) + std::wcslen(pszAddition) >= kMaxUrl) return 0;
+    if (cch + std::wcslen(pszBetween) + std::wcslen(pszAddition) >= kMaxUrl) return false;
     std::wcscat(szUrl, pszBetween);
     std::wcscat(szUrl, pszAddition);
-    return 1;
+    return true;
 }
 
-/// A name and a text behind it, joined to the address.
-int JoinCulture(wchar_t (&szUrl)[kMaxUrl], const wchar_t* pszCulture) {
-    if (!pszCulture) return 1;
+/// Adds the culture, if there is one.
+bool JoinCulture(wchar_t (&szUrl)[kMaxUrl], const wchar_t* pszCulture) {
+    if (!pszCulture) return true;
     wchar_t szAddition[kMaxUrl];
     FormatText(szAddition, L"c=%s", pszCulture);
     return JoinToUrl(szUrl, szAddition);
 }
 
-int JoinProduct(wchar_t (&szUrl)[kMaxUrl]) {
+/// Adds product, version, revision and language.
+bool JoinProduct(wchar_t (&szUrl)[kMaxUrl]) {
     MyProductInfo& info = GetMyProductInfo();
     wchar_t szAddition[kMaxUrl];
     FormatText(szAddition, L"p=%s&v=%s&r=%d&a=%s", info.GetStoreID(), info.GetVersionStr(),
                info.GetRevisionNum(), info.GetLanguage());
     return JoinToUrl(szUrl, szAddition);
 }
+
+/// The unnamed value of a key. False if it is missing, empty or does not fit.
+bool ReadUnnamed(const wchar_t* pszFormat, const wchar_t* pszName, wchar_t* pszBuffer,
+                 int cchBuffer) {
+    wchar_t szKey[kKeySize];
+    FormatText(szKey, kKeySize, pszFormat, pszName);
+    RegKey key;
+    return key.Open(szKey, 0) && key.GetStr(nullptr, pszBuffer, cchBuffer, nullptr) > 0;
+}
+
+/// Leaves the first word of a command, up to the closing quote or the first blank.
+void CutToProgram(wchar_t* pszCommand) {
+    bool bQuoted = *pszCommand == L'"';
+    if (bQuoted) std::wmemmove(pszCommand, pszCommand + 1, std::wcslen(pszCommand));
+    pszCommand[std::wcscspn(pszCommand, bQuoted ? L"\"" : L" ")] = 0;
+}
+
+/// The program of a type or a scheme, which have their command in the same place.
+bool FindProgram(const wchar_t* pszType, wchar_t* pszProgram, wchar_t* pszCommand) {
+    wchar_t szCommand[MAX_PATH], szPath[MAX_PATH];
+    if (!ReadUnnamed(L"HKCLS\\%s\\shell\\open\\command", pszType, szCommand, MAX_PATH))
+        return false;
+    if (pszCommand) std::wcscpy(pszCommand, szCommand);
+    CutToProgram(szCommand);
+    if (!ExpandEnvStrings(szCommand, szPath, MAX_PATH) || !FileExists(szPath)) return false;
+    if (pszProgram) std::wcscpy(pszProgram, szPath);
+    return true;
+}
+
+void Empty(wchar_t* pszProgram, wchar_t* pszCommand) {
+    if (pszProgram) *pszProgram = 0;
+    if (pszCommand) *pszCommand = 0;
+}
+
+/// The small icon of that index in a file; null if it has none.
+HICON ExtractSmallIcon(const wchar_t* pszPath, int nIcon) {
+    HICON hIcon = nullptr;
+    UINT nCount = ::ExtractIconExW(pszPath, nIcon, nullptr, &hIcon, 1);
+    return nCount == 1 ? hIcon : nullptr;
+}
+
+/// The icon of the program for a path's extension. szProgram and nIcon say which.
+HICON ExtractProgramIcon(const wchar_t* pszPath, wchar_t (&szProgram)[MAX_PATH], int& nIcon) {
+    const wchar_t* pszExtension = FindDotExt(pszPath);
+    // A dot in a folder's name begins no extension, and a key's path goes on at a backslash.
+    if (!pszExtension || FindLastSeparator(pszExtension)) return nullptr;
+    if (!GetAssociatedApp(pszExtension, szProgram, nullptr)) return nullptr;
+    for (int n : kProgramIcons) {
+        nIcon = n;
+        if (HICON hIcon = ExtractSmallIcon(szProgram, n)) return hIcon;
+    }
+    return nullptr;
+}
 } // namespace
+
+// Web pages
 
 int OpenHTML(HWND hwnd, const wchar_t* pszUrl, int bAsk, int nQuestionId) {
     if (bAsk) {
@@ -93,7 +143,7 @@ int OpenHTML(HWND hwnd, const wchar_t* pszUrl, int bAsk, int nQuestionId) {
     }
     // Without an address the shell would open a folder.
     if (pszUrl && *pszUrl) {
-        if (IsOpened(hwnd, pszUrl, nullptr)) return 1;
+        if (ExecuteByShell(hwnd, nullptr, pszUrl, nullptr, nullptr, SW_SHOWNORMAL)) return 1;
         if (OpenByHandler(hwnd, pszUrl)) return 1;
         if (OpenSilently(pszUrl)) return 1;
     }
@@ -137,64 +187,7 @@ int GoOnline_Translate(HWND hwnd, const wchar_t* pszCulture) {
     return GoOnline_Lang(hwnd, L"translate", pszCulture);
 }
 
-namespace {
-constexpr int kTypeSize = 512 / sizeof(wchar_t); // of a type's name, with the terminator
-constexpr int kKeySize = kTypeSize + 64;         // of a key's path that holds such a name
-constexpr int kFirstIcon = 0;
-constexpr int kProgramIcons[] = {1, 0}; // in the order they are tried
-
-/// The unnamed value of a key. 0 if it is missing, empty or does not fit.
-int ReadUnnamed(const wchar_t* pszFormat, const wchar_t* pszName, wchar_t* pszBuffer,
-                int cchBuffer) {
-    wchar_t szKey[kKeySize];
-    FormatText(szKey, kKeySize, pszFormat, pszName);
-    RegKey key;
-    return key.Open(szKey, 0) && key.GetStr(nullptr, pszBuffer, cchBuffer, nullptr) > 0;
-}
-
-/// Leaves the first word of a command, up to the closing quote or the first blank.
-void CutToProgram(wchar_t* pszCommand) {
-    int bQuoted = *pszCommand == L'"';
-    if (bQuoted) std::wmemmove(pszCommand, pszCommand + 1, std::wcslen(pszCommand));
-    pszCommand[std::wcscspn(pszCommand, bQuoted ? L"\"" : L" ")] = 0;
-}
-
-/// The program of a type or a scheme, which have their command in the same place.
-int FindProgram(const wchar_t* pszType, wchar_t* pszProgram, wchar_t* pszCommand) {
-    wchar_t szCommand[MAX_PATH], szPath[MAX_PATH];
-    if (!ReadUnnamed(L"HKCLS\\%s\\shell\\open\\command", pszType, szCommand, MAX_PATH)) return 0;
-    if (pszCommand) std::wcscpy(pszCommand, szCommand);
-    CutToProgram(szCommand);
-    if (!ExpandEnvStrings(szCommand, szPath, MAX_PATH) || !FileExists(szPath)) return 0;
-    if (pszProgram) std::wcscpy(pszProgram, szPath);
-    return 1;
-}
-
-void Empty(wchar_t* pszProgram, wchar_t* pszCommand) {
-    if (pszProgram) *pszProgram = 0;
-    if (pszCommand) *pszCommand = 0;
-}
-
-/// The small icon of that index in a file; null if it has none.
-HICON ExtractSmallIcon(const wchar_t* pszPath, int nIcon) {
-    HICON hIcon = nullptr;
-    UINT nCount = ::ExtractIconExW(pszPath, nIcon, nullptr, &hIcon, 1);
-    return nCount == 1 ? hIcon : nullptr;
-}
-
-/// The icon of the program for a path's extension. szProgram and nIcon say which.
-HICON ExtractProgramIcon(const wchar_t* pszPath, wchar_t (&szProgram)[MAX_PATH], int& nIcon) {
-    const wchar_t* pszExtension = FindDotExt(pszPath);
-    // A dot in a folder's name begins no extension, and a key's path goes on at a backslash.
-    if (!pszExtension || FindLastSeparator(pszExtension)) return nullptr;
-    if (!GetAssociatedApp(pszExtension, szProgram, nullptr)) return nullptr;
-    for (int n : kProgramIcons) {
-        nIcon = n;
-        if (HICON hIcon = ExtractSmallIcon(szProgram, n)) return hIcon;
-    }
-    return nullptr;
-}
-} // namespace
+// Programs of files and addresses
 
 int GetAssociatedApp(const wchar_t* pszExtension, wchar_t* pszProgram, wchar_t* pszCommand) {
     Empty(pszProgram, pszCommand);

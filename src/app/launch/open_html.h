@@ -7,8 +7,8 @@
 /// gives 0.
 ///
 /// bAsk nonzero asks the user first, with the string nQuestionId (for its rule see
-/// runtime/messages/res_str.h; 0 for a general question), and gives 0 unless the answer is OK. hwnd owns the
-/// boxes and may be null.
+/// runtime/messages/res_str.h; 0 for a general question), and gives 0 unless the answer is OK. hwnd
+/// owns the boxes and may be null.
 TESSALY_API int OpenHTML(HWND hwnd, const wchar_t* pszUrl, int bAsk, int nQuestionId);
 
 /// The address of the maker's web site. Borrowed; a product may set its own.
@@ -26,20 +26,22 @@ TESSALY_API int MakeGoOnlineURL(wchar_t* pszBuffer, int cchBuffer, const wchar_t
 TESSALY_API int GoOnline(HWND hwnd, const wchar_t* pszPage);
 /// The page for rating this product.
 TESSALY_API int GoWinStore(HWND hwnd);
-/// The address also tells product, version, revision and language, and the culture if there is one.
+/// The address also tells product, version, revision and language, and the culture unless that is
+/// null.
 TESSALY_API int GoOnline_Lang(HWND hwnd, const wchar_t* pszPage, const wchar_t* pszCulture);
+/// GoOnline_Lang for the pages about the product's translations.
 TESSALY_API int GoOnline_ImproveTranslation(HWND hwnd, const wchar_t* pszCulture);
 TESSALY_API int GoOnline_Translate(HWND hwnd, const wchar_t* pszCulture);
 
-// Which program the registry names for files and addresses. Buffers have 260 characters and may be
-// null; they are empty after a 0.
+// Which program the registry names for files and addresses. Buffers have room for 260 characters
+// and may be null; without such a program they are empty, and the result is 0.
 
 /// The program that opens files of that extension (L".txt", the name of a key below HKCLS), as the
 /// registered command names it: environment strings are expanded, and it exists and is no folder.
 /// pszCommand gets the whole command as it is registered, also if its program is missing. 1 or 0.
 TESSALY_API int GetAssociatedApp(const wchar_t* pszExtension, wchar_t* pszProgram,
                                  wchar_t* pszCommand);
-/// The same for addresses that begin with the scheme (L"http").
+/// The program that opens addresses of that scheme (L"http"), otherwise as GetAssociatedApp.
 TESSALY_API int GetProtocolApp(const wchar_t* pszScheme, wchar_t* pszProgram, wchar_t* pszCommand);
 
 /// The small icon that a file shows: its own first one, or else the second, or else the first, of

@@ -13,38 +13,29 @@
 
 #include <cwchar>
 
+static_assert(sizeof(SHELLEXECUTEINFOW) == 112, "as 64-bit Windows knows it");
+
 namespace {
 constexpr INT_PTR kLastShellError = 32; // what ShellExecuteW returns above this is no error
 constexpr int kDllLineSize = 1024;
+constexpr ULONG kByPidl = SEE_MASK_IDLIST | SEE_MASK_INVOKEIDLIST;
 
 /// The file of that name in the folder that pfnFind knows.
-int RunFound(decltype(GetLocalPath)* pfnFind, HWND hwnd, const wchar_t* pszName,
-             const wchar_t* pszParameters, const wchar_t* pszVerb) {
+bool RunFound(decltype(GetLocalPath)* pfnFind, HWND hwnd, const wchar_t* pszName,
+              const wchar_t* pszParameters, const wchar_t* pszVerb) {
     wchar_t szPath[MAX_PATH];
-    if (!pszName || !pfnFind(szPath, pszName, nullptr)) return 0;
-    ShellStart start;
-    start.hwnd = hwnd ? hwnd : ::GetDesktopWindow();
-    start.pszVerb = pszVerb;
-    start.pszFile = szPath;
-    start.pszParameters = pszParameters;
-    return StartWaiting(start);
-}
-
-ShellStart MakePidlStart(const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
-                         const wchar_t* pszVerb) {
-    ShellStart start;
-    start.pszVerb = pszVerb;
-    start.pszDirectory = pszDirectory;
-    start.pidl = pidl;
-    start.nMask = SEE_MASK_IDLIST | SEE_MASK_INVOKEIDLIST;
-    return start;
+    return pszName && pfnFind(szPath, pszName, nullptr) &&
+           StartWaiting({.hwnd = hwnd ? hwnd : ::GetDesktopWindow(),
+                         .pszVerb = pszVerb,
+                         .pszFile = szPath,
+                         .pszParameters = pszParameters});
 }
 
 /// The program's own path and its folder.
-int GetOwnPath(wchar_t (&szPath)[MAX_PATH], wchar_t (&szFolder)[MAX_PATH]) {
-    if (!GetModulePath(nullptr, szPath)) return 0;
+bool GetOwnPath(wchar_t (&szPath)[MAX_PATH], wchar_t (&szFolder)[MAX_PATH]) {
+    if (!GetModulePath(nullptr, szPath)) return false;
     GetParentFolder(szFolder, szPath);
-    return 1;
+    return true;
 }
 } // namespace
 
@@ -55,16 +46,14 @@ int RunFile(const wchar_t* pszFile, const wchar_t* pszParameters, const wchar_t*
 
 int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters, const wchar_t* pszDirectory,
               const wchar_t* pszVerb, ULONG nMask, HANDLE* phProcess, int nShow) {
-    ShellStart start;
-    start.hwnd = GetStartOwner(nullptr);
-    start.pszVerb = pszVerb;
-    start.pszFile = pszFile;
-    start.pszParameters = pszParameters;
-    start.pszDirectory = pszDirectory;
-    start.nMask = nMask;
-    start.nShow = nShow;
-    start.phProcess = phProcess;
-    return StartWaiting(start);
+    return StartWaiting({.hwnd = GetStartOwner(nullptr),
+                         .pszVerb = pszVerb,
+                         .pszFile = pszFile,
+                         .pszParameters = pszParameters,
+                         .pszDirectory = pszDirectory,
+                         .nMask = nMask,
+                         .nShow = nShow,
+                         .phProcess = phProcess});
 }
 
 HANDLE StartProcess(const wchar_t* pszFile, const wchar_t* pszParameters,
@@ -76,19 +65,23 @@ HANDLE StartProcess(const wchar_t* pszFile, const wchar_t* pszParameters,
 
 int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
             const wchar_t* pszVerb) {
-    ShellStart start = MakePidlStart(pidl, pszDirectory, pszVerb);
-    start.hwnd = hwnd;
-    start.nShow = SW_SHOW;
-    return StartByShell(start);
+    return StartByShell({.hwnd = hwnd,
+                         .pszVerb = pszVerb,
+                         .pszDirectory = pszDirectory,
+                         .pidl = pidl,
+                         .nMask = kByPidl,
+                         .nShow = SW_SHOW});
 }
 
 int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
               const wchar_t* pszParameters, const wchar_t* pszVerb, HANDLE* phProcess) {
-    ShellStart start = MakePidlStart(pidl, pszDirectory, pszVerb);
-    start.hwnd = GetStartOwner(hwnd);
-    start.pszParameters = pszParameters;
-    start.phProcess = phProcess;
-    return StartByShell(start);
+    return StartByShell({.hwnd = GetStartOwner(hwnd),
+                         .pszVerb = pszVerb,
+                         .pszParameters = pszParameters,
+                         .pszDirectory = pszDirectory,
+                         .pidl = pidl,
+                         .nMask = kByPidl,
+                         .phProcess = phProcess});
 }
 
 int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
@@ -105,37 +98,33 @@ int RunMyself(const wchar_t* pszParameters) {
     wchar_t szPath[MAX_PATH], szFolder[MAX_PATH];
     if (!GetOwnPath(szPath, szFolder)) return 0;
     CSWaitCursor wait;
-    HINSTANCE hinst =
-        ::ShellExecuteW(::GetDesktopWindow(), L"open", szPath, pszParameters, szFolder, SW_SHOW);
-    return reinterpret_cast<INT_PTR>(hinst) > kLastShellError;
+    return ExecuteByShell(::GetDesktopWindow(), L"open", szPath, pszParameters, szFolder, SW_SHOW);
 }
 
 int RunMyselfElevated(HWND hwnd, const wchar_t* pszParameters, HANDLE* phProcess) {
     wchar_t szPath[MAX_PATH], szFolder[MAX_PATH];
     if (phProcess) *phProcess = nullptr;
     if (!GetOwnPath(szPath, szFolder)) return 0;
-    ShellStart start;
-    start.hwnd = hwnd ? hwnd : ::GetDesktopWindow();
-    start.pszVerb = !WinVista() && IsAdminXP() ? L"open" : L"runas";
-    start.pszFile = szPath;
-    start.pszParameters = pszParameters;
-    start.pszDirectory = szFolder;
-    start.nMask = SEE_MASK_UNICODE;
-    start.nShow = SW_SHOW;
-    start.phProcess = phProcess;
-    return StartWaiting(start);
+    // Before Vista "runas" asks for a user and a password, which an administrator needs not give.
+    bool bIsEnough = !WinVista() && IsAdminXP();
+    return StartWaiting({.hwnd = hwnd ? hwnd : ::GetDesktopWindow(),
+                         .pszVerb = bIsEnough ? L"open" : L"runas",
+                         .pszFile = szPath,
+                         .pszParameters = pszParameters,
+                         .pszDirectory = szFolder,
+                         .nMask = SEE_MASK_UNICODE,
+                         .nShow = SW_SHOW,
+                         .phProcess = phProcess});
 }
 
 int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
           const wchar_t* pszDirectory, HANDLE* phProcess) {
-    ShellStart start;
-    start.hwnd = hwnd ? hwnd : FindProgman();
-    start.pszVerb = L"runas";
-    start.pszFile = pszFile;
-    start.pszParameters = pszParameters;
-    start.pszDirectory = pszDirectory;
-    start.phProcess = phProcess;
-    return StartWaiting(start);
+    return StartWaiting({.hwnd = hwnd ? hwnd : FindProgman(),
+                         .pszVerb = L"runas",
+                         .pszFile = pszFile,
+                         .pszParameters = pszParameters,
+                         .pszDirectory = pszDirectory,
+                         .phProcess = phProcess});
 }
 
 int RunDll32(const wchar_t* pszArguments) {
@@ -146,24 +135,24 @@ int RunDll32(const wchar_t* pszArguments) {
            RunFile(szProgram, szParameters, nullptr, nullptr);
 }
 
-int MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments) {
+// What the other files of this folder start things by
+
+bool MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments) {
     constexpr int kQuotes = 2;
     wchar_t szLibrary[MAX_PATH], szQuoted[MAX_PATH + kQuotes];
     if (!pszArguments) pszArguments = L"";
     *pszLine = 0;
-    if (!GetModulePath(GetLibraryInstance(), szLibrary)) return 0;
+    if (!GetModulePath(GetLibraryInstance(), szLibrary)) return false;
     ConvertToShortPath(szLibrary, MAX_PATH);
     std::wcscpy(szQuoted, szLibrary);
     AddQuotesIfSpace(szQuoted);
     std::size_t cch = std::wcslen(szQuoted) + 1 + std::wcslen(pszArguments);
-    if (cch >= static_cast<std::size_t>(cchLine)) return 0;
+    if (cch >= static_cast<std::size_t>(cchLine)) return false;
     FormatText(pszLine, static_cast<std::size_t>(cchLine), L"%s,%s", szQuoted, pszArguments);
-    return 1;
+    return true;
 }
 
-static_assert(sizeof(SHELLEXECUTEINFOW) == 112, "as 64-bit Windows knows it");
-
-int StartByShell(const ShellStart& start) {
+bool StartByShell(const ShellStart& start) {
     SHELLEXECUTEINFOW sei{};
     sei.cbSize = sizeof(sei);
     sei.fMask = start.nMask | (start.phProcess ? SEE_MASK_NOCLOSEPROCESS : 0);
@@ -174,14 +163,21 @@ int StartByShell(const ShellStart& start) {
     sei.lpDirectory = start.pszDirectory && *start.pszDirectory ? start.pszDirectory : nullptr;
     sei.nShow = start.nShow;
     sei.lpIDList = const_cast<ITEMIDLIST*>(start.pidl);
-    int bStarted = ::ShellExecuteExW(&sei) != FALSE;
+    bool bStarted = ::ShellExecuteExW(&sei) != FALSE;
+    // A failed call may leave anything in the structure.
     if (start.phProcess) *start.phProcess = bStarted ? sei.hProcess : nullptr;
     return bStarted;
 }
 
-int StartWaiting(const ShellStart& start) {
+bool StartWaiting(const ShellStart& start) {
     CSWaitCursor wait;
     return StartByShell(start);
+}
+
+bool ExecuteByShell(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
+                    const wchar_t* pszParameters, const wchar_t* pszDirectory, int nShow) {
+    HINSTANCE hinst = ::ShellExecuteW(hwnd, pszVerb, pszFile, pszParameters, pszDirectory, nShow);
+    return reinterpret_cast<INT_PTR>(hinst) > kLastShellError;
 }
 
 HWND GetStartOwner(HWND hwnd) {

@@ -7,15 +7,16 @@
 // Starting programs and documents through the shell. Results are the shell's: 1 started, 0 not
 // (GetLastError tells why, and the shell may have told the user). Any text may be null; verb null
 // is the file's default one, an empty directory counts as none. A process handle that is asked for
-// is the caller's to close, and null when nothing was started or no process belongs to it (a
-// document that a running program took over). The wait cursor shows during a call unless said.
+// (phProcess not null) is the caller's to close, and null when nothing was started or no process
+// belongs to it (a document that a running program took over). The wait cursor shows during a call
+// unless said.
 //
 // The owner of what the shell shows is the last active pop-up of the thread's active window, or
 // none, where no window is given.
 
 TESSALY_API int RunFile(const wchar_t* pszFile, const wchar_t* pszParameters,
                         const wchar_t* pszDirectory, const wchar_t* pszVerb);
-/// With SEE_MASK_... flags of its own and one of SW_...; phProcess null for not wanted.
+/// With SEE_MASK_... flags of its own and one of SW_...
 TESSALY_API int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters,
                           const wchar_t* pszDirectory, const wchar_t* pszVerb, ULONG nMask,
                           HANDLE* phProcess, int nShow);
@@ -27,22 +28,24 @@ TESSALY_API int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters,
 /// owns what the shell shows. No wait cursor.
 TESSALY_API int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
                         const wchar_t* pszVerb);
-/// The same for the last active pop-up of hwnd, or of the active window.
+/// RunPidl with parameters and a process handle. The owner is the last active pop-up of hwnd or,
+/// for null, of the active window.
 TESSALY_API int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
                           const wchar_t* pszParameters, const wchar_t* pszVerb, HANDLE* phProcess);
 
-/// The file of that name in the home folder (GetLocalPath), or beside this library. Null for hwnd
-/// is the desktop's window. 0 also if the path does not fit into 260 characters.
+/// The file of that name in the home folder (GetLocalPath). Null for hwnd is the desktop's window.
+/// 0 also if the path does not fit into 260 characters.
 TESSALY_API int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                              const wchar_t* pszVerb);
+/// The file of that name beside this library (GetSatellitePath), otherwise as RunLocalFile.
 TESSALY_API int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                                  const wchar_t* pszVerb);
 
 /// This process's program once more, in its folder. 0 also if its path does not fit into 260
 /// characters.
 TESSALY_API int RunMyself(const wchar_t* pszParameters);
-/// The same as administrator; before Windows Vista that is asked for only where the user is none.
-/// Null for hwnd is the desktop's window.
+/// This process's program once more as administrator; before Windows Vista that is asked for only
+/// where the user is none. Null for hwnd is the desktop's window.
 TESSALY_API int RunMyselfElevated(HWND hwnd, const wchar_t* pszParameters, HANDLE* phProcess);
 /// As administrator. Null for hwnd is the shell's window "Progman".
 TESSALY_API int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
@@ -55,10 +58,12 @@ TESSALY_API int RunDll32(const wchar_t* pszArguments);
 /// The program that calls an exported function of a library.
 constexpr const wchar_t* kRunDll32 = L"RunDll32.exe";
 
-/// What that program wants to be told: this library's short path, a comma and the arguments. 0 and
-/// an empty text if it does not fit. Where a path has no short form, quotes keep its blanks
+// What the other files of this folder start things by.
+
+/// What that program wants to be told: this library's short path, a comma and the arguments. False
+/// and an empty text if it does not fit. Where a path has no short form, quotes keep its blanks
 /// together.
-int MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments);
+[[nodiscard]] bool MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments);
 
 /// What ShellExecuteExW is asked for. Texts may be null.
 struct ShellStart {
@@ -73,11 +78,14 @@ struct ShellStart {
     HANDLE* phProcess = nullptr; // null: not wanted
 };
 
-/// 1 if the shell did it. *phProcess gets the new process, null if there is none; the caller closes
-/// it.
-int StartByShell(const ShellStart& start);
-/// The same with the wait cursor.
-int StartWaiting(const ShellStart& start);
+/// Whether the shell did it. *phProcess gets the new process, null if there is none; the caller
+/// closes it.
+bool StartByShell(const ShellStart& start);
+/// StartByShell with the wait cursor.
+bool StartWaiting(const ShellStart& start);
+/// ShellExecuteW, which tells no process: whether the shell did it.
+bool ExecuteByShell(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
+                    const wchar_t* pszParameters, const wchar_t* pszDirectory, int nShow);
 
 /// The last active pop-up of the window, or of the thread's active one if that is null; null if
 /// there is neither.

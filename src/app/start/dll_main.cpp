@@ -1,3 +1,6 @@
+// The library's entry point. In a file of its own, as programs that link the library statically
+// have none.
+
 #include "app/start/library_start.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE hinst, DWORD dwReason, void* pReserved) {

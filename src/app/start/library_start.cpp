@@ -1,5 +1,4 @@
 #include "app/start/library_start.h"
-#include "app/identity/my_product_info.h"
 #include "app/identity/product_info.h"
 #include "runtime/base/current_product.h"
 #include "runtime/base/ownership.h"
@@ -8,11 +7,9 @@
 #include "shell/subclass/shell_subclass.h"
 
 // C++ leaves the order of construction open across files. So everything in the library that lives
-// as long as it does is either constant-initialised or made here.
-//
-// Three entries of the order need nothing here. The product (before the terminal services) is a
-// constant. The pointer to IsWow64Process (before it) and the shell's allocator (after the terminal
-// services) are looked up at their first use, because that may load modules.
+// as long as it does is either constant-initialised, as the product is, or made here. What may load
+// a module (the pointer to IsWow64Process, the shell's allocator) is looked up at its first use
+// instead: this runs under the loader's lock.
 
 namespace {
 constexpr UINT_PTR kSubclassId = 18;

@@ -23,3 +23,7 @@ constexpr WPARAM kCodeOpenMenu = 371;   // tray icon to monitor window: open the
 constexpr WPARAM kCodeCapture = 372;    // posted to the list view: capture now
 constexpr WPARAM kCodeAttach = 373;     // to list view and view; lParam 1: subclass, 0: undo it
 constexpr WPARAM kCodeIconsMoved = 374; // agent to monitor window: icons may have moved
+
+/// The monitor window's class, and its title. The program that asks a running one to close finds
+/// the window by it.
+constexpr const wchar_t* kMonitorClass = L"TessalyWnd";

@@ -1,5 +1,5 @@
 #include "icons/monitor/monitor_wnd.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/front_end.h"

@@ -3,9 +3,6 @@
 #include "shell/namespace/shell_notify.h"
 #include "wnd/core/cswnd.h"
 
-/// The monitor window's class, and its title.
-constexpr const wchar_t* kMonitorClass = L"TessalyWnd";
-
 /// The hidden window that decides when a capture is taken: it hears of what may have moved the
 /// icons, waits until it is quiet, leaves out what a restore causes itself, and receives the
 /// captures. One per round of DoMonitor.

@@ -1,5 +1,5 @@
 #include "icons/snapshots/snapshot_store.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "icons/monitor/front_end.h"
 #include "runtime/base/cs_buf.h"
 #include "runtime/base/digest.h"

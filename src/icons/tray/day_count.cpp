@@ -1,5 +1,5 @@
 #include "icons/tray/day_count.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
 

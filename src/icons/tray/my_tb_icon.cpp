@@ -1,5 +1,5 @@
 #include "icons/tray/my_tb_icon.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "resources/resource_ids.h"
 #include "wnd/core/company_msg.h"

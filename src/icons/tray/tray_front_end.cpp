@@ -1,5 +1,5 @@
 #include "icons/tray/tray_front_end.h"
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/tray/day_count.h"
 #include "icons/tray/my_tb_icon.h"

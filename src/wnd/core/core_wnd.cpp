@@ -17,10 +17,8 @@ LRESULT CoreWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 ATOM CoreWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
                                HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                int cbClassExtra, int cbWndExtra) {
-    WNDCLASSEXW wc{
-        sizeof(wc), uStyle, &CoreWnd::WndProc, cbClassExtra, cbWndExtra, GetLibraryInstance(),
-        hicon,      hcur,   hbrBackground,     pszMenuName,  pszName,    hiconSmall};
-    return ::RegisterClassExW(&wc);
+    return RegisterWndClass(&CoreWnd::WndProc, pszName, uStyle, hicon, hiconSmall, hbrBackground,
+                            hcur, pszMenuName, cbClassExtra, cbWndExtra);
 }
 
 int CoreWnd::Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
@@ -36,15 +34,34 @@ int CoreWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD
     hWnd = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent,
                              hmenu, GetLibraryInstance(), pParam);
     --nCreating;
-    slotCreating.Set(nullptr);
+    slotCreating.Clear();
     return hWnd != nullptr;
+}
+
+ATOM RegisterWndClass(WNDPROC pfnWndProc, LPCWSTR pszName, UINT uStyle, HICON hicon,
+                      HICON hiconSmall, HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
+                      int cbClassExtra, int cbWndExtra) {
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    wc.style = uStyle;
+    wc.lpfnWndProc = pfnWndProc;
+    wc.cbClsExtra = cbClassExtra;
+    wc.cbWndExtra = cbWndExtra;
+    wc.hInstance = GetLibraryInstance();
+    wc.hIcon = hicon;
+    wc.hIconSm = hiconSmall;
+    wc.hCursor = hcur;
+    wc.hbrBackground = hbrBackground;
+    wc.lpszMenuName = pszMenuName;
+    wc.lpszClassName = pszName;
+    return ::RegisterClassExW(&wc);
 }
 
 LRESULT CALLBACK CoreWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     CoreWnd* pWnd = hwnd ? static_cast<CoreWnd*>(::GetPropW(hwnd, kCoreWndProperty)) : nullptr;
     if (!pWnd) {
         pWnd = static_cast<CoreWnd*>(slotCreating.Take());
-        if (!pWnd) return 0;
+        if (!pWnd) return 0; // its object is gone, or it was never made by CreateEx
         ::SetPropW(hwnd, kCoreWndProperty, pWnd);
         pWnd->hWnd = hwnd;
     }
@@ -52,23 +69,26 @@ LRESULT CALLBACK CoreWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lP
     LRESULT lResult = pWnd->OnWndMessage(uMsg, wParam, lParam);
     if (uMsg == WM_NCDESTROY) {
         // The property stays; the platform drops it with the window.
-        int bDelete = pWnd->autoDelete == DeleteObject && !pWnd->nCreating;
+        bool bDelete = pWnd->autoDelete == DeleteObject && !pWnd->nCreating;
         pWnd->hWnd = nullptr;
         if (bDelete) delete pWnd;
     }
     return lResult;
 }
 
+// The creation slot is one of the platform: the compiler's thread-locals fail on XP in a library
+// that is loaded late.
+
 CreationSlot::~CreationSlot() {
     DWORD dw = dwIndex.exchange(TLS_OUT_OF_INDEXES);
     if (dw != TLS_OUT_OF_INDEXES) ::TlsFree(dw);
 }
 
-int CreationSlot::Set(void* pObject) noexcept {
+bool CreationSlot::Set(void* pObject) noexcept {
     DWORD dw = dwIndex.load();
     if (dw == TLS_OUT_OF_INDEXES) {
         DWORD dwNew = ::TlsAlloc();
-        if (dwNew == TLS_OUT_OF_INDEXES) return 0;
+        if (dwNew == TLS_OUT_OF_INDEXES) return false;
         if (dwIndex.compare_exchange_strong(dw, dwNew)) {
             dw = dwNew;
         } else {

@@ -28,6 +28,7 @@ class TESSALY_API CoreWnd {
     /// also with autoDelete set.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
+    /// With extended styles, otherwise as Create.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
 
@@ -42,9 +43,16 @@ class TESSALY_API CoreWnd {
     int nCreating = 0; // calls of CreateEx under way
 };
 
+// What CoreWnd and CSWnd have in common
+
+/// RegisterClassExW of both, with the procedure that ties a window to its object: the class's atom,
+/// 0 on failure.
+ATOM RegisterWndClass(WNDPROC pfnWndProc, LPCWSTR pszName, UINT uStyle, HICON hicon,
+                      HICON hiconSmall, HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
+                      int cbClassExtra, int cbWndExtra);
+
 /// The object whose window is being created at the moment, one per thread: the first message of a
-/// new window comes before its creator has the handle, and finds its object here. A slot of the
-/// platform is used because compiler thread-locals fail on XP in a library that is loaded late.
+/// new window comes before its creator has the handle, and finds its object here.
 class CreationSlot {
   public:
     constexpr CreationSlot() noexcept = default;
@@ -52,8 +60,11 @@ class CreationSlot {
     CreationSlot& operator=(const CreationSlot&) = delete;
     ~CreationSlot();
 
-    /// Stores the object (null: none) for the calling thread. 0 if the process has no slots left.
-    int Set(void* pObject) noexcept;
+    /// Stores the object (null: none) for the calling thread. False if the process has no slots
+    /// left.
+    [[nodiscard]] bool Set(void* pObject) noexcept;
+    /// No object of the calling thread waits any longer.
+    void Clear() noexcept { static_cast<void>(Take()); }
     /// The calling thread's object, which is no longer waiting then; null for none.
     void* Take() noexcept;
 

@@ -53,20 +53,8 @@ CSWnd* CSWnd::FromHandle(HWND hwnd) {
 ATOM CSWnd::RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
                              HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                              int cbClassExtra, int cbWndExtra) {
-    WNDCLASSEXW wc{};
-    wc.cbSize = sizeof(wc);
-    wc.style = uStyle;
-    wc.lpfnWndProc = &CSWnd::WndProc;
-    wc.cbClsExtra = cbClassExtra;
-    wc.cbWndExtra = cbWndExtra;
-    wc.hInstance = GetLibraryInstance();
-    wc.hIcon = hicon;
-    wc.hIconSm = hiconSmall;
-    wc.hCursor = hcur;
-    wc.hbrBackground = hbrBackground;
-    wc.lpszMenuName = pszMenuName;
-    wc.lpszClassName = pszName;
-    return ::RegisterClassExW(&wc);
+    return RegisterWndClass(&CSWnd::WndProc, pszName, uStyle, hicon, hiconSmall, hbrBackground,
+                            hcur, pszMenuName, cbClassExtra, cbWndExtra);
 }
 
 ATOM CSWnd::RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra) {
@@ -96,7 +84,7 @@ int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD d
     HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
                                      hwndParent, hmenu, GetLibraryInstance(), pParam);
     --procDepth;
-    slotCreating.Set(nullptr);
+    slotCreating.Clear();
     if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(0);
     hWnd = hwndNew;
     return hwndNew != nullptr;
@@ -116,6 +104,8 @@ HWND CSWnd::Detach() {
     hWnd = nullptr;
     return hwndHeld;
 }
+
+// Users of the class ask a pointer that may be null whether there is a window.
 
 int CSWnd::IsReady() { return this && hWnd && ::IsWindow(hWnd); }
 
@@ -158,7 +148,7 @@ void CSWnd::EndLife(int bMayDelete) {
     ncDestroyed = 0;
     OnPostNcDestroy();
     CommonUnsubclass();
-    int bDelete = autoDelete && bMayDelete;
+    bool bDelete = autoDelete && bMayDelete;
     hWnd = nullptr;
     if (bDelete) delete this;
 }
@@ -192,19 +182,19 @@ LRESULT CSWnd::DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAf
 
 // Hooks
 
-int CSWnd::AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult) {
+bool CSWnd::AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult) {
     for (POS pos = hooks.GetHeadPos(); pos;) {
         POS posNow = pos;
-        hooks.GetNext(pos);
+        hooks.GetNext(pos); // before the hook is asked, which may take itself off
         WMHook* pHook = static_cast<WMHook*>(hooks.GetAt(posNow));
         if (!pHook) continue;
         if (pAfter) {
             if (pHook == pAfter) pAfter = nullptr;
             continue;
         }
-        if (pHook->OnWndMessage(this, uMsg, wParam, lParam, plResult)) return 1;
+        if (pHook->OnWndMessage(this, uMsg, wParam, lParam, plResult)) return true;
     }
-    return 0;
+    return false;
 }
 
 void CSWnd::AddWndHook(WMHook* pHook) { hooks.AddHead(pHook); }
@@ -275,6 +265,8 @@ int CSWnd::CommonUnsubclass() {
     if (ShellSubclass::IsReady() && shellSubclassed) {
         ShellSubclass::Remove(hWnd, &CSWnd::ShellSubclassProc);
     } else if (oldWndProc) {
+        // QUIRK: whoever replaced the procedure later is cut out with it.
+        // Test: CSWndSubclassProcedure.UnsubclassCutsOutWhoeverCameLater
         ::SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(oldWndProc));
         oldWndProc = nullptr;
     }
@@ -291,6 +283,8 @@ int CSWnd::Subclass(HWND hwndTarget) {
 }
 
 int CSWnd::Unsubclass() { return CommonUnsubclass() != 0; }
+
+// The hook itself
 
 WMHook::~WMHook() = default;
 

@@ -3,6 +3,7 @@
 #include "runtime/base/export.h"
 #include <windows.h>
 
+class CSDlg;
 class WMHook;
 
 /// A window object: a window handle with virtual message handlers and a chain of hooks. It is tied
@@ -37,6 +38,7 @@ class TESSALY_API CSWnd {
     virtual LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
     /// After the window's last message. The default takes all hooks off.
     virtual void OnPostNcDestroy();
+    /// After WM_ACTIVATE and WM_ENABLE. The defaults do nothing.
     virtual void OnActivate(int bActive);
     virtual void OnEnable(int bEnabled);
     /// The default passes the change to the direct children that are CSWnd objects.
@@ -47,6 +49,7 @@ class TESSALY_API CSWnd {
     static ATOM RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
                                  HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                  int cbClassExtra, int cbWndExtra);
+    /// With nothing but a procedure and that many bytes for each window.
     static ATOM RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra);
     /// 1 on success.
     static int UnregisterClassW(LPCWSTR pszName);
@@ -55,6 +58,7 @@ class TESSALY_API CSWnd {
     /// also with autoDelete set.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
+    /// With extended styles, otherwise as Create.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
     /// A child window with that control id in place of the menu.
@@ -69,7 +73,9 @@ class TESSALY_API CSWnd {
     HWND Detach();
     /// 1 if there is a window and it lives.
     int IsReady();
+    /// The handle; null also for a null object.
     operator HWND() const;
+    /// Whether the object is of the class "CSDlg", as IsKindOf has it.
     int IsDlg();
 
     /// Ties the object to a window that exists (null: the one that hWnd names). 1 on success.
@@ -100,7 +106,7 @@ class TESSALY_API CSWnd {
     int Redraw(UINT uFlags); ///< the whole window, RDW_ flags
     int Invalidate(const RECT* prc, int bErase);
     int InvalidateErase(const RECT* prc);
-    int InvalidateUpdate(const RECT* prc, int bErase); ///< and repaints at once
+    int InvalidateUpdate(const RECT* prc, int bErase); ///< Invalidate, and repaints at once
     int v(const RECT* prc);                            ///< validates
     LRESULT SendMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
     int PostMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
@@ -142,7 +148,7 @@ class TESSALY_API CSWnd {
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
 
     LRESULT Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam);
-    int AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult);
+    bool AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult);
     void SettleHooks();
     void EndLife(int bMayDelete);
     int SetTextV(LPCWSTR pszFormat, va_list args);
@@ -169,9 +175,6 @@ class TESSALY_API CSWnd {
     int procDepth = 0; // frames of the window procedure and of CreateEx under way
 };
 
-class CSDlg;
-class CSWnd;
-
 /// Put on a window object, sees that window's messages before its default processing. Not owned by
 /// the window: it is taken off (or all hooks are) before it goes.
 class TESSALY_API WMHook {
@@ -182,10 +185,11 @@ class TESSALY_API WMHook {
     /// one nor the default processing see it. The default gives 0.
     virtual int OnWndMessage(CSWnd* pWnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
                              LRESULT* plResult);
-    /// The same for the messages of a dialog's procedure.
+    /// As OnWndMessage, for the messages of a dialog's procedure.
     virtual int OnDlgMessage(CSDlg* pDlg, UINT uMsg, WPARAM wParam, LPARAM lParam,
                              LRESULT* plResult);
 
+    /// AddWndHook and RemoveWndHook of the window object, which must not be null.
     void AddToWnd(CSWnd* pWnd);
     void RemoveFromWnd(CSWnd* pWnd);
 };

@@ -69,6 +69,7 @@ int OffsetWnd(HWND hwnd, int dx, int dy) {
     if (!::GetWindowRect(hwnd, &rc)) return 0;
     POINT pt{rc.left + dx, rc.top + dy};
     HWND hwndParent = ::GetParent(hwnd);
+    // The rectangle is of the screen; a window with a parent is placed in that one's client area.
     if (hwndParent) ::MapWindowPoints(HWND_DESKTOP, hwndParent, &pt, 1);
     return ::SetWindowPos(hwnd, nullptr, pt.x, pt.y, 0, 0, kKeepSize | kKeepOrder | kQuiet);
 }

@@ -2,13 +2,23 @@
 #include "runtime/base/ownership.h"
 #include "runtime/messages/res_str.h"
 #include "runtime/system/system_facts.h"
-#include "wnd/draw/csdc.h"
+#include "wnd/draw/bitmaps.h"
 
 #include <objbase.h>
 #include <wincodec.h>
-#include <cstring>
+#include <climits>
 
 namespace {
+constexpr SIZE kPlainSmall{16, 16}, kPlainLarge{32, 32};
+
+SIZE GetIconSize(int isSmall, int systemSize) {
+    if (!systemSize) return isSmall ? kPlainSmall : kPlainLarge;
+    return {::GetSystemMetrics(isSmall ? SM_CXSMICON : SM_CXICON),
+            ::GetSystemMetrics(isSmall ? SM_CYSMICON : SM_CYICON)};
+}
+
+// An icon as a bitmap with alpha, by the platform's imaging component
+
 template <class Interface>
 void ReleaseInterface(Interface* p) {
     p->Release();
@@ -16,8 +26,7 @@ void ReleaseInterface(Interface* p) {
 template <class Interface>
 using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
 
-constexpr WORD kBitCount = 32;
-constexpr unsigned kBytesPerPixel = kBitCount / 8;
+constexpr unsigned kBytesPerPixel = 4;
 
 // By value (wincodec.h): the library that defines their names is none of those linked.
 constexpr GUID kFactoryClass = {
@@ -47,23 +56,16 @@ IWICFormatConverter* CreateConverter(IWICImagingFactory* pFactory, HICON hicon) 
     return SUCCEEDED(hr) ? converter.Release() : nullptr;
 }
 
-HBITMAP CreateSection(HDC hdc, LONG cx, LONG cy, void** ppBits) {
-    BITMAPINFO info;
-    FillBitmapInfo(&info, sizeof(info), cx, cy, kBitCount);
-    return ::CreateDIBSection(hdc, &info, DIB_RGB_COLORS, ppBits, nullptr, 0);
-}
-
+/// The pixels as a section of 32 bits each; null on failure.
 HBITMAP CopyToSection(IWICBitmapSource* pSource) {
     UINT cx = 0, cy = 0;
     if (FAILED(pSource->GetSize(&cx, &cy)) || !cx || !cy) return nullptr;
-    if (static_cast<unsigned long long>(cx) * cy > 0x7FFFFFFF / kBytesPerPixel) return nullptr;
+    if (static_cast<unsigned long long>(cx) * cy > INT_MAX / kBytesPerPixel) return nullptr;
 
+    SIZE sizeTopDown{static_cast<LONG>(cx), -static_cast<LONG>(cy)};
     void* pBits = nullptr;
-    HDC hdcScreen = ::GetDC(nullptr);
-    OwnedBitmap bitmap(
-        CreateSection(hdcScreen, static_cast<LONG>(cx), -static_cast<LONG>(cy), &pBits));
-    if (hdcScreen) ::ReleaseDC(nullptr, hdcScreen);
-    if (!bitmap || !pBits) return nullptr;
+    OwnedBitmap bitmap;
+    if (FAILED(MakeBitmap32(nullptr, &sizeTopDown, &pBits, bitmap.Put())) || !pBits) return nullptr;
     UINT cbRow = cx * kBytesPerPixel;
     HRESULT hr = pSource->CopyPixels(nullptr, cbRow, cbRow * cy, static_cast<BYTE*>(pBits));
     return SUCCEEDED(hr) ? bitmap.Release() : nullptr;
@@ -72,55 +74,6 @@ HBITMAP CopyToSection(IWICBitmapSource* pSource) {
 HBITMAP MakeWith(IWICImagingFactory* pFactory, HICON hicon) {
     OwnedInterface<IWICFormatConverter> converter(CreateConverter(pFactory, hicon));
     return converter ? CopyToSection(converter.Get()) : nullptr;
-}
-} // namespace
-
-HBITMAP MakeIconBitmap(HICON hicon) {
-    if (!WinVista()) return nullptr;
-    int bLeaveCom = 0;
-    ScopeExit leaveCom([&] { // behind the factory, which is destroyed first
-        if (bLeaveCom) ::CoUninitialize();
-    });
-    HRESULT hr = S_OK;
-    OwnedInterface<IWICImagingFactory> factory(CreateFactory(&hr));
-    if (hr == CO_E_NOTINITIALIZED) {
-        bLeaveCom =
-            SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
-        factory.Reset(CreateFactory(&hr));
-    }
-    return factory ? MakeWith(factory.Get(), hicon) : nullptr;
-}
-
-HRESULT MakeBitmap32(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult) {
-    *phResult = nullptr;
-    void* pUnused = nullptr;
-    HDC hdcScreen = hdc ? nullptr : ::GetDC(nullptr);
-    HDC hdcUsed = hdc ? hdc : hdcScreen;
-    if (!hdcUsed) return E_OUTOFMEMORY;
-    *phResult = CreateSection(hdcUsed, psize->cx, psize->cy, ppBits ? ppBits : &pUnused);
-    if (hdcScreen) ::ReleaseDC(nullptr, hdcScreen);
-    return *phResult ? S_OK : E_OUTOFMEMORY;
-}
-
-void FillBitmapInfo(BITMAPINFO* pInfo, DWORD cbInfo, LONG cx, LONG cy, WORD nBitCount) {
-    std::memset(pInfo, 0, cbInfo);
-    if (cbInfo < sizeof(BITMAPINFOHEADER)) return;
-    BITMAPINFOHEADER& header = pInfo->bmiHeader;
-    header.biSize = sizeof(header);
-    header.biWidth = cx;
-    header.biHeight = cy;
-    header.biPlanes = 1;
-    header.biBitCount = nBitCount;
-    header.biCompression = BI_RGB;
-}
-
-namespace {
-constexpr SIZE kPlainSmall{16, 16}, kPlainLarge{32, 32};
-
-SIZE GetIconSize(int isSmall, int systemSize) {
-    if (!systemSize) return isSmall ? kPlainSmall : kPlainLarge;
-    return {::GetSystemMetrics(isSmall ? SM_CXSMICON : SM_CXICON),
-            ::GetSystemMetrics(isSmall ? SM_CYSMICON : SM_CYICON)};
 }
 } // namespace
 
@@ -139,7 +92,21 @@ int CSIcon::GetSize(int& cx, int& cy) const {
     return IsReady();
 }
 
-HBITMAP CSIcon::IconToMenuBitmap(HICON hicon) { return hicon ? MakeIconBitmap(hicon) : nullptr; }
+HBITMAP CSIcon::IconToMenuBitmap(HICON hicon) {
+    if (!hicon || !WinVista()) return nullptr;
+    bool bLeaveCom = false;
+    ScopeExit leaveCom([&] { // behind the factory, which is destroyed first
+        if (bLeaveCom) ::CoUninitialize();
+    });
+    HRESULT hr = S_OK;
+    OwnedInterface<IWICImagingFactory> factory(CreateFactory(&hr));
+    if (hr == CO_E_NOTINITIALIZED) {
+        bLeaveCom =
+            SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
+        factory.Reset(CreateFactory(&hr));
+    }
+    return factory ? MakeWith(factory.Get(), hicon) : nullptr;
+}
 
 long CSIcon::Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult) {
     return MakeBitmap32(hdc, psize, ppBits, phResult);

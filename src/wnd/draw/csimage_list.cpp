@@ -1,7 +1,7 @@
 #include "wnd/draw/csimage_list.h"
 #include "runtime/messages/res_str.h"
+#include "wnd/draw/bitmaps.h"
 #include "wnd/draw/csdc.h"
-#include "wnd/draw/draw_util.h"
 
 namespace {
 HANDLE LoadFrom(int nId, HINSTANCE hinst, UINT uType, int cx, int cy) {
@@ -30,7 +30,7 @@ int CSImageList::Destroy() {
 }
 
 int CSImageList::Attach(HIMAGELIST hListTaken) {
-    if (hListTaken != hList) Destroy();
+    if (hListTaken != hList) Destroy(); // the same one again lives on
     hList = hListTaken;
     bDestroyed = 0;
     return IsReady();
@@ -65,7 +65,7 @@ int CSImageList::ReplaceIcon(int index, HICON hicon) {
 }
 
 int CSImageList::ReplaceIcon(int index, int iconId, HINSTANCE hinst) {
-    unsigned long dwSize = GetIconSize();
+    unsigned long dwSize = GetIconSize(); // an icon of another size would be stretched
     OwnedIcon icon(
         static_cast<HICON>(LoadFrom(iconId, hinst, IMAGE_ICON, LOWORD(dwSize), HIWORD(dwSize))));
     return icon ? ReplaceIcon(index, icon.Get()) : -1;

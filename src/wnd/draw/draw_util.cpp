@@ -3,9 +3,11 @@
 #include "wnd/draw/csdc.h"
 
 #include <algorithm>
-#include <cwchar>
 
 namespace {
+constexpr int kMaxChannel = 255;
+constexpr int kMaxLuminosity = 240; // of the platform's scale
+
 /// A channel of a fade: all of it where t is 0, nothing where t is the whole length.
 BYTE FadeChannel(BYTE nChannel, long t, long nLength) {
     // In 64 bits: t * t * nChannel is too much for 32 from a height of about 2,900 on.
@@ -13,11 +15,12 @@ BYTE FadeChannel(BYTE nChannel, long t, long nLength) {
     return static_cast<BYTE>(nChannel - qwLost / (static_cast<long long>(nLength) * nLength));
 }
 
-/// A distance from pixels to the logical units of hdc. An origin that was moved does not count.
-SIZE ToLogicalSize(HDC hdc, int cx, int cy) {
-    POINT points[2] = {{0, 0}, {cx, cy}};
-    ::DPtoLP(hdc, points, 2);
-    return {points[1].x - points[0].x, points[1].y - points[0].y};
+int GetMaxChannel(unsigned long color) {
+    return std::max({GetRValue(color), GetGValue(color), GetBValue(color)});
+}
+
+int GetMinChannel(unsigned long color) {
+    return std::min({GetRValue(color), GetGValue(color), GetBValue(color)});
 }
 } // namespace
 
@@ -47,6 +50,7 @@ void DrawRect(HDC hdc, int x, int y, int width, int height, unsigned long color,
 
 void PaintShadedRect(HDC hdc, const RECT& rc, unsigned long color, int fromTop, int steps) {
     if (steps <= 0) return;
+    // The bottom counts as the height: rectangles are meant to start at the origin.
     long nBand = std::max(rc.bottom / steps, 1L);
     long nDone = 0;
     for (long y = rc.bottom; y > nBand;) {
@@ -61,26 +65,10 @@ void PaintShadedRect(HDC hdc, const RECT& rc, unsigned long color, int fromTop, 
     }
 }
 
-void DrawBitmap(HDC hdc, HBITMAP hbm, int x, int y, int srcX, int srcY, int width, int height) {
-    if (!hdc || !hbm) return;
-    CompatibleDC dcBitmap(hdc);
-    if (!::SelectObject(dcBitmap, hbm)) return; // it is selected elsewhere
-    ::SetMapMode(dcBitmap, ::GetMapMode(hdc));
-    if (width == 0) {
-        SIZE sizeWhole = GetBitmapSize(hbm);
-        width = sizeWhole.cx;
-        height = sizeWhole.cy;
-    }
-    SIZE size = ToLogicalSize(hdc, width, height);
-    POINT ptSource{srcX, srcY};
-    ::DPtoLP(dcBitmap, &ptSource, 1);
-    ::BitBlt(hdc, x, y, size.cx, size.cy, dcBitmap, ptSource.x, ptSource.y, SRCCOPY);
-}
+// Pens
 
 HPEN CreateSolidPen(unsigned long color) { return ::CreatePen(PS_SOLID, 0, color); }
 
-// QUIRK: the platform's style 2 is the dotted one; this is what is called dashed here.
-// Test: Pens.DashedIsThePlatformsStyle2
 HPEN CreateDashedPen(unsigned long color) { return ::CreatePen(PS_DOT, 0, color); }
 
 HPEN CreateDottedPen(unsigned long color) {
@@ -88,87 +76,7 @@ HPEN CreateDottedPen(unsigned long color) {
     return ::ExtCreatePen(PS_COSMETIC | PS_ALTERNATE, 1, &brush, 0, nullptr);
 }
 
-namespace {
-/// Makes a bitmap like hdc's and has fnDraw draw into it. 0 from fnDraw: there is no bitmap.
-template <class Fn>
-HBITMAP DrawNewBitmap(HDC hdc, int width, int height, Fn fnDraw) {
-    if (width < 1 || height < 1) return nullptr; // the platform would give its shared 1 by 1 one
-    OwnedBitmap bitmap(::CreateCompatibleBitmap(hdc, width, height));
-    if (!bitmap) return nullptr;
-    int bDrawn;
-    {
-        CompatibleDC dc(hdc);
-        bDrawn = ::SelectObject(dc, bitmap.Get()) && fnDraw(static_cast<HDC>(dc));
-    } // and is no longer selected
-    return bDrawn ? bitmap.Release() : nullptr;
-}
-} // namespace
-
-SIZE GetBitmapSize(HBITMAP hbm) {
-    BITMAP bitmap{};
-    if (!::GetObjectW(hbm, sizeof(bitmap), &bitmap)) return {0, 0};
-    return {bitmap.bmWidth, bitmap.bmHeight};
-}
-
-HBITMAP CopyBitmap(HBITMAP hbm) {
-    CSDC dcDisplay;
-    CompatibleDC dcSource(dcDisplay);
-    if (!hbm || !::SelectObject(dcSource, hbm)) return nullptr;
-    SIZE size = GetBitmapSize(hbm);
-    return DrawNewBitmap(dcDisplay, size.cx, size.cy, [&](HDC hdc) {
-        return ::BitBlt(hdc, 0, 0, size.cx, size.cy, dcSource, 0, 0, SRCCOPY);
-    });
-}
-
-HBITMAP MakeBitmap(HDC hdc, int x, int y, int width, int height) {
-    return DrawNewBitmap(hdc, width, height, [&](HDC hdcNew) {
-        return ::BitBlt(hdcNew, 0, 0, width, height, hdc, x, y, SRCCOPY);
-    });
-}
-
-HBITMAP MakeScreenBitmap(int x, int y, int width, int height) {
-    CSDC dcDisplay;
-    return MakeBitmap(dcDisplay, x, y, width, height);
-}
-
-HBITMAP MakeScreenBitmap(const RECT& rc) {
-    return MakeScreenBitmap(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top);
-}
-
-HBITMAP MakeTextBitmap(int width, int height, LPCWSTR pszText, HFONT hfont, unsigned long textColor,
-                       unsigned long bkgColor) {
-    CSDC dcDisplay;
-    return DrawNewBitmap(dcDisplay, width, height, [&](HDC hdc) {
-        PaintRect(hdc, 0, 0, width, height, bkgColor);
-        if (!pszText) return 1;
-        if (hfont) ::SelectObject(hdc, hfont);
-        ::SetTextColor(hdc, textColor);
-        ::SetBkMode(hdc, TRANSPARENT);
-        ::TextOutW(hdc, 0, 0, pszText, static_cast<int>(std::wcslen(pszText)));
-        return 1;
-    });
-}
-
-HBITMAP MakeShadedBitmap(int width, int height, unsigned long color, int fromTop, int steps) {
-    CSDC dcDisplay;
-    return DrawNewBitmap(dcDisplay, width, height, [&](HDC hdc) {
-        PaintShadedRect(hdc, RECT{0, 0, width, height}, color, fromTop, steps);
-        return 1;
-    });
-}
-
-namespace {
-constexpr int kMaxChannel = 255;
-constexpr int kMaxLuminosity = 240;
-
-int GetMaxChannel(unsigned long color) {
-    return std::max({GetRValue(color), GetGValue(color), GetBValue(color)});
-}
-
-int GetMinChannel(unsigned long color) {
-    return std::min({GetRValue(color), GetGValue(color), GetBValue(color)});
-}
-} // namespace
+// Colours
 
 int GetLuminosity(unsigned long color) {
     int nSum = GetMaxChannel(color) + GetMinChannel(color);

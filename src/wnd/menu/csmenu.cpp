@@ -1,15 +1,40 @@
 #include "wnd/menu/csmenu.h"
-#include "runtime/base/cs_buf.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/base/ownership.h"
 #include "runtime/text/str_find.h"
 #include "runtime/text/str_format.h"
 #include "wnd/draw/csicon.h"
+#include "wnd/draw/rect_util.h"
 
 #include <new>
 
 namespace {
 constexpr int kItemTextSize = 261;
 constexpr unsigned kItemNotFound = 0xFFFFFFFF;
+constexpr UINT kTrackFlags = TPM_RIGHTBUTTON | TPM_RETURNCMD;
+constexpr UINT kRaiseFlags = SWP_NOSIZE | SWP_NOMOVE | SWP_NOREDRAW;
+constexpr WORD kShieldIcon = 32518; // IDI_SHIELD (winuser.h), from Windows Vista on
+constexpr int kShieldSize = 16;
+
+constinit HBITMAP hbmShield = nullptr; // kept for the life of the process
+
+POINT CursorPos() {
+    POINT pt{};
+    ::GetCursorPos(&pt);
+    return pt;
+}
+
+HBITMAP MakeShieldBitmap() {
+    HANDLE hShared = ::LoadImageW(nullptr, MAKEINTRESOURCEW(kShieldIcon), IMAGE_ICON, 0, 0,
+                                  LR_SHARED); // not to be destroyed
+    if (!hShared) return nullptr;
+    auto hicon = static_cast<HICON>(
+        ::CopyImage(hShared, IMAGE_ICON, kShieldSize, kShieldSize, LR_COPYRETURNORG));
+    ScopeExit destroyCopy([&] {
+        if (hicon && hicon != hShared) ::DestroyIcon(hicon);
+    });
+    return CSIcon::IconToMenuBitmap(hicon);
+}
 } // namespace
 
 MenuItemInfo::MenuItemInfo(unsigned int nMask) : MENUITEMINFOW{} {
@@ -100,12 +125,11 @@ int CSMenu::SetBreak(unsigned int nItem, int byPos, int bar) {
     // Writing the type writes the text too: what is not read with it would be lost.
     MenuItemInfo info(MIIM_TYPE);
     GetItemInfo(nItem, byPos, &info);
-    CSBuf text((info.cch + 1) * sizeof(wchar_t));
+    HeapArray<wchar_t> text(info.cch + 1);
     if (!text.IsReady()) return 0;
     if (!(info.fType & (MFT_BITMAP | MFT_SEPARATOR | MFT_OWNERDRAW))) {
         // An empty text as well: written without any, the item would become a separator.
-        unsigned char* pText = text;
-        info.dwTypeData = reinterpret_cast<wchar_t*>(pText);
+        info.dwTypeData = text.Get();
         ++info.cch;
         GetItemInfo(nItem, byPos, &info);
     }
@@ -116,10 +140,10 @@ int CSMenu::SetBreak(unsigned int nItem, int byPos, int bar) {
 void CSMenu::InsertBreaks(int every, int bar) {
     int nCount = GetCount();
     if (every < 2 || nCount <= every || nCount < 1) return;
-    int bVisited = 0; // the item at this position has been pushed here by a separator
+    bool bVisited = false; // the item at this position has been pushed here by a separator
     for (int nPos = 0; nPos < nCount; ++nPos) {
         HMENU hmenuSub = bVisited ? nullptr : GetSubMenu(nPos);
-        bVisited = 0;
+        bVisited = false;
         if (hmenuSub) {
             CSMenu sub;
             sub.Attach(hmenuSub);
@@ -129,7 +153,7 @@ void CSMenu::InsertBreaks(int every, int bar) {
         if (!nPos || nPos % every) continue;
         if (!InsertSeparatorByPos(static_cast<unsigned>(nPos))) return;
         ++nCount;
-        bVisited = 1;
+        bVisited = true;
         SetBreakByPos(static_cast<unsigned>(nPos), bar);
     }
 }
@@ -145,10 +169,9 @@ unsigned int CSMenu::FindStrPos(LPCWSTR pszText) const {
         int cch = GetStrLengthByPos(nItem) + 1;
         if (cch <= 1) continue;
         // Nearly all texts fit; a longer one gets a block for itself.
-        CSBuf block(cch > kItemTextSize ? static_cast<unsigned>(cch) * sizeof(wchar_t) : 0);
+        HeapArray<wchar_t> block(cch > kItemTextSize ? static_cast<unsigned>(cch) : 0);
         if (cch > kItemTextSize && !block.IsReady()) return kItemNotFound;
-        unsigned char* pBlock = block;
-        wchar_t* pszItem = pBlock ? reinterpret_cast<wchar_t*>(pBlock) : szShort;
+        wchar_t* pszItem = block.IsReady() ? block.Get() : szShort;
         *pszItem = 0;
         GetStrByPos(nItem, pszItem, cch);
         if (StrIsSame(pszItem, pszText, 1)) return nItem;
@@ -161,44 +184,15 @@ unsigned int CSMenu::FindStrID(LPCWSTR pszText) const {
     return nPos == kItemNotFound ? kItemNotFound : GetItemID(static_cast<int>(nPos));
 }
 
-// Showing a menu, and the bitmaps of its items.
-
-
-namespace {
-constexpr UINT kTrackFlags = TPM_RIGHTBUTTON | TPM_RETURNCMD;
-constexpr UINT kRaiseFlags = SWP_NOSIZE | SWP_NOMOVE | SWP_NOREDRAW;
-constexpr WORD kShieldIcon = 32518; // IDI_SHIELD (winuser.h), from Windows Vista on
-constexpr int kShieldSize = 16;
-
-constinit HBITMAP hbmShield = nullptr; // kept for the life of the process
-
-POINT CursorPos() {
-    POINT pt{};
-    ::GetCursorPos(&pt);
-    return pt;
-}
-
-HBITMAP MakeShieldBitmap() {
-    HANDLE hShared = ::LoadImageW(nullptr, MAKEINTRESOURCEW(kShieldIcon), IMAGE_ICON, 0, 0,
-                                  LR_SHARED); // not to be destroyed
-    if (!hShared) return nullptr;
-    auto hicon = static_cast<HICON>(
-        ::CopyImage(hShared, IMAGE_ICON, kShieldSize, kShieldSize, LR_COPYRETURNORG));
-    ScopeExit destroyCopy([&] {
-        if (hicon && hicon != hShared) ::DestroyIcon(hicon);
-    });
-    return CSIcon::IconToMenuBitmap(hicon);
-}
-} // namespace
+// Showing
 
 int CSMenu::Track(HWND hwndOwner, unsigned int nCtrlId) {
     POINT pt = CursorPos();
     HWND hwndCtrl = nCtrlId ? ::GetDlgItem(hwndOwner, static_cast<int>(nCtrlId)) : nullptr;
     RECT rc;
     if (hwndCtrl && ::GetWindowRect(hwndCtrl, &rc)) {
-        int bInside = pt.x >= rc.left && pt.x < rc.right && pt.y >= rc.top && pt.y < rc.bottom;
-        // The menu was opened by keyboard: the cursor can be anywhere.
-        if (!bInside) pt = {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2};
+        // Outside: the menu was opened by keyboard, and the cursor can be anywhere.
+        if (!RectHasPoint(rc, pt)) pt = {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2};
     }
     return Track(hwndOwner, pt);
 }
@@ -226,7 +220,9 @@ void CSMenu::AdjustPointForTrayIcon(POINT& pt) {
     pt.y += pt.y < ::GetSystemMetrics(SM_CYSCREEN) / 2 ? cy : -cy;
 }
 
-HBITMAP CSMenu::GenerateBitmap(HICON hicon) { return MakeIconBitmap(hicon); }
+// Bitmaps of items
+
+HBITMAP CSMenu::GenerateBitmap(HICON hicon) { return CSIcon::IconToMenuBitmap(hicon); }
 
 int CSMenu::SetShieldIconByID(unsigned int nId) {
     if (!hbmShield) hbmShield = MakeShieldBitmap();
@@ -234,10 +230,10 @@ int CSMenu::SetShieldIconByID(unsigned int nId) {
 }
 
 long CSMenu::Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult) {
-    return MakeBitmap32(hdc, psize, ppBits, phResult);
+    return CSIcon::Create32BitHBITMAP(hdc, psize, ppBits, phResult);
 }
 
 void CSMenu::InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,
                             unsigned short nBitCount) {
-    FillBitmapInfo(pInfo, cbInfo, cx, cy, nBitCount);
+    CSIcon::InitBitmapInfo(pInfo, cbInfo, cx, cy, nBitCount);
 }

@@ -44,13 +44,15 @@ class TESSALY_API CSMenu {
     /// Defined on a null object, too: null.
     operator HMENU() const;
 
-    /// GetMenuItemInfoW and SetMenuItemInfoW on the caller's record, whose size and mask are set.
+    // GetMenuItemInfoW and SetMenuItemInfoW on the caller's record, whose size and mask are set;
+    // the forms without ByPos and ByID go by position if byPos is non-zero.
     int GetItemInfoByPos(unsigned int nPos, MENUITEMINFOW* pInfo) const;
     int GetItemInfoByID(unsigned int nId, MENUITEMINFOW* pInfo) const;
     int GetItemInfo(unsigned int nItem, int byPos, MENUITEMINFOW* pInfo) const;
     int SetItemInfoByPos(unsigned int nPos, const MENUITEMINFOW* pInfo);
     int SetItemInfoByID(unsigned int nId, const MENUITEMINFOW* pInfo);
     int SetItemInfo(unsigned int nItem, int byPos, const MENUITEMINFOW* pInfo);
+    /// Non-zero if there is such an item.
     int ItemExistsByID(unsigned int nId) const;
 
     /// The item's data; 0 also on failure.
@@ -72,12 +74,14 @@ class TESSALY_API CSMenu {
     int SetStrByID(unsigned int nId, LPCWSTR pszText);
     int SetStr(unsigned int nItem, int byPos, LPCWSTR pszText);
 
-    /// Delete destroys the item's sub-menu, Remove leaves it alive.
+    // Delete destroys the item's sub-menu, Remove leaves it alive.
+
     int DeleteItemByPos(unsigned int nPos);
     int DeleteItemByID(unsigned int nId);
     int RemoveItemByPos(unsigned int nPos);
     int RemoveItemByID(unsigned int nId);
 
+    /// Makes the item the menu's default one, which is shown in bold.
     int SetDefaultByPos(unsigned int nPos);
     int SetDefaultByID(unsigned int nId);
     /// GMDI_ flags; 0xFFFFFFFF if there is no default item.
@@ -94,8 +98,9 @@ class TESSALY_API CSMenu {
     int EnableItemByPos(unsigned int nPos, int enable);
     int EnableItemByID(unsigned int nId, int enable);
 
-    /// Before that item; MF_ flags. Positions behind the last one, and ids that are not there, add
-    /// the item at the end.
+    // Insertion before that item, with MF_ flags. Positions behind the last one, and ids that are
+    // not there, add the item at the end.
+
     int InsertItemByPos(unsigned int nWhere, unsigned int nId, LPCWSTR pszText,
                         unsigned int nFlags);
     int InsertItemByID(unsigned int nWhere, unsigned int nId, LPCWSTR pszText, unsigned int nFlags);
@@ -143,6 +148,7 @@ class TESSALY_API CSMenu {
     /// The first item with that text, without regard to case. Items without a text are passed over.
     /// 0xFFFFFFFF if there is none.
     unsigned int FindStrPos(LPCWSTR pszText) const;
+    /// The id of that item, otherwise as FindStrPos.
     unsigned int FindStrID(LPCWSTR pszText) const;
 
     /// Shows the menu and returns the chosen id, 0 for none. At the cursor, or, if the owner has a
@@ -155,7 +161,8 @@ class TESSALY_API CSMenu {
     /// the place is moved off the taskbar.
     int Track2(HWND hwndOwner, int forTrayIcon);
 
-    /// A bitmap for a menu item, see MakeIconBitmap in wnd/draw/csicon.h, and its two helpers.
+    /// A bitmap for a menu item, as CSIcon::IconToMenuBitmap. The other two are as CSIcon's of the
+    /// same name.
     [[nodiscard]] static HBITMAP GenerateBitmap(HICON hicon);
     static long Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult);
     static void InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,

@@ -1,6 +1,7 @@
-// The operations on one item, by position and by command id.
-
 #include "wnd/menu/csmenu.h"
+
+// The operations of CSMenu on one item, by position and by command id. They are here apart from the
+// menu's life, search and display (csmenu.cpp); each is one call of the platform.
 
 int CSMenu::GetItemInfo(unsigned int nItem, int byPos, MENUITEMINFOW* pInfo) const {
     return ::GetMenuItemInfoW(hMenu, nItem, byPos, pInfo);

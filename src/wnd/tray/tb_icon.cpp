@@ -28,7 +28,7 @@ constexpr Event kEvents[] = {
 };
 
 constinit UINT uTaskbarCreated = 0;
-constinit int bHandlerRuns = 0;
+constinit bool bHandlerRuns = false;
 } // namespace
 
 TBIcon::TBIcon() {
@@ -42,11 +42,13 @@ TBIcon::TBIcon() {
 TBIcon::~TBIcon() { delete pIconAlternate; }
 
 DWORD TBIcon::GetDataSize(unsigned short nShellVersion) {
-    // The structure as it was before its next fields came.
+    // The structure as it was before its next fields came: an older shell refuses a longer one.
     if (nShellVersion < 0x500) return 168;
     if (nShellVersion <= 0x600) return 952;
     return nShellVersion == 0x601 ? 968 : kWholeDataSize;
 }
+
+// What a derived class may react to
 
 int TBIcon::ShouldShowIcon() { return 1; }
 
@@ -73,6 +75,8 @@ void TBIcon::OnCreateWnd() {}
 void TBIcon::OnDestroyWnd() {
     if (shown) Show(0);
 }
+
+// The window
 
 int TBIcon::CreateWnd(LPCWSTR pszClass) {
     int bCreated = Create(pszClass, L"", WS_POPUP, ::GetSystemMetrics(SM_CXFULLSCREEN) / 2,
@@ -206,11 +210,11 @@ LRESULT TBIcon::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     return CSWnd::OnWndMessage(uMsg, wParam, lParam);
 }
 
-int TBIcon::OnCompanyMessage(WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
-    if (OnMyCompanyMessage(wParam, lParam, plResult)) return 1;
-    int bForUs = lParam && LOWORD(lParam) == GetCurrentProduct().pfnGetId();
+bool TBIcon::OnCompanyMessage(WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
+    if (OnMyCompanyMessage(wParam, lParam, plResult)) return true;
+    bool bForUs = lParam && LOWORD(lParam) == GetCurrentProduct().pfnGetId();
     if (wParam == kCompanyCodeClose && bForUs) DestroyWnd(nullptr);
-    return 0;
+    return false;
 }
 
 void TBIcon::OnTimer() {
@@ -237,10 +241,10 @@ void TBIcon::OnEvent(UINT uMsg) {
         ::SetForegroundWindow(::GetLastActivePopup(hWnd));
         return;
     }
-    bHandlerRuns = 1;
+    bHandlerRuns = true;
     UINT uEventMsg = kFirstEventMsg;
     for (const Event& event : kEvents) {
         if (uEventMsg++ == uMsg) (this->*event.pfnHandler)();
     }
-    bHandlerRuns = 0;
+    bHandlerRuns = false;
 }

@@ -30,10 +30,12 @@ class TESSALY_API TBIcon : public CSWnd {
     virtual void OnBaloonTimeout();
     virtual void OnBaloonClick();
     virtual void OnMouseMove();
+    /// The window has been created. The default does nothing.
     virtual void OnCreateWnd();
     /// The window goes. The default takes the icon away.
     // QUIRK: blinking and the balloon's time begin also when the icon is taken away, here and in
-    // ShowIcon. Test: TBIconTest.RemovalStartsTheBlinkToo and ...RemovalStartsTheBalloonsTimeToo
+    // ShowIcon.
+    // Test: TBIconTest.RemovalStartsTheBlinkToo and TBIconTest.RemovalStartsTheBalloonsTimeToo
     virtual void OnDestroyWnd();
 
     /// Creates the hidden window, of a class that was registered with CSWnd. 1 on success.
@@ -53,18 +55,21 @@ class TESSALY_API TBIcon : public CSWnd {
     void HideBalloon(int bUpdate);
     /// Whether the next update shows the balloon that was prepared.
     void EnableBaloon(int bEnabled);
+    /// Shows what was prepared, if the icon is shown.
     void UpdateIcon();
     /// Gives the keyboard back to the notification area. 1 on success.
     int SetFocus();
     /// Puts the icon in (show non-zero) or takes it out; nothing if it is so already. If the shell
     /// refuses, nothing is tried again until it restarts or until the next call.
     void ShowIcon(int show);
+    /// Whether the icon is in.
     int IsIconShown() const { return shown; }
 
     /// The size of the structure that a shell of that version expects, which is GetVerDll's number.
     static DWORD GetDataSize(unsigned short nShellVersion);
 
   protected:
+    /// Prepares the icon, which stays its owner's, for the next update.
     void SetIcon(HICON hicon);
     /// On: shows the other one of the two icons and starts the timer. Off: stops it, and leaves the
     /// normal icon.
@@ -82,14 +87,14 @@ class TESSALY_API TBIcon : public CSWnd {
     CSTimer timerBlink;
     CSTimer timerBalloon;
     CSIcon icon;
-    CSIcon* pIconAlternate = nullptr; // owned
+    CSIcon* pIconAlternate = nullptr; // owned; null: there is no blinking
     int blinkPhase = 0;               // non-zero while the alternate icon is showing
     unsigned blinkPeriod = 0;         // milliseconds
 
   private:
     void Show(int show);
-    void ShowPhase();
-    int OnCompanyMessage(WPARAM wParam, LPARAM lParam, LRESULT* plResult);
+    /// Whether OnMyCompanyMessage took it, with *plResult for an answer.
+    bool OnCompanyMessage(WPARAM wParam, LPARAM lParam, LRESULT* plResult);
     void OnTimer();
     void PostEvent(WPARAM wParam, LPARAM lParam);
     void OnEvent(UINT uMsg);

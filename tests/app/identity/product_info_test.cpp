@@ -1,14 +1,16 @@
-#include "app/identity/my_product_info.h"
 #include "app/identity/product_info.h"
 #include "resources/resource_ids.h"
 #include "runtime/base/current_product.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
 #include "wnd/core/company_msg.h"
-#include <gtest/gtest.h>
 
+#include <gtest/gtest.h>
+#include <atomic>
 #include <climits>
+#include <memory>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -36,34 +38,53 @@ class OtherProduct : public MyProductInfo {
 };
 } // namespace
 
-TEST(MyProductInfo, Texts) {
-    MyProductInfo& product = GetMyProductInfo();
-    const struct {
-        const char* pszName;
-        const wchar_t* pszExpected;
-        const wchar_t* psz;
-    } rows[] = {
-        {"GetStoreID", L"tessaly", product.GetStoreID()},
-        {"GetName", L"Tessaly", product.GetName()},
-        {"GetNickName", L"Tessaly", product.GetNickName()},
-        {"GetDisplayName", L"Tessaly", product.GetDisplayName()},
-        {"GetVersionStr", L"1.1", product.GetVersionStr()},
-        {"GetVersionStrLong 0", L"Version 1.1", product.GetVersionStrLong(0)},
-        {"GetVersionStrLong 1", L"Version <b>1.1</b>", product.GetVersionStrLong(1)},
-        {"GetVersionStrLong 2", L"Version <b>1.1</b>", product.GetVersionStrLong(2)},
-        {"GetLanguage", L"en", product.GetLanguage()},
-        {"GetRevisionStr", L"2409", product.GetRevisionStr()},
-        {"GetEditionShort", L"x64", product.GetEditionShort()},
-        {"GetEdition", L"x64 Edition", product.GetEdition()},
-        {"GetForOS", L"for Windows\u00AE 10, 7, Vista, XP (64-bit)", product.GetForOS()},
-        {"GetCopyrightYear", L"2017", product.GetCopyrightYear()},
-        {"GetHelpFile", L"Tessaly.chm", product.GetHelpFile()},
-        {"GetAutoUpdateFile", L"TSEXE64.exe", product.GetAutoUpdateFile()},
-        {"GetOEMStr", L"", product.GetOEMStr()},
-        {"GetMsgTitle", L"Tessaly", product.GetMsgTitle()},
-    };
-    for (const auto& row : rows) EXPECT_STREQ(row.pszExpected, row.psz) << row.pszName;
+struct TextCase {
+    const char* pszName;
+    const wchar_t* pszExpected;
+    const wchar_t* (*pfnGet)(MyProductInfo& product);
+};
+class MyProductInfoTexts : public testing::TestWithParam<TextCase> {};
+TEST_P(MyProductInfoTexts, AreThose) {
+    EXPECT_STREQ(GetParam().pszExpected, GetParam().pfnGet(GetMyProductInfo()));
 }
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MyProductInfoTexts,
+    testing::Values(
+        TextCase{"GetStoreID", L"tessaly",
+                 [](MyProductInfo& product) { return product.GetStoreID(); }},
+        TextCase{"GetName", L"Tessaly", [](MyProductInfo& product) { return product.GetName(); }},
+        TextCase{"GetNickName", L"Tessaly",
+                 [](MyProductInfo& product) { return product.GetNickName(); }},
+        TextCase{"GetDisplayName", L"Tessaly",
+                 [](MyProductInfo& product) { return product.GetDisplayName(); }},
+        TextCase{"GetVersionStr", L"1.1",
+                 [](MyProductInfo& product) { return product.GetVersionStr(); }},
+        TextCase{"GetVersionStrLongWith0", L"Version 1.1",
+                 [](MyProductInfo& product) { return product.GetVersionStrLong(0); }},
+        TextCase{"GetVersionStrLongWith1", L"Version <b>1.1</b>",
+                 [](MyProductInfo& product) { return product.GetVersionStrLong(1); }},
+        TextCase{"GetVersionStrLongWith2", L"Version <b>1.1</b>",
+                 [](MyProductInfo& product) { return product.GetVersionStrLong(2); }},
+        TextCase{"GetLanguage", L"en",
+                 [](MyProductInfo& product) { return product.GetLanguage(); }},
+        TextCase{"GetRevisionStr", L"2409",
+                 [](MyProductInfo& product) { return product.GetRevisionStr(); }},
+        TextCase{"GetEditionShort", L"x64",
+                 [](MyProductInfo& product) { return product.GetEditionShort(); }},
+        TextCase{"GetEdition", L"x64 Edition",
+                 [](MyProductInfo& product) { return product.GetEdition(); }},
+        TextCase{"GetForOS", L"for Windows\u00AE 10, 7, Vista, XP (64-bit)",
+                 [](MyProductInfo& product) { return product.GetForOS(); }},
+        TextCase{"GetCopyrightYear", L"2017",
+                 [](MyProductInfo& product) { return product.GetCopyrightYear(); }},
+        TextCase{"GetHelpFile", L"Tessaly.chm",
+                 [](MyProductInfo& product) { return product.GetHelpFile(); }},
+        TextCase{"GetAutoUpdateFile", L"TSEXE64.exe",
+                 [](MyProductInfo& product) { return product.GetAutoUpdateFile(); }},
+        TextCase{"GetOEMStr", L"", [](MyProductInfo& product) { return product.GetOEMStr(); }},
+        TextCase{"GetMsgTitle", L"Tessaly",
+                 [](MyProductInfo& product) { return product.GetMsgTitle(); }}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(MyProductInfo, Numbers) {
     MyProductInfo& product = GetMyProductInfo();
@@ -165,44 +186,65 @@ TEST_F(ProductInfoTest, PushOfThePushedRootKeepsIt) {
     EXPECT_STREQ(L"HKCU\\one", product.GetAppRootKey());
 }
 
-TEST_F(ProductInfoTest, ConvertResourceIdResolvesSignAndModule) {
-    HINSTANCE hinstOther = reinterpret_cast<HINSTANCE>(0x4711);
-    HINSTANCE hinstApp = reinterpret_cast<HINSTANCE>(0x4712);
-    HINSTANCE hinstLibrary = GetLibraryInstance();
-    AppInstance app(hinstApp, nullptr);
-    const struct {
-        int nId;
-        HINSTANCE hinst;
-        int nIdAfter;
-        HINSTANCE hinstAfter;
-    } rows[] = {
-        {0, nullptr, 0, nullptr},
-        {0, hinstOther, 0, hinstOther},
-        {5, nullptr, 5, hinstApp},
-        {-5, nullptr, 5, hinstLibrary},
-        {5, hinstOther, 5, hinstOther},
-        {-5, hinstOther, 5, hinstOther},
-        {INT_MAX, nullptr, INT_MAX, hinstApp},
-        {-INT_MAX, nullptr, INT_MAX, hinstLibrary},
-        {INT_MIN, nullptr, INT_MIN, hinstLibrary},
-    };
-    for (const auto& row : rows) {
-        int nId = row.nId;
-        HINSTANCE hinst = row.hinst;
-        product.ConvertResourceId(nId, hinst);
-        EXPECT_EQ(row.nIdAfter, nId) << row.nId;
-        EXPECT_EQ(row.hinstAfter, hinst) << row.nId;
+enum class Module { None, Other, Application, Library };
+struct ResourceIdCase {
+    const char* pszName;
+    int nId;
+    Module module;
+    int nIdAfter;
+    Module moduleAfter;
+};
+struct ConvertedResourceId : ProductInfoTest, testing::WithParamInterface<ResourceIdCase> {
+    static HINSTANCE HandleOf(Module module) {
+        switch (module) {
+        case Module::Other: return reinterpret_cast<HINSTANCE>(0x4711);
+        case Module::Application: return reinterpret_cast<HINSTANCE>(0x4712);
+        case Module::Library: return GetLibraryInstance();
+        case Module::None: break;
+        }
+        return nullptr;
     }
+};
+TEST_P(ConvertedResourceId, GoesBySignAndModule) {
+    AppInstance app(HandleOf(Module::Application), nullptr);
+    int nId = GetParam().nId;
+    HINSTANCE hinst = HandleOf(GetParam().module);
+    product.ConvertResourceId(nId, hinst);
+    EXPECT_EQ(GetParam().nIdAfter, nId);
+    EXPECT_EQ(HandleOf(GetParam().moduleAfter), hinst);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ConvertedResourceId,
+    testing::Values(ResourceIdCase{"None", 0, Module::None, 0, Module::None},
+                    ResourceIdCase{"NoneWithModule", 0, Module::Other, 0, Module::Other},
+                    ResourceIdCase{"Positive", 5, Module::None, 5, Module::Application},
+                    ResourceIdCase{"Negative", -5, Module::None, 5, Module::Library},
+                    ResourceIdCase{"PositiveWithModule", 5, Module::Other, 5, Module::Other},
+                    ResourceIdCase{"NegativeWithModule", -5, Module::Other, 5, Module::Other},
+                    ResourceIdCase{"Greatest", INT_MAX, Module::None, INT_MAX, Module::Application},
+                    ResourceIdCase{"NegativeOfIt", -INT_MAX, Module::None, INT_MAX,
+                                   Module::Library},
+                    ResourceIdCase{"Least", INT_MIN, Module::None, INT_MIN, Module::Library}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
-TEST_F(ProductInfoTest, IsSameVersionStartsAtTheFirstDigit) {
-    const struct {
-        const wchar_t* psz;
-        int bSame;
-    } rows[] = {{L"1.1", 1},   {L"v1.1", 1}, {L"Version 1.1", 1}, {L"1.10", 0}, {L"1.1 ", 0},
-                {L"2v1.1", 0}, {L"", 0},     {L"none", 0},        {L"1", 0},    {nullptr, 0}};
-    for (const auto& row : rows) EXPECT_EQ(row.bSame, product.IsSameVersion(row.psz));
+struct VersionCase {
+    const char* pszName;
+    const wchar_t* psz;
+    int bSame;
+};
+class IsSameVersion : public testing::TestWithParam<VersionCase> {};
+TEST_P(IsSameVersion, StartsAtTheFirstDigit) {
+    EXPECT_EQ(GetParam().bSame, GetMyProductInfo().IsSameVersion(GetParam().psz));
 }
+INSTANTIATE_TEST_SUITE_P(
+    Cases, IsSameVersion,
+    testing::Values(VersionCase{"Itself", L"1.1", 1}, VersionCase{"BehindALetter", L"v1.1", 1},
+                    VersionCase{"BehindAWord", L"Version 1.1", 1},
+                    VersionCase{"LongerNumber", L"1.10", 0}, VersionCase{"BlankBehind", L"1.1 ", 0},
+                    VersionCase{"NumberBefore", L"2v1.1", 0}, VersionCase{"Empty", L"", 0},
+                    VersionCase{"NoDigit", L"none", 0}, VersionCase{"Beginning", L"1", 0},
+                    VersionCase{"Null", nullptr, 0}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(ProductInfoTest, LanguageAndTradeMark) {
     OtherProduct other;
@@ -276,4 +318,113 @@ TEST_F(ProductInfoTest, ShutDownStepsTheProgressOncePerSecond) {
     ProductInfo::pfnStepProgress = nullptr;
     product.ShutDownMyModules(nullptr, pProgress, 1);
     EXPECT_EQ(1, nSteps);
+}
+
+namespace {
+HINSTANCE Instance(UINT_PTR n) { return reinterpret_cast<HINSTANCE>(n); }
+} // namespace
+
+TEST(AppInstance, NoneIsTheLibrary) {
+    ASSERT_EQ(nullptr, ProductInfo::pCurrentApp.load());
+    EXPECT_EQ(GetLibraryInstance(), GetMyProductInfo().GetAppInstance());
+    EXPECT_STREQ(L"Tessaly", GetMyProductInfo().GetComponent());
+}
+
+TEST(AppInstance, GivesItsModuleComponentAndRootWhileItLives) {
+    ProductInfo& product = GetMyProductInfo();
+    {
+        AppInstance app(Instance(0x10), L"Part");
+        EXPECT_EQ(&app, ProductInfo::pCurrentApp.load());
+        EXPECT_EQ(Instance(0x10), product.GetAppInstance());
+        EXPECT_STREQ(L"Part", product.GetComponent());
+        EXPECT_STREQ(L"HKCU\\Software\\Orvanta\\Tessaly\\Part", product.GetAppRootKey());
+        EXPECT_STREQ(L"HKCU\\Software\\Orvanta\\Tessaly\\Part", app.GetAppRootKey());
+    }
+    EXPECT_EQ(nullptr, ProductInfo::pCurrentApp.load());
+    EXPECT_STREQ(kStartRoot, product.GetAppRootKey());
+    EXPECT_EQ(GetLibraryInstance(), product.GetAppInstance());
+}
+
+TEST(AppInstance, WithoutAComponentKeepsRootAndNameOfTheProduct) {
+    AppInstance app(Instance(0x10), nullptr);
+    EXPECT_EQ(nullptr, app.GetAppRootKey());
+    EXPECT_STREQ(kStartRoot, GetMyProductInfo().GetAppRootKey());
+    EXPECT_STREQ(L"Tessaly", GetMyProductInfo().GetComponent());
+    EXPECT_EQ(Instance(0x10), GetMyProductInfo().GetAppInstance());
+}
+
+TEST(AppInstance, NewestIsCurrentInWhateverOrderTheyGo) {
+    auto pFirst = std::make_unique<AppInstance>(Instance(1), L"a");
+    auto pSecond = std::make_unique<AppInstance>(Instance(2), L"b");
+    auto pThird = std::make_unique<AppInstance>(Instance(3), L"c");
+    EXPECT_EQ(pThird.get(), ProductInfo::pCurrentApp.load());
+    pSecond.reset();
+    EXPECT_EQ(pThird.get(), ProductInfo::pCurrentApp.load());
+    pThird.reset();
+    EXPECT_EQ(pFirst.get(), ProductInfo::pCurrentApp.load());
+    pFirst.reset();
+    EXPECT_EQ(nullptr, ProductInfo::pCurrentApp.load());
+}
+
+TEST(AppInstance, ProductsRootIsSetInTheCurrentOneIfThatHasARoot) {
+    ProductInfo& product = GetMyProductInfo();
+    {
+        AppInstance app(Instance(1), L"a");
+        product.SetAppRootKey(L"HKCU\\of the app");
+        EXPECT_STREQ(L"HKCU\\of the app", app.GetAppRootKey());
+    }
+    EXPECT_STREQ(kStartRoot, product.GetAppRootKey());
+    {
+        AppInstance app(Instance(1), nullptr);
+        product.SetAppRootKey(L"HKCU\\of the product");
+        EXPECT_EQ(nullptr, app.GetAppRootKey());
+    }
+    EXPECT_STREQ(L"HKCU\\of the product", product.GetAppRootKey());
+    product.SetAppRootKey(kStartRoot);
+}
+
+TEST(AppInstance, RootCanBeReplacedAndEmptied) {
+    AppInstance app(Instance(1), L"a");
+    std::wstring strLong(3000, L'r');
+    app.SetAppRootKey(strLong.c_str());
+    EXPECT_EQ(strLong, app.GetAppRootKey());
+    app.SetAppRootKey(app.GetAppRootKey());
+    EXPECT_EQ(strLong, app.GetAppRootKey());
+    app.SetAppRootKey(L"");
+    EXPECT_EQ(nullptr, app.GetAppRootKey());
+    EXPECT_STREQ(kStartRoot, GetMyProductInfo().GetAppRootKey());
+    app.SetAppRootKey(nullptr);
+    EXPECT_EQ(nullptr, app.GetAppRootKey());
+}
+
+TEST(AppInstance, PushedRootGoesBeforeItAndIsDroppedWithIt) {
+    {
+        AppInstance app(Instance(1), L"a");
+        GetMyProductInfo().PushAppRootKey(L"HKCU\\pushed");
+        EXPECT_STREQ(L"HKCU\\pushed", GetMyProductInfo().GetAppRootKey());
+    }
+    EXPECT_STREQ(kStartRoot, GetMyProductInfo().GetAppRootKey());
+}
+
+TEST(AppInstance, RootOfALongComponentIsCutTo264Characters) {
+    std::wstring strComponent(1000, L'c');
+    AppInstance app(Instance(1), strComponent.c_str());
+    EXPECT_EQ(264, ::lstrlenW(app.GetAppRootKey()));
+}
+
+TEST(AppInstance, EmptyComponentIsAComponent) {
+    AppInstance app(Instance(1), L"");
+    EXPECT_STREQ(L"HKCU\\Software\\Orvanta\\Tessaly\\", app.GetAppRootKey());
+    EXPECT_STREQ(L"", GetMyProductInfo().GetComponent());
+}
+
+TEST(AppInstance, ThreadsComeAndGoAtOnce) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int n = 0; n < 200; ++n) AppInstance app(Instance(7), nullptr);
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(nullptr, ProductInfo::pCurrentApp.load());
 }

@@ -419,32 +419,34 @@ TEST_F(HandOverHook, TextWithoutAnEndIsNotBelieved) {
     }
 }
 
-TEST_F(HandOverHook, RequestThatWasChangedUnderWayIsNotServed) {
-    // Any one byte of what is asked for, between the message's way and the look at the section.
-    const struct {
-        const char* pszName;
-        void* p;
-    } rows[] = {{"owner", &handOverData.hwndOwner},
-                {"handle wanted", &handOverData.bWantHandle},
-                {"verb", handOverData.szVerb},
-                {"file", handOverData.szFile},
-                {"parameters", handOverData.szParameters},
-                {"end of the parameters", &handOverData.szParameters[MAX_PATH - 2]},
-                {"directory", &handOverData.szDirectory[10]}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.pszName);
-        ReplaceImport replaced(__imp_SendMessageW, &SendAfterAChange);
-        pReplacedSend = &replaced;
-        pChanged = static_cast<unsigned char*>(row.p);
-        dwError = 99;
-        EXPECT_EQ(0, HandOver(nullptr, L"v", L"f", L"p", L"d", &hProcess, &dwError));
-        EXPECT_EQ(nullptr, hProcess);
-        EXPECT_TRUE(shell.calls.empty());
-        pChanged = nullptr;
-        EXPECT_EQ(1, HandOver(nullptr, L"v", L"f", L"p", L"d", nullptr, &dwError));
-        EXPECT_EQ(L"f", shell.TakeOne().file);
-    }
+struct ChangeCase {
+    const char* pszName;
+    void* p; // of what is asked for
+};
+struct RequestChangedUnderWay : HandOverHook, testing::WithParamInterface<ChangeCase> {};
+TEST_P(RequestChangedUnderWay, IsNotServed) {
+    // A byte, between the message's way and the look at the section.
+    ReplaceImport replaced(__imp_SendMessageW, &SendAfterAChange);
+    pReplacedSend = &replaced;
+    pChanged = static_cast<unsigned char*>(GetParam().p);
+    dwError = 99;
+    EXPECT_EQ(0, HandOver(nullptr, L"v", L"f", L"p", L"d", &hProcess, &dwError));
+    EXPECT_EQ(nullptr, hProcess);
+    EXPECT_TRUE(shell.calls.empty());
+    pChanged = nullptr;
+    EXPECT_EQ(1, HandOver(nullptr, L"v", L"f", L"p", L"d", nullptr, &dwError));
+    EXPECT_EQ(L"f", shell.TakeOne().file);
 }
+INSTANTIATE_TEST_SUITE_P(Cases, RequestChangedUnderWay,
+                         testing::Values(ChangeCase{"Owner", &handOverData.hwndOwner},
+                                         ChangeCase{"HandleWanted", &handOverData.bWantHandle},
+                                         ChangeCase{"Verb", handOverData.szVerb},
+                                         ChangeCase{"File", handOverData.szFile},
+                                         ChangeCase{"Parameters", handOverData.szParameters},
+                                         ChangeCase{"EndOfTheParameters",
+                                                    &handOverData.szParameters[MAX_PATH - 2]},
+                                         ChangeCase{"Directory", &handOverData.szDirectory[10]}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(HandOverHook, MessageWithoutTheDigestIsNotServed) {
     for (int n = -1; n < 128; ++n) { // nothing, or one bit that differs

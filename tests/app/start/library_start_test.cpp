@@ -1,4 +1,4 @@
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "app/start/library_start.h"
 #include "runtime/base/current_product.h"
 #include "runtime/system/wts_api32.h"

@@ -1,4 +1,4 @@
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/icons_test_support.h"

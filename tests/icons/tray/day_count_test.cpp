@@ -1,4 +1,4 @@
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "icons/menu_test_support.h"
 #include "icons/tray/day_count.h"
 

@@ -1,4 +1,4 @@
-#include "app/identity/my_product_info.h"
+#include "app/identity/product_info.h"
 #include "app/launch/open_html.h"
 #include "app/shell_start_recorder.h"
 #include "icons/agent/desktop_shared_data.h"

@@ -1,5 +1,6 @@
 #include "app/identity/product_info.h"
 #include "resources/resource_ids.h"
+#include "runtime/base/current_product.h"
 #include "runtime/messages/res_str.h"
 #include "support/test_resource_ids.h"
 #include <gtest/gtest.h>
@@ -196,4 +197,38 @@ TEST(StrAppendTextFmt, IdZeroClearsTheText) {
     EXPECT_EQ(L'x', sz[0]);
     StrAppendTextFmt(nullptr, 16, 0);
 }
+
+struct IdCase {
+    const char* pszName;
+    int nId;
+    int bModule; // a foreign module is named
+    int bApp;    // a foreign application is current
+    DefaultModule defaultModule;
+    int bExpectForeign;
+    unsigned nExpected;
+};
+class ResolvedId : public testing::TestWithParam<IdCase> {};
+TEST_P(ResolvedId, NamesModuleAndNumber) {
+    const IdCase& row = GetParam();
+    HMODULE hmod = ::LoadLibraryW(L"shell32.dll");
+    AppInstance app(row.bApp ? hmod : GetLibraryInstance(), nullptr);
+    ResourceRef ref = ResolveResourceId(row.nId, row.bModule ? hmod : nullptr, row.defaultModule);
+    EXPECT_EQ(row.bExpectForeign ? hmod : GetLibraryInstance(), ref.hinst);
+    EXPECT_EQ(row.nExpected, reinterpret_cast<ULONG_PTR>(ref.pszName));
+}
+constexpr auto kLib = DefaultModule::kLibrary;
+constexpr auto kApp = DefaultModule::kApplication;
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ResolvedId,
+    testing::Values(IdCase{"PositiveWithModule", 9, 1, 0, kLib, 1, 9},
+                    IdCase{"PositiveWithModuleBesideAnApplication", 9, 1, 1, kApp, 1, 9},
+                    IdCase{"PositiveWithoutModuleOfTheLibrary", 9, 0, 1, kLib, 0, 9},
+                    IdCase{"PositiveWithoutModuleOfTheApplication", 9, 0, 1, kApp, 1, 9},
+                    IdCase{"NegativeWithModule", -9, 1, 1, kLib, 0, 9},
+                    IdCase{"NegativeWithModuleBesideAnApplication", -9, 1, 1, kApp, 0, 9},
+                    IdCase{"NegativeWithoutModule", -9, 0, 1, kApp, 0, 9},
+                    IdCase{"GreatestNumber", 0xFFFF, 0, 0, kLib, 0, 0xFFFF},
+                    IdCase{"AboveTheGreatest", 0x10001, 0, 0, kLib, 0, 1},
+                    IdCase{"LeastInt", -0x7FFFFFFF - 1, 0, 0, kLib, 0, 0}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 } // namespace

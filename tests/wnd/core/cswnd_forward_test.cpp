@@ -352,25 +352,31 @@ TEST_F(CSWndForward, FontIsAskedFromTheWindow) {
     EXPECT_EQ((std::vector<Seen>{{WM_GETFONT, 0, 0}}), Of(WM_GETFONT));
 }
 
-TEST_F(CSWndForward, IconsByBitSmallFirst) {
+struct SetIconCase {
+    const char* pszName;
+    unsigned nWhich;
+    std::vector<WPARAM> expected;
+};
+struct CSWndSetIcon : CSWndForward, testing::WithParamInterface<SetIconCase> {};
+TEST_P(CSWndSetIcon, GoesByBitSmallFirst) {
     HICON hicon = ::LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_WARNING));
-    auto l = reinterpret_cast<LPARAM>(hicon);
-    const struct {
-        unsigned nWhich;
-        std::vector<Seen> expected;
-    } rows[] = {
-        {0, {}},
-        {1, {{WM_SETICON, ICON_SMALL, l}}},
-        {2, {{WM_SETICON, ICON_BIG, l}}},
-        {3, {{WM_SETICON, ICON_SMALL, l}, {WM_SETICON, ICON_BIG, l}}},
-        {4, {}},
-        {0xFFFFFFFF, {{WM_SETICON, ICON_SMALL, l}, {WM_SETICON, ICON_BIG, l}}},
-    };
-    for (const auto& row : rows) {
-        seen.clear();
-        wnd.SetIcon(hicon, row.nWhich);
-        EXPECT_EQ(row.expected, Of(WM_SETICON)) << row.nWhich;
-    }
+    seen.clear();
+    wnd.SetIcon(hicon, GetParam().nWhich);
+    std::vector<Seen> expected;
+    for (WPARAM w : GetParam().expected)
+        expected.push_back({WM_SETICON, w, reinterpret_cast<LPARAM>(hicon)});
+    EXPECT_EQ(expected, Of(WM_SETICON));
+}
+INSTANTIATE_TEST_SUITE_P(
+    Cases, CSWndSetIcon,
+    testing::Values(SetIconCase{"None", 0, {}}, SetIconCase{"Small", 1, {ICON_SMALL}},
+                    SetIconCase{"Big", 2, {ICON_BIG}},
+                    SetIconCase{"Both", 3, {ICON_SMALL, ICON_BIG}},
+                    SetIconCase{"AnotherBit", 4, {}},
+                    SetIconCase{"AllBits", 0xFFFFFFFF, {ICON_SMALL, ICON_BIG}}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST_F(CSWndForward, NoIconIsSetToo) {
     seen.clear();
     wnd.SetIcon(nullptr, 3);
     EXPECT_EQ((std::vector<Seen>{{WM_SETICON, ICON_SMALL, 0}, {WM_SETICON, ICON_BIG, 0}}),

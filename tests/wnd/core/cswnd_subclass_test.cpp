@@ -470,6 +470,30 @@ TEST_F(CSWndSubclassProcedure, BadHandleGivesZeroAndNoProperty) {
     }
 }
 
+WNDPROC pfnBeforeLatecomer = nullptr;
+int nLatecomerCalls = 0;
+LRESULT CALLBACK LatecomerProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    nLatecomerCalls += uMsg == kMsg;
+    return ::CallWindowProcW(pfnBeforeLatecomer, hwnd, uMsg, wParam, lParam);
+}
+
+TEST_F(CSWndSubclassProcedure, UnsubclassCutsOutWhoeverCameLater) {
+    Target target;
+    ProbeWnd wnd(record);
+    ASSERT_EQ(1, wnd.Subclass(target));
+    pfnBeforeLatecomer = reinterpret_cast<WNDPROC>(
+        ::SetWindowLongPtrW(target, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&LatecomerProc)));
+    nLatecomerCalls = 0;
+    EXPECT_EQ(kPlainResult, target.Send());
+    EXPECT_EQ(1, nLatecomerCalls);
+    EXPECT_EQ(1, record.Count(kMsg));
+    EXPECT_EQ(1, wnd.Unsubclass());
+    EXPECT_EQ(&PlainProc, target.Proc());
+    EXPECT_EQ(kPlainResult, target.Send());
+    EXPECT_EQ(1, nLatecomerCalls) << "is no longer asked";
+    EXPECT_EQ(1, record.Count(kMsg));
+}
+
 TEST_F(CSWndSubclassProcedure, TiedObjectKeepsItsWindow) {
     Target target;
     PlainWnd other;

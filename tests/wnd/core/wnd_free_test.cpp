@@ -214,27 +214,32 @@ TEST_F(WndFree, StylesOfAHandle) {
     EXPECT_EQ(dwEx, GetWndStyle(wnd, 1));
 }
 
-TEST_F(WndFree, ModifyStyleTouchesOnlyWhatAMaskNames) {
-    const struct {
-        DWORD dwRemove, dwAdd, dwRemoveEx, dwAddEx;
-        std::vector<int> changes;
-    } rows[] = {
-        {0, 0, 0, 0, {}},
-        {1, 0, 0, 0, {GWL_STYLE}},
-        {0, 1, 0, 0, {GWL_STYLE}},
-        {0, 0, WS_EX_ACCEPTFILES, 0, {GWL_EXSTYLE}},
-        {0, 0, 0, WS_EX_ACCEPTFILES, {GWL_EXSTYLE}},
-        {1, 2, WS_EX_ACCEPTFILES, WS_EX_NOPARENTNOTIFY, {GWL_STYLE, GWL_EXSTYLE}},
-    };
-    for (const auto& row : rows) {
-        DWORD dwStyle = GetWndStyle(wnd, 0), dwEx = GetWndStyle(wnd, 1);
-        styleChanges.clear();
-        ModifyStyle(wnd, row.dwRemove, row.dwAdd, row.dwRemoveEx, row.dwAddEx);
-        EXPECT_EQ(row.changes, styleChanges);
-        EXPECT_EQ((dwStyle & ~row.dwRemove) | row.dwAdd, GetWndStyle(wnd, 0));
-        EXPECT_EQ((dwEx & ~row.dwRemoveEx) | row.dwAddEx, GetWndStyle(wnd, 1));
-    }
+struct StyleCase {
+    const char* pszName;
+    DWORD dwRemove, dwAdd, dwRemoveEx, dwAddEx;
+    std::vector<int> changes;
+};
+struct ModifiedStyle : WndFree, testing::WithParamInterface<StyleCase> {};
+TEST_P(ModifiedStyle, TouchesOnlyWhatAMaskNames) {
+    const StyleCase& row = GetParam();
+    SetWndStyle(wnd, GetWndStyle(wnd, 0) | 1, 0); // so that there is something to remove
+    SetWndStyle(wnd, GetWndStyle(wnd, 1) ^ row.dwRemoveEx, 1);
+    DWORD dwStyle = GetWndStyle(wnd, 0), dwEx = GetWndStyle(wnd, 1);
+    styleChanges.clear();
+    ModifyStyle(wnd, row.dwRemove, row.dwAdd, row.dwRemoveEx, row.dwAddEx);
+    EXPECT_EQ(row.changes, styleChanges);
+    EXPECT_EQ((dwStyle & ~row.dwRemove) | row.dwAdd, GetWndStyle(wnd, 0));
+    EXPECT_EQ((dwEx & ~row.dwRemoveEx) | row.dwAddEx, GetWndStyle(wnd, 1));
 }
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ModifiedStyle,
+    testing::Values(
+        StyleCase{"NoMask", 0, 0, 0, 0, {}}, StyleCase{"Remove", 1, 0, 0, 0, {GWL_STYLE}},
+        StyleCase{"Add", 0, 1, 0, 0, {GWL_STYLE}},
+        StyleCase{"RemoveExtended", 0, 0, WS_EX_ACCEPTFILES, 0, {GWL_EXSTYLE}},
+        StyleCase{"AddExtended", 0, 0, 0, WS_EX_ACCEPTFILES, {GWL_EXSTYLE}},
+        StyleCase{"All", 1, 2, WS_EX_ACCEPTFILES, WS_EX_NOPARENTNOTIFY, {GWL_STYLE, GWL_EXSTYLE}}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 struct WndFreeCommand : WndFree {
     WndFreeCommand() {

@@ -1,12 +1,14 @@
 #include "app/identity/product_info.h"
-#include "runtime/base/current_product.h"
-#include "runtime/messages/res_str.h"
+#include "support/gui_objects.h"
+#include "support/made_icon.h"
 #include "support/memory_picture.h"
 #include "support/test_resource_ids.h"
 #include "wnd/draw/csicon.h"
 
 #include <gtest/gtest.h>
+#include <objbase.h>
 #include <cstring>
+#include <thread>
 
 namespace {
 constexpr COLORREF kRed = RGB(255, 0, 0), kBlue = RGB(0, 0, 255), kWhite = RGB(255, 255, 255);
@@ -175,37 +177,112 @@ TEST(CSIcon, SectionAndItsHeaderAreBottomUpWith32Bits) {
     ::DeleteObject(hbm);
 }
 
-struct IdCase {
-    const char* pszName;
-    int nId;
-    int bModule; // a foreign module is named
-    int bApp;    // a foreign application is current
-    DefaultModule defaultModule;
-    int bExpectForeign;
-    unsigned nExpected;
+struct OwnedTestBitmap {
+    explicit OwnedTestBitmap(HBITMAP hbm) : h(hbm) {}
+    ~OwnedTestBitmap() { ::DeleteObject(h); }
+    OwnedTestBitmap(const OwnedTestBitmap&) = delete;
+    OwnedTestBitmap& operator=(const OwnedTestBitmap&) = delete;
+    HBITMAP h;
 };
-class ResolvedId : public testing::TestWithParam<IdCase> {};
-TEST_P(ResolvedId, NamesModuleAndNumber) {
-    const IdCase& row = GetParam();
-    HMODULE hmod = ForeignModule();
-    AppInstance app(row.bApp ? hmod : GetLibraryInstance(), nullptr);
-    ResourceRef ref = ResolveResourceId(row.nId, row.bModule ? hmod : nullptr, row.defaultModule);
-    EXPECT_EQ(row.bExpectForeign ? hmod : GetLibraryInstance(), ref.hinst);
-    EXPECT_EQ(row.nExpected, reinterpret_cast<ULONG_PTR>(ref.pszName));
+
+/// 0 if they differ by at most one step in every channel.
+void ExpectPixel(Pixel expected, Pixel seen) {
+    for (int nShift = 0; nShift < 32; nShift += 8) {
+        EXPECT_NEAR(expected >> nShift & 0xFF, seen >> nShift & 0xFF, 1)
+            << std::hex << expected << " " << seen;
+    }
 }
-constexpr auto kLib = DefaultModule::kLibrary;
-constexpr auto kApp = DefaultModule::kApplication;
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ResolvedId,
-    testing::Values(IdCase{"PositiveWithModule", 9, 1, 0, kLib, 1, 9},
-                    IdCase{"PositiveWithModuleBesideAnApplication", 9, 1, 1, kApp, 1, 9},
-                    IdCase{"PositiveWithoutModuleOfTheLibrary", 9, 0, 1, kLib, 0, 9},
-                    IdCase{"PositiveWithoutModuleOfTheApplication", 9, 0, 1, kApp, 1, 9},
-                    IdCase{"NegativeWithModule", -9, 1, 1, kLib, 0, 9},
-                    IdCase{"NegativeWithModuleBesideAnApplication", -9, 1, 1, kApp, 0, 9},
-                    IdCase{"NegativeWithoutModule", -9, 0, 1, kApp, 0, 9},
-                    IdCase{"GreatestNumber", 0xFFFF, 0, 0, kLib, 0, 0xFFFF},
-                    IdCase{"AboveTheGreatest", 0x10001, 0, 0, kLib, 0, 1},
-                    IdCase{"LeastInt", -0x7FFFFFFF - 1, 0, 0, kLib, 0, 0}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+
+const std::vector<Pixel> kPixels = {0xFFFF0000, 0xFF00FF00, 0x80FF8040, 0x00FFFFFF, // top row
+                                    0x40204060, 0xFF123456, 0x01FF00FF, 0xFF000000};
 } // namespace
+
+TEST(IconToMenuBitmap, PremultipliesTheColoursAndKeepsTheAlpha) {
+    MadeIcon icon(4, 2, kPixels);
+    OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+    auto pixels = PixelsOf(bitmap.h);
+    ASSERT_EQ(kPixels.size(), pixels.size());
+    for (size_t n = 0; n < pixels.size(); ++n) {
+        unsigned dwAlpha = kPixels[n] >> 24;
+        Pixel expected = dwAlpha << 24;
+        for (int nShift = 0; nShift < 24; nShift += 8)
+            expected |= ((kPixels[n] >> nShift & 0xFF) * dwAlpha + 127) / 255 << nShift;
+        ExpectPixel(expected, pixels[n]);
+    }
+}
+
+TEST(IconToMenuBitmap, FirstRowInMemoryIsTheTopmost) {
+    MadeIcon icon(1, 3, {0xFF0000FF, 0xFF00FF00, 0xFFFF0000});
+    OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+    EXPECT_EQ((std::vector<Pixel>{0xFF0000FF, 0xFF00FF00, 0xFFFF0000}), PixelsOf(bitmap.h));
+    // And it is drawn that way round.
+    HDC hdc = ::CreateCompatibleDC(nullptr);
+    HGDIOBJ hOld = ::SelectObject(hdc, bitmap.h);
+    EXPECT_EQ(RGB(0, 0, 0xFF), ::GetPixel(hdc, 0, 0));
+    EXPECT_EQ(RGB(0xFF, 0, 0), ::GetPixel(hdc, 0, 2));
+    ::SelectObject(hdc, hOld);
+    ::DeleteDC(hdc);
+}
+
+TEST(IconToMenuBitmap, HasTheIconsSize) {
+    const SIZE kSizes[] = {{1, 1}, {16, 16}, {17, 5}, {48, 48}, {256, 256}};
+    for (SIZE size : kSizes) {
+        MadeIcon icon(size.cx, size.cy,
+                      std::vector<Pixel>(static_cast<size_t>(size.cx * size.cy), 0xFF336699));
+        OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+        BITMAP bm{};
+        ASSERT_NE(0, ::GetObjectW(bitmap.h, sizeof(bm), &bm)) << size.cx;
+        EXPECT_EQ(size.cx, bm.bmWidth);
+        EXPECT_EQ(size.cy, bm.bmHeight);
+        EXPECT_EQ(32, bm.bmBitsPixel);
+        EXPECT_EQ(size.cx * 4, bm.bmWidthBytes);
+        EXPECT_EQ(0xFF336699, PixelsOf(bitmap.h).back());
+    }
+}
+
+TEST(IconToMenuBitmap, NoIconGivesNull) {
+    EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(nullptr));
+    HICON hiconGone = nullptr;
+    {
+        MadeIcon icon(4, 2, kPixels);
+        hiconGone = icon.Get();
+    }
+    EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(hiconGone));
+    EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(reinterpret_cast<HICON>(0x7777)));
+}
+
+TEST(IconToMenuBitmap, WorksOnThreadsWithAndWithoutComAndLeavesThemSo) {
+    MadeIcon icon(4, 2, kPixels);
+    HRESULT hrAfter = S_OK;
+    std::thread([&] {
+        OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+        EXPECT_NE(nullptr, bitmap.h);
+        // S_FALSE would say that somebody has left COM on.
+        hrAfter = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        ::CoUninitialize();
+    }).join();
+    EXPECT_EQ(S_OK, hrAfter);
+    for (DWORD dwKind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
+        std::thread([&] {
+            ASSERT_EQ(S_OK, ::CoInitializeEx(nullptr, dwKind));
+            OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+            EXPECT_NE(nullptr, bitmap.h);
+            EXPECT_EQ(S_FALSE, ::CoInitializeEx(nullptr, dwKind)); // still the caller's
+            ::CoUninitialize();
+            ::CoUninitialize();
+        }).join();
+    }
+}
+
+TEST(IconToMenuBitmap, LeavesNoObjectBehind) {
+    MadeIcon icon(4, 2, kPixels);
+    ::DeleteObject(CSIcon::IconToMenuBitmap(icon.Get()));
+    int nBefore = CountGdiObjects();
+    ASSERT_GT(nBefore, 0);
+    for (int n = 0; n < 20; ++n) {
+        OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+        EXPECT_EQ(nBefore + 1, CountGdiObjects());
+        EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(nullptr));
+    }
+    EXPECT_EQ(nBefore, CountGdiObjects());
+}

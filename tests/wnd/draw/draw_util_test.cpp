@@ -206,87 +206,6 @@ TEST(PaintShadedRect, WithoutStepsOrHeightPaintsNothing) {
     EXPECT_EQ("../..", picture.Read());
 }
 
-/// A bitmap with that picture, selected nowhere.
-class LetterBitmap {
-  public:
-    LetterBitmap(int cx, int cy, const char* pszRows) {
-        MemoryPicture picture(cx, cy);
-        picture.Write(pszRows);
-        HDC hdcScreen = ::GetDC(nullptr);
-        hbm = ::CreateCompatibleBitmap(hdcScreen, cx, cy);
-        HDC hdc = ::CreateCompatibleDC(hdcScreen);
-        HGDIOBJ hbmBefore = ::SelectObject(hdc, hbm);
-        ::BitBlt(hdc, 0, 0, cx, cy, picture, 0, 0, SRCCOPY);
-        ::SelectObject(hdc, hbmBefore);
-        ::DeleteDC(hdc);
-        ::ReleaseDC(nullptr, hdcScreen);
-    }
-    ~LetterBitmap() { EXPECT_TRUE(::DeleteObject(hbm)) << "still selected"; }
-    LetterBitmap(const LetterBitmap&) = delete;
-    LetterBitmap& operator=(const LetterBitmap&) = delete;
-    operator HBITMAP() const { return hbm; }
-
-  private:
-    HBITMAP hbm;
-};
-
-TEST(DrawBitmap, CopiesAPart) {
-    LetterBitmap bitmap(3, 2, "ABC/DEF");
-    MemoryPicture picture(4, 3);
-    DrawBitmap(picture, bitmap, 2, 0, 1, 0, 2, 2);
-    EXPECT_EQ("..BC/..EF/....", picture.Read());
-}
-
-TEST(DrawBitmap, WithWidth0CopiesTheWholeWhateverTheHeight) {
-    LetterBitmap bitmap(3, 2, "ABC/DEF");
-    MemoryPicture picture(4, 3);
-    DrawBitmap(picture, bitmap, 1, 1, 0, 0, 0, 1);
-    EXPECT_EQ("..../.ABC/.DEF", picture.Read());
-}
-
-TEST(DrawBitmap, CountsInPixelsInAnyMappingMode) {
-    LetterBitmap bitmap(3, 2, "ABC/DEF");
-    MemoryPicture picture(4, 3);
-    ::SetMapMode(picture, MM_TEXT);
-    POINT pt{1, 1};
-    ::SetMapMode(picture, MM_HIMETRIC);
-    ::DPtoLP(picture, &pt, 1);
-    DrawBitmap(picture, bitmap, pt.x, pt.y, 1, 0, 2, 2);
-    EXPECT_EQ("..../.BC./.EF.", picture.Read());
-    EXPECT_EQ(MM_HIMETRIC, ::GetMapMode(picture));
-}
-
-TEST(DrawBitmap, TakesNoExtentsForTheBitmapsSide) {
-    LetterBitmap bitmap(4, 2, "AABB/AABB");
-    MemoryPicture picture(4, 3);
-    ::SetMapMode(picture, MM_ANISOTROPIC);
-    ::SetViewportExtEx(picture, 2, 2, nullptr);
-    DrawBitmap(picture, bitmap, 0, 0, 0, 0, 4, 2);
-    EXPECT_EQ("AAAA/AAAA/....", picture.Read()) << "2 by 1 pixels at the scale of 2";
-}
-
-TEST(DrawBitmap, CountsSizesFromNoOrigin) {
-    LetterBitmap bitmap(3, 2, "ABC/DEF");
-    MemoryPicture picture(4, 3);
-    ::SetViewportOrgEx(picture, 1, 1, nullptr);
-    DrawBitmap(picture, bitmap, 0, 0, 0, 0, 0, 0);
-    EXPECT_EQ("..../.ABC/.DEF", picture.Read());
-}
-
-TEST(DrawBitmap, DoesNothingWithABitmapThatIsSelectedElsewhere) {
-    MemoryPicture selected(2, 2, kA), picture(2, 2);
-    DrawBitmap(picture, selected.GetBitmap(), 0, 0, 0, 0, 0, 0);
-    EXPECT_EQ("../..", picture.Read());
-}
-
-TEST(DrawBitmap, WithoutContextOrBitmapDoesNothing) {
-    LetterBitmap bitmap(1, 1, "A");
-    MemoryPicture picture(1, 1);
-    DrawBitmap(nullptr, bitmap, 0, 0, 0, 0, 0, 0);
-    DrawBitmap(picture, nullptr, 0, 0, 0, 0, 1, 1);
-    EXPECT_EQ(".", picture.Read());
-}
-
 LOGPEN PenOf(HPEN hpen) {
     LOGPEN pen{};
     EXPECT_NE(0, ::GetObjectW(hpen, sizeof(pen), &pen));
@@ -327,16 +246,70 @@ TEST(Pens, DottedIsEveryOtherPixelOfASolidBrush) {
 }
 
 TEST(Painting, LeavesNoDrawingObjectsBehind) {
-    LetterBitmap bitmap(3, 2, "ABC/DEF");
     MemoryPicture picture(4, 4);
     int nBefore = -1;
     for (int i = 0; i < 60; ++i) {
         PaintRect(picture, 0, 0, 2, 2, kA);
         DrawRect(picture, 0, 0, 2, 2, kA, PS_SOLID);
         PaintShadedRect(picture, RECT{0, 0, 4, 4}, kA, 1, 4);
-        DrawBitmap(picture, bitmap, 0, 0, 0, 0, 0, 0);
         if (i == 9) nBefore = CountGdiObjects();
     }
     EXPECT_EQ(nBefore, CountGdiObjects());
+}
+
+struct ColorCase {
+    const char* pszName;
+    unsigned long color;
+    int nLuminosity;
+    unsigned long bright;
+};
+class Colors : public testing::TestWithParam<ColorCase> {};
+TEST_P(Colors, HaveLuminosityAndABrightForm) {
+    const ColorCase& row = GetParam();
+    EXPECT_EQ(row.nLuminosity, GetLuminosity(row.color));
+    EXPECT_EQ(row.nLuminosity, COLORRGB(row.color).GetLuminosity());
+    EXPECT_EQ(row.bright, MakeColorBright(row.color));
+}
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Colors,
+    testing::Values(ColorCase{"White", RGB(255, 255, 255), 240, RGB(255, 255, 255)},
+                    ColorCase{"Black", RGB(0, 0, 0), 0, RGB(0, 0, 0)},
+                    ColorCase{"PureRed", RGB(255, 0, 0), 120, RGB(255, 0, 0)},
+                    ColorCase{"Brown", RGB(100, 50, 0), 47, RGB(255, 127, 0)},
+                    ColorCase{"DarkestBlue", RGB(0, 0, 1), 0, RGB(0, 0, 255)},
+                    // (3 * 240 + 255) / 510 is 1.9
+                    ColorCase{"SumOfThree", RGB(1, 2, 1), 1, RGB(127, 255, 127)},
+                    ColorCase{"SumOfTwo", RGB(1, 1, 1), 1, RGB(255, 255, 255)},
+                    ColorCase{"Middle", RGB(128, 128, 128), 120, RGB(255, 255, 255)},
+                    ColorCase{"ByteOnTopDoesNotCount", 0x02000000 | RGB(4, 254, 10), 121,
+                              RGB(4, 255, 10)}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(COLORRGB, IsTheColourAndItsBytes) {
+    COLORRGB rgb(0x01020304);
+    EXPECT_EQ(4, rgb.bytes.red);
+    EXPECT_EQ(3, rgb.bytes.green);
+    EXPECT_EQ(2, rgb.bytes.blue);
+    rgb.bytes.red = 9;
+    EXPECT_EQ(0x01020309u, rgb.color);
+    EXPECT_EQ(0u, COLORRGB().color);
+}
+
+TEST(COLORRGB, MakeBrightWrapsAt256) {
+    COLORRGB rgb(RGB(200, 128, 127));
+    rgb.MakeBright();
+    EXPECT_EQ(RGB(144, 0, 254), rgb.color);
+}
+
+TEST(COLORRGB, MakeDarkHalvesRoundingDown) {
+    COLORRGB rgb(0x02000000 | RGB(255, 1, 128));
+    rgb.MakeDark();
+    EXPECT_EQ(0x02000000u | RGB(127, 0, 64), rgb.color);
+}
+
+TEST(COLORRGB, PaintsARectangle) {
+    MemoryPicture picture(4, 3);
+    COLORRGB(MemoryPicture::ColorOf('A')).PaintRect(picture, 1, 1, 2, 1);
+    EXPECT_EQ("..../.AA./....", picture.Read());
 }
 } // namespace

@@ -277,18 +277,23 @@ TEST_F(CSMenuItems, ShieldIsOneSmallBitmapForAllItems) {
     EXPECT_EQ(0, menu.SetShieldIconByID(kNowhere));
 }
 
-TEST(CSMenuBitmaps, AreMadeFromWindowsVistaOn) {
+struct OtherWindowsCase {
+    const char* pszName;
+    const wchar_t* pszVersion;
+    const char* pszOutput; // of menu_probe
+};
+class CSMenuBitmapsOn : public testing::TestWithParam<OtherWindowsCase> {};
+TEST_P(CSMenuBitmapsOn, AreMadeFromWindowsVistaOn) {
     if (!CanShowOtherWindows()) GTEST_SKIP() << "a real Windows does not show itself as another";
-    const struct {
-        const wchar_t* pszVersion;
-        const char* pszBitmap;
-    } rows[] = {{L"winxp64", "1 0"}, {L"win2003", "1 0"}, {L"vista", "1 1"}, {L"win10", "1 1"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.pszBitmap,
-                  OutputOnOtherWindows(L"menu_probe.exe", row.pszVersion).substr(0, 3))
-            << row.pszVersion;
-    }
+    EXPECT_EQ(GetParam().pszOutput,
+              OutputOnOtherWindows(L"menu_probe.exe", GetParam().pszVersion).substr(0, 3));
 }
+INSTANTIATE_TEST_SUITE_P(Cases, CSMenuBitmapsOn,
+                         testing::Values(OtherWindowsCase{"XP", L"winxp64", "1 0"},
+                                         OtherWindowsCase{"Server2003", L"win2003", "1 0"},
+                                         OtherWindowsCase{"Vista", L"vista", "1 1"},
+                                         OtherWindowsCase{"Windows10", L"win10", "1 1"}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CSMenuBitmaps, StaticMembersDoWhatTheSharedRoutinesDo) {
     MadeIcon icon(1, 1, {0x80FF0000});

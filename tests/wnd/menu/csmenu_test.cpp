@@ -1,10 +1,15 @@
 #include "support/gui_objects.h"
+#include "support/menu_driver.h"
+#include "support/replace_import.h"
+#include "support/test_window.h"
 #include "wnd/menu/csmenu.h"
 
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
+
+extern "C" FARPROC __imp_GetCursorPos;
 
 namespace {
 /// What a menu shows, an item per letter: the text's first character, '|' for a separator, and "!"
@@ -308,29 +313,31 @@ TEST(CSMenuBreaks, MenuThatFitsGetsNoneNorItsSubMenus) {
     EXPECT_EQ(L"abcdefghij(0123456789!|abcdef)!|k", Shape(menu));
 }
 
-TEST(CSMenuBreaks, EveryFurtherColumnHasOneItemFewer) {
-    const struct {
-        const wchar_t* pszItems;
-        int every, bar;
-        const wchar_t* pszShape;
-    } rows[] = {
-        {L"", 3, 1, L""},
-        {L"abc", 3, 1, L"abc"},
-        {L"abcd", 3, 1, L"abc!|d"},
-        {L"abcde", 3, 0, L"abc/|de"},
-        {L"abcdef", 3, 0, L"abc/|de/|f"},
-        {L"abcdefgh", 3, 5, L"abc!|de!|fg!|h"},
-        {L"abcd", 2, 1, L"ab!|c!|d"},
-        {L"abcd", 4, 1, L"abcd"},
-    };
-    for (const auto& row : rows) {
-        CSMenu menu;
-        menu.CreatePopup();
-        Fill(menu, row.pszItems);
-        menu.InsertBreaks(row.every, row.bar);
-        EXPECT_EQ(row.pszShape, Shape(menu));
-    }
+struct ColumnsCase {
+    const char* pszName;
+    const wchar_t* pszItems;
+    int every, bar;
+    const wchar_t* pszShape;
+};
+class CSMenuColumns : public testing::TestWithParam<ColumnsCase> {};
+TEST_P(CSMenuColumns, EveryFurtherOneHasOneItemFewer) {
+    CSMenu menu;
+    menu.CreatePopup();
+    Fill(menu, GetParam().pszItems);
+    menu.InsertBreaks(GetParam().every, GetParam().bar);
+    EXPECT_EQ(GetParam().pszShape, Shape(menu));
 }
+INSTANTIATE_TEST_SUITE_P(Cases, CSMenuColumns,
+                         testing::Values(ColumnsCase{"NoItem", L"", 3, 1, L""},
+                                         ColumnsCase{"OneFullColumn", L"abc", 3, 1, L"abc"},
+                                         ColumnsCase{"OneItemMore", L"abcd", 3, 1, L"abc!|d"},
+                                         ColumnsCase{"WithoutABar", L"abcde", 3, 0, L"abc/|de"},
+                                         ColumnsCase{"TwoBreaks", L"abcdef", 3, 0, L"abc/|de/|f"},
+                                         ColumnsCase{"AnyBar", L"abcdefgh", 3, 5,
+                                                     L"abc!|de!|fg!|h"},
+                                         ColumnsCase{"EveryTwo", L"abcd", 2, 1, L"ab!|c!|d"},
+                                         ColumnsCase{"EveryFourOfFour", L"abcd", 4, 1, L"abcd"}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CSMenuBreaks, ColumnsWithoutRoomForAnItemAreNotMade) {
     CSMenu menu;
@@ -446,4 +453,266 @@ TEST(CSMenuSearch, IdOfASubMenuIsThePlatforms) {
     sub.Detach();
     EXPECT_EQ(0u, menu.FindStrPos(L"sub"));
     EXPECT_EQ(::GetMenuItemID(menu, 0), menu.FindStrID(L"sub"));
+}
+
+namespace {
+POINT ptTestCursor{};
+BOOL WINAPI TestCursorPos(POINT* ppt) {
+    *ppt = ptTestCursor;
+    return TRUE;
+}
+
+/// Where menus of the product's find the cursor. The real one may be moved by what is still on its
+/// way from the display; the end-to-end tests open menus at that.
+class TestCursor {
+  public:
+    explicit TestCursor(POINT pt) : replaced(__imp_GetCursorPos, &TestCursorPos) {
+        ptTestCursor = pt;
+    }
+
+  private:
+    ReplaceImport replaced;
+};
+
+struct AdjustingMenu : CSMenu {
+    using CSMenu::AdjustPointForTrayIcon;
+};
+
+/// A visible window in front, with a control 50, and a popup of three items with a sub-menu.
+struct CSMenuTrack : testing::Test {
+    CSMenuTrack() {
+        hwndCtrl = ::CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE, 20, 30, 61, 41,
+                                     owner, reinterpret_cast<HMENU>(50), nullptr, nullptr);
+        ::SetWindowPos(owner, HWND_TOP, 100, 100, 300, 200, SWP_SHOWWINDOW);
+        ::SetForegroundWindow(owner);
+        menu.CreatePopup();
+        menu.AppendItem(11, L"&One");
+        menu.AppendItem(12, L"&Two");
+        sub.CreatePopup();
+        sub.AppendItem(21, L"&Inner");
+        menu.AppendSubMenu(sub, L"&Sub");
+        sub.Detach(); // it goes with its parent
+        PutCursor({600, 400});
+    }
+    RECT CtrlRect() {
+        RECT rc{};
+        ::GetWindowRect(hwndCtrl, &rc);
+        return rc;
+    }
+
+    TestWindow owner;
+    HWND hwndCtrl = nullptr;
+    CSMenu menu, sub;
+};
+
+void ExpectPlace(POINT pt, RECT rc) {
+    EXPECT_EQ(pt.x, rc.left);
+    EXPECT_EQ(pt.y, rc.top);
+}
+} // namespace
+
+TEST_F(CSMenuTrack, KeysChooseAnItem) {
+    MenuDriver driver(owner, [](MenuDriver& hands) { hands.Press(VK_DOWN, VK_DOWN, VK_RETURN); });
+    EXPECT_EQ(12, menu.Track(owner, POINT{200, 200}));
+    EXPECT_TRUE(driver.Finish());
+}
+
+TEST_F(CSMenuTrack, ALetterChoosesAnItem) {
+    MenuDriver driver(owner, [](MenuDriver& hands) { hands.Press('O'); });
+    EXPECT_EQ(11, menu.Track(owner, POINT{200, 200}));
+    EXPECT_TRUE(driver.Finish());
+}
+
+TEST_F(CSMenuTrack, KeysChooseFromASubMenu) {
+    MenuDriver driver(owner, [](MenuDriver& hands) { hands.Press('S', 'I'); });
+    EXPECT_EQ(21, menu.Track(owner, POINT{200, 200}));
+    EXPECT_TRUE(driver.Finish());
+}
+
+TEST_F(CSMenuTrack, EscapeAndAClickElsewhereGiveZero) {
+    {
+        MenuDriver driver(owner, [](MenuDriver& hands) { hands.Press(VK_ESCAPE); });
+        EXPECT_EQ(0, menu.Track(owner, POINT{200, 200}));
+        EXPECT_TRUE(driver.Finish());
+    }
+    MenuDriver driver(owner, [](MenuDriver& hands) { hands.Click({700, 500}); });
+    EXPECT_EQ(0, menu.Track(owner, POINT{200, 200}));
+    EXPECT_TRUE(driver.Finish());
+}
+
+TEST_F(CSMenuTrack, BothMouseButtonsChooseAnItem) {
+    for (bool bRight : {false, true}) {
+        MenuDriver driver(owner,
+                          [&](MenuDriver& hands) { hands.Click(hands.PlaceOf(menu, 1), bRight); });
+        EXPECT_EQ(12, menu.Track(owner, POINT{200, 200})) << bRight;
+        EXPECT_TRUE(driver.Finish());
+    }
+}
+
+TEST_F(CSMenuTrack, PointIsTheMenusPlace) {
+    RECT rc{};
+    MenuDriver driver(owner, [&](MenuDriver& hands) {
+        rc = hands.FirstPopup();
+        hands.Press(VK_ESCAPE);
+    });
+    menu.Track(owner, POINT{213, 147});
+    EXPECT_TRUE(driver.Finish());
+    ExpectPlace({213, 147}, rc);
+}
+
+/// Where the cursor is when the menu is asked for.
+enum class CursorAt { Elsewhere, FirstPixel, LastPixel, RightEdge, BottomEdge, LeftOfIt, AboveIt };
+struct TrackPlaceCase {
+    const char* pszName;
+    unsigned nCtrlId;
+    CursorAt where;
+    bool bAtTheCursor; // the menu opens there, else in the middle of the control
+};
+struct CSMenuTrackPlace : CSMenuTrack, testing::WithParamInterface<TrackPlaceCase> {
+    static POINT CursorPlace(const RECT& rc) {
+        switch (GetParam().where) {
+        case CursorAt::FirstPixel: return {rc.left, rc.top};
+        case CursorAt::LastPixel: return {rc.right - 1, rc.bottom - 1};
+        case CursorAt::RightEdge: return {rc.right, rc.top};
+        case CursorAt::BottomEdge: return {rc.left, rc.bottom};
+        case CursorAt::LeftOfIt: return {rc.left - 1, rc.top};
+        case CursorAt::AboveIt: return {rc.left, rc.top - 1};
+        case CursorAt::Elsewhere: break;
+        }
+        return {600, 400};
+    }
+};
+TEST_P(CSMenuTrackPlace, IsTheCursorsOrTheControlsCentre) {
+    RECT rcCtrl = CtrlRect();
+    POINT ptCursor = CursorPlace(rcCtrl);
+    POINT ptCentre{(rcCtrl.left + rcCtrl.right) / 2, (rcCtrl.top + rcCtrl.bottom) / 2};
+    TestCursor cursor(ptCursor);
+    RECT rc{};
+    MenuDriver driver(owner, [&](MenuDriver& hands) {
+        rc = hands.FirstPopup();
+        hands.Press(VK_ESCAPE);
+    });
+    EXPECT_EQ(0, menu.Track(owner, GetParam().nCtrlId));
+    EXPECT_TRUE(driver.Finish());
+    ExpectPlace(GetParam().bAtTheCursor ? ptCursor : ptCentre, rc);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Cases, CSMenuTrackPlace,
+    testing::Values(TrackPlaceCase{"NoControl", 0, CursorAt::Elsewhere, true},
+                    TrackPlaceCase{"NoControlAndTheCursorOverOne", 0, CursorAt::FirstPixel, true},
+                    TrackPlaceCase{"ControlThatDoesNotExist", 51, CursorAt::Elsewhere, true},
+                    TrackPlaceCase{"Outside", 50, CursorAt::Elsewhere, false},
+                    TrackPlaceCase{"LeftAndTopEdgeAreInside", 50, CursorAt::FirstPixel, true},
+                    TrackPlaceCase{"LastPixelIsInside", 50, CursorAt::LastPixel, true},
+                    TrackPlaceCase{"RightEdgeIsOutside", 50, CursorAt::RightEdge, false},
+                    TrackPlaceCase{"BottomEdgeIsOutside", 50, CursorAt::BottomEdge, false},
+                    TrackPlaceCase{"LeftOfItIsOutside", 50, CursorAt::LeftOfIt, false},
+                    TrackPlaceCase{"AboveItIsOutside", 50, CursorAt::AboveIt, false}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST_F(CSMenuTrack, NoMenuGivesZeroAtOnce) {
+    CSMenu none;
+    EXPECT_EQ(0, none.Track(owner, POINT{1, 1}));
+    EXPECT_EQ(0, none.Track(owner, 50u));
+    EXPECT_EQ(0, none.Track2(owner, 1));
+}
+
+const int kScreenWidth = ::GetSystemMetrics(SM_CXSCREEN);
+const int kScreenHeight = ::GetSystemMetrics(SM_CYSCREEN);
+
+struct EdgeCase {
+    const char* pszName;
+    POINT pt;
+    int nRight, nDown; // in which direction it moves, 1 or -1
+};
+class AdjustPointForTrayIcon : public testing::TestWithParam<EdgeCase> {};
+TEST_P(AdjustPointForTrayIcon, MovesAwayFromTheNearestEdges) {
+    const EdgeCase& row = GetParam();
+    AdjustingMenu adjusting;
+    POINT pt = row.pt;
+    adjusting.AdjustPointForTrayIcon(pt);
+    EXPECT_EQ(row.pt.x + row.nRight * ::GetSystemMetrics(SM_CXSMICON), pt.x);
+    EXPECT_EQ(row.pt.y + row.nDown * ::GetSystemMetrics(SM_CYSMICON), pt.y);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Cases, AdjustPointForTrayIcon,
+    testing::Values(
+        EdgeCase{"TopLeft", {0, 0}, 1, 1},
+        EdgeCase{"BottomRight", {kScreenWidth - 1, kScreenHeight - 1}, -1, -1},
+        EdgeCase{"TopRight", {kScreenWidth - 1, 0}, -1, 1},
+        EdgeCase{"BottomLeft", {0, kScreenHeight - 1}, 1, -1},
+        // Half the width belongs to the right.
+        EdgeCase{"Middle", {kScreenWidth / 2, kScreenHeight / 2}, -1, -1},
+        EdgeCase{"JustBeforeTheMiddle", {kScreenWidth / 2 - 1, kScreenHeight / 2 - 1}, 1, 1}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+namespace {
+/// A hidden owner that writes down what Track2 does to it.
+struct CSMenuTrack2 : testing::Test {
+    CSMenuTrack2() {
+        menu.CreatePopup();
+        menu.AppendItem(11, L"&One");
+        ::ShowWindow(front, SW_SHOW);
+        ::SetForegroundWindow(front);
+        PutCursor({600, 400});
+    }
+    std::optional<LRESULT> OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+        if (uMsg == WM_WINDOWPOSCHANGING) {
+            auto* pPos = reinterpret_cast<WINDOWPOS*>(lParam);
+            constexpr UINT kTold = SWP_NOSIZE | SWP_NOMOVE | SWP_NOREDRAW;
+            if ((pPos->flags & kTold) == kTold && !(pPos->flags & SWP_NOZORDER)) {
+                if (pPos->hwndInsertAfter == HWND_TOP) events += "top ";
+                if (pPos->hwndInsertAfter == HWND_BOTTOM) events += "bottom ";
+            }
+        }
+        if (uMsg == WM_ACTIVATE) events += LOWORD(wParam) ? "active " : "inactive ";
+        if (uMsg == WM_ENTERMENULOOP) {
+            events += ::GetForegroundWindow() == owner ? "menu " : "menu-not-in-front ";
+        }
+        if (uMsg == WM_EXITMENULOOP) events += "end ";
+        return std::nullopt;
+    }
+
+    std::string events;
+    TestWindow front;
+    TestWindow owner{[this](UINT u, WPARAM w, LPARAM l) { return OnMessage(u, w, l); }};
+    CSMenu menu;
+};
+} // namespace
+
+TEST_F(CSMenuTrack2, BringsTheOwnerToTheFrontForTheMenuAndTheFormerWindowAfterwards) {
+    ASSERT_EQ(front.Get(), ::GetForegroundWindow());
+    MenuDriver driver(owner, [](MenuDriver& hands) { hands.Press('O'); });
+    EXPECT_EQ(11, menu.Track2(owner, 0));
+    EXPECT_TRUE(driver.Finish());
+    EXPECT_EQ(front.Get(), ::GetForegroundWindow());
+    EXPECT_FALSE(::IsWindowVisible(owner));
+    // The order of the steps; what the platform adds in between is its own affair.
+    size_t nAt = 0;
+    for (const char* psz : {"top ", "active ", "menu ", "end ", "bottom ", "inactive "}) {
+        nAt = events.find(psz, nAt);
+        ASSERT_NE(std::string::npos, nAt) << psz << " in: " << events;
+    }
+}
+
+TEST_F(CSMenuTrack2, OpensAtTheCursorAndForATrayIconBesideIt) {
+    int dx = ::GetSystemMetrics(SM_CXSMICON), dy = ::GetSystemMetrics(SM_CYSMICON);
+    for (int forTrayIcon : {0, 1, -1}) {
+        TestCursor cursor({600, 400}); // right of the middle, below it
+        RECT rc{};
+        MenuDriver driver(owner, [&](MenuDriver& hands) {
+            rc = hands.FirstPopup();
+            hands.Press(VK_ESCAPE);
+        });
+        EXPECT_EQ(0, menu.Track2(owner, forTrayIcon));
+        EXPECT_TRUE(driver.Finish());
+        ExpectPlace(forTrayIcon ? POINT{600 - dx, 400 - dy} : POINT{600, 400}, rc);
+    }
+}
+
+TEST_F(CSMenuTrack2, PutsTheFormerWindowInFrontAlsoWhenNothingWasChosen) {
+    MenuDriver driver(owner, [](MenuDriver& hands) { hands.Press(VK_ESCAPE); });
+    EXPECT_EQ(0, menu.Track2(owner, 1));
+    EXPECT_TRUE(driver.Finish());
+    EXPECT_EQ(front.Get(), ::GetForegroundWindow());
 }

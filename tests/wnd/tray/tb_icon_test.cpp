@@ -1,4 +1,3 @@
-#include "app/identity/my_product_info.h"
 #include "app/identity/product_info.h"
 #include "runtime/system/dll_loader.h"
 #include "support/fake_tray.h"
