@@ -1,4 +1,4 @@
-#include "files/disk/mix_path.h"
+#include "files/disk/path_spelling.h"
 #include "files/fake_drives.h"
 #include "files/path_support.h"
 #include "files/short_names.h"

@@ -1,5 +1,5 @@
 #include "files/disk/path_home.h"
-#include "files/disk/path_short.h"
+#include "files/disk/path_spelling.h"
 #include "runtime/base/current_product.h"
 #include "store/reg_tree.h"
 #include "support/temp_folder.h"

@@ -1,5 +1,5 @@
 #include "files/disk/path_fs.h"
-#include "files/disk/path_short.h"
+#include "files/disk/path_spelling.h"
 #include "files/path_support.h"
 #include "files/short_names.h"
 #include "support/guard_page.h"
