@@ -67,9 +67,9 @@ LibraryProblem LoadLibraryFile(const wchar_t* pszPath, MonitorFunc*& pfnMonitor)
     }
     OwnedModule library(::LoadLibraryW(pszPath));
     if (!library) return LibraryProblem::NotLoadable;
-    FARPROC pfnEntry = FindModuleFunc(library.Get(), "DoMonitor");
+    auto* pfnEntry = FindModuleFunc<MonitorFunc>(library.Get(), "DoMonitor");
     if (!pfnEntry || !HasAllFunctions(library.Get())) return LibraryProblem::Foreign;
-    pfnMonitor = reinterpret_cast<MonitorFunc*>(reinterpret_cast<void*>(pfnEntry));
+    pfnMonitor = pfnEntry;
     (void)library.Release(); // mapped until the program ends
     return LibraryProblem::None;
 }

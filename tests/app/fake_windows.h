@@ -1,6 +1,6 @@
 #pragma once
-#include "runtime/system/runtime_func.h"
 #include "support/replace_import.h"
+#include "support/runtime_lookup.h"
 
 #include <windows.h>
 #include <cstring>

@@ -1,5 +1,5 @@
 #pragma once
-#include "runtime/system/runtime_func.h"
+#include "support/runtime_lookup.h"
 
 #include <windows.h>
 #include <winnetwk.h>

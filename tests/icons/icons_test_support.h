@@ -1,7 +1,7 @@
 #pragma once
 #include "icons/agent/icon_record.h"
 #include "icons/monitor/front_end.h"
-#include "runtime/system/runtime_func.h"
+#include "support/runtime_lookup.h"
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <commctrl.h>

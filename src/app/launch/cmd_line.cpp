@@ -2,8 +2,6 @@
 #include "runtime/text/str_chars.h"
 
 namespace {
-int IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }
-
 int IsSwitchSign(wchar_t ch) { return ch == L'/' || ch == L'-'; }
 
 int IsDataSign(wchar_t ch) { return ch == L':' || ch == L'='; }
@@ -65,13 +63,12 @@ FirstToken FindFirstToken(const wchar_t* pszLine) {
 }
 
 const wchar_t* FindArguments(const wchar_t* pszLine) {
-    while (IsBlankOrTab(*pszLine)) ++pszLine;
+    pszLine = SkipBlanksAndTabs(pszLine);
     FirstToken token = FindFirstToken(pszLine);
     if (*token.pszBegin == L'/') return pszLine;
     const wchar_t* psz = token.pszEnd;
     if (token.bQuoted && *psz) ++psz;
-    while (IsBlankOrTab(*psz)) ++psz;
-    return psz;
+    return SkipBlanksAndTabs(psz);
 }
 } // namespace
 

@@ -95,7 +95,7 @@ Seal SealOf(const HandOverData& request) {
     sealed.nResult = 0;
     sealed.dwError = 0;
     sealed.hProcess = nullptr;
-    unsigned char digest[16];
+    unsigned char digest[kMd5Size];
     CalcMD5(digest, &sealed, sizeof(sealed));
     Seal seal;
     static_assert(sizeof(seal) == sizeof(digest));

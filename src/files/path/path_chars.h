@@ -48,28 +48,6 @@ wchar_t* SkipRoot(wchar_t* pszPath);
 /// separator or ":" stands before it.
 std::size_t LengthWithoutSeparator(const wchar_t* pszPath, std::size_t cch);
 
-/// A set of ASCII characters, given as a text; blanks in it only set the others apart.
-class AsciiSet {
-  public:
-    constexpr explicit AsciiSet(const wchar_t* pszChars) {
-        for (const wchar_t* p = pszChars; *p; ++p) {
-            if (*p != L' ') nBits[*p / kBits] |= 1ull << *p % kBits;
-        }
-    }
-    constexpr bool Has(wchar_t ch) const {
-        return ch < 2 * kBits && (nBits[ch / kBits] >> ch % kBits & 1);
-    }
-    /// Whether a text holds one of them.
-    bool AnyIn(const wchar_t* psz) const {
-        while (*psz && !Has(*psz)) ++psz;
-        return *psz != 0;
-    }
-
-  private:
-    static constexpr unsigned kBits = 64;
-    unsigned long long nBits[2] = {};
-};
-
 /// The length of a text; 0 for null.
 inline std::size_t LengthOf(const wchar_t* psz) { return psz ? std::wcslen(psz) : 0; }
 /// The length of a text, counted no further than cchMax; 0 for null.

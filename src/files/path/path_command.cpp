@@ -14,13 +14,6 @@ constexpr wchar_t kQuote = L'"';
 
 // The parts of a command
 
-bool IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }
-
-const wchar_t* SkipBlanksAndTabs(const wchar_t* psz) {
-    while (IsBlankOrTab(*psz)) ++psz;
-    return psz;
-}
-
 /// Takes the command's first word; psz moves to what follows.
 const wchar_t* TakeWord(const wchar_t*& psz, std::size_t& cch) {
     const wchar_t* pWord = SkipBlanksAndTabs(psz);

@@ -1,11 +1,10 @@
 #include "files/path/path_shape.h"
 #include "files/path/path_chars.h"
-#include "runtime/system/runtime_func.h"
+#include "runtime/system/dll_loader.h"
 #include "runtime/text/str_chars.h"
 #include "runtime/text/str_find.h"
 
-#include <windows.h>
-#include <objbase.h>
+#include <atomic>
 #include <cwchar>
 
 namespace {
@@ -18,11 +17,6 @@ constexpr AsciiSet kSeparators(L"\\/");
 constexpr std::ptrdiff_t kMaxAltName = 8;
 constexpr std::size_t kMaxAltExt = 4; // with its "."
 
-// What shows FTP folders is a component of the shell, and each of those has this function. Looked
-// up once, with the first question: the answer cannot change while the system runs.
-constinit RuntimeFunc<decltype(::DllGetClassObject)> fnFtpFolders(L"msieftp.dll",
-                                                                  "DllGetClassObject");
-
 bool HoldsSeparator(const wchar_t* psz) { return kSeparators.AnyIn(psz); }
 
 bool HoldsSeparatorPair(const wchar_t* psz) {
@@ -30,6 +24,15 @@ bool HoldsSeparatorPair(const wchar_t* psz) {
         if (IsPathSeparator(psz[0]) && IsPathSeparator(psz[1])) return true;
     }
     return false;
+}
+
+/// Whether the platform shows FTP folders. Kept: the answer does not change while the system runs,
+/// and asking loads a library.
+bool HasFtpLibrary() {
+    constexpr int kNotAsked = -1;
+    static constinit std::atomic<int> nHas{kNotAsked}; // asked twice by two threads at worst
+    if (nHas == kNotAsked) nHas = GetVerDll(L"msieftp.dll") != 0;
+    return nHas != 0;
 }
 
 /// All separators are the same here, and case does not count.
@@ -132,8 +135,8 @@ const wchar_t* GetInvalidFileNameChars() { return kInvalidFileNameChars; }
 const wchar_t* GetInvalidFolderNameChars() { return kInvalidFolderNameChars; }
 
 int IsFtpFolder(const wchar_t* pszPath) {
-    // The text first: most paths need no look-up, which loads the library.
-    return (!pszPath || StrStartsWith(pszPath, L"ftp://", 1)) && fnFtpFolders.Get() != nullptr;
+    // The text first: most paths need no answer of the platform.
+    return (!pszPath || StrStartsWith(pszPath, L"ftp://", 1)) && HasFtpLibrary();
 }
 
 int IsFileSysUNC(const wchar_t* pszName) { return !pszName || !std::wcsstr(pszName, L"FAT"); }

@@ -9,14 +9,13 @@
 #include <cwchar>
 
 namespace {
-constexpr std::size_t kDigestSize = 16; // in front of the records
-constexpr int kNameSize = 256;          // longer value names are none of a snapshot
+constexpr int kNameSize = 256; // longer value names are none of a snapshot
 constexpr std::size_t kPathSize = 260;
 
 /// The size of the value of so many records; 0 if it is more than the registry can be told.
 unsigned GetValueSize(unsigned nRecords) {
     unsigned long long cb =
-        kDigestSize + static_cast<unsigned long long>(nRecords) * sizeof(IconRecord);
+        kMd5Size + static_cast<unsigned long long>(nRecords) * sizeof(IconRecord);
     return cb <= 0xFFFFFFFF ? static_cast<unsigned>(cb) : 0;
 }
 
@@ -57,11 +56,11 @@ int IsLayoutChanged(const IconRecord* pRecords, unsigned nRecords) {
 
     unsigned cbValue = GetValueSize(nRecords);
     if (!cbValue) return 1;
-    CSBuf stored(cbValue - kDigestSize); // zeros, which are no layout, unless it is filled
+    CSBuf stored(cbValue - kMd5Size); // zeros, which are no layout, unless it is filled
     if (!stored.IsReady()) return 1;
     unsigned char* pStored = stored;
     ReadSnapshot(key, qwNewest, reinterpret_cast<IconRecord*>(pStored), nRecords);
-    return std::memcmp(pStored, pRecords, cbValue - kDigestSize) != 0;
+    return std::memcmp(pStored, pRecords, cbValue - kMd5Size) != 0;
 }
 
 void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords) {
@@ -78,8 +77,8 @@ void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords) {
     CSBuf value(cbValue);
     if (!value.IsReady()) return;
     unsigned char* pValue = value;
-    CalcMD5(pValue, pRecords, cbValue - kDigestSize);
-    std::memcpy(pValue + kDigestSize, pRecords, cbValue - kDigestSize);
+    CalcMD5(pValue, pRecords, cbValue - kMd5Size);
+    std::memcpy(pValue + kMd5Size, pRecords, cbValue - kMd5Size);
     key.PutBin(szName, pValue, cbValue, REG_BINARY);
     TrimSnapshots(key);
 }
@@ -102,8 +101,8 @@ unsigned ReadSnapshot(RegKey& key, unsigned __int64 qwTime, IconRecord* pRecords
     wchar_t szName[kSnapshotNameLength + 1];
     FormatSnapshotName(szName, qwTime);
     unsigned cbValue = key.GetBinSize(szName);
-    if (cbValue <= kDigestSize) return 0;
-    std::size_t cbRecords = cbValue - kDigestSize;
+    if (cbValue <= kMd5Size) return 0;
+    std::size_t cbRecords = cbValue - kMd5Size;
     if (cbRecords % sizeof(IconRecord)) return 0;
     auto nRecords = static_cast<unsigned>(cbRecords / sizeof(IconRecord));
     if (!pRecords || (nRoom && nRecords > nRoom)) return nRecords;
@@ -113,10 +112,10 @@ unsigned ReadSnapshot(RegKey& key, unsigned __int64 qwTime, IconRecord* pRecords
     unsigned char* pValue = value;
     // A value that grew meanwhile is not read, and the zeros of the block have another digest.
     key.GetBin(szName, pValue, cbValue);
-    unsigned char digest[kDigestSize];
-    CalcMD5(digest, pValue + kDigestSize, cbRecords);
-    if (std::memcmp(digest, pValue, kDigestSize) == 0) {
-        std::memcpy(pRecords, pValue + kDigestSize, cbRecords);
+    unsigned char digest[kMd5Size];
+    CalcMD5(digest, pValue + kMd5Size, cbRecords);
+    if (std::memcmp(digest, pValue, kMd5Size) == 0) {
+        std::memcpy(pRecords, pValue + kMd5Size, cbRecords);
     }
     return nRecords;
 }

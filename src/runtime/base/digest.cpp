@@ -278,7 +278,8 @@ void AddBlocks(Md5State& state, const unsigned char* pData, std::uint64_t nBlock
 }
 } // namespace
 
-extern "C" void CalcMD5(unsigned char digest[16], const void* pData, unsigned long long cbData) {
+extern "C" void CalcMD5(unsigned char digest[kMd5Size], const void* pData,
+                        unsigned long long cbData) {
     const auto* pBytes = static_cast<const unsigned char*>(pData);
     Md5State state;
     AddBlocks(state, pBytes, cbData / kBlockSize);

@@ -3,10 +3,12 @@
 
 #include <shlwapi.h> // DLLVERSIONINFO
 #include <atomic>
+#include <type_traits>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase; // the linker's name for the start of this image
 
 namespace {
+using GetVersionFunc = std::remove_pointer_t<DLLGETVERSIONPROC>;
 constexpr DWORD kOldestVersion = 4; // what has no DllGetVersion is of the first shell
 
 int PathBesideThisLibrary(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) {
@@ -35,8 +37,7 @@ HMODULE LoadByName(const wchar_t* pszName) {
 DLLVERSIONINFO AskVersion(const DLL_Loader& library) {
     DLLVERSIONINFO info{};
     info.cbSize = sizeof(info);
-    auto* pfn = reinterpret_cast<DLLGETVERSIONPROC>(
-        reinterpret_cast<void*>(library.GetAPI("DllGetVersion")));
+    auto* pfn = FindModuleFunc<GetVersionFunc>(library, "DllGetVersion");
     if (pfn && SUCCEEDED(pfn(&info))) return info;
     info = {};
     info.dwMajorVersion = kOldestVersion;

@@ -90,7 +90,8 @@ int SingleFloppy() {
 
 int IsFastUserSwitchingEnabled() {
     HKEY hkey = nullptr;
-    constexpr const wchar_t* kWinlogon = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
+    constexpr const wchar_t* kWinlogon =
+        L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
     if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, kWinlogon, 0, KEY_QUERY_VALUE, &hkey) != ERROR_SUCCESS)
         return 0;
     OwnedHandleOf<HKEY, &::RegCloseKey> key(hkey);

@@ -1,44 +1,25 @@
 #include "runtime/text/str_chars.h"
 
 #include <windows.h>
-#include <cstdint>
 #include <cwchar>
 
 namespace {
-/// A set of ASCII characters, one bit each.
-class AsciiSet {
-  public:
-    constexpr AsciiSet& Add(unsigned nFirst, unsigned nLast) {
-        for (unsigned n = nFirst; n <= nLast; ++n) bits[n / 64] |= std::uint64_t{1} << (n % 64);
-        return *this;
-    }
-    constexpr int Has(unsigned n) const { return n < 128 && (bits[n / 64] >> (n % 64) & 1); }
-
-  private:
-    std::uint64_t bits[2] = {};
-};
-
-constexpr AsciiSet kWhite = AsciiSet().Add(' ', ' ').Add('\t', '\n').Add('\r', '\r');
-constexpr AsciiSet kCapital = AsciiSet().Add('A', 'Z');
-constexpr AsciiSet kAlpha = AsciiSet(kCapital).Add('a', 'z');
-constexpr AsciiSet kNum = AsciiSet().Add('0', '9');
-constexpr AsciiSet kAlphaNum = AsciiSet(kAlpha).Add('0', '9');
-constexpr AsciiSet kHex = AsciiSet(kNum).Add('A', 'F').Add('a', 'f');
-constexpr AsciiSet kCode = AsciiSet().Add(0, 31).Add(127, 127);
-constexpr AsciiSet kPrintable = AsciiSet().Add(32, 126).Add('\t', '\n').Add('\f', '\r').Add(26, 26);
+constexpr AsciiSet kWhite = AsciiSet(L"\t \n \r").Add(L' ', L' ');
+constexpr AsciiSet kCapital = AsciiSet().Add(L'A', L'Z');
+constexpr AsciiSet kAlpha = AsciiSet(kCapital).Add(L'a', L'z');
+constexpr AsciiSet kNum = AsciiSet().Add(L'0', L'9');
+constexpr AsciiSet kAlphaNum = AsciiSet(kAlpha).Add(L'0', L'9');
+constexpr AsciiSet kHex = AsciiSet(kNum).Add(L'A', L'F').Add(L'a', L'f');
+constexpr wchar_t kLastControl = 31, kEndOfFile = 26, kDelete = 127;
+constexpr AsciiSet kCode = AsciiSet().Add(0, kLastControl).Add(kDelete, kDelete);
+constexpr AsciiSet kPrintable =
+    AsciiSet(L"\t \n \f \r").Add(kEndOfFile, kEndOfFile).Add(L' ', kDelete - 1);
 // QUIRK: "#", "$", "%", "&", "<", ">", "@" and "_" are no punctuation, "=", "^" and "~" are.
 // Test: CharSets.TableOfAllRows
-constexpr AsciiSet kPunctuation = AsciiSet()
-                                      .Add(33, 34)
-                                      .Add(39, 47)
-                                      .Add(58, 59)
-                                      .Add(61, 61)
-                                      .Add(63, 63)
-                                      .Add(91, 94)
-                                      .Add(96, 96)
-                                      .Add(123, 126);
-// QUIRK: the blank is in this set and the double quote (34) is not. Test: CharSets.TableOfAllRows
-constexpr AsciiSet kMisc = AsciiSet().Add(32, 33).Add(35, 47).Add(58, 64).Add(91, 96).Add(123, 126);
+constexpr AsciiSet kPunctuation(L"! \" ' ( ) * + , - . / : ; = ? [ \\ ] ^ ` { | } ~");
+// QUIRK: the blank is in this set and the double quote is not. Test: CharSets.TableOfAllRows
+constexpr AsciiSet kMisc =
+    AsciiSet(L"! # $ % & ' ( ) * + , - . / : ; < = > ? @ [ \\ ] ^ _ ` { | } ~").Add(L' ', L' ');
 } // namespace
 
 int IsWhiteChar(wchar_t ch) { return kWhite.Has(ch); }
@@ -119,17 +100,11 @@ void StrRot13(wchar_t* pszText) {
 
 namespace {
 template <class Char>
-void SkipBlanksAndTabs(Char*& p) {
-    while (*p == L' ' || *p == L'\t') ++p;
-}
-
-template <class Char>
 int SkipToQuoted(Char*& p) {
     if (!p) return 0;
-    SkipBlanksAndTabs(p);
+    p = SkipBlanksAndTabs(p);
     if (*p != L'"') return 0;
-    ++p;
-    SkipBlanksAndTabs(p);
+    p = SkipBlanksAndTabs(p + 1);
     return 1;
 }
 } // namespace

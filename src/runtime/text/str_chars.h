@@ -4,6 +4,34 @@
 // Sets of characters. They are ASCII only, whatever the user's language: of the characters above
 // 127 none belongs to any set but IsPrintableChar's. Each test gives 1 or 0.
 
+/// A set of ASCII characters, given as a text; blanks in it only set the others apart.
+class AsciiSet {
+  public:
+    constexpr AsciiSet() = default;
+    constexpr explicit AsciiSet(const wchar_t* pszChars) {
+        for (const wchar_t* p = pszChars; *p; ++p) {
+            if (*p != L' ') Add(*p, *p);
+        }
+    }
+    /// Adds the characters from chFirst to chLast, also a blank.
+    constexpr AsciiSet& Add(wchar_t chFirst, wchar_t chLast) {
+        for (unsigned n = chFirst; n <= chLast; ++n) nBits[n / kBits] |= 1ull << n % kBits;
+        return *this;
+    }
+    constexpr bool Has(wchar_t ch) const {
+        return ch < 2 * kBits && (nBits[ch / kBits] >> ch % kBits & 1);
+    }
+    /// Whether a text holds one of them.
+    bool AnyIn(const wchar_t* psz) const {
+        while (*psz && !Has(*psz)) ++psz;
+        return *psz != 0;
+    }
+
+  private:
+    static constexpr unsigned kBits = 64;
+    unsigned long long nBits[2] = {};
+};
+
 /// Blank, tab, CR, LF.
 TESSALY_API int IsWhiteChar(wchar_t ch);
 /// A to Z, a to z.
@@ -62,6 +90,14 @@ TESSALY_API void StrRot13(wchar_t* pszText);
 TESSALY_API void StrTrimW(wchar_t* pszText);
 /// The same where the text may be null or empty.
 TESSALY_API void TrimStr(wchar_t* pszText);
+
+inline bool IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }
+/// The first character that is neither blank nor tab.
+template <class Char>
+Char* SkipBlanksAndTabs(Char* psz) {
+    while (IsBlankOrTab(*psz)) ++psz;
+    return psz;
+}
 
 /// Moves past blanks and tabs. If a double quote comes next, moves past it and past further blanks
 /// and tabs and gives 1, otherwise 0. A null text stays null.

@@ -1,7 +1,7 @@
 #pragma once
 #include "runtime/base/export.h"
 #include <windows.h>
-#include <objidl.h> // IMalloc
+#include <objidl.h>  // IMalloc
 #include <shtypes.h> // ITEMIDLIST
 
 /// The item id list of a path, or of any text that the desktop folder can parse, counted from the

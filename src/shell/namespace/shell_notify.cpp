@@ -7,9 +7,9 @@ namespace {
 constexpr int kSources = SHCNRF_InterruptLevel | SHCNRF_ShellLevel | SHCNRF_NewDelivery;
 constexpr int kSourcesRecursive = kSources | SHCNRF_RecursiveInterrupt;
 
-template <class Pfn>
-void FindShellFunc(Pfn& pfn, const char* pszName) {
-    pfn = reinterpret_cast<Pfn>(reinterpret_cast<void*>(FindMappedFunc(L"SHELL32", pszName)));
+template <class Fn>
+void FindShellFunc(Fn*& pfn, const char* pszName) {
+    pfn = FindMappedFunc<Fn>(L"SHELL32", pszName);
 }
 } // namespace
 

@@ -10,7 +10,7 @@ constinit ManualLock csSubclass;
 /// The module is only asked for, never loaded: this runs while the library itself is loaded.
 template <class Fn>
 Fn* FindControlsFunc(const char* pszName) {
-    return reinterpret_cast<Fn*>(reinterpret_cast<void*>(FindMappedFunc(kControlsModule, pszName)));
+    return FindMappedFunc<Fn>(kControlsModule, pszName);
 }
 } // namespace
 

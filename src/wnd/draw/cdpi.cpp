@@ -12,18 +12,23 @@ constexpr INT_PTR kSearchedInVain = 1;
 
 constinit CDPI dpiOfProcess;
 constinit HWND hwndOfMonitor = nullptr;
-constinit INT_PTR nGetDpiForMonitor = 0; // its address, 0 until it was looked for
-constinit unsigned nLookupSeen = 0;      // the look-up that was asked, see SetRuntimeLookup
 
 INT_PTR FindGetDpiForMonitor() {
     constexpr const wchar_t* kModule = L"Shcore.dll";
-    FARPROC pfn = FindMappedFunc(kModule, "GetDpiForMonitor");
-    if (!pfn) pfn = FindMappedFunc(kModule, "GetDPIForMonitor");
+    auto* pfn = FindMappedFunc<GetDpiForMonitorFunc>(kModule, "GetDpiForMonitor");
+    if (!pfn) pfn = FindMappedFunc<GetDpiForMonitorFunc>(kModule, "GetDPIForMonitor");
     return pfn ? reinterpret_cast<INT_PTR>(pfn) : kSearchedInVain;
 }
 
 bool IsSkinDpi(int nDpi) { return nDpi >= kSkinDpiFirst && nDpi <= kSkinDpiLast; }
 } // namespace
+
+/// The address of GetDpiForMonitor; 0 until it was looked for. Named, so that a test can begin with
+/// a search.
+namespace cdpi_detail {
+constinit INT_PTR nGetDpiForMonitor = 0;
+}
+using cdpi_detail::nGetDpiForMonitor;
 
 CDPI* PCDPI() { return &dpiOfProcess; }
 
@@ -87,12 +92,8 @@ void CDPI::SetWindow(HWND hwnd) {
 }
 
 long CDPI::MyGetDPIForMonitor(HMONITOR hmonitor, int type, unsigned int* px, unsigned int* py) {
-    // A failed search is remembered too; only another look-up than the platform's begins anew.
-    unsigned nLookup = runtime_detail::nGeneration.load();
-    if (!nGetDpiForMonitor || nLookupSeen != nLookup) {
-        nGetDpiForMonitor = FindGetDpiForMonitor();
-        nLookupSeen = nLookup;
-    }
+    // A failed search is remembered too.
+    if (!nGetDpiForMonitor) nGetDpiForMonitor = FindGetDpiForMonitor();
     if (nGetDpiForMonitor == kSearchedInVain) return E_NOTIMPL;
     return reinterpret_cast<GetDpiForMonitorFunc*>(nGetDpiForMonitor)(hmonitor, type, px, py);
 }

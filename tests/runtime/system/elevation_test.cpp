@@ -1,5 +1,5 @@
 #include "runtime/system/elevation.h"
-#include "runtime/system/runtime_func.h"
+#include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 #include <string>

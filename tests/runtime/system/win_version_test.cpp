@@ -1,6 +1,6 @@
-#include "runtime/system/runtime_func.h"
 #include "runtime/system/system_facts.h"
 #include "support/other_windows.h"
+#include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 #include <map>

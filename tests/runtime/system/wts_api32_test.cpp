@@ -1,6 +1,6 @@
 #include "app/start/library_start.h"
-#include "runtime/system/runtime_func.h"
 #include "runtime/system/wts_api32.h"
+#include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,5 +1,5 @@
-#include "runtime/system/runtime_func.h"
 #include "shell/subclass/shell_subclass.h"
+#include "support/runtime_lookup.h"
 #include "support/wait_until.h"
 #include "wnd/core/cswnd.h"
 #include "wnd/wnd_probe.h"

@@ -1,5 +1,5 @@
-#include "runtime/system/runtime_func.h"
 #include "support/replace_import.h"
+#include "support/runtime_lookup.h"
 #include "wnd/draw/cdpi.h"
 #include "wnd/wnd_probe.h"
 
@@ -10,6 +10,10 @@
 
 extern "C" FARPROC __imp_GetDC;
 
+namespace cdpi_detail {
+extern INT_PTR nGetDpiForMonitor; // what the first search found
+}
+
 namespace {
 /// A Windows with or without a GetDpiForMonitor that tells what it is told to.
 class FakeMonitorDpi {
@@ -17,17 +21,21 @@ class FakeMonitorDpi {
     FakeMonitorDpi() {
         Reset();
         SetRuntimeLookup(&Lookup);
-        Forget();
+        ForgetSearch();
     }
     ~FakeMonitorDpi() {
         SetRuntimeLookup(nullptr);
         CDPI::SetWindow(nullptr);
-        Forget();
+        ForgetSearch();
     }
     FakeMonitorDpi(const FakeMonitorDpi&) = delete;
     FakeMonitorDpi& operator=(const FakeMonitorDpi&) = delete;
 
     static void Forget() { PCDPI()->Invalidate(); }
+    static void ForgetSearch() {
+        cdpi_detail::nGetDpiForMonitor = 0;
+        Forget();
+    }
     void Set(unsigned nNewX, unsigned nNewY) {
         nX = nNewX;
         nY = nNewY;
@@ -63,7 +71,7 @@ class FakeMonitorDpi {
         EXPECT_STREQ(L"Shcore.dll", pszModule);
         ++nSearches;
         if (!pszExported || std::strcmp(pszExported, pszName) != 0) return nullptr;
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&GetDpi));
+        return AsProc(&GetDpi);
     }
 };
 
@@ -186,7 +194,7 @@ TEST(CDPI, FindsTheOtherSpellingToo) {
 }
 
 TEST(CDPI, AsksTheModuleThatIsLoadedAndLoadsNone) {
-    SetRuntimeLookup(nullptr); // has it looked for anew
+    FakeMonitorDpi::ForgetSearch();
     bool bLoaded = ::GetModuleHandleW(L"Shcore.dll") != nullptr;
     UINT nX = 7, nY = 7;
     HMONITOR hmonitor = ::MonitorFromWindow(nullptr, MONITOR_DEFAULTTOPRIMARY);
