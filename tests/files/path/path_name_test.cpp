@@ -9,6 +9,51 @@ TEST(ConvertSlashes, EverySlashBecomesABackslash) {
     ExpectChanges({{L"", L""}, {L"/", L"\\"}, {L"C:/a\\b//c", L"C:\\a\\b\\\\c"}}, ConvertSlashes);
 }
 
+// Separators at the end
+
+TEST(AppendBackSlash, AddsOneUnlessThereIsOne) {
+    ExpectChanges({{L"", L""},
+                   {L"a", L"a\\"},
+                   {L"a\\", L"a\\"},
+                   {L"a/", L"a/"},
+                   {L"C:", L"C:\\"},
+                   {L"C:\\", L"C:\\"},
+                   {L"\\", L"\\"}},
+                  AppendBackSlash);
+}
+
+TEST(RemoveBackSlash, CutsOneUnlessASeparatorOrColonStandsBefore) {
+    ExpectChanges({{L"", L""},
+                   {L"\\", L""},
+                   {L"/", L""},
+                   {L"a", L"a"},
+                   {L"a/", L"a"},
+                   {L"C:\\", L"C:\\"},
+                   {L"C:/", L"C:/"},
+                   {L"C:\\a\\", L"C:\\a"},
+                   {L"a\\\\", L"a\\\\"},
+                   {L"a/\\", L"a/\\"},
+                   {L":\\", L":\\"}},
+                  RemoveBackSlash);
+}
+
+TEST(StripBackSlash, CutsOneWithoutCondition) {
+    ExpectChanges({{L"", L""},
+                   {L"\\", L""},
+                   {L"a", L"a"},
+                   {L"a/", L"a"},
+                   {L"C:\\", L"C:"},
+                   {L"C:/", L"C:"},
+                   {L"a\\\\", L"a\\"}},
+                  [](wchar_t* psz) {
+                      std::size_t cch = psz ? std::wcslen(psz) : 0;
+                      int bCut = StripBackSlash(psz);
+                      EXPECT_EQ(bCut, psz && std::wcslen(psz) < cch);
+                  });
+}
+
+// Names
+
 TEST(ConvertDashes, FourDashesBecomeAHyphen) {
     ExpectChanges({{L"", L""},
                    {L"\u2012\u2013\u2014\u2015", L"----"},
@@ -185,6 +230,31 @@ TEST(NameRandom, CharacterChanges) {
         ::CharLowerBuffW(str.data(), static_cast<DWORD>(str.size()));
         if (!str.empty()) ::CharUpperBuffW(str.data(), 1);
         ASSERT_EQ(str, psz);
+    }
+}
+
+TEST(NameRandom, SeparatorsAtTheEnd) {
+    RandomPaths paths(831);
+    GuardedArea area(2 * 1024);
+    FrontGuardedPath front;
+    for (int i = 0; i < kRandomInputs; ++i) {
+        std::wstring str = paths.Next();
+        bool bEnds = !str.empty() && IsSep(str.back());
+        std::wstring strWithout = bEnds ? str.substr(0, str.size() - 1) : str;
+        bool bRoot =
+            bEnds && !strWithout.empty() && (IsSep(strWithout.back()) || strWithout.back() == L':');
+        wchar_t* psz = i % 2 ? area.Put(str) : front.Put(str);
+        RemoveBackSlash(psz);
+        ASSERT_EQ(bRoot ? str : strWithout, psz);
+        psz = i % 2 ? area.Put(str) : front.Put(str);
+        ASSERT_EQ(bEnds, StripBackSlash(psz));
+        ASSERT_EQ(strWithout, psz);
+        bool bAdds = !bEnds && !str.empty();
+        psz = i % 2 ? static_cast<wchar_t*>(area.Put((str.size() + 1 + bAdds) * sizeof(wchar_t)))
+                    : front.Put(str);
+        std::wmemcpy(psz, str.c_str(), str.size() + 1);
+        AppendBackSlash(psz);
+        ASSERT_EQ(bAdds ? str + L"\\" : str, psz);
     }
 }
 

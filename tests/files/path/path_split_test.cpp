@@ -320,8 +320,6 @@ TEST(RootPaths, ThatDoNotFitAreNone) {
 
 std::size_t NameAt(const std::wstring& str) { return str.find_last_of(L"\\/:") + 1; }
 
-bool IsSep(wchar_t ch) { return ch == L'\\' || ch == L'/'; }
-
 std::wstring CutAt(const std::wstring& str, std::size_t n) {
     bool bRoot = n > 0 && str[n - 1] == L':';
     return str.substr(0, bRoot ? n + 1 : n);
