@@ -1,6 +1,7 @@
 #include "files/disk/path_drive.h"
 #include "files/fake_drives.h"
 #include "files/path_support.h"
+#include "files/path_tables.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -162,25 +163,29 @@ TEST(CountBits, CountsThoseThatAreSet) {
     EXPECT_EQ(32, CountBits(0xFFFFFFFF));
 }
 
-TEST(GetDrivesList, ListsTheLetters) {
-    const struct {
-        DWORD dwMask;
-        const wchar_t* pszSeparator;
-        int nCount;
-        const wchar_t* pszList;
-    } rows[] = {{0, L", ", 0, L""},
-                {1, L", ", 1, L"A:"},
-                {0b1101, L", ", 3, L"A:, C:, D:"},
-                {0b1101, L"", 3, L"A:C:D:"},
-                {0b1101, nullptr, 3, L"A:C:D:"},
-                {0x2000000, L";", 1, L"Z:"},
-                {0xFC000001, L";", 1, L"A:"}}; // there are no drives behind Z
-    for (const auto& row : rows) {
-        PathBuffer out(L"before");
-        EXPECT_EQ(row.nCount, GetDrivesList(row.dwMask, out, MAX_PATH, row.pszSeparator));
-        EXPECT_STREQ(row.pszList, out);
-    }
+struct ListCase {
+    const char* pszName;
+    DWORD dwMask;
+    const wchar_t* pszSeparator;
+    int nCount;
+    const wchar_t* pszList;
+};
+class GetDrivesListTest : public testing::TestWithParam<ListCase> {};
+TEST_P(GetDrivesListTest, ListsTheLetters) {
+    PathBuffer out(L"before");
+    EXPECT_EQ(GetParam().nCount,
+              GetDrivesList(GetParam().dwMask, out, MAX_PATH, GetParam().pszSeparator));
+    EXPECT_STREQ(GetParam().pszList, out);
 }
+INSTANTIATE_TEST_SUITE_P(Masks, GetDrivesListTest,
+                         testing::Values(ListCase{"None", 0, L", ", 0, L""},
+                                         ListCase{"One", 1, L", ", 1, L"A:"},
+                                         ListCase{"Three", 0b1101, L", ", 3, L"A:, C:, D:"},
+                                         ListCase{"EmptySeparator", 0b1101, L"", 3, L"A:C:D:"},
+                                         ListCase{"NullSeparator", 0b1101, nullptr, 3, L"A:C:D:"},
+                                         ListCase{"Last", 0x2000000, L";", 1, L"Z:"},
+                                         ListCase{"BitsBehindTheLast", 0xFC000001, L";", 1, L"A:"}),
+                         kRowName);
 
 TEST(GetDrivesList, UnknownMaskLeavesTheBufferAlone) {
     PathBuffer out(L"before");
@@ -408,7 +413,7 @@ INSTANTIATE_TEST_SUITE_P(
         DeviceCase{"Disk", L"\\Device\\HarddiskVolume1", L""},
         DeviceCase{"Substituted", L"\\??\\C:\\folder", L""},
         DeviceCase{"SixCharacters", L"\\??\\UN", L""}, DeviceCase{"Empty", L"", L""}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+    kRowName);
 
 TEST_F(GetUniversalNameTest, LongerNumberInTheDeviceNameIsTakenAlong) {
     drives.devices[L'Y'] = L"\\Device\\LanmanRedirector\\;Y:00000000000012ab\\server\\share";

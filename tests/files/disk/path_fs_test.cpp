@@ -1,5 +1,6 @@
 #include "files/disk/path_fs.h"
 #include "files/fake_drives.h"
+#include "files/path_tables.h"
 #include "files/read_only.h"
 #include "files/shell_ear.h"
 #include "files/short_names.h"
@@ -93,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(Paths, ExistsTest,
                                          ExistsCase{"Missing", L"\\none", 0, 0},
                                          ExistsCase{"BelowAFile", L"\\file\\x", 0, 0},
                                          ExistsCase{"BelowAMissingFolder", L"\\none\\x", 0, 0}),
-                         [](const auto& row) { return std::string(row.param.pszName); });
+                         kRowName);
 
 TEST_F(Attributes, NothingIsFoundUnderNoPath) {
     for (const wchar_t* psz : {static_cast<const wchar_t*>(nullptr), L"", L"\\\\server\\share",

@@ -2,6 +2,7 @@
 #include "files/disk/path_fs.h"
 #include "files/fake_drives.h"
 #include "files/path_support.h"
+#include "files/path_tables.h"
 #include "files/short_names.h"
 #include "support/guard_page.h"
 #include "support/temp_folder.h"
@@ -603,7 +604,7 @@ INSTANTIATE_TEST_SUITE_P(
                     MatchCase{"EmptyPath", kMix, L"", 0, 0}, MatchCase{"BothEmpty", L"", L"", 1, 1},
                     MatchCase{"EmptySpelling", L">C:|a", L"C:\\a", 1, 1},
                     MatchCase{"SpellingsMarkInThePath", L"C:|a>b", L"C:\\a>b", 0, 0}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+    kRowName);
 
 TEST(IsMixPath, NullTextsGiveZero) {
     EXPECT_EQ(0, IsMixPath(kNull, L"C:"));

@@ -14,45 +14,50 @@ class PathArg : public testing::Test {
     void TearDown() override { ::SetEnvironmentVariableW(L"TSLY_TEST", nullptr); }
 };
 
-TEST_F(PathArg, TableOfAllCases) {
-    const struct {
-        const wchar_t* pszCommand;
-        const wchar_t* pszProgram;
-        const wchar_t* pszArgs;
-    } rows[] = {
-        {L"prog", L"prog", L"p x"},
-        {L"prog ", L"prog", L"p x"},
-        {L"prog \t ", L"prog", L"p x"},
-        {L"\"C:\\a b\\prog.exe\"", L"C:\\a b\\prog.exe", L"p x"},
-        {L"prog \"%1\"", L"prog", L"\"p x\""},
-        {L"prog\t/open %1 /end", L"prog", L"/open p x /end"},
-        {L"\"a b\" \"%1\"", L"a b", L"\"p x\""},
-        {L"\"a b\"\"%1\"", L"a b", L"\"p x\""},
-        {L"\"a b", L"a b", L"p x"}, // a quote without its partner
-        {L"prog /open", L"prog", L"/open p x"},
-        {L"prog /open ", L"prog", L"/open  p x"},
-        {L"prog %1%1 %1", L"prog", L"p xp x p x"},
-        {L"prog %", L"prog", L"% p x"},
-        {L"prog %2", L"prog", L"%2 p x"},
-        {L"prog \"%*\"", L"prog", L"\"%*\" p x"},
-        {L"  prog a", L"prog", L"a p x"},
-        {L"%TSLY_TEST%\\prog %TSLY_TEST%", L"D:\\env\\prog", L"%TSLY_TEST% p x"},
-        {L"\"%TSLY_TEST%\\a b\" %1", L"D:\\env\\a b", L"p x"},
-        {L"a\"b c", L"a\"b", L"c p x"}, // a quote within a word is of the word
-        {L"prog%1", L"prog%1", L"p x"},
-        {L"", L"", L"p x"},
-        {L"\"\"", L"", L"p x"},
-    };
-    for (const auto& row : rows) {
-        GuardedText command(row.pszCommand);
-        PathBuffer program(L"before"), args(L"before");
-        EXPECT_EQ(1, PreparePathArg(command.Get(), L"p x", program, args, MAX_PATH))
-            << row.pszCommand;
-        EXPECT_STREQ(row.pszProgram, program) << row.pszCommand;
-        EXPECT_STREQ(row.pszArgs, args) << row.pszCommand;
-        EXPECT_EQ(L'\0', program[std::wcslen(row.pszProgram) + 1]) << row.pszCommand;
-    }
+struct CommandCase {
+    const char* pszName;
+    const wchar_t* pszCommand;
+    const wchar_t* pszProgram;
+    const wchar_t* pszArgs;
+};
+class PathArgTest : public PathArg, public testing::WithParamInterface<CommandCase> {};
+TEST_P(PathArgTest, PathComesInItsPlacesOrBehind) {
+    GuardedText command(GetParam().pszCommand);
+    PathBuffer program(L"before"), args(L"before");
+    EXPECT_EQ(1, PreparePathArg(command.Get(), L"p x", program, args, MAX_PATH));
+    EXPECT_STREQ(GetParam().pszProgram, program);
+    EXPECT_STREQ(GetParam().pszArgs, args);
+    EXPECT_EQ(L'\0', program[std::wcslen(GetParam().pszProgram) + 1]);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Commands, PathArgTest,
+    testing::Values(
+        CommandCase{"Program", L"prog", L"prog", L"p x"},
+        CommandCase{"BlankBehind", L"prog ", L"prog", L"p x"},
+        CommandCase{"BlanksAndTabBehind", L"prog \t ", L"prog", L"p x"},
+        CommandCase{"QuotedProgram", L"\"C:\\a b\\prog.exe\"", L"C:\\a b\\prog.exe", L"p x"},
+        CommandCase{"QuotedPlace", L"prog \"%1\"", L"prog", L"\"p x\""},
+        CommandCase{"TabAndPlaceBetween", L"prog\t/open %1 /end", L"prog", L"/open p x /end"},
+        CommandCase{"BothQuoted", L"\"a b\" \"%1\"", L"a b", L"\"p x\""},
+        CommandCase{"NoBlankBetween", L"\"a b\"\"%1\"", L"a b", L"\"p x\""},
+        CommandCase{"QuoteWithoutItsPartner", L"\"a b", L"a b",
+                    L"p x"}, // a quote without its partner
+        CommandCase{"NoPlace", L"prog /open", L"prog", L"/open p x"},
+        CommandCase{"NoPlaceAndABlank", L"prog /open ", L"prog", L"/open  p x"},
+        CommandCase{"ThreePlaces", L"prog %1%1 %1", L"prog", L"p xp x p x"},
+        CommandCase{"PercentAlone", L"prog %", L"prog", L"% p x"},
+        CommandCase{"OtherNumber", L"prog %2", L"prog", L"%2 p x"},
+        CommandCase{"AllArguments", L"prog \"%*\"", L"prog", L"\"%*\" p x"},
+        CommandCase{"BlanksBefore", L"  prog a", L"prog", L"a p x"},
+        CommandCase{"EnvironmentString", L"%TSLY_TEST%\\prog %TSLY_TEST%", L"D:\\env\\prog",
+                    L"%TSLY_TEST% p x"},
+        CommandCase{"EnvironmentStringInQuotes", L"\"%TSLY_TEST%\\a b\" %1", L"D:\\env\\a b",
+                    L"p x"},
+        CommandCase{"QuoteWithinAWord", L"a\"b c", L"a\"b",
+                    L"c p x"}, // a quote within a word is of the word
+        CommandCase{"PlaceWithinTheProgram", L"prog%1", L"prog%1", L"p x"},
+        CommandCase{"Empty", L"", L"", L"p x"}, CommandCase{"EmptyQuotes", L"\"\"", L"", L"p x"}),
+    kRowName);
 
 TEST_F(PathArg, PlaceWithinThePathIsNoPlace) {
     PathBuffer program, args;
@@ -72,21 +77,28 @@ TEST_F(PathArg, NullsCountAsEmptyAndOutputsAreNeeded) {
     EXPECT_EQ(0, PreparePathArg(L"a", L"b", program, args, 0));
 }
 
-TEST_F(PathArg, ArgumentsTooLongForTheirSizeStayEmpty) {
-    const struct {
-        const wchar_t* pszCommand;
-        unsigned cchArgs; // of the arguments with the terminator
-    } rows[] = {{L"p", 9}, {L"p /x", 12}, {L"p /x %1", 12}, {L"p %1 /x", 12}, {L"p %1%1", 17}};
-    for (const auto& row : rows) {
-        for (unsigned cch = 3; cch < 20; ++cch) {
-            PathBuffer program(L"", cch), args(L"", cch);
-            int nResult = PreparePathArg(row.pszCommand, L"12345678", program, args, cch);
-            EXPECT_EQ(cch >= row.cchArgs, nResult) << row.pszCommand << L" " << cch;
-            EXPECT_EQ(nResult ? row.cchArgs - 1 : 0, args.Str().size()) << row.pszCommand;
-            EXPECT_STREQ(L"p", program);
-        }
+struct SizeCase {
+    const char* pszName;
+    const wchar_t* pszCommand;
+    unsigned cchArgs; // of the arguments with the terminator
+};
+class PathArgSizeTest : public PathArg, public testing::WithParamInterface<SizeCase> {};
+TEST_P(PathArgSizeTest, ArgumentsTooLongForTheirSizeStayEmpty) {
+    for (unsigned cch = 3; cch < 20; ++cch) {
+        PathBuffer program(L"", cch), args(L"", cch);
+        int nResult = PreparePathArg(GetParam().pszCommand, L"12345678", program, args, cch);
+        EXPECT_EQ(cch >= GetParam().cchArgs, nResult) << cch;
+        EXPECT_EQ(nResult ? GetParam().cchArgs - 1 : 0, args.Str().size()) << cch;
+        EXPECT_STREQ(L"p", program);
     }
 }
+INSTANTIATE_TEST_SUITE_P(Commands, PathArgSizeTest,
+                         testing::Values(SizeCase{"PathAlone", L"p", 9},
+                                         SizeCase{"Behind", L"p /x", 12},
+                                         SizeCase{"PlaceAtTheEnd", L"p /x %1", 12},
+                                         SizeCase{"PlaceAtTheStart", L"p %1 /x", 12},
+                                         SizeCase{"TwoPlaces", L"p %1%1", 17}),
+                         kRowName);
 
 TEST_F(PathArg, ProgramNeedsRoomForTwoTerminators) {
     for (unsigned cch : {5u, 6u}) {
@@ -170,27 +182,30 @@ class EnvStrings : public testing::Test {
     }
 };
 
-TEST_F(EnvStrings, AreReplacedByTheirValues) {
-    const struct {
-        const wchar_t* pszIn;
-        const wchar_t* pszOut;
-    } rows[] = {{L"", L""},
-                {nullptr, L""},
-                {L"plain", L"plain"},
-                {L"%TSLY_TEST%", L"value"},
-                {L"a\\%tsly_test%\\%TSLY_TEST%", L"a\\value\\value"},
-                {L"%TSLY_NONE%", L"%TSLY_NONE%"},
-                {L"%TSLY_TEST", L"%TSLY_TEST"}};
-    for (const auto& row : rows) {
-        PathBuffer out(L"before");
-        EXPECT_EQ(1, ExpandEnvStrings(row.pszIn, out, MAX_PATH));
-        EXPECT_STREQ(row.pszOut, out);
-        if (!row.pszIn) continue;
-        out.Set(row.pszIn);
-        EXPECT_EQ(1, ExpandEnvStrings(out, out, MAX_PATH));
-        EXPECT_STREQ(row.pszOut, out);
-    }
+struct ExpandCase {
+    const char* pszName;
+    const wchar_t* pszIn;
+    const wchar_t* pszOut;
+};
+class ExpandEnvStringsTest : public EnvStrings, public testing::WithParamInterface<ExpandCase> {};
+TEST_P(ExpandEnvStringsTest, AreReplacedByTheirValues) {
+    PathBuffer out(L"before");
+    EXPECT_EQ(1, ExpandEnvStrings(GetParam().pszIn, out, MAX_PATH));
+    EXPECT_STREQ(GetParam().pszOut, out);
+    if (!GetParam().pszIn) return;
+    out.Set(GetParam().pszIn);
+    EXPECT_EQ(1, ExpandEnvStrings(out, out, MAX_PATH));
+    EXPECT_STREQ(GetParam().pszOut, out);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, ExpandEnvStringsTest,
+    testing::Values(ExpandCase{"Empty", L"", L""}, ExpandCase{"Null", nullptr, L""},
+                    ExpandCase{"Plain", L"plain", L"plain"},
+                    ExpandCase{"Variable", L"%TSLY_TEST%", L"value"},
+                    ExpandCase{"TwoInAnyCase", L"a\\%tsly_test%\\%TSLY_TEST%", L"a\\value\\value"},
+                    ExpandCase{"Unknown", L"%TSLY_NONE%", L"%TSLY_NONE%"},
+                    ExpandCase{"WithoutItsEnd", L"%TSLY_TEST", L"%TSLY_TEST"}),
+    kRowName);
 
 TEST_F(EnvStrings, ThatDoNotFitExpandedAreCopied) {
     const wchar_t* pszIn = L"%A%%A%";
@@ -321,53 +336,57 @@ TEST_F(EnvStrings, RandomTextsStayWithinTheirBuffers) {
 
 using Change = void (*)(wchar_t*, const wchar_t*);
 
-TEST(AddQuotesIfSpace, OnlyABlankCounts) {
-    ExpectChanges({{L"", L""},
-                   {L"a", L"a"},
-                   {L" ", L"\" \""},
-                   {L"a b", L"\"a b\""},
-                   {L"a\tb", L"a\tb"},
-                   {L"\u00A0", L"\u00A0"},
-                   {L"\"a b\"", L"\"\"a b\"\""}}, // also around quotes that are there
-                  AddQuotesIfSpace);
-}
+class AddQuotesIfSpaceTest : public ChangeTest {};
+TEST_P(AddQuotesIfSpaceTest, OnlyABlankCounts) { ExpectChange(AddQuotesIfSpace); }
+INSTANTIATE_TEST_SUITE_P(Texts, AddQuotesIfSpaceTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"Letter", L"a", L"a"},
+                                         ChangeCase{"Blank", L" ", L"\" \""},
+                                         ChangeCase{"InnerBlank", L"a b", L"\"a b\""},
+                                         ChangeCase{"Tab", L"a\tb", L"a\tb"},
+                                         ChangeCase{"OtherBlank", L"\u00A0", L"\u00A0"},
+                                         ChangeCase{"QuotesAreThere", L"\"a b\"", L"\"\"a b\"\""}),
+                         kRowName);
 
-/// Each row also in place by a null input.
-void ExpectBothWays(std::initializer_list<ChangeRow> rows, Change change) {
-    ExpectCopies(rows, change);
-    ExpectChanges(rows, [&](wchar_t* psz) { change(psz, nullptr); });
-}
+class QuoteTest : public ChangeTest {
+  protected:
+    /// The row also in place by a null input.
+    static void ExpectBothWays(Change change) {
+        ExpectCopy(change);
+        ExpectChange([&](wchar_t* psz) { change(psz, nullptr); });
+    }
+};
 
-TEST(UnQuote, DropsALeadingQuoteAndStopsAtTheNext) {
-    ExpectBothWays({{L"", L""},
-                    {L"\"", L""},
-                    {L"\"\"", L""},
-                    {L"a", L"a"},
-                    {L"\"a b\" c", L"a b"},
-                    {L"\"a b", L"a b"},
-                    {L"a \"b\"", L"a \"b\""},
-                    {L" \"a\"", L" \"a\""}},
-                   UnQuote);
-}
+class UnQuoteTest : public QuoteTest {};
+TEST_P(UnQuoteTest, DropsALeadingQuoteAndStopsAtTheNext) { ExpectBothWays(UnQuote); }
+INSTANTIATE_TEST_SUITE_P(Texts, UnQuoteTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"Quote", L"\"", L""},
+                                         ChangeCase{"TwoQuotes", L"\"\"", L""},
+                                         ChangeCase{"Letter", L"a", L"a"},
+                                         ChangeCase{"TextBehind", L"\"a b\" c", L"a b"},
+                                         ChangeCase{"WithoutAnEnd", L"\"a b", L"a b"},
+                                         ChangeCase{"QuotesWithin", L"a \"b\"", L"a \"b\""},
+                                         ChangeCase{"BlankBefore", L" \"a\"", L" \"a\""}),
+                         kRowName);
 
-TEST(RemoveWhiteSpacesAndQuotes, TakesBothEnds) {
-    ExpectBothWays({{L"", L""},
-                    {L" \t ", L""},
-                    {L"\"", L""},
-                    {L"\"\"", L""},
-                    {L"\" \"", L""},
-                    {L"\"\"\"", L"\""},
-                    {L"a", L"a"},
-                    {L" \ta b\t ", L"a b"},
-                    {L" \"a b\" ", L"a b"},
-                    {L" \" a \" ", L"a"}, // also within the quotes
-                    {L"\"\"a\"\"", L"\"a\""},
-                    {L"\"a", L"a"},
-                    {L"a\"", L"a"},
-                    {L"a\"b", L"a\"b"},
-                    {L"\na\n", L"\na\n"}},
-                   RemoveWhiteSpacesAndQuotes);
+class RemoveWhiteSpacesAndQuotesTest : public QuoteTest {};
+TEST_P(RemoveWhiteSpacesAndQuotesTest, TakesBothEnds) {
+    ExpectBothWays(RemoveWhiteSpacesAndQuotes);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, RemoveWhiteSpacesAndQuotesTest,
+    testing::Values(
+        ChangeCase{"Empty", L"", L""}, ChangeCase{"BlanksAndTab", L" \t ", L""},
+        ChangeCase{"Quote", L"\"", L""}, ChangeCase{"TwoQuotes", L"\"\"", L""},
+        ChangeCase{"BlankInQuotes", L"\" \"", L""}, ChangeCase{"ThreeQuotes", L"\"\"\"", L"\""},
+        ChangeCase{"Letter", L"a", L"a"}, ChangeCase{"BlanksAndTabs", L" \ta b\t ", L"a b"},
+        ChangeCase{"BlanksAndQuotes", L" \"a b\" ", L"a b"},
+        ChangeCase{"BlanksWithinQuotes", L" \" a \" ", L"a"}, // also within the quotes
+        ChangeCase{"TwoQuotesAtEachEnd", L"\"\"a\"\"", L"\"a\""},
+        ChangeCase{"QuoteAtTheStart", L"\"a", L"a"}, ChangeCase{"QuoteAtTheEnd", L"a\"", L"a"},
+        ChangeCase{"QuoteWithin", L"a\"b", L"a\"b"}, ChangeCase{"LineFeeds", L"\na\n", L"\na\n"}),
+    kRowName);
 
 TEST(QuoteCopies, AreCutAt259CharactersAndChangesInPlaceAreNot) {
     for (Change change : {Change(UnQuote), Change(RemoveWhiteSpacesAndQuotes)}) {
