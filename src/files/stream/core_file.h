@@ -106,7 +106,7 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// overwritten and cut to length; one whose copy failed is deleted. With bNotify the shell is
     /// told of the target.
     // QUIRK: only the low half of the size counts, so files of 4 GiB and over are copied in part.
-    // Test: CoreFileCopy.OnlyTheLowHalfOfTheSizeCounts
+    // Test: CoreFileCopyHigh.OnlyTheLowHalfOfTheSizeCounts
     [[nodiscard]] static int CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget,
                                        int bNotify);
     /// Copies like CopyFileW with bNotify, over a target that must survive a failed copy: it waits

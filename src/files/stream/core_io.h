@@ -110,7 +110,7 @@ class TESSALY_API CoreIO : public CoreIOObj {
     static constexpr DWORD kShortTextSize = 256; // the longest, of 255 bytes, and its terminator
     /// Writes a short text as ReadStr reads it. 0 for null, and if not all of it was written.
     // QUIRK: a text of 256 bytes or more is cut to its length modulo 256; lengths are counted up to
-    // 32,767. Test: CoreIOStr.LongTextIsCutToItsLengthModulo256
+    // 32,767. Test: CoreIOStrLength.IsCutModulo256
     int WriteStr(const char* pszText);
 
   private:
