@@ -21,12 +21,12 @@ int main() {
     std::wstring strFolder = MakeFolder();
     std::wstring strSource = strFolder + L"source", strOurs = strFolder + L"ours",
                  strTheirs = strFolder + L"theirs";
+    bool bOk = false;
     {
         std::vector<unsigned char> data(kSize);
         for (std::size_t i = 0; i < kSize; ++i) data[i] = static_cast<unsigned char>(i * 31 >> 3);
-        CoreFile::WriteFile(strSource.c_str(), data.data(), static_cast<unsigned>(kSize));
+        bOk = CoreFile::WriteFile(strSource.c_str(), data.data(), static_cast<unsigned>(kSize));
     }
-    bool bOk = true;
     // Each copy is made anew; deleting it is not measured.
     auto theirs = [&] {
         double d =

@@ -1,4 +1,5 @@
 #pragma once
+#include "support/replace_import.h"
 #include "support/runtime_lookup.h"
 
 #include <windows.h>
@@ -7,6 +8,9 @@
 #include <map>
 #include <string>
 #include <vector>
+
+extern "C" FARPROC __imp_GetDriveTypeW, __imp_GetLogicalDrives, __imp_GetVolumeInformationW,
+    __imp_QueryDosDeviceW;
 
 /// The drives and network connections of another machine for the length of a block: what the
 /// product asks the platform about them is answered from here. One at a time.
@@ -17,14 +21,14 @@ class FakeDrives {
         const wchar_t* pszRemote;
     };
 
-    FakeDrives() {
+    /// Without a network the functions of mpr.dll are not there.
+    explicit FakeDrives(bool bNetwork = true)
+        : network({{"WNetOpenEnumW", bNetwork ? Give(OpenEnum) : nullptr},
+                   {"WNetEnumResourceW", bNetwork ? Give(EnumResource) : nullptr},
+                   {"WNetCloseEnum", bNetwork ? Give(CloseEnum) : nullptr}}) {
         pCurrent = this;
-        SetRuntimeLookup(Lookup);
     }
-    ~FakeDrives() {
-        SetRuntimeLookup(nullptr);
-        pCurrent = nullptr;
-    }
+    ~FakeDrives() { pCurrent = nullptr; }
     FakeDrives(const FakeDrives&) = delete;
     FakeDrives& operator=(const FakeDrives&) = delete;
 
@@ -37,7 +41,6 @@ class FakeDrives {
     DWORD nOpenResult = NO_ERROR;            // of WNetOpenEnumW
     DWORD nEnumResult = NO_ERROR;            // of WNetEnumResourceW, if it is an error
     bool bSaysMoreForEver = false;           // it never has enough room
-    bool bNetwork = true;                    // the functions of mpr.dll are there
     std::vector<DWORD> sizes;                // the sizes that it was offered
     std::vector<DWORD> counts;               // and the counts
     std::vector<DWORD> openArguments;        // of WNetOpenEnumW
@@ -55,18 +58,6 @@ class FakeDrives {
     template <class Fn>
     static FARPROC Give(Fn* pfn) {
         return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(pfn));
-    }
-    static FARPROC Lookup(const wchar_t* pszModule, const char* pszName) {
-        std::string str = pszName;
-        if (str.starts_with("WNet") && !pCurrent->bNetwork) return nullptr;
-        if (str == "WNetOpenEnumW") return Give(OpenEnum);
-        if (str == "WNetEnumResourceW") return Give(EnumResource);
-        if (str == "WNetCloseEnum") return Give(CloseEnum);
-        if (str == "GetDriveTypeW") return Give(DriveType);
-        if (str == "GetLogicalDrives") return Give(LogicalDrives);
-        if (str == "QueryDosDeviceW") return Give(QueryDevice);
-        if (str == "GetVolumeInformationW") return Give(VolumeInformation);
-        return FindSystemFunc(pszModule, pszName);
     }
 
     static UINT WINAPI DriveType(LPCWSTR pszRoot) {
@@ -147,4 +138,10 @@ class FakeDrives {
         }
         return NO_ERROR;
     }
+
+    ReplaceFunctions network;
+    ReplaceImport driveType{__imp_GetDriveTypeW, &DriveType};
+    ReplaceImport logicalDrives{__imp_GetLogicalDrives, &LogicalDrives};
+    ReplaceImport queryDevice{__imp_QueryDosDeviceW, &QueryDevice};
+    ReplaceImport volumeInformation{__imp_GetVolumeInformationW, &VolumeInformation};
 };

@@ -79,3 +79,5 @@ class RandomPaths {
 };
 
 constexpr int kRandomInputs = 200000;
+
+inline bool IsSep(wchar_t ch) { return ch == L'\\' || ch == L'/'; }

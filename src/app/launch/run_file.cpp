@@ -1,6 +1,6 @@
 #include "app/launch/run_file.h"
 #include "files/disk/path_home.h"
-#include "files/disk/path_short.h"
+#include "files/disk/path_spelling.h"
 #include "files/path/path_command.h"
 #include "files/path/path_split.h"
 #include "runtime/base/current_product.h"

@@ -4,13 +4,14 @@
 
 // Questions about drives and the volumes on them. A drive number counts from 0 for A.
 
-/// Whether the platform knows the drive whose letter, of either case, starts the text; what follows
-/// does not count. 0 if it starts with none.
+/// 1 if the platform knows the drive whose letter, of either case, starts the text, whatever
+/// follows. 0 also for a text that starts with none, and for null.
 TESSALY_API int DriveExists(const wchar_t* pszPath);
 /// DRIVE_... (winbase.h) of a drive number; DRIVE_NO_ROOT_DIR where there is none. An overload of
 /// the platform's function, which takes a root's text: a null pointer has to be written nullptr.
 TESSALY_API UINT GetDriveTypeW(int nDrive);
-/// The same of the drive whose letter starts the path; DRIVE_UNKNOWN (0) if it starts with none.
+/// DRIVE_... of the drive whose letter, of either case, starts the path; DRIVE_NO_ROOT_DIR where
+/// there is none, DRIVE_UNKNOWN (0) if the path starts with no letter.
 TESSALY_API UINT GetDriveTypeFromPath(const wchar_t* pszPath);
 
 /// The name of the file system, as "NTFS", of the volume with that path, into cchOut characters.
@@ -23,7 +24,7 @@ TESSALY_API unsigned __int64 GetMaxFileSize(const wchar_t* pszPath);
 
 // Drives as numbers, 0 for A, and as masks with bit 0 for A, as GetLogicalDrives gives them.
 
-/// The mask of one drive: 1 for a number up to 0; 0 for one above 31.
+/// The mask of one drive; that of drive 0 for a negative number, and 0 for one above 31.
 TESSALY_API DWORD GetDriveMask(int nDrive);
 /// The number of the set bit with that index, counted from 0 and from the lowest; -1 if the mask
 /// has no more than nIndex bits.
@@ -37,15 +38,14 @@ TESSALY_API int CountBits(DWORD dwMask);
 TESSALY_API int GetDrivesList(DWORD dwMask, wchar_t* pszOut, unsigned cchOut,
                               const wchar_t* pszSeparator);
 /// 0 to 25 for a path that starts with A to Z, whatever follows; otherwise -1.
-// QUIRK: of the small letters only "a" is taken, as 0. Test:
-// GetDriveFromPath.SmallLettersButAAreNone
+// QUIRK: of the small letters only "a" is taken, as 0.
+// Test: GetDriveFromPath.SmallLettersButAAreNone
 TESSALY_API int GetDriveFromPath(const wchar_t* pszPath);
 /// The drive of the Windows folder, whose letter may have either case; -1 if it is on none.
 TESSALY_API int GetSystemDrive();
 
-// Paths on drives that are connected to the network, and the network's names for them. A drive
-// number counts from 0 for A. On a system without network connections (mpr.dll) nothing is
-// connected.
+// Paths on drives that are connected to the network, and the network's names for them. Where the
+// platform has no network connections (mpr.dll) nothing is connected.
 
 /// Puts the network form of a path into cchOut characters, cut to fit: of a path on a connected
 /// drive the connection's name and what follows the "X:"; of a network path (IsNetworkPath) a copy.
@@ -57,7 +57,8 @@ TESSALY_API int GetSystemDrive();
 // Test: GetUniversalNameTest.LongerNumberInTheDeviceNameIsTakenAlong
 TESSALY_API int GetUniversalName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszPath,
                                  int bUpper);
-/// The same in place in a buffer of 260 characters. A path without a network form stays.
+/// Gives a path its network form (GetUniversalName) in place, in a buffer of 260 characters. One
+/// without such a form stays, and null does nothing.
 TESSALY_API void ConvertPathToUNC(wchar_t* pszPath);
 
 /// The mask, with bit 0 for A, of the drives that the platform calls remote.

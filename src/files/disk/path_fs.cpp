@@ -10,6 +10,7 @@
 #include "runtime/system/system_facts.h"
 #include "runtime/text/str_format.h"
 
+#include <windows.h>
 #include <shellapi.h>
 #include <shlobj.h>
 #include <cwchar>
@@ -17,8 +18,11 @@
 namespace {
 constexpr DWORD kTestNames = 100000000; // as many as eight digits have
 constexpr DWORD kTestContent = 0x12345678;
+constexpr std::size_t kTestNameSize = 16; // of eight digits, the extension and the terminator
+/// What a path needs that gets a separator and still has 259 characters before.
+constexpr std::size_t kFolderChars = kPathChars + 1;
 
-int Find(const wchar_t* pszPath, WIN32_FIND_DATAW* pData) {
+bool Find(const wchar_t* pszPath, WIN32_FIND_DATAW* pData) {
     return FitsPath(pszPath) && CoreFile::GetInfo(pszPath, pData);
 }
 
@@ -26,22 +30,37 @@ DWORD PlainAttributes(const wchar_t* pszPath) {
     return FitsPath(pszPath) ? ::GetFileAttributesW(pszPath) : INVALID_FILE_ATTRIBUTES;
 }
 
-int IsFile(DWORD dwAttributes) {
+bool IsFile(DWORD dwAttributes) {
     return dwAttributes != INVALID_FILE_ATTRIBUTES && !(dwAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-int IsFolder(DWORD dwAttributes) {
+bool IsFolder(DWORD dwAttributes) {
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-int MakeTestFileName(wchar_t (&szFile)[kPathChars], const wchar_t* pszFolder) {
-    wchar_t szName[16]; // eight digits and the extension
+/// A file of its own in the folder: the time is the name, so that two programs which ask at once
+/// hardly meet. False if the folder leaves no room for it.
+bool MakeTestFileName(wchar_t (&szFile)[kPathChars], const wchar_t* pszFolder) {
+    wchar_t szName[kTestNameSize];
     FormatText(szName, L"%08d.tmp", static_cast<int>(GetCurTime() % kTestNames));
     CopyPath(szFile, pszFolder);
     AppendFileName(szFile, L""); // a separator, if there is none
-    return AppendTextCut(szFile, kPathChars, szName);
+    return AppendPath(szFile, szName);
+}
+
+bool IsOrBecomesFolder(const wchar_t* pszPath) {
+    return FolderExists(pszPath) || ::CreateDirectoryW(pszPath, nullptr);
+}
+
+/// Tells the shell of what was done, if it was and if that was asked for. Gives bDone.
+bool Tell(bool bDone, int bNotify, LONG nEvent, const wchar_t* psz,
+          const wchar_t* pszNew = nullptr) {
+    if (bDone && bNotify) ::SHChangeNotify(nEvent, SHCNF_PATHW, psz, pszNew);
+    return bDone;
 }
 } // namespace
+
+// Files
 
 DWORD GetFileAttributes2(const wchar_t* pszPath) {
     DWORD dwAttributes = PlainAttributes(pszPath);
@@ -80,7 +99,7 @@ int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszPath) {
 int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszFolder,
                    const wchar_t* pszName) {
     wchar_t szPath[kPathChars];
-    int bFits = MakePath(szPath, pszFolder, pszName, nullptr, 0);
+    const bool bFits = MakePath(szPath, pszFolder, pszName, nullptr, 0);
     return GetAltFileName(pszOut, cchOut, bFits ? szPath : nullptr);
 }
 
@@ -95,10 +114,11 @@ int GetShortFileName(const wchar_t* pszPath, wchar_t* pszOut, WIN32_FIND_DATAW* 
 int IsFileInUse(const wchar_t* pszPath) {
     if (!FileExists(pszPath)) return 0;
     FILETIME ftCreation, ftAccess, ftWrite;
-    int bTimes = CoreFile::GetTime(pszPath, &ftCreation, &ftAccess, &ftWrite);
+    const bool bTimes = CoreFile::GetTime(pszPath, &ftCreation, &ftAccess, &ftWrite);
     CoreFile file(pszPath, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     if (!file.IsReady()) return 1;
     file.Close();
+    // The opening itself may count as an access.
     if (bTimes) CoreFile::SetTime(pszPath, &ftCreation, &ftAccess, &ftWrite);
     return 0;
 }
@@ -106,31 +126,19 @@ int IsFileInUse(const wchar_t* pszPath) {
 int IsDirWritable(const wchar_t* pszPath) {
     wchar_t szFile[kPathChars];
     if (!FolderExists(pszPath) || !MakeTestFileName(szFile, pszPath)) return 0;
-    CoreFile file(szFile, GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL);
+    CoreFile file(szFile, 1);
     if (!file.IsReady()) return 0;
-    int bWritten = file.WriteBin(&kTestContent, sizeof(kTestContent), nullptr);
+    const bool bWritten = file.WriteBin(&kTestContent, sizeof(kTestContent), nullptr);
     file.Close();
     CoreFile::Delete(szFile, 0);
     return bWritten;
 }
 
-namespace {
-/// What a path needs that gets a separator and still has 259 characters before.
-constexpr std::size_t kFolderChars = kPathChars + 1;
-
-int IsOrBecomesFolder(const wchar_t* pszPath) {
-    return FolderExists(pszPath) || ::CreateDirectoryW(pszPath, nullptr);
-}
-
-int Tell(int bDone, int bNotify, LONG nEvent, const wchar_t* psz, const wchar_t* pszNew = nullptr) {
-    if (bDone && bNotify) ::SHChangeNotify(nEvent, SHCNF_PATHW, psz, pszNew);
-    return bDone != 0;
-}
-} // namespace
+// Folders, renaming, the recycle bin
 
 int CreateFolder(const wchar_t* pszPath) {
     if (!IsFullPathName(pszPath) || !FitsPath(pszPath)) return 0;
-    CSWaitCursor cursor;
+    CSWaitCursor cursor; // a drive or a server may take its time
     wchar_t szFolder[kFolderChars];
     CopyTextCut(szFolder, kFolderChars, pszPath);
     ConvertSlashes(szFolder);
@@ -151,7 +159,7 @@ int CreateFolderEx(HWND hwnd, const wchar_t* pszPath) {
 }
 
 int CreateDirectoryExW(const wchar_t* pszPath, int bNotify) {
-    return Tell(CreateFolder(pszPath), bNotify, SHCNE_MKDIR, pszPath);
+    return Tell(CreateFolder(pszPath) != 0, bNotify, SHCNE_MKDIR, pszPath);
 }
 
 int RemoveDirectoryEx(const wchar_t* pszPath, int bNotify) {
@@ -160,14 +168,15 @@ int RemoveDirectoryEx(const wchar_t* pszPath, int bNotify) {
 
 int RenameFile(const wchar_t* pszOld, const wchar_t* pszNew, int bNotify) {
     // Without a new name the platform's function would delete.
-    int bDone = FitsPath(pszOld) && FitsPath(pszNew) &&
-                ::MoveFileExW(pszOld, pszNew, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH);
+    const bool bDone =
+        FitsPath(pszOld) && FitsPath(pszNew) &&
+        ::MoveFileExW(pszOld, pszNew, MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH);
     return Tell(bDone, bNotify, SHCNE_RENAMEITEM, pszOld, pszNew);
 }
 
 int RenameFolder(const wchar_t* pszOld, const wchar_t* pszNew, int bNotify) {
-    int bDone = FitsPath(pszOld) && FitsPath(pszNew) &&
-                ::MoveFileExW(pszOld, pszNew, MOVEFILE_WRITE_THROUGH);
+    const bool bDone = FitsPath(pszOld) && FitsPath(pszNew) &&
+                       ::MoveFileExW(pszOld, pszNew, MOVEFILE_WRITE_THROUGH);
     return Tell(bDone, bNotify, SHCNE_RENAMEFOLDER, pszOld, pszNew);
 }
 
@@ -185,6 +194,6 @@ int Recycle(HWND hwnd, const wchar_t* pszPath) {
     op.wFunc = FO_DELETE;
     op.pFrom = szList;
     op.fFlags = FOF_NOCONFIRMATION | FOF_ALLOWUNDO | FOF_SIMPLEPROGRESS | FOF_NOERRORUI;
-    op.lpszProgressTitle = L"Deleting...";
+    op.lpszProgressTitle = L"Deleting..."; // read with FOF_SIMPLEPROGRESS only
     return ::SHFileOperationW(&op) == 0;
 }

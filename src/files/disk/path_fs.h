@@ -10,11 +10,13 @@
 /// INVALID_FILE_ATTRIBUTES if there is none.
 TESSALY_API DWORD GetFileAttributes2(const wchar_t* pszPath);
 
-// There is a file, a folder, either; by GetFileAttributes2.
+// There is a file, a folder, either of them; asked by GetFileAttributes2, so that a mask counts as
+// the first name that fits it.
 TESSALY_API int FileExists(const wchar_t* pszPath);
 TESSALY_API int FolderExists(const wchar_t* pszPath);
 TESSALY_API int FileOrFolderExists(const wchar_t* pszPath);
-// The same by GetFileAttributesW alone: no masks.
+// There is a file, a folder, either of them; asked by GetFileAttributesW alone, which knows no
+// masks.
 TESSALY_API int IsFileExists(const wchar_t* pszPath);
 TESSALY_API int IsFolderExists(const wchar_t* pszPath);
 TESSALY_API int IsFileOrFolderExists(const wchar_t* pszPath);
@@ -25,12 +27,14 @@ TESSALY_API unsigned __int64 FileSize(const wchar_t* pszPath);
 /// Puts the short name of the file or folder (its last name alone) into cchOut characters, cut to
 /// fit; an empty text if it has none, because it is short already, or is missing. 1 if not empty.
 TESSALY_API int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszPath);
-/// The same of folder and name, joined as by MakePath, so that the folder's environment strings are
-/// expanded. Empty as well if the two reach 260 characters.
+/// Puts the short name of what the folder and the name, joined by MakePath, lead to into cchOut
+/// characters, cut to fit; the folder's environment strings are expanded. Empty as well if the two
+/// reach 260 characters. 1 if not empty.
 TESSALY_API int GetAltFileName(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszFolder,
                                const wchar_t* pszName);
-/// The same of a path, into 260 characters; pszOut may be null. *pData, which may be null too, gets
-/// all that the platform tells about the file, or zeros if there is none.
+/// Puts the short name of the file or folder into 260 characters; pszOut may be null. *pData, which
+/// may be null too, gets all that the platform tells about the file, or zeros if there is none. 1
+/// if the name is not empty.
 TESSALY_API int GetShortFileName(const wchar_t* pszPath, wchar_t* pszOut, WIN32_FIND_DATAW* pData);
 
 /// Whether somebody else keeps the file open, or it cannot be written for another reason, as when
@@ -50,10 +54,10 @@ TESSALY_API int IsDirWritable(const wchar_t* pszPath);
 /// made; a share itself, or less, gives 1 without being looked at. 0 if a file stands in the way.
 /// Shows the wait cursor meanwhile.
 TESSALY_API int CreateFolder(const wchar_t* pszPath);
-/// The same by the shell (SHCreateDirectoryExW), which asks and complains in front of hwnd, or with
-/// null does not. 0 if the folder is there already.
+/// Makes the folder and those above it by the shell (SHCreateDirectoryExW), which asks and
+/// complains in front of hwnd; with null it does neither. 0 if the folder is there already.
 TESSALY_API int CreateFolderEx(HWND hwnd, const wchar_t* pszPath);
-/// CreateFolder. An overload of the platform's function.
+/// Makes the folder as CreateFolder does. An overload of the platform's function.
 TESSALY_API int CreateDirectoryExW(const wchar_t* pszPath, int bNotify);
 /// Removes an empty folder.
 TESSALY_API int RemoveDirectoryEx(const wchar_t* pszPath, int bNotify);

@@ -1,8 +1,9 @@
 #include "files/disk/path_home.h"
 #include "files/disk/path_fs.h"
-#include "files/disk/path_short.h"
+#include "files/disk/path_spelling.h"
 #include "files/path/path_chars.h"
 #include "files/path/path_join.h"
+#include "files/path/path_name.h"
 #include "files/path/path_shape.h"
 #include "files/path/path_split.h"
 #include "runtime/base/current_product.h"
@@ -13,45 +14,84 @@
 #include <cwchar>
 
 namespace {
-int Empty(wchar_t* pszOut) {
+/// Empties an output, if there is one, for a result of 0.
+bool Empty(wchar_t* pszOut) {
     if (pszOut) *pszOut = 0;
-    return 0;
+    return false;
 }
 
-int GetModuleFolder(HINSTANCE hinst, wchar_t (&szFolder)[kPathChars]) {
-    int bDone = GetModulePath(hinst, szFolder);
+bool GetModuleFolder(HINSTANCE hinst, wchar_t (&szFolder)[kPathChars]) {
+    const bool bDone = GetModulePath(hinst, szFolder);
     DirFromPath(szFolder, szFolder);
     return bDone;
 }
 
 /// The folder of the module that this library is part of, as the shell shows it.
-int GetOwnFolder(wchar_t (&szFolder)[kPathChars]) {
-    if (!GetModuleFolder(GetLibraryInstance(), szFolder)) return 0;
+bool GetOwnFolder(wchar_t (&szFolder)[kPathChars]) {
+    if (!GetModuleFolder(GetLibraryInstance(), szFolder)) return false;
     wchar_t szShown[kPathChars];
     CopyPath(szShown, szFolder);
     DosPathToShellPath(szShown);
     if (*szShown) CopyPath(szFolder, szShown); // empty: the true names are too long
-    return 1;
+    return true;
 }
 
-int Quote(wchar_t* pszPath) {
+/// Puts a path into double quotes; it becomes empty if they do not fit.
+bool Quote(wchar_t* pszPath) {
     if (std::wcslen(pszPath) + 2 >= kPathChars) return Empty(pszPath);
     AddQuotes(pszPath);
-    return 1;
+    return true;
 }
 
 /// Copies what fits whole; a null output takes nothing.
-int GiveWhole(wchar_t* pszOut, unsigned cchOut, const wchar_t* psz) {
-    if (!pszOut) return 1;
-    if (CopyTextCut(pszOut, cchOut, psz) && *pszOut) return 1;
-    return cchOut ? Empty(pszOut) : 0;
+bool GiveWhole(wchar_t* pszOut, unsigned cchOut, const wchar_t* psz) {
+    if (!pszOut) return true;
+    if (CopyTextCut(pszOut, cchOut, psz) && *pszOut) return true;
+    return cchOut ? Empty(pszOut) : false;
+}
+
+// The folders of canonical paths, each into a path buffer; empty if it is not known or does not fit
+
+void EmptyUnlessFits(wchar_t* pszOut, UINT cch) {
+    if (cch == 0 || cch >= kPathChars) *pszOut = 0;
+}
+
+void GetSystemFolder(wchar_t* pszOut) {
+    EmptyUnlessFits(pszOut, ::GetSystemDirectoryW(pszOut, kPathChars));
+}
+
+void GetWindowsFolder(wchar_t* pszOut) {
+    EmptyUnlessFits(pszOut, ::GetWindowsDirectoryW(pszOut, kPathChars));
+}
+
+void GetHome(wchar_t* pszOut) { ::GetHomeDir(pszOut); } // empty if there is none
+
+struct CanonicalFolder {
+    wchar_t chName;
+    void (*pfnGet)(wchar_t* pszOut);
+};
+// In this order: the system folder lies in the Windows folder, and the home may be either.
+constexpr CanonicalFolder kFolders[] = {
+    {L'S', GetSystemFolder}, {L'W', GetWindowsFolder}, {L'_', GetHome}};
+
+/// The letter of the first of the folders that this is; 0 if it is none.
+wchar_t LetterOf(const wchar_t* pszFolder) {
+    if (!*pszFolder) return 0;
+    for (const CanonicalFolder& folder : kFolders) {
+        wchar_t szFolder[kPathChars];
+        folder.pfnGet(szFolder);
+        if (IsSamePath(pszFolder, szFolder)) return folder.chName;
+    }
+    return 0;
 }
 } // namespace
+
+// The home folder and the files in it
 
 int GetHomeDir(wchar_t* pszOut) {
     if (!pszOut) return 0;
     wchar_t szHome[kPathChars] = L"";
-    int bStored = GetHomeFolder(GetCurrentProduct().pfnGetName(), szHome) && *szHome;
+    const bool bStored = GetHomeFolder(GetCurrentProduct().pfnGetName(), szHome) && *szHome;
     if (!bStored && !GetOwnFolder(szHome)) return Empty(pszOut);
     RemoveBackSlash(szHome);
     return CopyPath(pszOut, szHome);
@@ -78,7 +118,7 @@ int GetLocalPath(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst) {
         pszName = szName;
     }
     wchar_t szPath[kPathChars]; // the name may lie in the output
-    int bFits = MakePath(szPath, szHome, pszName, nullptr, 0);
+    const bool bFits = MakePath(szPath, szHome, pszName, nullptr, 0);
     CopyPath(pszOut, szPath);
     return bFits;
 }
@@ -93,7 +133,7 @@ int GetSatellitePath(wchar_t* pszOut, const wchar_t* pszName, HINSTANCE hinst) {
         return Empty(pszOut);
     }
     // As the output it is not expanded: a real folder may have a "%" in its name.
-    int bFits = MakePath(szFolder, szFolder, pszName, nullptr, 0);
+    const bool bFits = MakePath(szFolder, szFolder, pszName, nullptr, 0);
     CopyPath(pszOut, szFolder);
     return bFits;
 }
@@ -106,8 +146,8 @@ int GetLocalPathDir(wchar_t* pszFull, wchar_t* pszFolder, unsigned cch) {
     wchar_t szFull[kPathChars], szFolder[kPathChars];
     GetModulePath(nullptr, szFull);
     DirFromPath(szFolder, szFull);
-    int bFull = GiveWhole(pszFull, cch, szFull);
-    int bFolder = GiveWhole(pszFolder, cch, szFolder);
+    const bool bFull = GiveWhole(pszFull, cch, szFull);
+    const bool bFolder = GiveWhole(pszFolder, cch, szFolder);
     return bFull && bFolder;
 }
 
@@ -120,42 +160,11 @@ int LocalFileExists(const wchar_t* pszName) {
     return GetLocalPath(szPath, pszName, nullptr) && FileExists(szPath);
 }
 
-namespace {
-/// Puts the folder into a path buffer; empty if the platform does not give it.
-void GetSystemFolder(wchar_t* pszOut) {
-    UINT cch = ::GetSystemDirectoryW(pszOut, kPathChars);
-    if (cch == 0 || cch >= kPathChars) *pszOut = 0;
-}
-
-void GetWindowsFolder(wchar_t* pszOut) {
-    UINT cch = ::GetWindowsDirectoryW(pszOut, kPathChars);
-    if (cch == 0 || cch >= kPathChars) *pszOut = 0;
-}
-
-void GetHome(wchar_t* pszOut) { ::GetHomeDir(pszOut); }
-
-struct CanonicalFolder {
-    wchar_t chName;
-    void (*pfnGet)(wchar_t* pszOut);
-};
-constexpr CanonicalFolder kFolders[] = {
-    {L'S', GetSystemFolder}, {L'W', GetWindowsFolder}, {L'_', GetHome}};
-
-/// The letter of the first of the folders that this is; 0 if it is none.
-wchar_t LetterOf(const wchar_t* pszFolder) {
-    if (!*pszFolder) return 0;
-    for (const CanonicalFolder& folder : kFolders) {
-        wchar_t szFolder[kPathChars];
-        folder.pfnGet(szFolder);
-        if (IsSamePath(pszFolder, szFolder)) return folder.chName;
-    }
-    return 0;
-}
-} // namespace
+// Paths that hold on another machine
 
 void MakeCanonicalPath(const wchar_t* pszPath, wchar_t* pszOut) {
     if (!pszOut) return;
-    wchar_t szPath[kPathChars], szFolder[kPathChars];
+    wchar_t szPath[kPathChars], szFolder[kPathChars]; // copies: the output may be the path
     CopyPath(szPath, pszPath);
     DirFromPath(szFolder, szPath);
     wchar_t szPrefix[] = L"%?\\";
@@ -165,7 +174,7 @@ void MakeCanonicalPath(const wchar_t* pszPath, wchar_t* pszOut) {
         return;
     }
     CopyPath(pszOut, szPrefix);
-    AppendTextCut(pszOut, kPathChars, FindLastPathComponent(szPath));
+    AppendPath(pszOut, FindLastPathComponent(szPath));
 }
 
 int GetPathFromCanonical(const wchar_t* pszText, wchar_t* pszOut) {

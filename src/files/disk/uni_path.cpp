@@ -1,8 +1,8 @@
 #include "files/disk/uni_path.h"
 #include "files/disk/path_fs.h"
 #include "files/path/path_chars.h"
-#include "files/stream/core_file.h"
 #include "files/path/path_split.h"
+#include "files/stream/core_file.h"
 #include "runtime/text/str_chars.h"
 
 #include <windows.h>
@@ -21,6 +21,7 @@ void UniPath::Init() {
 
 int UniPath::Open(const wchar_t* pszPath) {
     if (nKind != 0) return 0;
+    // Bare, as copies of the object share it: a HeapArray would end it with the first of them.
     wchar_t* pszNew = pszPath ? new (std::nothrow) wchar_t[kPathChars] : nullptr;
     if (pszNew) CopyPath(pszNew, pszPath); // before the old text goes, of which it may be a part
     Free();

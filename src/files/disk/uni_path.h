@@ -9,8 +9,9 @@
 class TESSALY_API UniPath {
   public:
     UniPath() = default;
-    explicit UniPath(const wchar_t* pszPath) { Open(pszPath); }
-    explicit UniPath(UniPath* pOther) { Open(pOther); }
+    // Path tells whether a text is held then.
+    explicit UniPath(const wchar_t* pszPath) { static_cast<void>(Open(pszPath)); }
+    explicit UniPath(UniPath* pOther) { static_cast<void>(Open(pOther)); }
     UniPath(const UniPath&) = default;            // shares the text
     UniPath& operator=(const UniPath&) = default; // shares it; the old one is not freed
     virtual ~UniPath();
@@ -19,28 +20,32 @@ class TESSALY_API UniPath {
     void Init();
     /// Takes a copy of the path, cut at 259 characters, for the text that was held, which is freed.
     /// 1; 0 without memory, or with null, and then no text is held.
-    int Open(const wchar_t* pszPath);
-    /// The same with the other object's text.
-    int Open(UniPath* pOther);
+    [[nodiscard]] int Open(const wchar_t* pszPath);
+    /// Takes a copy of the other object's text, with the same result; without one none is held.
+    [[nodiscard]] int Open(UniPath* pOther);
+    /// Frees the text. None is held then.
     void Free();
 
     /// The text, which may be changed within its 260 characters; null without one.
     wchar_t* Path() const { return nKind == 0 ? pszText : nullptr; }
-    /// What LocateFileName finds, and the whole text, into cchOut characters, cut to fit. 1 if
-    /// there is a text.
+    /// Puts the text's file name (LocateFileName) into cchOut characters, cut to fit. 1 if there is
+    /// a text.
     int GetFileName(wchar_t* pszOut, unsigned cchOut) const;
+    /// Puts the whole text into cchOut characters, cut to fit. 1 if there is a text.
     int GetDisplayPath(wchar_t* pszOut, unsigned cchOut) const;
 
-    // A folder, a file, by GetFileAttributes2.
+    /// There is a folder under that path (::FolderExists).
     int IsContainer() const;
+    /// There is a file under that path (::FileExists).
     int FileExists() const;
-    /// The function of that name.
+    /// Somebody else keeps the file open, or it cannot be written (::IsFileInUse).
     int IsFileInUse() const;
+    /// The file or folder has the read-only attribute.
     int IsReadOnly() const;
-    /// Equal texts but for case; the separators count.
+    /// The two texts are equal but for case; a slash is not a backslash here. 0 without a text.
     int IsSameAs(const UniPath* pOther) const;
 
-    /// Tells the shell of that SHCNE_... event.
+    /// Tells the shell of an SHCNE_... event about the path.
     void SHChangeNotify(long nEvent) const;
     /// Cuts the last name off (StripFileNameAndBackslash). 1 if there is a text.
     int MakeParentFolder();

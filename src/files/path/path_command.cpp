@@ -4,44 +4,48 @@
 
 #include <windows.h>
 #include <shlwapi.h>
+#include <algorithm>
 #include <cwchar>
 
 namespace {
 constexpr wchar_t kPlace[] = L"%1";
 constexpr std::size_t kPlaceLength = 2;
+constexpr wchar_t kQuote = L'"';
 
-/// The command's first word; psz moves to what follows.
+// The parts of a command
+
+/// Takes the command's first word; psz moves to what follows.
 const wchar_t* TakeWord(const wchar_t*& psz, std::size_t& cch) {
     const wchar_t* pWord = SkipBlanksAndTabs(psz);
     const wchar_t* pEnd = pWord;
-    if (*pWord == L'"') {
+    if (*pWord == kQuote) {
         pEnd = ++pWord;
-        while (*pEnd && *pEnd != L'"') ++pEnd;
+        while (*pEnd && *pEnd != kQuote) ++pEnd;
     } else {
         while (*pEnd && !IsBlankOrTab(*pEnd)) ++pEnd;
     }
     cch = static_cast<std::size_t>(pEnd - pWord);
-    psz = SkipBlanksAndTabs(*pEnd == L'"' ? pEnd + 1 : pEnd);
+    psz = SkipBlanksAndTabs(*pEnd == kQuote ? pEnd + 1 : pEnd);
     return pWord;
 }
 
-/// The word, expanded, and two terminators into cchOut characters.
-int PutProgram(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pWord, std::size_t cchWord) {
+/// Writes the word, expanded, and two terminators into cchOut characters. False if it does not fit.
+bool PutProgram(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pWord, std::size_t cchWord) {
     wchar_t szWord[kPathChars];
-    if (cchOut < 2 || cchWord >= kPathChars) return 0;
+    if (cchOut < 2 || cchWord >= kPathChars) return false;
     CopyTextPart(szWord, pWord, cchWord);
-    if (!ExpandEnvStrings(szWord, pszOut, static_cast<unsigned>(cchOut - 1))) return 0;
+    if (!ExpandEnvStrings(szWord, pszOut, static_cast<unsigned>(cchOut - 1))) return false;
     pszOut[std::wcslen(pszOut) + 1] = 0;
-    return 1;
+    return true;
 }
 
-/// The rest of the command with the path in each of its places.
-int PutInPlaces(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest,
-                const wchar_t* pszPath) {
+/// Writes the rest of the command with the path in each of its places. False if it does not fit.
+bool PutInPlaces(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest,
+                 const wchar_t* pszPath) {
     for (const wchar_t* pPlace; (pPlace = std::wcsstr(pszRest, kPlace));
          pszRest = pPlace + kPlaceLength) {
         auto cch = static_cast<std::size_t>(pPlace - pszRest);
-        if (cch + std::wcslen(pszPath) >= cchOut) return 0;
+        if (cch + std::wcslen(pszPath) >= cchOut) return false;
         cch = CopyTextPart(pszOut, pszRest, cch);
         cch += CopyTextPart(pszOut + cch, pszPath, cchOut - cch - 1);
         pszOut += cch;
@@ -50,11 +54,49 @@ int PutInPlaces(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest,
     return CopyTextCut(pszOut, cchOut, pszRest);
 }
 
-int PutArgs(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest, const wchar_t* pszPath) {
+bool PutArgs(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest, const wchar_t* pszPath) {
     if (!*pszRest) return CopyTextCut(pszOut, cchOut, pszPath);
     if (std::wcsstr(pszRest, kPlace)) return PutInPlaces(pszOut, cchOut, pszRest, pszPath);
     return CopyTextCut(pszOut, cchOut, pszRest) && AppendTextCut(pszOut, cchOut, L" ") &&
            AppendTextCut(pszOut, cchOut, pszPath);
+}
+
+// Environment strings
+
+bool Expand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    DWORD cch = ::ExpandEnvironmentStringsW(pszIn, pszOut, cchOut); // with the terminator
+    return cch > 1 && cch <= cchOut && *pszOut;
+}
+
+bool UnExpand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    return ::PathUnExpandEnvStringsW(pszIn, pszOut, cchOut) && *pszOut;
+}
+
+/// The platform's functions do not work in place, so that an input in the output is copied first.
+template <class Fn>
+bool ChangeOrCopy(Fn&& change, const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    if (!pszOut || cchOut == 0) return false;
+    wchar_t szIn[kPathChars];
+    if (pszIn >= pszOut && pszIn < pszOut + cchOut) {
+        if (!CopyPath(szIn, pszIn)) return CopyTextCut(pszOut, cchOut, pszIn);
+        pszIn = szIn;
+    }
+    if (pszIn && *pszIn && change(pszIn, pszOut, cchOut)) return true;
+    return CopyTextCut(pszOut, cchOut, pszIn);
+}
+
+// Quotes
+
+/// Writes the cch characters at psz. In place they fit, whatever their length; elsewhere they are
+/// cut.
+void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch, bool bInPlace) {
+    if (!bInPlace) cch = std::min(cch, kPathChars - 1);
+    CopyTextPart(pszOut, psz, cch);
+}
+
+const wchar_t* DropBlanksAndTabs(const wchar_t* pStart, const wchar_t* pEnd) {
+    while (pEnd > pStart && IsBlankOrTab(pEnd[-1])) --pEnd;
+    return pEnd;
 }
 } // namespace
 
@@ -65,7 +107,7 @@ int PreparePathArg(const wchar_t* pszCommand, const wchar_t* pszPath, wchar_t* p
     std::size_t cchWord = 0;
     const wchar_t* pWord = TakeWord(pszRest, cchWord);
     *pszArgs = 0;
-    if (!PutProgram(pszProgram, cch < kPathChars ? cch : kPathChars, pWord, cchWord)) {
+    if (!PutProgram(pszProgram, std::min<std::size_t>(cch, kPathChars), pWord, cchWord)) {
         *pszProgram = 0; // a cut name would be another program
         return 0;
     }
@@ -74,30 +116,6 @@ int PreparePathArg(const wchar_t* pszCommand, const wchar_t* pszPath, wchar_t* p
     return 0;
 }
 
-namespace {
-int Expand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
-    DWORD cch = ::ExpandEnvironmentStringsW(pszIn, pszOut, cchOut); // with the terminator
-    return cch > 1 && cch <= cchOut && *pszOut;
-}
-
-int UnExpand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
-    return ::PathUnExpandEnvStringsW(pszIn, pszOut, cchOut) && *pszOut;
-}
-
-/// The platform's functions do not work in place.
-template <class Fn>
-int ChangeOrCopy(Fn&& change, const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
-    if (!pszOut || cchOut == 0) return 0;
-    wchar_t szIn[kPathChars];
-    if (pszIn >= pszOut && pszIn < pszOut + cchOut) {
-        if (!CopyPath(szIn, pszIn)) return CopyTextCut(pszOut, cchOut, pszIn);
-        pszIn = szIn;
-    }
-    if (pszIn && *pszIn && change(pszIn, pszOut, cchOut)) return 1;
-    return CopyTextCut(pszOut, cchOut, pszIn);
-}
-} // namespace
-
 int ExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
     return ChangeOrCopy(Expand, pszIn, pszOut, cchOut);
 }
@@ -105,21 +123,6 @@ int ExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
 int UnExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
     return ChangeOrCopy(UnExpand, pszIn, pszOut, cchOut);
 }
-
-namespace {
-constexpr wchar_t kQuote = L'"';
-
-/// The cch characters at psz, cut only if they come from elsewhere.
-void PutText(wchar_t* pszOut, const wchar_t* psz, std::size_t cch, bool bInPlace) {
-    if (!bInPlace && cch >= kPathChars) cch = kPathChars - 1;
-    CopyTextPart(pszOut, psz, cch);
-}
-
-const wchar_t* DropBlanksAndTabs(const wchar_t* pStart, const wchar_t* pEnd) {
-    while (pEnd > pStart && IsBlankOrTab(pEnd[-1])) --pEnd;
-    return pEnd;
-}
-} // namespace
 
 void AddQuotesIfSpace(wchar_t* pszPath) {
     if (pszPath && std::wcschr(pszPath, L' ')) AddQuotes(pszPath);

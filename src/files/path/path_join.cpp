@@ -14,13 +14,9 @@
 namespace {
 constexpr wchar_t kForNT[] = L":NT:";
 
-bool EndsInSeparator(const wchar_t* psz, std::size_t cch) {
-    return cch > 0 && IsPathSeparator(psz[cch - 1]);
-}
-
-/// The folder as the start of a path, expanded. 1 if it fits.
-int PutFolder(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszFolder) {
-    if (pszOut == pszFolder) return 1;
+/// Writes the folder, expanded, as the start of a path. False if it does not fit.
+bool PutFolder(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszFolder) {
+    if (pszOut == pszFolder) return true; // it stands there already
     return ExpandEnvStrings(pszFolder, pszOut, static_cast<unsigned>(cchOut));
 }
 
@@ -28,26 +24,23 @@ const wchar_t* SkipOneSeparator(const wchar_t* psz) {
     return IsPathSeparator(*psz) ? psz + 1 : psz;
 }
 
-int NeedsDot(const wchar_t* pszExt) { return pszExt && *pszExt != L'.'; }
+bool NeedsDot(const wchar_t* pszExt) { return pszExt && *pszExt != L'.'; }
 
-std::size_t LengthOf(const wchar_t* psz) { return psz ? std::wcslen(psz) : 0; }
-
-/// Puts a piece behind the text if it fits the buffer; 1 while a path is short enough.
-int AppendStage(wchar_t* pszOut, std::size_t cchOut, const wchar_t* psz) {
+/// Puts a piece behind the text if it fits the buffer whole. False if it does not, and also where
+/// the text has then become too long for a path: both end the join.
+bool AppendStage(wchar_t* pszOut, std::size_t cchOut, const wchar_t* psz) {
     std::size_t cch = std::wcslen(pszOut), cchMore = std::wcslen(psz);
-    if (cch + cchMore >= cchOut) return 0;
+    if (cch + cchMore >= cchOut) return false;
     CopyTextPart(pszOut + cch, psz, cchMore);
     return cch + cchMore < kPathChars;
 }
 
 /// Puts a path behind a root or a folder, cut to a path's length.
-void PutBehind(wchar_t* pszPath, const wchar_t* pszBefore, int bSeparator) {
+void PutBehind(wchar_t* pszPath, const wchar_t* pszBefore, bool bSeparator) {
     wchar_t szPath[kPathChars];
     CopyPath(szPath, pszBefore);
-    if (bSeparator && !EndsInSeparator(szPath, std::wcslen(szPath))) {
-        AppendTextCut(szPath, kPathChars, L"\\");
-    }
-    AppendTextCut(szPath, kPathChars, pszPath);
+    if (bSeparator && !EndsInSeparator(szPath, std::wcslen(szPath))) AppendPath(szPath, L"\\");
+    AppendPath(szPath, pszPath);
     CopyPath(pszPath, szPath);
 }
 
@@ -56,9 +49,11 @@ wchar_t DriveBehindCurrent() {
     wchar_t szCurrent[kPathChars];
     DWORD cch = ::GetCurrentDirectoryW(kPathChars, szCurrent);
     if (cch == 0 || cch >= kPathChars || !StartsWithDrive(szCurrent)) return L'A';
+    // Behind Z comes a character that is no drive's; no such path can be found.
     return static_cast<wchar_t>(CharToUpper(szCurrent[0]) + 1);
 }
 
+/// Puts the base's root before a path that has none, or else a drive.
 void AddDrive(wchar_t* pszPath, const wchar_t* pszBase) {
     wchar_t szRoot[kPathChars];
     if (!ExtractRootPath(szRoot, pszBase)) {
@@ -66,55 +61,35 @@ void AddDrive(wchar_t* pszPath, const wchar_t* pszBase) {
         szRoot[1] = L':';
         szRoot[2] = 0;
     }
-    PutBehind(pszPath, szRoot, 0);
+    PutBehind(pszPath, szRoot, false);
 }
 } // namespace
 
-void AppendBackSlash(wchar_t* pszPath) {
-    std::size_t cch = LengthOf(pszPath);
-    if (cch && !EndsInSeparator(pszPath, cch)) CopyTextPart(pszPath + cch, L"\\", 1);
-}
-
-void RemoveBackSlash(wchar_t* pszPath) {
-    std::size_t cch = LengthOf(pszPath);
-    if (!EndsInSeparator(pszPath, cch)) return;
-    if (cch == 1 || !IsPathBreak(pszPath[cch - 2])) pszPath[cch - 1] = 0;
-}
-
-int StripBackSlash(wchar_t* pszPath) {
-    std::size_t cch = LengthOf(pszPath);
-    if (!EndsInSeparator(pszPath, cch)) return 0;
-    pszPath[cch - 1] = 0;
-    return 1;
-}
-
 void AppendFileName(wchar_t* pszFolder, const wchar_t* pszName) {
     if (!pszFolder) return;
-    if (!EndsInSeparator(pszFolder, std::wcslen(pszFolder))) {
-        AppendTextCut(pszFolder, kPathChars, L"\\");
-    }
-    AppendTextCut(pszFolder, kPathChars, pszName);
+    if (!EndsInSeparator(pszFolder, std::wcslen(pszFolder))) AppendPath(pszFolder, L"\\");
+    AppendPath(pszFolder, pszName);
 }
 
 int MakePath(wchar_t* pszOut, const wchar_t* pszFolder, const wchar_t* pszName,
              const wchar_t* pszExt, int bCut) {
     if (!pszOut) return 0;
-    PutFolder(pszOut, kPathChars, pszFolder);
+    PutFolder(pszOut, kPathChars, pszFolder); // cut if it is too long; no name fits behind it then
     if (!pszName || !*pszName) return 1;
     std::size_t cch = std::wcslen(pszOut);
-    int bSeparator = cch && !EndsInSeparator(pszOut, cch);
-    int bDot = NeedsDot(pszExt);
+    bool bSeparator = cch && !EndsInSeparator(pszOut, cch);
+    bool bDot = NeedsDot(pszExt);
     pszName = SkipOneSeparator(pszName);
-    int bFits = cch + bSeparator + std::wcslen(pszName) + bDot + LengthOf(pszExt) < kPathChars;
+    bool bFits = cch + bSeparator + std::wcslen(pszName) + bDot + LengthOf(pszExt) < kPathChars;
     if (!bFits && !bCut) {
         *pszOut = 0;
         return 0;
     }
-    if (bSeparator) AppendTextCut(pszOut, kPathChars, L"\\");
-    AppendTextCut(pszOut, kPathChars, pszName);
+    if (bSeparator) AppendPath(pszOut, L"\\");
+    AppendPath(pszOut, pszName);
     if (!bFits) return 0;
-    if (bDot) AppendTextCut(pszOut, kPathChars, L".");
-    AppendTextCut(pszOut, kPathChars, pszExt);
+    if (bDot) AppendPath(pszOut, L".");
+    AppendPath(pszOut, pszExt);
     return 1;
 }
 
@@ -128,7 +103,7 @@ int MakePathEx(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszFolder, const
     std::size_t cch = std::wcslen(pszOut);
     if (cch >= kPathChars) return 0;
     if (!pszName || !*pszName) return 1;
-    int bSeparator = cch && !EndsInSeparator(pszOut, cch);
+    bool bSeparator = cch && !EndsInSeparator(pszOut, cch);
     if (bSeparator && !AppendStage(pszOut, cchOut, L"\\")) return 0;
     if (!AppendStage(pszOut, cchOut, SkipOneSeparator(pszName))) return 0;
     if (NeedsDot(pszExt) && !AppendStage(pszOut, cchOut, L".")) return 0;
@@ -161,7 +136,7 @@ void MakeFullPathName(wchar_t* pszPath, const wchar_t* pszBase) {
         return;
     }
     if (IsFullPathName(pszBase)) {
-        PutBehind(pszPath, pszBase, 1);
+        PutBehind(pszPath, pszBase, true);
         return;
     }
     wchar_t szFull[kPathChars];

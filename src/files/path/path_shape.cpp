@@ -1,8 +1,5 @@
 #include "files/path/path_shape.h"
 #include "files/path/path_chars.h"
-#include "files/path/path_join.h"
-#include "files/path/path_name.h"
-#include "files/path/path_split.h"
 #include "runtime/system/dll_loader.h"
 #include "runtime/text/str_chars.h"
 #include "runtime/text/str_find.h"
@@ -29,16 +26,24 @@ bool HoldsSeparatorPair(const wchar_t* psz) {
     return false;
 }
 
+/// Whether the platform shows FTP folders. Kept: the answer does not change while the system runs,
+/// and asking loads a library.
+bool HasFtpLibrary() {
+    constexpr int kNotAsked = -1;
+    static constinit std::atomic<int> nHas{kNotAsked}; // asked twice by two threads at worst
+    if (nHas == kNotAsked) nHas = GetVerDll(L"msieftp.dll") != 0;
+    return nHas != 0;
+}
+
+/// All separators are the same here, and case does not count.
 bool IsSameChar(wchar_t ch1, wchar_t ch2) {
     return ch1 == ch2 || (IsPathSeparator(ch1) && IsPathSeparator(ch2)) ||
            CharToUpper(ch1) == CharToUpper(ch2);
 }
 
-int HasFtpLibrary() {
-    constexpr int kNotAsked = -1;
-    static constinit std::atomic<int> nHas{kNotAsked}; // asked twice by two threads at worst
-    if (nHas == kNotAsked) nHas = GetVerDll(L"msieftp.dll") != 0;
-    return nHas;
+/// What of a text counts as a path, without a separator at its end.
+std::size_t LengthOfPath(const wchar_t* psz) {
+    return LengthWithoutSeparator(psz, LengthUpTo(psz, kPathChars - 1));
 }
 } // namespace
 
@@ -58,9 +63,7 @@ int IsDrivePath(const wchar_t* pszPath) {
     return !pszPath[2] || (pszPath[2] == L'\\' && !pszPath[3]);
 }
 
-int IsDosFolder(const wchar_t* pszPath) {
-    return pszPath && StartsWithDrive(pszPath) && IsPathSeparator(pszPath[2]);
-}
+int IsDosFolder(const wchar_t* pszPath) { return pszPath && StartsWithDriveRoot(pszPath); }
 
 int IsRootFolder(const wchar_t* pszPath, int bUnc) {
     if (!pszPath) return 0;
@@ -69,9 +72,7 @@ int IsRootFolder(const wchar_t* pszPath, int bUnc) {
     return pszPath[2] && !HoldsSeparator(pszPath + 2);
 }
 
-int IsNetworkPath(const wchar_t* pszPath) {
-    return pszPath && pszPath[0] == L'\\' && pszPath[1] == L'\\' && pszPath[2];
-}
+int IsNetworkPath(const wchar_t* pszPath) { return pszPath && StartsWithServer(pszPath); }
 
 int IsNetworkComputer(const wchar_t* pszPath) {
     return IsNetworkPath(pszPath) && !HoldsSeparator(pszPath + 2);
@@ -96,14 +97,12 @@ int IsSubFolderOf(const wchar_t* pszPath, const wchar_t* pszFolder, int bOrSame)
 }
 
 int IsSamePath(const wchar_t* pszPath1, const wchar_t* pszPath2) {
-    wchar_t sz1[kPathChars], sz2[kPathChars];
-    CopyPath(sz1, pszPath1);
-    CopyPath(sz2, pszPath2);
-    RemoveBackSlash(sz1);
-    RemoveBackSlash(sz2);
-    std::size_t i = 0;
-    while (sz1[i] && sz2[i] && IsSameChar(sz1[i], sz2[i])) ++i;
-    return !sz1[i] && !sz2[i];
+    std::size_t cch = LengthOfPath(pszPath1);
+    if (LengthOfPath(pszPath2) != cch) return 0;
+    for (std::size_t i = 0; i < cch; ++i) {
+        if (!IsSameChar(pszPath1[i], pszPath2[i])) return 0;
+    }
+    return 1;
 }
 
 int IsFileInFolder(const wchar_t* pszFile, const wchar_t* pszFolder) {
@@ -119,9 +118,9 @@ int IsValidFileName(const wchar_t* pszName) {
 
 int IsValidAltFileName(const wchar_t* pszName) {
     if (!IsValidFileName(pszName)) return 0;
-    const wchar_t* pEnd = pszName + std::wcslen(pszName);
-    const wchar_t* pDot = LocateFileExt(pszName);
-    if (!pDot) pDot = pEnd;
+    // Nothing in a valid name makes a path of it, so that the last "." is that of its extension.
+    const wchar_t* pDot = std::wcsrchr(pszName, L'.');
+    if (!pDot) pDot = pszName + std::wcslen(pszName);
     return pDot - pszName <= kMaxAltName && std::wcslen(pDot) <= kMaxAltExt;
 }
 
@@ -135,11 +134,9 @@ const wchar_t* GetInvalidFileNameChars() { return kInvalidFileNameChars; }
 
 const wchar_t* GetInvalidFolderNameChars() { return kInvalidFolderNameChars; }
 
-int IsFtpFolder(const wchar_t* pszPath) { return IsFtpFolderWith(HasFtpLibrary(), pszPath); }
-
-int IsFtpFolderWith(int bHasLibrary, const wchar_t* pszPath) {
-    return bHasLibrary && (!pszPath || StrStartsWith(pszPath, L"ftp://", 1));
+int IsFtpFolder(const wchar_t* pszPath) {
+    // The text first: most paths need no answer of the platform.
+    return (!pszPath || StrStartsWith(pszPath, L"ftp://", 1)) && HasFtpLibrary();
 }
 
-// QUIRK: whatever is not FAT counts, known or not. Test: IsFileSysUNC.OnlyFatGivesZero
 int IsFileSysUNC(const wchar_t* pszName) { return !pszName || !std::wcsstr(pszName, L"FAT"); }

@@ -1,9 +1,11 @@
 #pragma once
 #include "runtime/base/export.h"
 
-// Tests of a path's shape: what it looks like, not what is there. Each gives 1 or 0, and 0 for a
-// null text unless told otherwise. A separator is a backslash or a slash. Drive letters are A to Z
-// and a to z.
+// Questions about a path's shape: what it looks like, not what is there. Each gives 1 or 0, and 0
+// for a null text unless told otherwise. A separator is a backslash or a slash. Drive letters are A
+// to Z and a to z.
+
+// One path
 
 /// Starts with a separator (one is enough), or with a letter, ":" and a separator. "C:a" does not.
 TESSALY_API int IsFullPathName(const wchar_t* pszPath);
@@ -11,7 +13,7 @@ TESSALY_API int IsFullPathName(const wchar_t* pszPath);
 TESSALY_API int IsPath(const wchar_t* pszPath);
 /// The text holds "*" or "?".
 // QUIRK: no other character that a pattern may have counts.
-// Test: IsMask.HoldsAStarOrAQuestionMarkAndNothingElseCounts
+// Test: IsMaskTest.HoldsAStarOrAQuestionMark
 TESSALY_API int IsMask(const wchar_t* pszPath);
 /// Exactly "X:" or "X:\", the latter with a backslash.
 TESSALY_API int IsDrivePath(const wchar_t* pszPath);
@@ -21,43 +23,51 @@ TESSALY_API int IsDosFolder(const wchar_t* pszPath);
 /// "\\server", not "\\server\share".
 TESSALY_API int IsRootFolder(const wchar_t* pszPath, int bUnc);
 /// Two backslashes and at least one more character.
-// QUIRK: here, and in the two tests below, slashes at the start do not count, while GetRootPath
-// takes them. Test: IsNetworkPath.IsTwoBackslashesAndMore
+// QUIRK: here, and in the two questions below, slashes at the start do not count, while GetRootPath
+// takes them. Test: IsNetworkPathTest.IsTwoBackslashesAndMore
 TESSALY_API int IsNetworkPath(const wchar_t* pszPath);
-/// The same without a further separator.
+/// Two backslashes and a server's name, with no separator behind it.
 TESSALY_API int IsNetworkComputer(const wchar_t* pszPath);
 /// Exactly "\\server\share", with no separator behind it.
 TESSALY_API int IsNetworkShare(const wchar_t* pszPath);
 
-/// Whether a path lies within a folder, at any depth. Case does not count, all separators are the
-/// same, one at the end of either makes no difference. For the folder itself the result is bOrSame.
-/// Empty texts give 0.
+// Two paths
+
+/// Whether a path lies within a folder, at any depth. Case does not count, a slash is as good as a
+/// backslash, and one separator at the end of either makes no difference. For the folder itself the
+/// result is bOrSame. Empty texts give 0.
 TESSALY_API int IsSubFolderOf(const wchar_t* pszPath, const wchar_t* pszFolder, int bOrSame);
-/// The same path but for case, the kind of separators and one trailing separator (RemoveBackSlash).
-/// Only the first 259 characters count. A null text counts as empty.
+/// Whether two texts are one path: they differ at most in case, in the kind of separators and in
+/// one separator at the end, which RemoveBackSlash would cut. Only the first 259 characters count.
+/// A null text counts as empty.
 TESSALY_API int IsSamePath(const wchar_t* pszPath1, const wchar_t* pszPath2);
-/// The file's text is the folder's, with case, a separator, and a name without separators, which
-/// may be empty.
-// QUIRK: a folder that ends in a separator holds nothing. Test: IsFileInFolder.TableOfAllCases
+/// Whether a file lies right in a folder: its text starts with the folder's, in the same case, and
+/// goes on with a separator and a name without separators, which may be empty.
+// QUIRK: a folder that ends in a separator holds nothing.
+// Test: IsFileInFolderTest.IsANameRightBelowTheFolder
 TESSALY_API int IsFileInFolder(const wchar_t* pszFile, const wchar_t* pszFolder);
+
+// Names
 
 /// Not empty, and without the characters of GetInvalidFileNameChars.
 TESSALY_API int IsValidFileName(const wchar_t* pszName);
-/// The same with at most 8 characters before the last "." and 4 from there on. There need be no
-/// ".".
+/// A valid file name (IsValidFileName) with at most 8 characters before the last "." and 4 from
+/// there on. There need be no ".".
 TESSALY_API int IsValidAltFileName(const wchar_t* pszName);
 /// Starts with a letter and ":" or with two backslashes; behind those two characters there are no
 /// two separators in a row and no characters of GetInvalidFolderNameChars.
 TESSALY_API int IsValidFolderName(const wchar_t* pszPath);
 /// The text "\ / : * ? " < > |", fit to be shown: its blanks are not invalid characters.
 TESSALY_API const wchar_t* GetInvalidFileNameChars();
-/// The text ": * ? " < > |", likewise.
+/// The text ": * ? " < > |", fit to be shown: its blanks are not invalid characters.
 TESSALY_API const wchar_t* GetInvalidFolderNameChars();
+
+// Folders and file systems
 
 /// The path starts with "ftp://", in any case, and the platform shows such folders: it has
 /// "msieftp.dll", which is looked up once per process. A null path asks for that alone.
 TESSALY_API int IsFtpFolder(const wchar_t* pszPath);
-/// The same where it is known whether the platform has that library.
-int IsFtpFolderWith(int bHasLibrary, const wchar_t* pszPath);
-/// 0 if a file system's name contains "FAT", with case; 1 for every other, also for null.
+/// 0 if a file system's name (GetFileSysName) contains "FAT", with case.
+// QUIRK: every other name gives 1, known or not, and so does null.
+// Test: IsFileSysUNCTest.OnlyFatGivesZero
 TESSALY_API int IsFileSysUNC(const wchar_t* pszName);

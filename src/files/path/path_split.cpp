@@ -1,12 +1,16 @@
 #include "files/path/path_split.h"
 #include "files/path/path_chars.h"
-#include "files/path/path_join.h"
 #include "files/path/path_name.h"
 #include "files/path/path_shape.h"
 
+#include <algorithm>
 #include <cwchar>
 
+// The finders come for texts that may be changed and for others: one template each, of which the
+// public pairs are instances.
+
 namespace {
+/// Behind the last character that is a break, else the start; null for null.
 template <class Char, class IsBreak>
 Char* BehindLast(Char* pszPath, IsBreak&& isBreak) {
     if (!pszPath) return nullptr;
@@ -64,18 +68,19 @@ const wchar_t* EndOfShare(const wchar_t* pszPath) {
     return pEnd > pServer + 1 ? pEnd : nullptr;
 }
 
-/// The path up to pEnd as the root, with backslashes and the text pszTail behind it.
-int PutRoot(wchar_t* pszOut, const wchar_t* pszPath, const wchar_t* pEnd, const wchar_t* pszTail) {
-    if (!pszOut) return 0;
+/// Writes the path up to pEnd as the root, with backslashes and the text pszTail behind it. False,
+/// with an empty text, where there is no root or where it does not fit.
+bool PutRoot(wchar_t* pszOut, const wchar_t* pszPath, const wchar_t* pEnd, const wchar_t* pszTail) {
+    if (!pszOut) return false;
     auto cch = pEnd ? static_cast<std::size_t>(pEnd - pszPath) : 0;
     if (cch == 0 || cch + std::wcslen(pszTail) >= kPathChars) {
         *pszOut = 0;
-        return 0;
+        return false;
     }
     CopyTextPart(pszOut, pszPath, cch);
     ConvertSlashes(pszOut);
     CopyTextPart(pszOut + cch, pszTail, kPathChars - 1 - cch);
-    return 1;
+    return true;
 }
 } // namespace
 
@@ -131,16 +136,18 @@ int ParsePath(wchar_t* pszFolder, wchar_t* pszName, wchar_t* pszExt, const wchar
     const wchar_t* pName = BehindLast(pszPath, IsPathSeparator);
     const wchar_t* pDot = FindDotExt(pszPath);
     auto cchFolder = static_cast<std::size_t>(pName - pszPath); // with the separator
+    // The folder comes last: it may be the path.
     if (pszExt) CopyPath(pszExt, pDot);
     if (pszName) {
         std::size_t cch = kPathChars - 1;
+        // The last "." may be a folder's: then the name has none.
         if (pszExt && pDot && pDot >= pName && pDot < pName + cch) {
             cch = static_cast<std::size_t>(pDot - pName);
         }
         CopyTextPart(pszName, pName, cch);
     }
     if (pszFolder) {
-        CopyTextPart(pszFolder, pszPath, cchFolder < kPathChars ? cchFolder : kPathChars - 1);
+        CopyTextPart(pszFolder, pszPath, std::min(cchFolder, kPathChars - 1));
         if (cchFolder && cchFolder < kPathChars && !IsRootFolder(pszFolder, 1)) {
             pszFolder[cchFolder - 1] = 0;
         }
@@ -150,12 +157,12 @@ int ParsePath(wchar_t* pszFolder, wchar_t* pszName, wchar_t* pszExt, const wchar
 
 int GetRootPath(wchar_t* pszOut, const wchar_t* pszPath) {
     if (!pszPath) pszPath = L"";
-    if (IsDosFolder(pszPath)) return PutRoot(pszOut, pszPath, pszPath + 2, L"\\");
+    if (StartsWithDriveRoot(pszPath)) return PutRoot(pszOut, pszPath, pszPath + 2, L"\\");
     return PutRoot(pszOut, pszPath, EndOfShare(pszPath), L"\\");
 }
 
 int ExtractRootPath(wchar_t* pszOut, const wchar_t* pszPath) {
     if (!pszPath) pszPath = L"";
-    if (IsDosFolder(pszPath)) return PutRoot(pszOut, pszPath, pszPath + 2, L"");
+    if (StartsWithDriveRoot(pszPath)) return PutRoot(pszOut, pszPath, pszPath + 2, L"");
     return PutRoot(pszOut, pszPath, EndOfServer(pszPath), L"");
 }

@@ -7,7 +7,9 @@
 // a buffer, that has 260, and what is longer is cut. A null path counts as empty; functions
 // whose result points into the path give null for it.
 
-/// Behind the last separator or ":", else the start. Behind a trailing separator that is the
+// Places in a path: first in one that stays as it is, then in one that the caller may change
+
+/// Behind the last separator or ":", else the start. Behind a separator at the end that is the
 /// terminator.
 TESSALY_API const wchar_t* LocateFileName(const wchar_t* pszPath);
 TESSALY_API wchar_t* LocateFileName(wchar_t* pszPath);
@@ -23,8 +25,10 @@ TESSALY_API wchar_t* FindDotExt(wchar_t* pszPath);
 /// The last separator; null if there is none.
 TESSALY_API const wchar_t* FindLastSeparator(const wchar_t* pszPath);
 TESSALY_API wchar_t* FindLastSeparator(wchar_t* pszPath);
-/// Cuts off a trailing separator, then finds what LocateFileName finds.
+/// Cuts off one separator at the end, then finds what LocateFileName finds.
 TESSALY_API wchar_t* FindLastPathComponent(wchar_t* pszPath);
+
+// Cutting in place. A null path is left alone.
 
 /// Cuts behind the last separator or ":"; a bare name becomes empty.
 TESSALY_API void StripFileName(wchar_t* pszPath);
@@ -32,6 +36,8 @@ TESSALY_API void StripFileName(wchar_t* pszPath);
 TESSALY_API void StripFileNameAndBackslash(wchar_t* pszPath);
 /// Cuts at the "." that LocateFileExt finds.
 TESSALY_API void StripFileExt(wchar_t* pszPath);
+
+// Parts, as copies in buffers of 260 characters. A null output takes nothing.
 
 /// The folder of a path, by StripFileName and RemoveBackSlash. pszOut may be the path.
 TESSALY_API void DirFromPath(wchar_t* pszOut, const wchar_t* pszPath);
@@ -48,9 +54,11 @@ TESSALY_API int ParsePath(wchar_t* pszFolder, wchar_t* pszName, wchar_t* pszExt,
 
 /// "X:\" of a path on a drive, "\\server\share\" of one in the network, for full paths
 /// (IsFullPathName). Returns 1; 0 with an empty text for any other path, also one that starts with
-/// a single separator, and without a share. pszOut may be the path.
+/// a single separator or has no share. pszOut may be the path.
 TESSALY_API int GetRootPath(wchar_t* pszOut, const wchar_t* pszPath);
-/// The same, but "X:" of a path on a drive and "\\server" of one in the network.
+/// "X:" of a path on a drive, "\\server" of one in the network, for full paths. Returns 1; 0 with
+/// an empty text for any other path, also one that starts with a single separator. pszOut may be
+/// the path.
 // QUIRK: unlike GetRootPath it gives no separator and needs no share; what it gives for a drive is
-// no root by IsRootFolder. Test: RootPaths.OfFullPathsOnly
+// no root by IsRootFolder. Test: RootPathsTest.OfFullPathsOnly
 TESSALY_API int ExtractRootPath(wchar_t* pszOut, const wchar_t* pszPath);

@@ -1,6 +1,7 @@
 #include "files/stream/core_file.h"
 #include "runtime/text/str_format.h"
 
+#include <windows.h>
 #include <shlobj.h>
 #include <winioctl.h>
 #include <cstdarg>
@@ -21,20 +22,23 @@ DWORD CompleteLineEnd(Ch* pszText, DWORD cch) {
 }
 
 /// What a read or write gives: all that was asked for moved.
-int FinishTransfer(BOOL bDone, DWORD cbMoved, DWORD cbWanted, DWORD* pcbDone) {
+bool FinishTransfer(BOOL bDone, DWORD cbMoved, DWORD cbWanted, DWORD* pcbDone) {
     if (pcbDone) *pcbDone = cbMoved;
     return bDone && cbMoved == cbWanted;
 }
 } // namespace
 
-CoreFile::CoreFile(const wchar_t* pszPath, int bToWrite) { Open(pszPath, bToWrite); }
+// IsReady tells whether the opening succeeded.
+CoreFile::CoreFile(const wchar_t* pszPath, int bToWrite) {
+    static_cast<void>(Open(pszPath, bToWrite));
+}
 
 CoreFile::CoreFile(const wchar_t* pszPath, DWORD nAccess, DWORD nShare, DWORD nDisposition,
                    DWORD nFlags) {
-    Open(pszPath, nAccess, nShare, nDisposition, nFlags);
+    static_cast<void>(Open(pszPath, nAccess, nShare, nDisposition, nFlags));
 }
 
-CoreFile::~CoreFile() { CoreFile::Close(); }
+CoreFile::~CoreFile() { CoreFile::Close(); } // by name: a derived object is gone by now
 
 void CoreFile::InitCoreFile() {
     hFile = INVALID_HANDLE_VALUE;
@@ -58,6 +62,10 @@ int CoreFile::Open(const wchar_t* pszPath, DWORD nAccess, DWORD nShare, DWORD nD
 
 CoreFile* CoreFile::CreateObject(const wchar_t* pszPath, int bToWrite) {
     return new (std::nothrow) CoreFile(pszPath, bToWrite);
+}
+
+CoreIOObj* CoreIO::CreateFileObject(const wchar_t* pszPath, int bToWrite) {
+    return CoreFile::CreateObject(pszPath, bToWrite);
 }
 
 void CoreFile::Close() {
@@ -136,6 +144,7 @@ int CoreFile::CopyBinFrom(CoreFile& source, void* pBuffer, DWORD cb) {
     return source.ReadBin(pBuffer, cb, nullptr) && WriteBin(pBuffer, cb, nullptr);
 }
 
+// The platform tells of compression file by file; a file system without it fails the question.
 int CoreFile::GetCompression() {
     USHORT nState = 0;
     DWORD cbDone = 0;
@@ -187,10 +196,7 @@ CoreFileAttrib::CoreFileAttrib(const wchar_t* pszFilePath, DWORD nAttributes)
 CoreFileAttrib::~CoreFileAttrib() {
     if (IsValid()) ::SetFileAttributesW(pszPath, nSaved);
 }
-
-// The parts of CoreFile that take a path: facts, deletion, renaming, and whole contents.
-
-
+// What takes a path: facts, deletion, renaming, and whole contents
 
 int CoreFile::GetInfo(const wchar_t* pszPath, WIN32_FIND_DATAW* pData) {
     WIN32_FIND_DATAW data;
@@ -203,7 +209,7 @@ int CoreFile::GetInfo(const wchar_t* pszPath, WIN32_FIND_DATAW* pData) {
 
 DWORD CoreFile::GetSize(const wchar_t* pszPath, DWORD* pnHigh) {
     WIN32_FIND_DATAW data;
-    int bFound = GetInfo(pszPath, &data);
+    const bool bFound = GetInfo(pszPath, &data);
     if (pnHigh) *pnHigh = bFound ? data.nFileSizeHigh : 0;
     return bFound ? data.nFileSizeLow : 0;
 }
@@ -233,7 +239,7 @@ int CoreFile::SetTime(const wchar_t* pszPath, const FILETIME* pftCreation,
 DWORD CoreFile::GetAttrib(const wchar_t* pszPath) { return ::GetFileAttributesW(pszPath); }
 
 int CoreFile::CanFind(const wchar_t* pszPath) {
-    ::SetLastError(NO_ERROR);
+    ::SetLastError(NO_ERROR); // a failure that sets no error must not look like an older one
     if (::GetFileAttributesW(pszPath) != INVALID_FILE_ATTRIBUTES) return 1;
     return ::GetLastError() != ERROR_FILE_NOT_FOUND;
 }

@@ -4,18 +4,14 @@
 #include "runtime/base/ownership.h"
 #include "runtime/text/str_format.h"
 
+#include <windows.h>
 #include <shlobj.h>
 #include <algorithm>
 #include <cwchar>
 
-// Copies of whole files.
-
-
-
 namespace {
-constexpr std::size_t kPathSize = 260;
-
-int IsFile(const wchar_t* pszPath) {
+/// There is a file, not a folder.
+bool IsFile(const wchar_t* pszPath) {
     DWORD nAttributes = ::GetFileAttributesW(pszPath);
     return nAttributes != INVALID_FILE_ATTRIBUTES && !(nAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
@@ -27,16 +23,17 @@ std::size_t GetNameLength(const wchar_t* pszPath) {
     return cch;
 }
 
-int IsSameName(const wchar_t* pszPath, const wchar_t* pszOther) {
+/// The two texts name one file in a folder, but for what the platform drops.
+bool IsSameName(const wchar_t* pszPath, const wchar_t* pszOther) {
     std::size_t cch = GetNameLength(pszPath);
     return cch == GetNameLength(pszOther) && ::_wcsnicmp(pszPath, pszOther, cch) == 0;
 }
 
-/// The name under which the target waits. 0 if it would be the target itself, whose name leaves no
-/// room for more, or the source, which must not be deleted for it.
-int MakeBackupName(wchar_t (&szBackup)[kPathSize], const wchar_t* pszSource,
-                   const wchar_t* pszTarget) {
-    if (!pszSource || !pszTarget || !*pszTarget) return 0;
+/// Makes the name under which the target waits. False if that would be the target itself, whose
+/// name leaves no room for more, or the source, which must not be deleted for it.
+bool MakeBackupName(wchar_t (&szBackup)[MAX_PATH], const wchar_t* pszSource,
+                    const wchar_t* pszTarget) {
+    if (!pszSource || !pszTarget || !*pszTarget) return false;
     FormatText(szBackup, L"%s.temp", pszTarget);
     return !IsSameName(szBackup, pszTarget) && !IsSameName(szBackup, pszSource);
 }
@@ -46,7 +43,7 @@ int CoreFile::CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget, int 
     SetLastHRESULT(0);
     CoreFile source(pszSource, 0);
     if (!source.IsReady()) return 0;
-    int bCompressed = source.GetCompression();
+    const bool bCompressed = source.GetCompression();
     DWORD cb = source.GetSize(nullptr);
     // Before the target is opened, which makes it: without memory nothing is touched.
     DWORD cbBuffer = std::min(cb, kCopyBufferSize);
@@ -60,7 +57,7 @@ int CoreFile::CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget, int 
         target.Close(); // an open file cannot be deleted
         ::DeleteFileW(pszTarget);
         source.Close();
-        ::SetLastError(dwError);
+        ::SetLastError(dwError); // why the copy failed, not what came of the cleaning up
         return 0;
     }
     buffer.Reset();
@@ -71,7 +68,7 @@ int CoreFile::CopyFileW(const wchar_t* pszSource, const wchar_t* pszTarget, int 
 }
 
 int CoreFile::CopyFileSafe(const wchar_t* pszSource, const wchar_t* pszTarget) {
-    wchar_t szBackup[kPathSize];
+    wchar_t szBackup[MAX_PATH];
     if (!MakeBackupName(szBackup, pszSource, pszTarget)) {
         ::SetLastError(ERROR_INVALID_NAME);
         return 0;
@@ -91,18 +88,18 @@ int CoreFile::CopyFileSafe(const wchar_t* pszSource, const wchar_t* pszTarget) {
     return 0;
 }
 
-int CopyChunks(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
-    if (cb && !cbBuffer) return 0;
+bool CopyChunks(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
+    if (cb && !cbBuffer) return false; // would go on for ever
     while (cb) {
         DWORD cbChunk = std::min(cb, cbBuffer);
-        if (!source.ReadBin(pBuffer, cbChunk, nullptr)) return 0;
-        if (!target.WriteBin(pBuffer, cbChunk, nullptr)) return 0;
+        if (!source.ReadBin(pBuffer, cbChunk, nullptr)) return false;
+        if (!target.WriteBin(pBuffer, cbChunk, nullptr)) return false;
         cb -= cbChunk;
     }
-    return 1;
+    return true;
 }
 
-int CopyContents(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
+bool CopyContents(CoreIOObj& source, CoreIOObj& target, void* pBuffer, DWORD cbBuffer, DWORD cb) {
     target.MoveTo64(0, FILE_BEGIN);
     return CopyChunks(source, target, pBuffer, cbBuffer, cb) && target.SetEndOfFile();
 }

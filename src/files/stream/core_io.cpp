@@ -1,5 +1,4 @@
 #include "files/stream/core_io.h"
-#include "files/stream/core_file.h"
 
 #include <algorithm>
 #include <atomic>
@@ -11,6 +10,7 @@ constexpr unsigned kMaxTextMeasured = 32767; // bytes; what is longer counts as 
 // is no order between them.
 constinit std::atomic<long> lLastResult{0};
 
+/// The text's length, which ends at the limit also where the text does not.
 unsigned MeasureText(const char* pszText) {
     unsigned cb = 0;
     while (cb < kMaxTextMeasured && pszText[cb]) ++cb;
@@ -26,11 +26,9 @@ void CoreIOObj::SetLastHRESULT(long lNew) { lLastResult.store(lNew, std::memory_
 
 void CoreIOObj::SetLastWin32Error(DWORD dwError) { SetLastHRESULT(HRESULT_FROM_WIN32(dwError)); }
 
+// The rest of construction stands where files are known: CreateFileObject in core_file.cpp, the
+// stream on a UniPath in disk/uni_path.cpp.
 CoreIO::~CoreIO() { delete pInner; }
-
-CoreIOObj* CoreIO::CreateFileObject(const wchar_t* pszPath, int bToWrite) {
-    return CoreFile::CreateObject(pszPath, bToWrite);
-}
 
 void CoreIO::Close() {
     if (pInner) pInner->Close();
@@ -66,6 +64,7 @@ int CoreIO::ReadStr(char* pszBuffer) {
     if (!cb) return 1;
     DWORD cbDone = 0;
     int bDone = ReadBin(pszBuffer, cb, &cbDone);
+    // After a failure the count is not taken at its word: other streams than ours may be below.
     pszBuffer[bDone ? cb : std::min<DWORD>(cbDone, cb)] = 0;
     return bDone;
 }

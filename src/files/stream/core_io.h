@@ -19,18 +19,23 @@ class TESSALY_API CoreIOObj {
     virtual int IsToWrite() = 0;
     /// The length in bytes; 0 if it cannot be told.
     virtual unsigned __int64 GetSize64() = 0;
-    /// Cuts or lengthens the stream to the current position.
+    /// Cuts or lengthens the stream to the current position, which becomes its end.
     virtual int SetEndOfFile() = 0;
     /// Moves nDistance bytes from the start (FILE_BEGIN, 0), the current position (FILE_CURRENT, 1)
-    /// or the end (FILE_END, 2). Returns the new position.
+    /// or the end (FILE_END, 2). Returns the new position, or the stream's own value for a failure.
     virtual __int64 MoveTo64(__int64 nDistance, DWORD nMethod) = 0;
+    /// Writes through what the platform holds back.
     virtual int Flush() = 0;
-    /// Moves cb bytes from or to the current position. 1 only if all of them moved; *pcbDone, which
-    /// may be null, gets how many did.
+    /// Reads cb bytes at the current position, which moves on. 1 only if all of them came;
+    /// *pcbDone, which may be null, gets how many did.
     virtual int ReadBin(void* pBuffer, DWORD cb, DWORD* pcbDone) = 0;
+    /// Writes cb bytes at the current position, which moves on. 1 only if all of them went;
+    /// *pcbDone, which may be null, gets how many did.
     virtual int WriteBin(const void* pData, DWORD cb, DWORD* pcbDone) = 0;
 
+    /// The current position in bytes from the start.
     __int64 GetFilePos64() { return MoveTo64(0, FILE_CURRENT); }
+    /// Moves nBytes on, or back if negative. Returns the new position.
     __int64 Skip(int nBytes) { return MoveTo64(nBytes, FILE_CURRENT); }
 
     /// The last result of the whole process, cleared by every new stream. A diagnostic of the last
@@ -40,7 +45,8 @@ class TESSALY_API CoreIOObj {
     // Test: CoreFileOpen.ForWritingOfAnExistingFileLeavesAlreadyExists
     static long GetLastHRESULT();
     static void SetLastHRESULT(long lNew);
-    /// The same for a platform error: a positive one becomes 0x8007xxxx, anything else stays.
+    /// Stores a platform error as the last result: a positive one becomes 0x8007xxxx, anything else
+    /// stays.
     static void SetLastWin32Error(DWORD dwError);
 };
 
@@ -71,11 +77,19 @@ class TESSALY_API CoreIO : public CoreIOObj {
     int ReadBin(void* pBuffer, DWORD cb, DWORD* pcbDone) override;
     int WriteBin(const void* pData, DWORD cb, DWORD* pcbDone) override;
 
-    int Read(unsigned char& bValue) { return ReadBin(&bValue, sizeof(bValue), nullptr); }
-    int Read(unsigned short& wValue) { return ReadBin(&wValue, sizeof(wValue), nullptr); }
-    int Read(int& nValue) { return ReadBin(&nValue, sizeof(nValue), nullptr); }
-    int Read(unsigned& nValue) { return ReadBin(&nValue, sizeof(nValue), nullptr); }
-    int Read(unsigned long& nValue) { return ReadBin(&nValue, sizeof(nValue), nullptr); }
+    // A value as it lies in memory. 1; 0 if not all of its bytes moved: then a value that was to be
+    // read is not valid.
+    [[nodiscard]] int Read(unsigned char& bValue) {
+        return ReadBin(&bValue, sizeof(bValue), nullptr);
+    }
+    [[nodiscard]] int Read(unsigned short& wValue) {
+        return ReadBin(&wValue, sizeof(wValue), nullptr);
+    }
+    [[nodiscard]] int Read(int& nValue) { return ReadBin(&nValue, sizeof(nValue), nullptr); }
+    [[nodiscard]] int Read(unsigned& nValue) { return ReadBin(&nValue, sizeof(nValue), nullptr); }
+    [[nodiscard]] int Read(unsigned long& nValue) {
+        return ReadBin(&nValue, sizeof(nValue), nullptr);
+    }
     int Write(unsigned char bValue) { return WriteBin(&bValue, sizeof(bValue), nullptr); }
     int Write(unsigned short wValue) { return WriteBin(&wValue, sizeof(wValue), nullptr); }
     int Write(int nValue) { return WriteBin(&nValue, sizeof(nValue), nullptr); }
@@ -89,15 +103,16 @@ class TESSALY_API CoreIO : public CoreIOObj {
     int Write(bool) = delete;
     int Write(long) = delete;
 
-    /// A short text: one byte with its length and that many bytes, without a terminator. pszBuffer
-    /// holds kShortTextSize bytes and is terminated in every case; a text that ends early gives 0
-    /// with what there was.
-    int ReadStr(char* pszBuffer);
+    /// Reads a short text: one byte with its length and that many bytes, without a terminator.
+    /// pszBuffer holds kShortTextSize bytes and is terminated in every case. 1; a text that ends
+    /// early gives 0 with what there was.
+    [[nodiscard]] int ReadStr(char* pszBuffer);
     static constexpr DWORD kShortTextSize = 256; // the longest, of 255 bytes, and its terminator
+    /// Writes a short text as ReadStr reads it. 0 for null, and if not all of it was written.
     // QUIRK: a text of 256 bytes or more is cut to its length modulo 256; lengths are counted up to
-    // 32,767. Test: CoreIOStr.LongTextIsCutToItsLengthModulo256
+    // 32,767. Test: CoreIOStrLength.IsCutModulo256
     int WriteStr(const char* pszText);
 
   private:
-    CoreIOObj* pInner;
+    CoreIOObj* pInner; // owned, by one of the copies; null: everything gives 0
 };

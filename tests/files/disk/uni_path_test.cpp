@@ -133,7 +133,7 @@ TEST(UniPath, GivesItsNameAndItself) {
     EXPECT_STREQ(L"file", sz);
     EXPECT_EQ(1, path.GetDisplayPath(sz, 1));
     EXPECT_STREQ(L"", sz);
-    path.Open(L"C:\\folder\\");
+    EXPECT_EQ(1, path.Open(L"C:\\folder\\"));
     EXPECT_EQ(1, path.GetFileName(sz, 32));
     EXPECT_STREQ(L"", sz);
 }

@@ -35,67 +35,33 @@ class CurrentFolder {
     wchar_t szBefore[MAX_PATH] = {};
 };
 
-bool IsSep(wchar_t ch) { return ch == L'\\' || ch == L'/'; }
-
-// Separators at the end
-
-TEST(AppendBackSlash, AddsOneUnlessThereIsOne) {
-    ExpectChanges({{L"", L""},
-                   {L"a", L"a\\"},
-                   {L"a\\", L"a\\"},
-                   {L"a/", L"a/"},
-                   {L"C:", L"C:\\"},
-                   {L"C:\\", L"C:\\"},
-                   {L"\\", L"\\"}},
-                  AppendBackSlash);
-}
-
-TEST(RemoveBackSlash, CutsOneUnlessASeparatorOrColonStandsBefore) {
-    ExpectChanges({{L"", L""},
-                   {L"\\", L""},
-                   {L"/", L""},
-                   {L"a", L"a"},
-                   {L"a/", L"a"},
-                   {L"C:\\", L"C:\\"},
-                   {L"C:/", L"C:/"},
-                   {L"C:\\a\\", L"C:\\a"},
-                   {L"a\\\\", L"a\\\\"},
-                   {L"a/\\", L"a/\\"},
-                   {L":\\", L":\\"}},
-                  RemoveBackSlash);
-}
-
-TEST(StripBackSlash, CutsOneWithoutCondition) {
-    ExpectChanges({{L"", L""},
-                   {L"\\", L""},
-                   {L"a", L"a"},
-                   {L"a/", L"a"},
-                   {L"C:\\", L"C:"},
-                   {L"C:/", L"C:"},
-                   {L"a\\\\", L"a\\"}},
-                  [](wchar_t* psz) {
-                      std::size_t cch = psz ? std::wcslen(psz) : 0;
-                      int bCut = StripBackSlash(psz);
-                      EXPECT_EQ(bCut, psz && std::wcslen(psz) < cch);
-                  });
-}
-
-TEST(AppendFileName, PutsASeparatorBetween) {
-    const struct {
-        const wchar_t* pszFolder;
-        const wchar_t* pszName;
-        const wchar_t* pszResult;
-    } rows[] = {{L"C:", L"a", L"C:\\a"},   {L"C:\\", L"a", L"C:\\a"}, {L"C:/", L"a", L"C:/a"},
-                {L"a", L"\\b", L"a\\\\b"}, {L"", L"a", L"\\a"},       {L"", L"", L"\\"},
-                {L"a", L"", L"a\\"},       {L"\\", L"a", L"\\a"},     {L"a", nullptr, L"a\\"}};
+struct AppendCase {
+    const char* pszName;
+    const wchar_t* pszFolder;
+    const wchar_t* pszFileName;
+    const wchar_t* pszResult;
+};
+class AppendFileNameTest : public testing::TestWithParam<AppendCase> {};
+TEST_P(AppendFileNameTest, PutsASeparatorBetween) {
     FrontGuardedPath front;
-    for (const auto& row : rows) {
-        wchar_t* psz = front.Put(row.pszFolder);
-        AppendFileName(psz, row.pszName);
-        EXPECT_STREQ(row.pszResult, psz);
-    }
-    AppendFileName(nullptr, L"a");
+    wchar_t* psz = front.Put(GetParam().pszFolder);
+    AppendFileName(psz, GetParam().pszFileName);
+    EXPECT_STREQ(GetParam().pszResult, psz);
 }
+INSTANTIATE_TEST_SUITE_P(Paths, AppendFileNameTest,
+                         testing::Values(AppendCase{"Drive", L"C:", L"a", L"C:\\a"},
+                                         AppendCase{"Root", L"C:\\", L"a", L"C:\\a"},
+                                         AppendCase{"RootWithASlash", L"C:/", L"a", L"C:/a"},
+                                         AppendCase{"SeparatorBeforeTheName", L"a", L"\\b",
+                                                    L"a\\\\b"},
+                                         AppendCase{"EmptyFolder", L"", L"a", L"\\a"},
+                                         AppendCase{"BothEmpty", L"", L"", L"\\"},
+                                         AppendCase{"EmptyName", L"a", L"", L"a\\"},
+                                         AppendCase{"Backslash", L"\\", L"a", L"\\a"},
+                                         AppendCase{"NullName", L"a", nullptr, L"a\\"}),
+                         kRowName);
+
+TEST(AppendFileName, NullFolderDoesNothing) { AppendFileName(nullptr, L"a"); }
 
 TEST(AppendFileName, StopsAt260Characters) {
     for (std::size_t cchFolder : {0u, 1u, 100u, 257u, 258u, 259u}) {
@@ -110,50 +76,64 @@ TEST(AppendFileName, StopsAt260Characters) {
 
 // Joining
 
-struct MakeRow {
+struct MakeCase {
+    const char* pszName;
     const wchar_t* pszFolder;
-    const wchar_t* pszName;
+    const wchar_t* pszFileName;
     const wchar_t* pszExt;
     const wchar_t* pszResult;
 };
 
-const MakeRow kMakeRows[] = {
-    {L"C:\\d", L"a", L"txt", L"C:\\d\\a.txt"},
-    {L"C:\\d", L"a", L".txt", L"C:\\d\\a.txt"},
-    {L"C:\\d", L"a", nullptr, L"C:\\d\\a"},
-    {L"C:\\d\\", L"a", nullptr, L"C:\\d\\a"},
-    {L"C:/d/", L"a", nullptr, L"C:/d/a"},
-    {L"C:\\d", L"\\a", nullptr, L"C:\\d\\a"},
-    {L"C:\\d", L"/a", nullptr, L"C:\\d\\a"},
-    {L"C:\\d", L"\\\\a", nullptr, L"C:\\d\\\\a"}, // one is dropped
-    {L"C:\\d", L"\\", L"x", L"C:\\d\\.x"},
-    {L"C:\\d", nullptr, L"x", L"C:\\d"},
-    {L"C:\\d", L"", L"x", L"C:\\d"},
-    {L"", L"a", L"x", L"a.x"},
-    {L"", L"\\a", nullptr, L"a"},
-    {nullptr, L"a", nullptr, L"a"},
-    {nullptr, nullptr, nullptr, L""},
-    {L"%TSLY_TEST%", L"a", nullptr, L"D:\\env\\a"},
-    {L"%TSLY_TEST%\\x", nullptr, nullptr, L"D:\\env\\x"},
-    {L"%TSLY_NONE%", L"a", nullptr, L"%TSLY_NONE%\\a"},
-    {L"C:\\d", L"%TSLY_TEST%", nullptr, L"C:\\d\\%TSLY_TEST%"}, // the name is as it is
+class MakePathTest : public testing::TestWithParam<MakeCase> {
+  protected:
+    SetEnv env{L"D:\\env"};
+    const MakeCase& row = GetParam();
+    PathBuffer out{L"before"};
 };
-
-TEST(MakePath, TableOfAllCases) {
-    SetEnv env(L"D:\\env");
-    for (const MakeRow& row : kMakeRows) {
-        for (int bCut : {0, 1}) {
-            PathBuffer out(L"before");
-            EXPECT_EQ(1, MakePath(out, row.pszFolder, row.pszName, row.pszExt, bCut));
-            EXPECT_STREQ(row.pszResult, out);
-        }
-        PathBuffer out(L"before");
-        EXPECT_EQ(1, MakePathEx(out, MAX_PATH, row.pszFolder, row.pszName, row.pszExt));
-        EXPECT_STREQ(row.pszResult, out);
+TEST_P(MakePathTest, JoinsWithAndWithoutCutting) {
+    for (int bCut : {0, 1}) {
         out.Set(L"before");
-        EXPECT_EQ(1, MakePathForOS(out, row.pszFolder, row.pszName, row.pszExt));
+        EXPECT_EQ(1, MakePath(out, row.pszFolder, row.pszFileName, row.pszExt, bCut));
         EXPECT_STREQ(row.pszResult, out);
     }
+}
+TEST_P(MakePathTest, JoinsStepByStep) {
+    EXPECT_EQ(1, MakePathEx(out, MAX_PATH, row.pszFolder, row.pszFileName, row.pszExt));
+    EXPECT_STREQ(row.pszResult, out);
+}
+TEST_P(MakePathTest, JoinsForThisPlatform) {
+    EXPECT_EQ(1, MakePathForOS(out, row.pszFolder, row.pszFileName, row.pszExt));
+    EXPECT_STREQ(row.pszResult, out);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Paths, MakePathTest,
+    testing::Values(MakeCase{"Extension", L"C:\\d", L"a", L"txt", L"C:\\d\\a.txt"},
+                    MakeCase{"ExtensionWithItsDot", L"C:\\d", L"a", L".txt", L"C:\\d\\a.txt"},
+                    MakeCase{"NoExtension", L"C:\\d", L"a", nullptr, L"C:\\d\\a"},
+                    MakeCase{"FolderWithASeparator", L"C:\\d\\", L"a", nullptr, L"C:\\d\\a"},
+                    MakeCase{"FolderWithASlash", L"C:/d/", L"a", nullptr, L"C:/d/a"},
+                    MakeCase{"NameWithASeparator", L"C:\\d", L"\\a", nullptr, L"C:\\d\\a"},
+                    MakeCase{"NameWithASlash", L"C:\\d", L"/a", nullptr, L"C:\\d\\a"},
+                    MakeCase{"NameWithTwoSeparators", L"C:\\d", L"\\\\a", nullptr,
+                             L"C:\\d\\\\a"}, // one is dropped
+                    MakeCase{"SeparatorForAName", L"C:\\d", L"\\", L"x", L"C:\\d\\.x"},
+                    MakeCase{"NullName", L"C:\\d", nullptr, L"x", L"C:\\d"},
+                    MakeCase{"EmptyName", L"C:\\d", L"", L"x", L"C:\\d"},
+                    MakeCase{"EmptyFolder", L"", L"a", L"x", L"a.x"},
+                    MakeCase{"EmptyFolderAndASeparator", L"", L"\\a", nullptr, L"a"},
+                    MakeCase{"NullFolder", nullptr, L"a", nullptr, L"a"},
+                    MakeCase{"AllNull", nullptr, nullptr, nullptr, L""},
+                    MakeCase{"EnvironmentString", L"%TSLY_TEST%", L"a", nullptr, L"D:\\env\\a"},
+                    MakeCase{"EnvironmentStringWithoutAName", L"%TSLY_TEST%\\x", nullptr, nullptr,
+                             L"D:\\env\\x"},
+                    MakeCase{"UnknownEnvironmentString", L"%TSLY_NONE%", L"a", nullptr,
+                             L"%TSLY_NONE%\\a"},
+                    MakeCase{"EnvironmentStringInTheName", L"C:\\d", L"%TSLY_TEST%", nullptr,
+                             L"C:\\d\\%TSLY_TEST%"} // the name is as it is
+                    ),
+    kRowName);
+
+TEST(MakePath, NullOutputGivesZero) {
     EXPECT_EQ(0, MakePath(nullptr, L"a", L"b", nullptr, 1));
     EXPECT_EQ(0, MakePathEx(nullptr, MAX_PATH, L"a", L"b", nullptr));
     EXPECT_EQ(0, MakePathForOS(nullptr, L"a", L"b", nullptr));
@@ -260,21 +240,29 @@ TEST(MakePathEx, LargeBufferStopsBehindTheStageThatReaches260) {
     EXPECT_EQ(1, MakePathEx(out, 1000, L"f", std::wstring(255, L'n').c_str(), L"x"));
 }
 
-TEST(MakePathForOS, NamesForOnePlatform) {
-    const struct {
-        const wchar_t* pszName;
-        int nResult;
-        const wchar_t* pszPath;
-    } rows[] = {{L":NT:a", 1, L"d\\a"}, {L":nt:a", 1, L"d\\a"},      {L":Nt:\\a", 1, L"d\\a"},
-                {L":NT:", 1, L"d"},     {L":95:a", 0, L""},          {L":", 0, L""},
-                {L":NT", 0, L""},       {L"a:NT:b", 1, L"d\\a:NT:b"}};
-    for (const auto& row : rows) {
-        GuardedText name(row.pszName);
-        PathBuffer out(L"before");
-        EXPECT_EQ(row.nResult, MakePathForOS(out, L"d", name.Get(), nullptr)) << row.pszName;
-        EXPECT_STREQ(row.pszPath, out) << row.pszName;
-    }
+struct PlatformCase {
+    const char* pszName;
+    const wchar_t* pszFileName;
+    int nResult;
+    const wchar_t* pszPath;
+};
+class MakePathForOSTest : public testing::TestWithParam<PlatformCase> {};
+TEST_P(MakePathForOSTest, NamesForOnePlatform) {
+    GuardedText name(GetParam().pszFileName);
+    PathBuffer out(L"before");
+    EXPECT_EQ(GetParam().nResult, MakePathForOS(out, L"d", name.Get(), nullptr));
+    EXPECT_STREQ(GetParam().pszPath, out);
 }
+INSTANTIATE_TEST_SUITE_P(Names, MakePathForOSTest,
+                         testing::Values(PlatformCase{"ThisPlatform", L":NT:a", 1, L"d\\a"},
+                                         PlatformCase{"SmallLetters", L":nt:a", 1, L"d\\a"},
+                                         PlatformCase{"SeparatorBehind", L":Nt:\\a", 1, L"d\\a"},
+                                         PlatformCase{"NoName", L":NT:", 1, L"d"},
+                                         PlatformCase{"OtherPlatform", L":95:a", 0, L""},
+                                         PlatformCase{"ColonAlone", L":", 0, L""},
+                                         PlatformCase{"MarkWithoutAnEnd", L":NT", 0, L""},
+                                         PlatformCase{"MarkWithin", L"a:NT:b", 1, L"d\\a:NT:b"}),
+                         kRowName);
 
 TEST(MakePathForOS, CutsNothing) {
     PathBuffer out;
@@ -291,36 +279,40 @@ std::wstring FullOf(std::wstring_view str, const wchar_t* pszBase) {
     return path.Str();
 }
 
-TEST(MakeFullPathName, TableOfTheCasesThatAskNothing) {
-    const struct {
-        const wchar_t* pszPath;
-        const wchar_t* pszBase;
-        const wchar_t* pszResult;
-    } rows[] = {
-        {L"", L"C:\\d", L"C:\\d"},
-        {L"", L"d", L"d"}, // whatever it is
-        {L"", nullptr, L""},
-        {L"X:\\a", L"C:\\d", L"X:\\a"},
-        {L"X:/a/b", L"C:\\d", L"X:\\a\\b"},
-        {L" \t\"X:\\a b\" ", L"C:\\d", L"X:\\a b"},
-        {L"\\\\s\\x", L"C:\\d", L"\\\\s\\x"},
-        {L"//s/x", L"C:\\d", L"\\\\s\\x"},
-        {L"\\a", L"X:\\d", L"X:\\a"},
-        {L"/a", L"x:/d", L"x:\\a"},
-        {L"\\a", L"\\\\s\\x\\d", L"\\\\s\\a"},
-        {L"a", L"X:\\d", L"X:\\d\\a"},
-        {L"a", L"X:\\", L"X:\\a"},
-        {L"a", L"X:/d/", L"X:/d/a"},
-        {L"a/b", L"\\\\s\\x", L"\\\\s\\x\\a\\b"},
-        {L"C:a", L"X:\\d", L"X:\\d\\C:a"},
-        {L"\"\"", L"X:\\d", L"X:\\d\\"}, // empty only once its quotes are gone
-        {L"a", L"\\d", L"\\d\\a"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.pszResult, FullOf(row.pszPath, row.pszBase)) << row.pszPath;
-    }
-    MakeFullPathName(nullptr, L"C:\\d");
+struct FullCase {
+    const char* pszName;
+    const wchar_t* pszPath;
+    const wchar_t* pszBase;
+    const wchar_t* pszResult;
+};
+class MakeFullPathNameTest : public testing::TestWithParam<FullCase> {};
+TEST_P(MakeFullPathNameTest, FullPathsAndBasesAskNothing) {
+    EXPECT_EQ(GetParam().pszResult, FullOf(GetParam().pszPath, GetParam().pszBase));
 }
+INSTANTIATE_TEST_SUITE_P(
+    Paths, MakeFullPathNameTest,
+    testing::Values(FullCase{"Empty", L"", L"C:\\d", L"C:\\d"},
+                    FullCase{"EmptyAndNoFullBase", L"", L"d", L"d"}, // whatever it is
+                    FullCase{"EmptyWithoutABase", L"", nullptr, L""},
+                    FullCase{"FullPath", L"X:\\a", L"C:\\d", L"X:\\a"},
+                    FullCase{"FullPathWithSlashes", L"X:/a/b", L"C:\\d", L"X:\\a\\b"},
+                    FullCase{"BlanksAndQuotes", L" \t\"X:\\a b\" ", L"C:\\d", L"X:\\a b"},
+                    FullCase{"NetworkPath", L"\\\\s\\x", L"C:\\d", L"\\\\s\\x"},
+                    FullCase{"NetworkPathWithSlashes", L"//s/x", L"C:\\d", L"\\\\s\\x"},
+                    FullCase{"BehindABackslash", L"\\a", L"X:\\d", L"X:\\a"},
+                    FullCase{"BehindASlash", L"/a", L"x:/d", L"x:\\a"},
+                    FullCase{"BehindABackslashOnAShare", L"\\a", L"\\\\s\\x\\d", L"\\\\s\\a"},
+                    FullCase{"Name", L"a", L"X:\\d", L"X:\\d\\a"},
+                    FullCase{"NameInARoot", L"a", L"X:\\", L"X:\\a"},
+                    FullCase{"BaseWithASeparator", L"a", L"X:/d/", L"X:/d/a"},
+                    FullCase{"BaseOnAShare", L"a/b", L"\\\\s\\x", L"\\\\s\\x\\a\\b"},
+                    FullCase{"NameOnADrive", L"C:a", L"X:\\d", L"X:\\d\\C:a"},
+                    FullCase{"QuotesAlone", L"\"\"", L"X:\\d",
+                             L"X:\\d\\"}, // empty only once its quotes are gone
+                    FullCase{"BaseWithoutADrive", L"a", L"\\d", L"\\d\\a"}),
+    kRowName);
+
+TEST(MakeFullPathName, NullDoesNothing) { MakeFullPathName(nullptr, L"C:\\d"); }
 
 TEST(MakeFullPathName, WithoutAFullBaseTheCurrentDirectoryCompletes) {
     CurrentFolder current(L"C:\\windows");
@@ -382,31 +374,6 @@ TEST(AppendSecondTermZero, IfTheSizeAllows) {
 }
 
 // Random texts against a second telling of the rules
-
-TEST(JoinRandom, SeparatorsAtTheEnd) {
-    RandomPaths paths(831);
-    GuardedArea area(2 * 1024);
-    FrontGuardedPath front;
-    for (int i = 0; i < kRandomInputs; ++i) {
-        std::wstring str = paths.Next();
-        bool bEnds = !str.empty() && IsSep(str.back());
-        std::wstring strWithout = bEnds ? str.substr(0, str.size() - 1) : str;
-        bool bRoot =
-            bEnds && !strWithout.empty() && (IsSep(strWithout.back()) || strWithout.back() == L':');
-        wchar_t* psz = i % 2 ? area.Put(str) : front.Put(str);
-        RemoveBackSlash(psz);
-        ASSERT_EQ(bRoot ? str : strWithout, psz);
-        psz = i % 2 ? area.Put(str) : front.Put(str);
-        ASSERT_EQ(bEnds, StripBackSlash(psz));
-        ASSERT_EQ(strWithout, psz);
-        bool bAdds = !bEnds && !str.empty();
-        psz = i % 2 ? static_cast<wchar_t*>(area.Put((str.size() + 1 + bAdds) * sizeof(wchar_t)))
-                    : front.Put(str);
-        std::wmemcpy(psz, str.c_str(), str.size() + 1);
-        AppendBackSlash(psz);
-        ASSERT_EQ(bAdds ? str + L"\\" : str, psz);
-    }
-}
 
 TEST(JoinRandom, AppendFileName) {
     RandomPaths paths(832);

@@ -5,56 +5,117 @@
 #include <algorithm>
 
 namespace {
-TEST(ConvertSlashes, EverySlashBecomesABackslash) {
-    ExpectChanges({{L"", L""}, {L"/", L"\\"}, {L"C:/a\\b//c", L"C:\\a\\b\\\\c"}}, ConvertSlashes);
-}
+class ConvertSlashesTest : public ChangeTest {};
+TEST_P(ConvertSlashesTest, EverySlashBecomesABackslash) { ExpectChange(ConvertSlashes); }
+INSTANTIATE_TEST_SUITE_P(Texts, ConvertSlashesTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"Slash", L"/", L"\\"},
+                                         ChangeCase{"Mixed", L"C:/a\\b//c", L"C:\\a\\b\\\\c"}),
+                         kRowName);
 
-TEST(ConvertDashes, FourDashesBecomeAHyphen) {
-    ExpectChanges({{L"", L""},
-                   {L"\u2012\u2013\u2014\u2015", L"----"},
-                   {L"\u2011a\u2016-", L"\u2011a\u2016-"}},
-                  ConvertDashes);
-}
+// Separators at the end
 
-TEST(MakeNamePretty, FirstUpperOthersLower) {
-    ExpectChanges({{L"", L""},
-                   {L"a", L"A"},
-                   {L"aBC DEF", L"Abc def"},
-                   {L"\u00E4\u00C4", L"\u00C4\u00E4"},
-                   {L"1A", L"1a"}},
-                  MakeNamePretty);
-}
+class AppendBackSlashTest : public ChangeTest {};
+TEST_P(AppendBackSlashTest, AddsOneUnlessThereIsOne) { ExpectChange(AppendBackSlash); }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, AppendBackSlashTest,
+    testing::Values(ChangeCase{"Empty", L"", L""}, ChangeCase{"Name", L"a", L"a\\"},
+                    ChangeCase{"Backslash", L"a\\", L"a\\"}, ChangeCase{"Slash", L"a/", L"a/"},
+                    ChangeCase{"Drive", L"C:", L"C:\\"}, ChangeCase{"Root", L"C:\\", L"C:\\"},
+                    ChangeCase{"BackslashAlone", L"\\", L"\\"}),
+    kRowName);
 
-TEST(FixFileName, EachOfTheTenBecomesADash) {
+class RemoveBackSlashTest : public ChangeTest {};
+TEST_P(RemoveBackSlashTest, CutsOneUnlessASeparatorOrColonStandsBefore) {
+    ExpectChange(RemoveBackSlash);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, RemoveBackSlashTest,
+    testing::Values(ChangeCase{"Empty", L"", L""}, ChangeCase{"Backslash", L"\\", L""},
+                    ChangeCase{"Slash", L"/", L""}, ChangeCase{"Name", L"a", L"a"},
+                    ChangeCase{"SlashAtTheEnd", L"a/", L"a"}, ChangeCase{"Root", L"C:\\", L"C:\\"},
+                    ChangeCase{"RootWithASlash", L"C:/", L"C:/"},
+                    ChangeCase{"Path", L"C:\\a\\", L"C:\\a"},
+                    ChangeCase{"TwoBackslashes", L"a\\\\", L"a\\\\"},
+                    ChangeCase{"SlashAndBackslash", L"a/\\", L"a/\\"},
+                    ChangeCase{"Colon", L":\\", L":\\"}),
+    kRowName);
+
+class StripBackSlashTest : public ChangeTest {};
+TEST_P(StripBackSlashTest, CutsOneWithoutCondition) {
+    ExpectChange([](wchar_t* psz) {
+        std::size_t cch = psz ? std::wcslen(psz) : 0;
+        int bCut = StripBackSlash(psz);
+        EXPECT_EQ(bCut, psz && std::wcslen(psz) < cch);
+    });
+}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, StripBackSlashTest,
+    testing::Values(ChangeCase{"Empty", L"", L""}, ChangeCase{"Backslash", L"\\", L""},
+                    ChangeCase{"Name", L"a", L"a"}, ChangeCase{"SlashAtTheEnd", L"a/", L"a"},
+                    ChangeCase{"Root", L"C:\\", L"C:"}, ChangeCase{"RootWithASlash", L"C:/", L"C:"},
+                    ChangeCase{"TwoBackslashes", L"a\\\\", L"a\\"}),
+    kRowName);
+
+// Names
+
+class ConvertDashesTest : public ChangeTest {};
+TEST_P(ConvertDashesTest, FourDashesBecomeAHyphen) { ExpectChange(ConvertDashes); }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, ConvertDashesTest,
+    testing::Values(ChangeCase{"Empty", L"", L""},
+                    ChangeCase{"TheFour", L"\u2012\u2013\u2014\u2015", L"----"},
+                    ChangeCase{"OthersStay", L"\u2011a\u2016-", L"\u2011a\u2016-"}),
+    kRowName);
+
+class MakeNamePrettyTest : public ChangeTest {};
+TEST_P(MakeNamePrettyTest, FirstUpperOthersLower) { ExpectChange(MakeNamePretty); }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, MakeNamePrettyTest,
+    testing::Values(ChangeCase{"Empty", L"", L""}, ChangeCase{"Letter", L"a", L"A"},
+                    ChangeCase{"Words", L"aBC DEF", L"Abc def"},
+                    ChangeCase{"BeyondAscii", L"\u00E4\u00C4", L"\u00C4\u00E4"},
+                    ChangeCase{"Digit", L"1A", L"1a"}),
+    kRowName);
+
+class FixFileNameTest : public ChangeTest {};
+TEST_P(FixFileNameTest, EachOfTheTenBecomesADash) {
     auto fix = [](wchar_t* pszOut, const wchar_t* pszIn) {
         EXPECT_EQ(pszOut != nullptr, FixFileName(pszOut, pszIn));
     };
-    const std::initializer_list<ChangeRow> rows = {{L"", L""},
-                                                   {L"a.b:c", L"a-b-c"},
-                                                   {L"\"*./:<>?\\|", L"----------"},
-                                                   {L"a b&#46;;%'", L"a b&#46;;%'"}};
-    ExpectCopies(rows, fix);
-    ExpectChanges(rows, [&](wchar_t* psz) { fix(psz, nullptr); });
+    ExpectCopy(fix);
+    ExpectChange([&](wchar_t* psz) { fix(psz, nullptr); });
 }
+INSTANTIATE_TEST_SUITE_P(Texts, FixFileNameTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"DotAndColon", L"a.b:c", L"a-b-c"},
+                                         ChangeCase{"TheTen", L"\"*./:<>?\\|", L"----------"},
+                                         ChangeCase{"OthersStay", L"a b&#46;;%'", L"a b&#46;;%'"}),
+                         kRowName);
 
-TEST(EncodeAndDecodeFileName, TableOfAllCases) {
-    const ChangeRow rows[] = {
-        {L"", L""},
-        {L"a.b", L"a&#46;b"},
-        {L"\"*./:<>?\\|", L"&#34;&#42;&#46;&#47;&#58;&#60;&#62;&#63;&#92;&#124;"},
-        {L"a b&c#;", L"a b&c#;"}};
-    for (const ChangeRow& row : rows) {
-        PathBuffer out(L"before");
-        EXPECT_EQ(1, EncodeFileName(out, row.pszText));
-        EXPECT_STREQ(row.pszResult, out);
-        EXPECT_EQ(1, DecodeFileName(out, row.pszResult));
-        EXPECT_STREQ(row.pszText, out);
-        out.Set(row.pszText);
-        EXPECT_EQ(1, EncodeFileName(out, out));
-        EXPECT_STREQ(row.pszResult, out);
-        EXPECT_EQ(1, DecodeFileName(out, out));
-        EXPECT_STREQ(row.pszText, out);
-    }
+class EncodeFileNameTest : public ChangeTest {};
+TEST_P(EncodeFileNameTest, DecodesToWhatItWas) {
+    auto [pszName, pszText, pszResult] = GetParam();
+    PathBuffer out(L"before");
+    EXPECT_EQ(1, EncodeFileName(out, pszText));
+    EXPECT_STREQ(pszResult, out);
+    EXPECT_EQ(1, DecodeFileName(out, pszResult));
+    EXPECT_STREQ(pszText, out);
+    out.Set(pszText);
+    EXPECT_EQ(1, EncodeFileName(out, out));
+    EXPECT_STREQ(pszResult, out);
+    EXPECT_EQ(1, DecodeFileName(out, out));
+    EXPECT_STREQ(pszText, out);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, EncodeFileNameTest,
+    testing::Values(ChangeCase{"Empty", L"", L""}, ChangeCase{"Dot", L"a.b", L"a&#46;b"},
+                    ChangeCase{"TheTen", L"\"*./:<>?\\|",
+                               L"&#34;&#42;&#46;&#47;&#58;&#60;&#62;&#63;&#92;&#124;"},
+                    ChangeCase{"OthersStay", L"a b&c#;", L"a b&c#;"}),
+    kRowName);
+
+TEST(EncodeAndDecodeFileName, NullsCountAsEmptyAndAnOutputIsNeeded) {
     PathBuffer out(L"before");
     EXPECT_EQ(1, EncodeFileName(out, nullptr));
     EXPECT_STREQ(L"", out);
@@ -65,31 +126,29 @@ TEST(EncodeAndDecodeFileName, TableOfAllCases) {
     EXPECT_EQ(0, DecodeFileName(nullptr, L"a"));
 }
 
-TEST(DecodeFileName, OtherNumbersAreDropped) {
-    const ChangeRow rows[] = {{L"&#65;", L""},
-                              {L"a&#65;b", L"ab"},
-                              {L"a&#46", L"a."}, // the group runs to the end
-                              {L"&#46x;b", L".b"},
-                              {L"&#;a", L"a"},
-                              {L"&#x;a", L"a"},
-                              {L"&#", L""},
-                              {L"&", L"&"},
-                              {L"&&#46;", L"&."},
-                              {L"&#&#46;", L""}, // one group
-                              {L"&#046;", L"."},
-                              {L"&#0;a", L"a"},
-                              {L"&#65582;a", L"a"},                // 46 and 0x10000
-                              {L"&#4294967342;a", L"a"},           // 46 and 2^32
-                              {L"&#18446744073709551662;a", L"a"}, // 46 and 2^64
-                              {L"&# 46;a", L"a"},
-                              {L"&#-46;a", L"a"}};
-    for (const ChangeRow& row : rows) {
-        GuardedText text(row.pszText);
-        PathBuffer out;
-        EXPECT_EQ(1, DecodeFileName(out, text.Get())) << row.pszText;
-        EXPECT_STREQ(row.pszResult, out) << row.pszText;
-    }
+class DecodeFileNameTest : public ChangeTest {};
+TEST_P(DecodeFileNameTest, OtherNumbersAreDropped) {
+    GuardedText text(GetParam().pszText);
+    PathBuffer out;
+    EXPECT_EQ(1, DecodeFileName(out, text.Get()));
+    EXPECT_STREQ(GetParam().pszResult, out);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, DecodeFileNameTest,
+    testing::Values(ChangeCase{"OtherCharacter", L"&#65;", L""},
+                    ChangeCase{"Between", L"a&#65;b", L"ab"},
+                    ChangeCase{"WithoutAnEnd", L"a&#46", L"a."}, // the group runs to the end
+                    ChangeCase{"LetterBehind", L"&#46x;b", L".b"},
+                    ChangeCase{"NoDigits", L"&#;a", L"a"}, ChangeCase{"NoNumber", L"&#x;a", L"a"},
+                    ChangeCase{"StartAlone", L"&#", L""}, ChangeCase{"Ampersand", L"&", L"&"},
+                    ChangeCase{"TwoAmpersands", L"&&#46;", L"&."},
+                    ChangeCase{"GroupWithinAGroup", L"&#&#46;", L""}, // one group
+                    ChangeCase{"LeadingZero", L"&#046;", L"."}, ChangeCase{"Zero", L"&#0;a", L"a"},
+                    ChangeCase{"WrapsAt16Bits", L"&#65582;a", L"a"},      // 46 and 0x10000
+                    ChangeCase{"WrapsAt32Bits", L"&#4294967342;a", L"a"}, // 46 and 2^32
+                    ChangeCase{"WrapsAt64Bits", L"&#18446744073709551662;a", L"a"}, // 46 and 2^64
+                    ChangeCase{"Blank", L"&# 46;a", L"a"}, ChangeCase{"Minus", L"&#-46;a", L"a"}),
+    kRowName);
 
 TEST(NameCopies, TakeAtMost259Characters) {
     using Change = int (*)(wchar_t*, const wchar_t*);
@@ -128,23 +187,40 @@ TEST(DecodeFileName, GroupsThatGiveNothingAreTakenToTheEnd) {
     EXPECT_EQ(std::wstring(259, L'.'), out.Str());
 }
 
-TEST(UpdateMask, TableOfAllCases) {
-    const struct {
-        const wchar_t* pszMask;
-        const wchar_t* pszName;
-        const wchar_t* pszResult;
-    } rows[] = {{L"abc", L"abd", L"ab*"}, {L"ab*", L"ax", L"a*"},   {L"abc", L"abc", L"abc"},
-                {L"ab*", L"abc", L"ab*"}, {L"ab*", L"ab", L"ab*"},  {L"ab", L"abc", L"ab*"},
-                {L"abc", L"ab", L"ab*"},  {L"", L"a", L"*"},        {L"a", L"", L"*"},
-                {L"", L"", L""},          {L"*", L"x", L"*"},       {L"Abc", L"abc", L"*"},
-                {L"a*c", L"abc", L"a*"},  {L"a*c", L"a*c", L"a*c"}, {L"a*cd", L"a*ce", L"a*"}};
-    for (const auto& row : rows) {
-        PathBuffer mask(row.pszMask,
-                        std::max(std::wcslen(row.pszMask), std::wcslen(row.pszResult)) + 1);
-        GuardedText name(row.pszName);
-        UpdateMask(mask, name.Get());
-        EXPECT_STREQ(row.pszResult, mask) << row.pszMask << L" " << row.pszName;
-    }
+struct MaskCase {
+    const char* pszName;
+    const wchar_t* pszMask;
+    const wchar_t* pszFileName;
+    const wchar_t* pszResult;
+};
+class UpdateMaskTest : public testing::TestWithParam<MaskCase> {};
+TEST_P(UpdateMaskTest, KeepsWhatTheTwoHaveInCommon) {
+    const MaskCase& row = GetParam();
+    PathBuffer mask(row.pszMask,
+                    std::max(std::wcslen(row.pszMask), std::wcslen(row.pszResult)) + 1);
+    GuardedText name(row.pszFileName);
+    UpdateMask(mask, name.Get());
+    EXPECT_STREQ(row.pszResult, mask);
+}
+INSTANTIATE_TEST_SUITE_P(Masks, UpdateMaskTest,
+                         testing::Values(MaskCase{"LastLetter", L"abc", L"abd", L"ab*"},
+                                         MaskCase{"StarAndLess", L"ab*", L"ax", L"a*"},
+                                         MaskCase{"Equal", L"abc", L"abc", L"abc"},
+                                         MaskCase{"FitsTheStar", L"ab*", L"abc", L"ab*"},
+                                         MaskCase{"NothingForTheStar", L"ab*", L"ab", L"ab*"},
+                                         MaskCase{"LongerName", L"ab", L"abc", L"ab*"},
+                                         MaskCase{"ShorterName", L"abc", L"ab", L"ab*"},
+                                         MaskCase{"EmptyMask", L"", L"a", L"*"},
+                                         MaskCase{"EmptyName", L"a", L"", L"*"},
+                                         MaskCase{"BothEmpty", L"", L"", L""},
+                                         MaskCase{"StarAlone", L"*", L"x", L"*"},
+                                         MaskCase{"OtherCase", L"Abc", L"abc", L"*"},
+                                         MaskCase{"InnerStar", L"a*c", L"abc", L"a*"},
+                                         MaskCase{"EqualWithAStar", L"a*c", L"a*c", L"a*c"},
+                                         MaskCase{"StarAndMore", L"a*cd", L"a*ce", L"a*"}),
+                         kRowName);
+
+TEST(UpdateMask, NullsDoNothing) {
     UpdateMask(nullptr, L"a");
     PathBuffer mask(L"abc");
     UpdateMask(mask, nullptr);
@@ -185,6 +261,31 @@ TEST(NameRandom, CharacterChanges) {
         ::CharLowerBuffW(str.data(), static_cast<DWORD>(str.size()));
         if (!str.empty()) ::CharUpperBuffW(str.data(), 1);
         ASSERT_EQ(str, psz);
+    }
+}
+
+TEST(NameRandom, SeparatorsAtTheEnd) {
+    RandomPaths paths(831);
+    GuardedArea area(2 * 1024);
+    FrontGuardedPath front;
+    for (int i = 0; i < kRandomInputs; ++i) {
+        std::wstring str = paths.Next();
+        bool bEnds = !str.empty() && IsSep(str.back());
+        std::wstring strWithout = bEnds ? str.substr(0, str.size() - 1) : str;
+        bool bRoot =
+            bEnds && !strWithout.empty() && (IsSep(strWithout.back()) || strWithout.back() == L':');
+        wchar_t* psz = i % 2 ? area.Put(str) : front.Put(str);
+        RemoveBackSlash(psz);
+        ASSERT_EQ(bRoot ? str : strWithout, psz);
+        psz = i % 2 ? area.Put(str) : front.Put(str);
+        ASSERT_EQ(bEnds, StripBackSlash(psz));
+        ASSERT_EQ(strWithout, psz);
+        bool bAdds = !bEnds && !str.empty();
+        psz = i % 2 ? static_cast<wchar_t*>(area.Put((str.size() + 1 + bAdds) * sizeof(wchar_t)))
+                    : front.Put(str);
+        std::wmemcpy(psz, str.c_str(), str.size() + 1);
+        AppendBackSlash(psz);
+        ASSERT_EQ(bAdds ? str + L"\\" : str, psz);
     }
 }
 

@@ -7,169 +7,191 @@
 namespace {
 constexpr std::size_t kNone = std::wstring::npos;
 
-struct FindRow {
+struct FindCase {
+    const char* pszName;
     const wchar_t* pszPath;
     std::size_t nAt; // kNone: null
 };
-
-/// Each row through both overloads.
-template <class ForConst, class ForText>
-void ExpectFinds(std::initializer_list<FindRow> rows, ForConst find, ForText findIn) {
-    for (const FindRow& row : rows) {
-        const wchar_t* pFound = find(row.pszPath);
-        EXPECT_EQ(row.nAt == kNone ? nullptr : row.pszPath + row.nAt, pFound) << row.pszPath;
-        std::wstring str = row.pszPath;
-        wchar_t* pFoundIn = findIn(str.data());
-        EXPECT_EQ(row.nAt == kNone ? nullptr : str.data() + row.nAt, pFoundIn) << row.pszPath;
-        EXPECT_EQ(row.pszPath, str);
-    }
-    EXPECT_EQ(nullptr, find(nullptr));
-    EXPECT_EQ(nullptr, findIn(nullptr));
-}
-
 using FindConst = const wchar_t* (*)(const wchar_t*);
 using FindIn = wchar_t* (*)(wchar_t*);
 
-TEST(LocateFileName, StandsBehindTheLastSeparatorOrColon) {
-    ExpectFinds({{L"", 0},
-                 {L"a", 0},
-                 {L"\\", 1},
-                 {L"C:", 2},
-                 {L"C:a", 2},
-                 {L"C:\\a\\", 5},
-                 {L"C:\\a", 3},
-                 {L"C:/a\\b/c.d", 7},
-                 {L"\\\\server\\share", 9},
-                 {L"file:stream", 5},
-                 {L"a.b", 0}},
-                static_cast<FindConst>(LocateFileName), static_cast<FindIn>(LocateFileName));
-}
-
-TEST(LocateFileExt, IsTheLastDotOfTheNamePart) {
-    ExpectFinds({{L"", kNone},
-                 {L"a", kNone},
-                 {L".", 0},
-                 {L"a.b.c", 3},
-                 {L"C:\\a.b\\c", kNone},
-                 {L"C:\\a.b/c", kNone},
-                 {L"a.b:c", kNone},
-                 {L"C:\\a.b\\c.", 8},
-                 {L"C:.x", 2},
-                 {L"a.b\\", kNone}},
-                static_cast<FindConst>(LocateFileExt), static_cast<FindIn>(LocateFileExt));
-}
-
-TEST(FindNameExt, StandsBehindTheLastSeparatorAndNotBehindAColon) {
-    ExpectFinds({{L"", kNone},
-                 {L"a", 0},
-                 {L"C:", 0},
-                 {L"C:a.b", 0},
-                 {L"C:\\", kNone},
-                 {L"C:\\a\\", kNone},
-                 {L"C:\\a/b.c", 5},
-                 {L"\\a:b", 1}},
-                static_cast<FindConst>(FindNameExt), static_cast<FindIn>(FindNameExt));
-}
-
-TEST(FindDotExt, IsTheLastDotOfTheWholeText) {
-    ExpectFinds({{L"", kNone}, {L"abc", kNone}, {L"a.b\\c", 1}, {L"a.b.c", 3}, {L"a.", 1}},
-                static_cast<FindConst>(FindDotExt), static_cast<FindIn>(FindDotExt));
-}
-
-TEST(FindLastSeparator, IsTheLastOfEitherKind) {
-    ExpectFinds({{L"", kNone}, {L"C:a", kNone}, {L"\\", 0}, {L"a\\b/c", 3}, {L"a/b\\", 3}},
-                static_cast<FindConst>(FindLastSeparator), static_cast<FindIn>(FindLastSeparator));
-}
-
-TEST(FindLastPathComponent, CutsATrailingSeparatorFirst) {
-    const struct {
-        const wchar_t* pszPath;
-        const wchar_t* pszCut;
-        std::size_t nAt;
-    } rows[] = {{L"", L"", 0},
-                {L"\\", L"", 0},
-                {L"a/", L"a", 0},
-                {L"C:\\", L"C:", 2},
-                {L"C:\\a\\b", L"C:\\a\\b", 5},
-                {L"C:\\a\\b\\", L"C:\\a\\b", 5},
-                {L"a\\\\", L"a\\", 2}};
-    for (const auto& row : rows) {
-        std::wstring str = row.pszPath;
-        wchar_t* pFound = FindLastPathComponent(str.data());
-        EXPECT_STREQ(row.pszCut, str.c_str()) << row.pszPath;
-        EXPECT_EQ(row.nAt, static_cast<std::size_t>(pFound - str.data())) << row.pszPath;
+class FindTest : public testing::TestWithParam<FindCase> {
+  protected:
+    /// The row through both overloads. A null text gives null.
+    static void ExpectFind(FindConst find, FindIn findIn) {
+        auto [pszName, pszPath, nAt] = GetParam();
+        EXPECT_EQ(nAt == kNone ? nullptr : pszPath + nAt, find(pszPath));
+        std::wstring str = pszPath;
+        EXPECT_EQ(nAt == kNone ? nullptr : str.data() + nAt, findIn(str.data()));
+        EXPECT_EQ(pszPath, str);
+        EXPECT_EQ(nullptr, find(nullptr));
+        EXPECT_EQ(nullptr, findIn(nullptr));
     }
-    EXPECT_EQ(nullptr, FindLastPathComponent(nullptr));
-}
+};
 
-TEST(StripFileName, CutsBehindTheLastSeparatorOrColon) {
-    ExpectChanges({{L"", L""},
-                   {L"a", L""},
-                   {L"C:", L"C:"},
-                   {L"C:a", L"C:"},
-                   {L"C:\\a", L"C:\\"},
-                   {L"C:\\a\\", L"C:\\a\\"},
-                   {L"a/b", L"a/"}},
-                  StripFileName);
+class LocateFileNameTest : public FindTest {};
+TEST_P(LocateFileNameTest, StandsBehindTheLastSeparatorOrColon) {
+    ExpectFind(LocateFileName, LocateFileName);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Texts, LocateFileNameTest,
+    testing::Values(FindCase{"Empty", L"", 0}, FindCase{"Name", L"a", 0},
+                    FindCase{"Backslash", L"\\", 1}, FindCase{"Drive", L"C:", 2},
+                    FindCase{"NameOnADrive", L"C:a", 2},
+                    FindCase{"SeparatorAtTheEnd", L"C:\\a\\", 5}, FindCase{"Path", L"C:\\a", 3},
+                    FindCase{"SlashAndBackslash", L"C:/a\\b/c.d", 7},
+                    FindCase{"Share", L"\\\\server\\share", 9},
+                    FindCase{"Stream", L"file:stream", 5}, FindCase{"NameWithADot", L"a.b", 0}),
+    kRowName);
 
-TEST(StripFileNameAndBackslash, KeepsTheSeparatorBehindAColon) {
-    ExpectChanges({{L"", L""},
-                   {L"\\", L""},
-                   {L"a", L""},
-                   {L"\\a", L""},
-                   {L"C:", L"C:"},
-                   {L"C:a", L"C:"},
-                   {L"C:\\", L"C:\\"},
-                   {L"C:\\a", L"C:\\"},
-                   {L"C:/a", L"C:/"},
-                   {L"C:\\a\\", L"C:\\a"},
-                   {L"C:\\a\\b", L"C:\\a"},
-                   {L"C:\\\\a", L"C:\\"},
-                   {L"\\\\s\\x", L"\\\\s"}},
-                  StripFileNameAndBackslash);
-}
+class LocateFileExtTest : public FindTest {};
+TEST_P(LocateFileExtTest, IsTheLastDotOfTheNamePart) { ExpectFind(LocateFileExt, LocateFileExt); }
+INSTANTIATE_TEST_SUITE_P(Texts, LocateFileExtTest,
+                         testing::Values(FindCase{"Empty", L"", kNone},
+                                         FindCase{"Name", L"a", kNone}, FindCase{"Dot", L".", 0},
+                                         FindCase{"TwoDots", L"a.b.c", 3},
+                                         FindCase{"FoldersDot", L"C:\\a.b\\c", kNone},
+                                         FindCase{"FoldersDotAndASlash", L"C:\\a.b/c", kNone},
+                                         FindCase{"DotBeforeAColon", L"a.b:c", kNone},
+                                         FindCase{"DotAtTheEnd", L"C:\\a.b\\c.", 8},
+                                         FindCase{"OnADrive", L"C:.x", 2},
+                                         FindCase{"NoName", L"a.b\\", kNone}),
+                         kRowName);
 
-TEST(StripFileExt, CutsAtTheLastDotOfTheName) {
-    ExpectChanges({{L"", L""},
-                   {L"a.b.c", L"a.b"},
-                   {L"a.b\\c", L"a.b\\c"},
-                   {L".x", L""},
-                   {L"C:.x", L"C:"},
-                   {L"a.", L"a"}},
-                  StripFileExt);
+class FindNameExtTest : public FindTest {};
+TEST_P(FindNameExtTest, StandsBehindTheLastSeparatorAndNotBehindAColon) {
+    ExpectFind(FindNameExt, FindNameExt);
 }
+INSTANTIATE_TEST_SUITE_P(Texts, FindNameExtTest,
+                         testing::Values(FindCase{"Empty", L"", kNone}, FindCase{"Name", L"a", 0},
+                                         FindCase{"Drive", L"C:", 0},
+                                         FindCase{"NameOnADrive", L"C:a.b", 0},
+                                         FindCase{"Root", L"C:\\", kNone},
+                                         FindCase{"SeparatorAtTheEnd", L"C:\\a\\", kNone},
+                                         FindCase{"SlashAndBackslash", L"C:\\a/b.c", 5},
+                                         FindCase{"ColonInTheName", L"\\a:b", 1}),
+                         kRowName);
 
-TEST(DirFromPath, IsTheFolderWithoutATrailingSeparator) {
-    ExpectCopies({{L"", L""},
-                  {L"a", L""},
-                  {L"\\", L""},
-                  {L"C:", L"C:"},
-                  {L"C:\\a", L"C:\\"},
-                  {L"C:a", L"C:"},
-                  {L"C:\\a\\b", L"C:\\a"},
-                  {L"C:\\a\\", L"C:\\a"},
-                  {L"C:/a/b", L"C:/a"},
-                  {L"a\\\\b", L"a\\\\"},
-                  {L"\\\\s\\x", L"\\\\s"}},
-                 DirFromPath);
-}
+class FindDotExtTest : public FindTest {};
+TEST_P(FindDotExtTest, IsTheLastDotOfTheWholeText) { ExpectFind(FindDotExt, FindDotExt); }
+INSTANTIATE_TEST_SUITE_P(Texts, FindDotExtTest,
+                         testing::Values(FindCase{"Empty", L"", kNone},
+                                         FindCase{"NoDot", L"abc", kNone},
+                                         FindCase{"FoldersDot", L"a.b\\c", 1},
+                                         FindCase{"TwoDots", L"a.b.c", 3},
+                                         FindCase{"DotAtTheEnd", L"a.", 1}),
+                         kRowName);
 
-TEST(GetParentFolder, CutsAtTheLastSeparator) {
-    ExpectCopies({{L"", L""},
-                  {L"a", L"a"},
-                  {L"\\", L""},
-                  {L"C:", L"C:"},
-                  {L"C:a", L"C:a"},
-                  {L"C:\\a", L"C:\\"},
-                  {L"C:\\", L"C:\\"},
-                  {L"\\a", L""},
-                  {L"C:\\a\\b", L"C:\\a"},
-                  {L"C:\\a\\", L"C:\\a"},
-                  {L"C:/a/b", L"C:/a"},
-                  {L"\\\\s\\x", L"\\\\s"}},
-                 GetParentFolder);
+class FindLastSeparatorTest : public FindTest {};
+TEST_P(FindLastSeparatorTest, IsTheLastOfEitherKind) {
+    ExpectFind(FindLastSeparator, FindLastSeparator);
 }
+INSTANTIATE_TEST_SUITE_P(Texts, FindLastSeparatorTest,
+                         testing::Values(FindCase{"Empty", L"", kNone},
+                                         FindCase{"NoSeparator", L"C:a", kNone},
+                                         FindCase{"Backslash", L"\\", 0},
+                                         FindCase{"Slash", L"a\\b/c", 3},
+                                         FindCase{"BackslashAtTheEnd", L"a/b\\", 3}),
+                         kRowName);
+
+struct ComponentCase {
+    const char* pszName;
+    const wchar_t* pszPath;
+    const wchar_t* pszCut;
+    std::size_t nAt;
+};
+class FindLastPathComponentTest : public testing::TestWithParam<ComponentCase> {};
+TEST_P(FindLastPathComponentTest, CutsASeparatorAtTheEndFirst) {
+    std::wstring str = GetParam().pszPath;
+    wchar_t* pFound = FindLastPathComponent(str.data());
+    EXPECT_STREQ(GetParam().pszCut, str.c_str());
+    EXPECT_EQ(GetParam().nAt, static_cast<std::size_t>(pFound - str.data()));
+}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, FindLastPathComponentTest,
+    testing::Values(ComponentCase{"Empty", L"", L"", 0}, ComponentCase{"Backslash", L"\\", L"", 0},
+                    ComponentCase{"SlashAtTheEnd", L"a/", L"a", 0},
+                    ComponentCase{"Root", L"C:\\", L"C:", 2},
+                    ComponentCase{"Path", L"C:\\a\\b", L"C:\\a\\b", 5},
+                    ComponentCase{"PathWithASeparator", L"C:\\a\\b\\", L"C:\\a\\b", 5},
+                    ComponentCase{"TwoSeparators", L"a\\\\", L"a\\", 2}),
+    kRowName);
+
+TEST(FindLastPathComponent, NullGivesNull) { EXPECT_EQ(nullptr, FindLastPathComponent(nullptr)); }
+
+class StripFileNameTest : public ChangeTest {};
+TEST_P(StripFileNameTest, CutsBehindTheLastSeparatorOrColon) { ExpectChange(StripFileName); }
+INSTANTIATE_TEST_SUITE_P(Texts, StripFileNameTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"Name", L"a", L""},
+                                         ChangeCase{"Drive", L"C:", L"C:"},
+                                         ChangeCase{"NameOnADrive", L"C:a", L"C:"},
+                                         ChangeCase{"Path", L"C:\\a", L"C:\\"},
+                                         ChangeCase{"SeparatorAtTheEnd", L"C:\\a\\", L"C:\\a\\"},
+                                         ChangeCase{"Slash", L"a/b", L"a/"}),
+                         kRowName);
+
+class StripFileNameAndBackslashTest : public ChangeTest {};
+TEST_P(StripFileNameAndBackslashTest, KeepsTheSeparatorBehindAColon) {
+    ExpectChange(StripFileNameAndBackslash);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, StripFileNameAndBackslashTest,
+    testing::Values(ChangeCase{"Empty", L"", L""}, ChangeCase{"Backslash", L"\\", L""},
+                    ChangeCase{"Name", L"a", L""}, ChangeCase{"NameBehindABackslash", L"\\a", L""},
+                    ChangeCase{"Drive", L"C:", L"C:"}, ChangeCase{"NameOnADrive", L"C:a", L"C:"},
+                    ChangeCase{"Root", L"C:\\", L"C:\\"},
+                    ChangeCase{"FileInTheRoot", L"C:\\a", L"C:\\"},
+                    ChangeCase{"FileBehindASlash", L"C:/a", L"C:/"},
+                    ChangeCase{"SeparatorAtTheEnd", L"C:\\a\\", L"C:\\a"},
+                    ChangeCase{"Path", L"C:\\a\\b", L"C:\\a"},
+                    ChangeCase{"TwoSeparators", L"C:\\\\a", L"C:\\"},
+                    ChangeCase{"Share", L"\\\\s\\x", L"\\\\s"}),
+    kRowName);
+
+class StripFileExtTest : public ChangeTest {};
+TEST_P(StripFileExtTest, CutsAtTheLastDotOfTheName) { ExpectChange(StripFileExt); }
+INSTANTIATE_TEST_SUITE_P(Texts, StripFileExtTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"TwoDots", L"a.b.c", L"a.b"},
+                                         ChangeCase{"FoldersDot", L"a.b\\c", L"a.b\\c"},
+                                         ChangeCase{"ExtensionAlone", L".x", L""},
+                                         ChangeCase{"OnADrive", L"C:.x", L"C:"},
+                                         ChangeCase{"DotAtTheEnd", L"a.", L"a"}),
+                         kRowName);
+
+class DirFromPathTest : public ChangeTest {};
+TEST_P(DirFromPathTest, IsTheFolderWithoutASeparatorAtItsEnd) { ExpectCopy(DirFromPath); }
+INSTANTIATE_TEST_SUITE_P(Texts, DirFromPathTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"Name", L"a", L""},
+                                         ChangeCase{"Backslash", L"\\", L""},
+                                         ChangeCase{"Drive", L"C:", L"C:"},
+                                         ChangeCase{"FileInTheRoot", L"C:\\a", L"C:\\"},
+                                         ChangeCase{"NameOnADrive", L"C:a", L"C:"},
+                                         ChangeCase{"Path", L"C:\\a\\b", L"C:\\a"},
+                                         ChangeCase{"SeparatorAtTheEnd", L"C:\\a\\", L"C:\\a"},
+                                         ChangeCase{"Slashes", L"C:/a/b", L"C:/a"},
+                                         ChangeCase{"TwoSeparators", L"a\\\\b", L"a\\\\"},
+                                         ChangeCase{"Share", L"\\\\s\\x", L"\\\\s"}),
+                         kRowName);
+
+class GetParentFolderTest : public ChangeTest {};
+TEST_P(GetParentFolderTest, CutsAtTheLastSeparator) { ExpectCopy(GetParentFolder); }
+INSTANTIATE_TEST_SUITE_P(Texts, GetParentFolderTest,
+                         testing::Values(ChangeCase{"Empty", L"", L""},
+                                         ChangeCase{"Name", L"a", L"a"},
+                                         ChangeCase{"Backslash", L"\\", L""},
+                                         ChangeCase{"Drive", L"C:", L"C:"},
+                                         ChangeCase{"NameOnADrive", L"C:a", L"C:a"},
+                                         ChangeCase{"FileInTheRoot", L"C:\\a", L"C:\\"},
+                                         ChangeCase{"Root", L"C:\\", L"C:\\"},
+                                         ChangeCase{"NameBehindABackslash", L"\\a", L""},
+                                         ChangeCase{"Path", L"C:\\a\\b", L"C:\\a"},
+                                         ChangeCase{"SeparatorAtTheEnd", L"C:\\a\\", L"C:\\a"},
+                                         ChangeCase{"Slashes", L"C:/a/b", L"C:/a"},
+                                         ChangeCase{"Share", L"\\\\s\\x", L"\\\\s"}),
+                         kRowName);
 
 TEST(SplitCopies, NullGivesAnEmptyText) {
     for (auto copy : {DirFromPath, GetParentFolder}) {
@@ -198,38 +220,46 @@ TEST(SplitCopies, CutWhatReaches260Characters) {
     }
 }
 
-struct ParseRow {
+struct ParseCase {
+    const char* pszName;
     const wchar_t* pszPath;
     const wchar_t* pszFolder;
-    const wchar_t* pszName;
+    const wchar_t* pszFileName;
     const wchar_t* pszExt;
 };
 
-TEST(ParsePath, GivesThreeParts) {
-    const ParseRow rows[] = {
-        {L"", L"", L"", L""},
-        {L"a", L"", L"a", L""},
-        {L"a.b.c", L"", L"a.b", L".c"},
-        {L"C:\\a.txt", L"C:\\", L"a", L".txt"},
-        {L"C:/a.txt", L"C:/", L"a", L".txt"},
-        {L"C:\\d\\a.txt", L"C:\\d", L"a", L".txt"},
-        {L"C:\\d\\", L"C:\\d", L"", L""},
-        {L"C:a.b", L"", L"C:a", L".b"},
-        {L"\\a", L"", L"a", L""},
-        {L"\\\\server\\share", L"\\\\server", L"share", L""},
-        {L"\\\\server\\share\\a.b", L"\\\\server\\share", L"a", L".b"},
-        {L"C:\\d.e\\a", L"C:\\d.e", L"a", L".e\\a"}, // the "." is a folder's
-    };
+class ParsePathTest : public testing::TestWithParam<ParseCase> {};
+TEST_P(ParsePathTest, GivesThreeParts) {
+    const ParseCase& row = GetParam();
     PathBuffer folder, name, ext;
-    for (const ParseRow& row : rows) {
-        EXPECT_EQ(1, ParsePath(folder, name, ext, row.pszPath));
-        EXPECT_STREQ(row.pszFolder, folder) << row.pszPath;
-        EXPECT_STREQ(row.pszName, name) << row.pszPath;
-        EXPECT_STREQ(row.pszExt, ext) << row.pszPath;
-        folder.Set(row.pszPath);
-        EXPECT_EQ(1, ParsePath(folder, nullptr, nullptr, folder));
-        EXPECT_STREQ(row.pszFolder, folder) << row.pszPath;
-    }
+    EXPECT_EQ(1, ParsePath(folder, name, ext, row.pszPath));
+    EXPECT_STREQ(row.pszFolder, folder);
+    EXPECT_STREQ(row.pszFileName, name);
+    EXPECT_STREQ(row.pszExt, ext);
+    folder.Set(row.pszPath);
+    EXPECT_EQ(1, ParsePath(folder, nullptr, nullptr, folder));
+    EXPECT_STREQ(row.pszFolder, folder);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Paths, ParsePathTest,
+    testing::Values(ParseCase{"Empty", L"", L"", L"", L""}, ParseCase{"Name", L"a", L"", L"a", L""},
+                    ParseCase{"TwoDots", L"a.b.c", L"", L"a.b", L".c"},
+                    ParseCase{"InTheRoot", L"C:\\a.txt", L"C:\\", L"a", L".txt"},
+                    ParseCase{"InTheRootBehindASlash", L"C:/a.txt", L"C:/", L"a", L".txt"},
+                    ParseCase{"InAFolder", L"C:\\d\\a.txt", L"C:\\d", L"a", L".txt"},
+                    ParseCase{"NoName", L"C:\\d\\", L"C:\\d", L"", L""},
+                    ParseCase{"OnADrive", L"C:a.b", L"", L"C:a", L".b"},
+                    ParseCase{"BehindABackslash", L"\\a", L"", L"a", L""},
+                    ParseCase{"Share", L"\\\\server\\share", L"\\\\server", L"share", L""},
+                    ParseCase{"OnAShare", L"\\\\server\\share\\a.b", L"\\\\server\\share", L"a",
+                              L".b"},
+                    ParseCase{"FoldersDot", L"C:\\d.e\\a", L"C:\\d.e", L"a", L".e\\a"}
+                    // the "." is a folder's
+                    ),
+    kRowName);
+
+TEST(ParsePath, NullGivesEmptyParts) {
+    PathBuffer folder(L"x"), name(L"x"), ext(L"x");
     EXPECT_EQ(1, ParsePath(folder, name, ext, nullptr));
     EXPECT_STREQ(L"", folder);
     EXPECT_STREQ(L"", name);
@@ -253,46 +283,49 @@ TEST(ParsePath, NameKeepsItsExtensionUnlessThatIsAskedFor) {
     EXPECT_EQ(1, ParsePath(nullptr, nullptr, nullptr, L"C:\\d\\a.txt"));
 }
 
-struct RootRow {
+struct RootCase {
+    const char* pszName;
     const wchar_t* pszPath;
     const wchar_t* pszRoot;    // GetRootPath; empty: 0
     const wchar_t* pszExtract; // ExtractRootPath; empty: 0
 };
 
-TEST(RootPaths, OfFullPathsOnly) {
-    const RootRow rows[] = {
-        {L"", L"", L""},
-        {L"a", L"", L""},
-        {L"C:", L"", L""},
-        {L"C:a\\b", L"", L""},
-        {L"1:\\a", L"", L""},
-        {L"C:\\", L"C:\\", L"C:"},
-        {L"c:/a/b", L"c:\\", L"c:"},
-        {L"\\", L"", L""},
-        {L"\\a\\b", L"", L""},
-        {L"\\\\", L"", L""},
-        {L"\\\\\\x", L"", L""},
-        {L"\\\\server", L"", L"\\\\server"},
-        {L"\\\\server\\", L"", L"\\\\server"},
-        {L"\\\\server\\\\x", L"", L"\\\\server"},
-        {L"\\\\server\\share", L"\\\\server\\share\\", L"\\\\server"},
-        {L"\\\\server\\share\\a\\b", L"\\\\server\\share\\", L"\\\\server"},
-        {L"//server/share/a", L"\\\\server\\share\\", L"\\\\server"},
-    };
+class RootPathsTest : public testing::TestWithParam<RootCase> {};
+TEST_P(RootPathsTest, OfFullPathsOnly) {
+    const RootCase& row = GetParam();
     PathBuffer out;
-    for (const RootRow& row : rows) {
-        EXPECT_EQ(*row.pszRoot != 0, GetRootPath(out, row.pszPath)) << row.pszPath;
-        EXPECT_STREQ(row.pszRoot, out) << row.pszPath;
-        EXPECT_EQ(*row.pszExtract != 0, ExtractRootPath(out, row.pszPath)) << row.pszPath;
-        EXPECT_STREQ(row.pszExtract, out) << row.pszPath;
-        out.Set(row.pszPath);
-        GetRootPath(out, out);
-        EXPECT_STREQ(row.pszRoot, out) << row.pszPath;
-        out.Set(row.pszPath);
-        ExtractRootPath(out, out);
-        EXPECT_STREQ(row.pszExtract, out) << row.pszPath;
-    }
-    out.Set(L"x");
+    EXPECT_EQ(*row.pszRoot != 0, GetRootPath(out, row.pszPath));
+    EXPECT_STREQ(row.pszRoot, out);
+    EXPECT_EQ(*row.pszExtract != 0, ExtractRootPath(out, row.pszPath));
+    EXPECT_STREQ(row.pszExtract, out);
+    out.Set(row.pszPath);
+    GetRootPath(out, out);
+    EXPECT_STREQ(row.pszRoot, out);
+    out.Set(row.pszPath);
+    ExtractRootPath(out, out);
+    EXPECT_STREQ(row.pszExtract, out);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Paths, RootPathsTest,
+    testing::Values(
+        RootCase{"Empty", L"", L"", L""}, RootCase{"Name", L"a", L"", L""},
+        RootCase{"Drive", L"C:", L"", L""}, RootCase{"NameOnADrive", L"C:a\\b", L"", L""},
+        RootCase{"Digit", L"1:\\a", L"", L""}, RootCase{"Root", L"C:\\", L"C:\\", L"C:"},
+        RootCase{"PathWithSlashes", L"c:/a/b", L"c:\\", L"c:"},
+        RootCase{"Backslash", L"\\", L"", L""},
+        RootCase{"PathBehindABackslash", L"\\a\\b", L"", L""},
+        RootCase{"TwoBackslashes", L"\\\\", L"", L""},
+        RootCase{"EmptyServer", L"\\\\\\x", L"", L""},
+        RootCase{"Server", L"\\\\server", L"", L"\\\\server"},
+        RootCase{"EmptyShare", L"\\\\server\\", L"", L"\\\\server"},
+        RootCase{"EmptyShareAndMore", L"\\\\server\\\\x", L"", L"\\\\server"},
+        RootCase{"Share", L"\\\\server\\share", L"\\\\server\\share\\", L"\\\\server"},
+        RootCase{"PathOnAShare", L"\\\\server\\share\\a\\b", L"\\\\server\\share\\", L"\\\\server"},
+        RootCase{"Slashes", L"//server/share/a", L"\\\\server\\share\\", L"\\\\server"}),
+    kRowName);
+
+TEST(RootPaths, NullHasNone) {
+    PathBuffer out(L"x");
     EXPECT_EQ(0, GetRootPath(out, nullptr));
     EXPECT_STREQ(L"", out);
     out.Set(L"x");
@@ -319,8 +352,6 @@ TEST(RootPaths, ThatDoNotFitAreNone) {
 // Random texts against a second telling of the rules
 
 std::size_t NameAt(const std::wstring& str) { return str.find_last_of(L"\\/:") + 1; }
-
-bool IsSep(wchar_t ch) { return ch == L'\\' || ch == L'/'; }
 
 std::wstring CutAt(const std::wstring& str, std::size_t n) {
     bool bRoot = n > 0 && str[n - 1] == L':';

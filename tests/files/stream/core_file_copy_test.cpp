@@ -1,4 +1,5 @@
 #include "files/memory_stream.h"
+#include "files/path_tables.h"
 #include "files/read_only.h"
 #include "files/shell_ear.h"
 #include "files/stream/core_file.h"
@@ -66,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ChunkCase{"OneByte", 8, 1, {1}}, ChunkCase{"Exactly", 8, 8, {8}},
                     ChunkCase{"OneMore", 8, 9, {8, 1}}, ChunkCase{"Twice", 8, 16, {8, 8}},
                     ChunkCase{"TwiceAndRest", 8, 21, {8, 8, 5}}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+    kRowName);
 
 TEST(CopyChunks, StopsAtAFailedRead) {
     MemoryStream source(Pattern(20)), target;
@@ -180,24 +181,30 @@ TEST_F(CoreFileCopy, AboveTheBufferGoesInChunks) {
     }
 }
 
-TEST_F(CoreFileCopy, OnlyTheLowHalfOfTheSizeCounts) {
-    struct Case {
-        __int64 cbSource;
-        const char* pszCopied;
-    };
-    constexpr __int64 kHigh = 0x100000000;
-    for (const auto& row : {Case{kHigh + 5, "abcde"}, Case{kHigh, ""}, Case{2 * kHigh + 1, "a"},
-                            Case{kHigh - 1, ""}, Case{2 * kHigh - 1, ""}}) {
-        folder.MakeFile(L"source", "abcdefgh");
-        folder.MakeFile(L"target", "old contents");
-        CoreFile source(strSource.c_str(), 1);
-        source.MoveTo64(row.cbSource, FILE_BEGIN);
-        ASSERT_EQ(1, source.SetEndOfFile()); // sparse
-        source.Close();
-        EXPECT_EQ(1, Copy());
-        EXPECT_EQ(row.pszCopied, Content(L"target")) << row.cbSource;
-    }
+constexpr __int64 kHigh = 0x100000000;
+struct HighCase {
+    const char* pszName;
+    __int64 cbSource;
+    const char* pszCopied;
+};
+class CoreFileCopyHigh : public CopyTest, public testing::WithParamInterface<HighCase> {};
+TEST_P(CoreFileCopyHigh, OnlyTheLowHalfOfTheSizeCounts) {
+    folder.MakeFile(L"source", "abcdefgh");
+    folder.MakeFile(L"target", "old contents");
+    CoreFile source(strSource.c_str(), 1);
+    source.MoveTo64(GetParam().cbSource, FILE_BEGIN);
+    ASSERT_EQ(1, source.SetEndOfFile()); // sparse
+    source.Close();
+    EXPECT_EQ(1, Copy());
+    EXPECT_EQ(GetParam().pszCopied, Content(L"target"));
 }
+INSTANTIATE_TEST_SUITE_P(Sizes, CoreFileCopyHigh,
+                         testing::Values(HighCase{"LowHalfOfFive", kHigh + 5, "abcde"},
+                                         HighCase{"LowHalfOfZero", kHigh, ""},
+                                         HighCase{"TwiceAndOne", 2 * kHigh + 1, "a"},
+                                         HighCase{"AllOnes", kHigh - 1, ""},
+                                         HighCase{"TwiceAllOnes", 2 * kHigh - 1, ""}),
+                         kRowName);
 
 TEST_F(CoreFileCopy, TimesAndAttributesAreNotCarriedOver) {
     folder.MakeFile(L"source", "abc");
@@ -454,25 +461,31 @@ TEST_F(CoreFileCopySafe, OntoItselfIsRefused) {
     EXPECT_FALSE(Exists(strBackup));
 }
 
-TEST_F(CoreFileCopySafe, BackupNameIsCutAt259Characters) {
+struct BackupCase {
+    const char* pszName;
+    std::size_t cchTarget;
+    int bDone;
+};
+// From 258 characters on the cut name is the target's own, and nothing may be touched.
+class CoreFileBackup : public CopyTest, public testing::WithParamInterface<BackupCase> {};
+TEST_P(CoreFileBackup, NameIsCutAt259Characters) {
     folder.MakeFile(L"source", "new");
-    std::size_t cchFolder = Path(L"").size();
-    struct Case {
-        std::size_t cchTarget;
-        int bDone;
-    };
-    // From 258 characters on the cut name is the target's own, and nothing may be touched.
-    for (const auto& row : {Case{254, 1}, Case{255, 1}, Case{257, 1}, Case{258, 0}, Case{259, 0}}) {
-        std::wstring strName(row.cchTarget - cchFolder, L'x');
-        strTarget = folder.MakeFile(strName, "old");
-        ASSERT_EQ(row.cchTarget, strTarget.size());
-        EXPECT_EQ(row.bDone, CopySafe()) << row.cchTarget;
-        EXPECT_EQ(row.bDone ? "new" : "old", Content(strName.c_str())) << row.cchTarget;
-        std::filesystem::remove(strTarget);
-    }
+    std::wstring strName(GetParam().cchTarget - Path(L"").size(), L'x');
+    strTarget = folder.MakeFile(strName, "old");
+    ASSERT_EQ(GetParam().cchTarget, strTarget.size());
+    EXPECT_EQ(GetParam().bDone, CopySafe());
+    EXPECT_EQ(GetParam().bDone ? "new" : "old", Content(strName.c_str()));
+    std::filesystem::remove(strTarget);
     EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder.Get()),
                                std::filesystem::directory_iterator()));
 }
+INSTANTIATE_TEST_SUITE_P(Lengths, CoreFileBackup,
+                         testing::Values(BackupCase{"RoomForAll", 254, 1},
+                                         BackupCase{"OneIsCut", 255, 1},
+                                         BackupCase{"ThreeAreCut", 257, 1},
+                                         BackupCase{"FourAreCut", 258, 0},
+                                         BackupCase{"AllAreCut", 259, 0}),
+                         kRowName);
 
 TEST_F(CoreFileCopySafe, NullAndEmptyPathsGiveZero) {
     folder.MakeFile(L"target", "old");

@@ -1,3 +1,4 @@
+#include "files/path_tables.h"
 #include "files/read_only.h"
 #include "files/stream/core_file.h"
 #include "support/temp_folder.h"
@@ -197,20 +198,25 @@ TEST_F(CoreFileOpen, PassesValuesUnchanged) {
     EXPECT_FALSE(std::filesystem::exists(Path()));
 }
 
-TEST_F(CoreFileOpen, ToWriteIsTheGenericWriteBit) {
+struct AccessCase {
+    const char* pszName;
+    DWORD nAccess;
+    int bExpected;
+};
+class CoreFileAccess : public CoreFileTest, public testing::WithParamInterface<AccessCase> {};
+TEST_P(CoreFileAccess, ToWriteIsTheGenericWriteBit) {
     folder.MakeFile(L"file", "abc");
-    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
-    struct Case {
-        DWORD nAccess;
-        int bExpected;
-    };
-    for (const auto& row : {Case{GENERIC_READ, 0}, Case{GENERIC_WRITE, 1}, Case{GENERIC_ALL, 0},
-                            Case{FILE_WRITE_DATA, 0}, Case{GENERIC_READ | GENERIC_WRITE, 1}}) {
-        CoreFile file(Path().c_str(), row.nAccess, kShareAll, OPEN_EXISTING, 0);
-        EXPECT_EQ(1, file.IsReady());
-        EXPECT_EQ(row.bExpected, file.IsToWrite()) << row.nAccess;
-    }
+    CoreFile file(Path().c_str(), GetParam().nAccess, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                  OPEN_EXISTING, 0);
+    EXPECT_EQ(1, file.IsReady());
+    EXPECT_EQ(GetParam().bExpected, file.IsToWrite());
 }
+INSTANTIATE_TEST_SUITE_P(
+    Accesses, CoreFileAccess,
+    testing::Values(AccessCase{"Read", GENERIC_READ, 0}, AccessCase{"Write", GENERIC_WRITE, 1},
+                    AccessCase{"All", GENERIC_ALL, 0}, AccessCase{"WriteData", FILE_WRITE_DATA, 0},
+                    AccessCase{"ReadAndWrite", GENERIC_READ | GENERIC_WRITE, 1}),
+    kRowName);
 
 TEST_F(CoreFileOpen, DoesNotCloseTheHandleThatIsHeld) {
     OpenFile file;
@@ -538,7 +544,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PutsCase{"CutToALineFeed", std::string(1022, 'x') + "\nmore",
                              std::string(1022, 'x') + "\r\n"},
                     PutsCase{"FarTooLong", std::string(5000, 'x'), std::string(1023, 'x')}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+    kRowName);
 
 TEST_F(CoreFilePuts, Formats) {
     CoreFile file;

@@ -1,4 +1,5 @@
 #include "files/memory_stream.h"
+#include "files/path_tables.h"
 #include "files/stream/core_file.h"
 #include "files/stream/core_io.h"
 #include "support/guard_page.h"
@@ -40,19 +41,27 @@ using CoreIOStr = CoreIOTest;
 
 // The last result
 
-TEST(LastHRESULT, ConvertsPositiveErrors) {
-    struct Case {
-        DWORD dwError;
-        unsigned long nExpected;
-    };
-    for (const auto& row : {Case{0, 0}, Case{1, 0x80070001}, Case{ERROR_ALREADY_EXISTS, 0x800700B7},
-                            Case{0xFFFF, 0x8007FFFF}, Case{0x10002, 0x80070002},
-                            Case{0x7FFFFFFF, 0x8007FFFF}, Case{0x80000000, 0x80000000},
-                            Case{0x80004005, 0x80004005}, Case{0xFFFFFFFF, 0xFFFFFFFF}}) {
-        CoreIOObj::SetLastWin32Error(row.dwError);
-        EXPECT_EQ(static_cast<long>(row.nExpected), CoreIOObj::GetLastHRESULT()) << row.dwError;
-    }
+struct ErrorCase {
+    const char* pszName;
+    DWORD dwError;
+    unsigned long nExpected;
+};
+class LastHRESULTTest : public testing::TestWithParam<ErrorCase> {};
+TEST_P(LastHRESULTTest, ConvertsPositiveErrors) {
+    CoreIOObj::SetLastWin32Error(GetParam().dwError);
+    EXPECT_EQ(static_cast<long>(GetParam().nExpected), CoreIOObj::GetLastHRESULT());
 }
+INSTANTIATE_TEST_SUITE_P(Errors, LastHRESULTTest,
+                         testing::Values(ErrorCase{"None", 0, 0}, ErrorCase{"One", 1, 0x80070001},
+                                         ErrorCase{"AlreadyExists", ERROR_ALREADY_EXISTS,
+                                                   0x800700B7},
+                                         ErrorCase{"Largest16Bits", 0xFFFF, 0x8007FFFF},
+                                         ErrorCase{"LowHalfAlone", 0x10002, 0x80070002},
+                                         ErrorCase{"LargestPositive", 0x7FFFFFFF, 0x8007FFFF},
+                                         ErrorCase{"SmallestNegative", 0x80000000, 0x80000000},
+                                         ErrorCase{"ResultStays", 0x80004005, 0x80004005},
+                                         ErrorCase{"AllOnes", 0xFFFFFFFF, 0xFFFFFFFF}),
+                         kRowName);
 
 TEST(LastHRESULT, IsStoredAsItIs) {
     for (long l : {0L, 1L, -1L, static_cast<long>(0x80000000)}) {
@@ -325,21 +334,26 @@ TEST_F(CoreIOStr, IsALengthByteAndTheBytes) {
     EXPECT_STREQ("", sz);
 }
 
-TEST_F(CoreIOStr, LongTextIsCutToItsLengthModulo256) {
-    struct Case {
-        std::size_t cbText;
-        std::size_t cbStored;
-    };
-    for (const auto& row :
-         {Case{254, 254}, Case{255, 255}, Case{256, 0}, Case{257, 1}, Case{511, 255}, Case{512, 0},
-          Case{32766, 254}, Case{32767, 255}, Case{32768, 255}, Case{40000, 255}}) {
-        stream.str.clear();
-        stream.nPos = 0;
-        EXPECT_EQ(1, io.WriteStr(std::string(row.cbText, 'x').c_str()));
-        EXPECT_EQ(static_cast<char>(row.cbStored) + std::string(row.cbStored, 'x'), stream.str)
-            << row.cbText;
-    }
+struct LengthCase {
+    const char* pszName;
+    std::size_t cbText;
+    std::size_t cbStored;
+};
+class CoreIOStrLength : public CoreIOTest, public testing::WithParamInterface<LengthCase> {};
+TEST_P(CoreIOStrLength, IsCutModulo256) {
+    EXPECT_EQ(1, io.WriteStr(std::string(GetParam().cbText, 'x').c_str()));
+    EXPECT_EQ(static_cast<char>(GetParam().cbStored) + std::string(GetParam().cbStored, 'x'),
+              stream.str);
 }
+INSTANTIATE_TEST_SUITE_P(
+    Lengths, CoreIOStrLength,
+    testing::Values(LengthCase{"Below", 254, 254}, LengthCase{"Longest", 255, 255},
+                    LengthCase{"OneMore", 256, 0}, LengthCase{"TwoMore", 257, 1},
+                    LengthCase{"TwiceLessOne", 511, 255}, LengthCase{"Twice", 512, 0},
+                    LengthCase{"BelowTheCount", 32766, 254}, LengthCase{"Count", 32767, 255},
+                    LengthCase{"OneMoreThanTheCount", 32768, 255},
+                    LengthCase{"FarMore", 40000, 255}),
+    kRowName);
 
 TEST_F(CoreIOStr, LongestTextFillsItsBufferExactly) {
     stream.str = "\xFF" + std::string(255, 'y');
