@@ -1,11 +1,11 @@
 #include "host/close_running.h"
 #include "app/identity/my_product_info.h"
 #include "app/instance/single_instance.h"
+#include "icons/agent/desktop_shared_data.h"
 #include "runtime/base/ownership.h"
 #include "wnd/core/company_msg.h"
 
 namespace {
-constexpr const wchar_t* kMonitorClass = L"TessalyWnd";
 constexpr DWORD kPollMs = 50;
 
 /// The time that is left of a wait that began at dwStart.

@@ -1,10 +1,10 @@
 #include "icons/agent/capture.h"
-#include "runtime/base/ownership.h"
+#include "runtime/base/heap_array.h"
 
+#include <windows.h>
 #include <commctrl.h>
 #include <cstring>
 #include <cwchar>
-#include <new>
 #include <span>
 
 namespace {
@@ -20,11 +20,15 @@ unsigned MeasureText(const wchar_t* psz) {
     return static_cast<unsigned>(wcsnlen(psz, kCchIconText - 1));
 }
 
-/// Zeroed, so that a record that is never filled matches no icon. Null when out of memory.
-IconRecord* AllocateRecords(unsigned nCount) { return new (std::nothrow) IconRecord[nCount](); }
+/// The first nCount items; not ready when out of memory.
+HeapArray<IconRecord> CaptureToHeap(HWND hwndListView, unsigned nCount) {
+    HeapArray<IconRecord> records(nCount);
+    if (records.IsReady()) CaptureIcons(hwndListView, records.Get(), nCount);
+    return records;
+}
 
-/// The records that have not yet served an item. Those at the front that have are skipped for
-/// good: a restore of an unchanged order then looks at each once.
+/// The records of a restore that have not yet served an item. Those at the front that have are
+/// skipped for good, so that a restore of an unchanged order looks at each record once.
 class RecordMatcher {
   public:
     explicit RecordMatcher(std::span<IconRecord> recordsStored) : records(recordsStored) {}
@@ -74,11 +78,9 @@ unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) 
 void SendCapture(HWND hwndListView, HWND hwndMonitor, HWND hwndSender) {
     unsigned nCount = CaptureIcons(hwndListView, nullptr, 0);
     if (nCount == 0 || nCount > kMaxCapturedIcons) return;
-    IconRecord* pRecords = AllocateRecords(nCount);
-    if (!pRecords) return;
-    ScopeExit release([&] { delete[] pRecords; });
-    CaptureIcons(hwndListView, pRecords, nCount);
-    COPYDATASTRUCT data{nCount, static_cast<DWORD>(nCount * sizeof(IconRecord)), pRecords};
+    HeapArray<IconRecord> records = CaptureToHeap(hwndListView, nCount);
+    if (!records.IsReady()) return;
+    COPYDATASTRUCT data{nCount, static_cast<DWORD>(records.GetByteCount()), records.Get()};
     ::SendMessageW(hwndMonitor, WM_COPYDATA, reinterpret_cast<WPARAM>(hwndSender),
                    reinterpret_cast<LPARAM>(&data));
 }
@@ -87,20 +89,16 @@ void RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
     // Any program can send this. Dividing first keeps a huge count from wrapping round.
     if (data.dwData > data.cbData / sizeof(IconRecord)) return;
     if (data.dwData * sizeof(IconRecord) != data.cbData || !data.lpData) return;
-    unsigned nStored = static_cast<unsigned>(data.dwData);
     unsigned nItems = CaptureIcons(hwndListView, nullptr, 0);
-    if (nItems == 0 || nStored == 0) return;
-    IconRecord* pItems = AllocateRecords(nItems);
-    ScopeExit releaseItems([&] { delete[] pItems; });
-    IconRecord* pStored = AllocateRecords(nStored); // the sender's data are not ours to write to
-    ScopeExit releaseStored([&] { delete[] pStored; });
-    if (!pItems || !pStored) return;
+    if (nItems == 0 || data.dwData == 0) return;
+    HeapArray<IconRecord> stored(data.dwData); // the sender's data are not ours to write to
+    HeapArray<IconRecord> items = CaptureToHeap(hwndListView, nItems); // for the present names
+    if (!items.IsReady() || !stored.IsReady()) return;
 
-    std::memcpy(pStored, data.lpData, data.cbData); // it need not be aligned
-    CaptureIcons(hwndListView, pItems, nItems);     // for the names as they are now
-    RecordMatcher matcher({pStored, nStored});
+    std::memcpy(stored.Get(), data.lpData, data.cbData); // it need not be aligned
+    RecordMatcher matcher({stored.Get(), stored.GetCount()});
     for (unsigned i = 0; i < nItems; ++i) {
-        const POINT* ppt = matcher.Take(pItems[i].qwNameKey);
+        const POINT* ppt = matcher.Take(items[i].qwNameKey);
         if (!ppt) continue;
         ::SendMessageW(hwndListView, LVM_SETITEMPOSITION32, i, reinterpret_cast<LPARAM>(ppt));
     }

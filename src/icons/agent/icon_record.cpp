@@ -10,7 +10,7 @@ unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
     } else if (cch == 0) {
         cch = static_cast<unsigned int>(std::wcslen(psz));
     }
-    unsigned char digest[16];
+    unsigned char digest[kMd5Size];
     CalcMD5(digest, psz, cch * sizeof(wchar_t));
     unsigned __int64 qwKey;
     std::memcpy(&qwKey, digest, sizeof(qwKey));

@@ -20,6 +20,7 @@ static_assert(offsetof(IconRecord, pt) == 4 && offsetof(IconRecord, cchName) == 
 constexpr unsigned kMaxCapturedIcons = 999;
 
 /// The key by which an icon's text is known: the first eight bytes of the MD5 of its UTF-16LE units
-/// (RFC 1321), the first byte lowest. cch 0: the text is measured. Nothing is folded: capital and
-/// small letters differ.
+/// (RFC 1321), the first byte lowest. cch is the number of units; 0: the text is measured up to its
+/// terminator. A null text has the key of the empty one. Nothing is folded: capital and small
+/// letters differ.
 TESSALY_API unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch);

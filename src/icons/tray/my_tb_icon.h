@@ -5,11 +5,11 @@
 constexpr const wchar_t* kTrayIconClass = L"TessalyTBIcon";
 
 /// The monitor's icon in the notification area: any click asks the monitor window for its menu. One
-/// per round of DoMonitor, on the heap. If its window closes by itself the object is gone too, so
-/// everybody asks GetCurrent each time.
+/// per round of DoMonitor, on the heap, with autoDelete. If its window closes by itself the object
+/// is gone too, so everybody asks GetCurrent each time.
 class MyTBIcon : public TBIcon {
   public:
-    /// Registers the window class "TessalyTBIcon".
+    /// Registers the window class kTrayIconClass.
     MyTBIcon();
     /// Unregisters it.
     ~MyTBIcon() override;
@@ -27,7 +27,8 @@ class MyTBIcon : public TBIcon {
     static MyTBIcon* GetCurrent();
     /// Allocates the icon of a new round and shows it. Null if out of memory.
     static MyTBIcon* StartRound(HWND hwndNewMonitor);
-    /// Has the window closed by a posted message, and deletes the object at once.
+    /// Has the window closed by a posted message, and deletes the object at once; nothing if there
+    /// is none. Takes no icon out of the notification area: hide it before.
     static void EndRound();
 
   private:

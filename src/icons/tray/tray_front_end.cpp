@@ -7,13 +7,19 @@
 
 namespace {
 constexpr unsigned kBalloonSeconds = 5;
-} // namespace
 
-constinit TrayFrontEnd trayFrontEnd;
+/// Says pszText on the icon. Silent without one.
+void ShowBalloon(const wchar_t* pszText) {
+    MyTBIcon* pIcon = MyTBIcon::GetCurrent();
+    if (!pIcon) return;
+    pIcon->SetBalloon(GetMyProductInfo().GetName(), NIIF_INFO, kBalloonSeconds, L"%s", pszText);
+    pIcon->UpdateIcon(); // a balloon only shows with the next change of the icon
+}
+} // namespace
 
 void TrayFrontEnd::OnMonitorStart() { UpdateDayCount(); }
 
-void TrayFrontEnd::OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) {
+void TrayFrontEnd::OnRoundStart(MyMonitor_Wnd& monitor, bool bAnnounce) {
     MyTBIcon::StartRound(monitor);
     if (bAnnounce) ShowBalloon(L"Monitoring the desktop icons...");
 }
@@ -27,10 +33,3 @@ void TrayFrontEnd::OnMonitorClose() {
 }
 
 void TrayFrontEnd::OnRoundEnd() { MyTBIcon::EndRound(); }
-
-void TrayFrontEnd::ShowBalloon(const wchar_t* pszText) {
-    MyTBIcon* pIcon = MyTBIcon::GetCurrent();
-    if (!pIcon) return;
-    pIcon->SetBalloon(GetMyProductInfo().GetName(), NIIF_INFO, kBalloonSeconds, L"%s", pszText);
-    pIcon->UpdateIcon();
-}

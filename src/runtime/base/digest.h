@@ -1,8 +1,9 @@
 #pragma once
 #include "runtime/base/export.h"
 
-/// The size of a digest in bytes.
+/// The sizes of the digests in bytes.
 constexpr unsigned kSha1Size = 20;
+constexpr unsigned kMd5Size = 16;
 
 /// SHA-1 (FIPS 180-1) over data that comes in pieces: SHA1_Init, SHA1_Update for each piece,
 /// SHA1_Final. A plain block of memory; a copy goes on by itself.
@@ -30,5 +31,5 @@ TESSALY_API int IsSHA1_Empty(const unsigned char digest[kSha1Size]);
 TESSALY_API void DoSHA1_Empty(unsigned char digest[kSha1Size]);
 
 /// The MD5 digest (RFC 1321) of cbData bytes. pData may be null if there are none.
-extern "C" TESSALY_API void CalcMD5(unsigned char digest[16], const void* pData,
+extern "C" TESSALY_API void CalcMD5(unsigned char digest[kMd5Size], const void* pData,
                                     unsigned long long cbData);

@@ -10,11 +10,11 @@ constexpr UINT kCallbackMsg = WM_USER + 1;
 constexpr WPARAM kCodeClose = 1;
 constexpr LPARAM kProductId = 16738;
 
-HWND TrayIconWindow() { return ::FindWindowW(L"TessalyTBIcon", nullptr); }
+HWND TrayIconWindow() { return ::FindWindowW(kTrayIconClass, nullptr); }
 int IsClassThere() {
     WNDCLASSEXW wc{};
     wc.cbSize = sizeof(wc);
-    return ::GetClassInfoExW(GetLibraryInstance(), L"TessalyTBIcon", &wc);
+    return ::GetClassInfoExW(GetLibraryInstance(), kTrayIconClass, &wc);
 }
 
 class MyTBIconTest : public EngineTest {
@@ -206,17 +206,17 @@ TEST_F(MyTBIconTest, EndOfTheRoundWithoutAWindowClosesTheOneOfItsClass) {
 TEST_F(MyTBIconTest, WithoutAWindowTheIconIsTriedAllTheSame) {
     // The class is somebody else's here, whose window cannot be created. (It may still be there
     // from a round whose window closed after its object.)
-    ::UnregisterClassW(L"TessalyTBIcon", GetLibraryInstance());
+    ::UnregisterClassW(kTrayIconClass, GetLibraryInstance());
     WNDCLASSW wc{};
     wc.lpfnWndProc = [](HWND, UINT, WPARAM, LPARAM) -> LRESULT { return 0; };
     wc.hInstance = GetLibraryInstance();
-    wc.lpszClassName = L"TessalyTBIcon";
+    wc.lpszClassName = kTrayIconClass;
     ASSERT_TRUE(::RegisterClassW(&wc));
     MyTBIcon* pIcon = MyTBIcon::StartRound(wndMonitor);
     EXPECT_EQ(nullptr, static_cast<HWND>(*pIcon));
     EXPECT_EQ("add", tray.TakeNames());
     pIcon->ShowIcon(0);
     MyTBIcon::EndRound();
-    ::UnregisterClassW(L"TessalyTBIcon", GetLibraryInstance());
+    ::UnregisterClassW(kTrayIconClass, GetLibraryInstance());
 }
 } // namespace

@@ -5,12 +5,12 @@
 #include "icons/tray/my_tb_icon.h"
 #include "icons/tray/tray_front_end.h"
 #include "support/fake_tray.h"
+
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 constexpr LPARAM kProductId = 16738;
-
-MonitorFrontEnd* const pFrontEndAtStart = GetMonitorFrontEnd();
 
 class TrayFrontEndTest : public EngineTest {
   protected:
@@ -21,7 +21,7 @@ class TrayFrontEndTest : public EngineTest {
         desktopSharedData.hwndMonitor = monitor;
     }
     void TearDown() override {
-        trayFrontEnd.OnRoundEnd();
+        frontEnd.OnRoundEnd();
         monitor.Destroy();
         PumpAll();
         EngineTest::TearDown();
@@ -39,13 +39,12 @@ class TrayFrontEndTest : public EngineTest {
     }
 
     FakeTray tray;
-    MyMonitor_Wnd monitor;
+    TrayFrontEnd frontEnd;
+    MyMonitor_Wnd monitor{frontEnd};
 };
 
-TEST_F(TrayFrontEndTest, IsInForceFromTheStart) { EXPECT_EQ(&trayFrontEnd, pFrontEndAtStart); }
-
 TEST_F(TrayFrontEndTest, RoundBeginsWithTheIconAndItsBalloon) {
-    trayFrontEnd.OnRoundStart(monitor, 1);
+    frontEnd.OnRoundStart(monitor, 1);
     ASSERT_EQ(2u, tray.calls.size());
     EXPECT_EQ(static_cast<DWORD>(NIM_ADD), tray.calls[0].dwMessage);
     EXPECT_FALSE(tray.calls[0].uFlags & NIF_INFO);
@@ -54,48 +53,47 @@ TEST_F(TrayFrontEndTest, RoundBeginsWithTheIconAndItsBalloon) {
 }
 
 TEST_F(TrayFrontEndTest, QuietRoundBeginsWithTheIconAlone) {
-    trayFrontEnd.OnRoundStart(monitor, 0);
+    frontEnd.OnRoundStart(monitor, 0);
     EXPECT_EQ("add", tray.TakeNames());
 }
 
 TEST_F(TrayFrontEndTest, OutcomeIsABalloon) {
-    trayFrontEnd.OnRoundStart(monitor, 0);
+    frontEnd.OnRoundStart(monitor, 0);
     tray.calls.clear();
-    SetMonitorFrontEnd(&trayFrontEnd);
-    ReportCaptureOutcome(L"100%s done");
+    monitor.ReportCaptureOutcome(L"100%s done");
     EXPECT_TRUE(tray.calls.empty()) << "nobody asked";
     monitor.SetSnapshotAnnounce(1);
-    ReportCaptureOutcome(L"100%s done");
+    monitor.ReportCaptureOutcome(L"100%s done");
     ExpectBalloon(L"100%s done");
 }
 
 TEST_F(TrayFrontEndTest, OutcomeOfAnIconThatIsNotShownIsSilent) {
     tray.Refuse(true);
-    trayFrontEnd.OnRoundStart(monitor, 1);
+    frontEnd.OnRoundStart(monitor, 1);
     tray.calls.clear();
-    trayFrontEnd.OnCaptureOutcome(L"x");
+    frontEnd.OnCaptureOutcome(L"x");
     EXPECT_TRUE(tray.calls.empty());
     tray.Refuse(false);
 }
 
 TEST_F(TrayFrontEndTest, MonitorsCloseTakesTheIconAwayBeforeTheRoundEnds) {
-    trayFrontEnd.OnRoundStart(monitor, 0);
-    trayFrontEnd.OnMonitorClose();
+    frontEnd.OnRoundStart(monitor, 0);
+    frontEnd.OnMonitorClose();
     EXPECT_EQ("add delete", tray.TakeNames());
     EXPECT_NE(nullptr, MyTBIcon::GetCurrent());
-    trayFrontEnd.OnRoundEnd();
+    frontEnd.OnRoundEnd();
     EXPECT_EQ(nullptr, MyTBIcon::GetCurrent());
     PumpAll();
     EXPECT_EQ("", tray.TakeNames());
 }
 
 TEST_F(TrayFrontEndTest, GoesOnWithoutAnIconThatClosedByItself) {
-    trayFrontEnd.OnRoundStart(monitor, 0);
+    frontEnd.OnRoundStart(monitor, 0);
     ::SendMessageW(*MyTBIcon::GetCurrent(), WM_CLOSE, 0, 0);
     tray.calls.clear();
-    trayFrontEnd.OnCaptureOutcome(L"x");
-    trayFrontEnd.OnMonitorClose();
-    trayFrontEnd.OnRoundEnd();
+    frontEnd.OnCaptureOutcome(L"x");
+    frontEnd.OnMonitorClose();
+    frontEnd.OnRoundEnd();
     EXPECT_EQ("", tray.TakeNames());
 }
 
@@ -105,15 +103,14 @@ class TrayOfTheMonitor : public EngineTest {
   protected:
     void SetUp() override {
         EngineTest::SetUp();
-        SetMonitorFrontEnd(&trayFrontEnd);
         ASSERT_TRUE(tray.IsInFront());
     }
     /// Runs the monitor on this thread, with the driver on another. Calls of the driver's to the
     /// icon's window reach it by messages.
     void Run(int bQuiet, std::function<void()> fnDriver) {
-        Driver driver([&] {
+        std::jthread driver([&] {
             bool bStands = WaitUntil([] {
-                return desktopSharedData.hwndMonitor && ::FindWindowW(L"TessalyTBIcon", nullptr);
+                return desktopSharedData.hwndMonitor && ::FindWindowW(kTrayIconClass, nullptr);
             });
             EXPECT_TRUE(bStands);
             if (bStands) fnDriver();
@@ -123,7 +120,7 @@ class TrayOfTheMonitor : public EngineTest {
     }
     void TearDown() override {
         PumpAll();
-        EXPECT_EQ(nullptr, ::FindWindowW(L"TessalyTBIcon", nullptr));
+        EXPECT_EQ(nullptr, ::FindWindowW(kTrayIconClass, nullptr));
         EXPECT_EQ(nullptr, MyTBIcon::GetCurrent());
         EXPECT_EQ(0u, tray.CountIcons());
         EngineTest::TearDown();
@@ -146,7 +143,7 @@ TEST_F(TrayOfTheMonitor, IsThereWithoutABalloonWhenQuiet) {
 TEST_F(TrayOfTheMonitor, TellsTheOutcomeOfARequestedCapture) {
     Run(1, [] {
         EXPECT_TRUE(WaitUntil([] { return ReadStoredSnapshots().size() == 1; }));
-        ::SendMessageTimeoutW(desktopSharedData.hwndMonitor, WM_NULL, 0, 0, 0, kDeadlineMs,
+        ::SendMessageTimeoutW(desktopSharedData.hwndMonitor, WM_NULL, 0, 0, 0, kTestDeadlineMs,
                               nullptr);
         MyMonitor_Wnd::GetCurrent()->SetSnapshotAnnounce(1);
         ::PostMessageW(desktopSharedData.hwndListView, GetTestCompanyMsg(), 372, 0);
@@ -160,7 +157,7 @@ TEST_F(TrayOfTheMonitor, TellsTheOutcomeOfARequestedCapture) {
 TEST_F(TrayOfTheMonitor, IsReplacedWhenTheShellRestarts) {
     HWND hwndFirst = nullptr, hwndSecond = nullptr;
     Run(0, [&] {
-        hwndFirst = ::FindWindowW(L"TessalyTBIcon", nullptr);
+        hwndFirst = ::FindWindowW(kTrayIconClass, nullptr);
         HWND hwndMonitor = desktopSharedData.hwndMonitor;
         ::PostMessageW(hwndMonitor, GetTestTaskbarCreated(), 0, 0);
         EXPECT_TRUE(WaitUntil([&] {
@@ -168,7 +165,7 @@ TEST_F(TrayOfTheMonitor, IsReplacedWhenTheShellRestarts) {
             return hwnd && hwnd != hwndMonitor && !::IsWindow(hwndFirst);
         }));
         EXPECT_TRUE(WaitUntil([&] {
-            hwndSecond = ::FindWindowW(L"TessalyTBIcon", nullptr);
+            hwndSecond = ::FindWindowW(kTrayIconClass, nullptr);
             return hwndSecond != nullptr;
         }));
     });
@@ -177,10 +174,10 @@ TEST_F(TrayOfTheMonitor, IsReplacedWhenTheShellRestarts) {
 }
 
 TEST_F(TrayOfTheMonitor, GoesAtTheProductsCloseRequestToAll) {
-    Driver driver([] {
-        EXPECT_TRUE(WaitUntil([] { return ::FindWindowW(L"TessalyTBIcon", nullptr) != nullptr; }));
+    std::jthread driver([] {
+        EXPECT_TRUE(WaitUntil([] { return ::FindWindowW(kTrayIconClass, nullptr) != nullptr; }));
         // The icon's window first: the monitor goes on without it.
-        HWND hwndIcon = ::FindWindowW(L"TessalyTBIcon", nullptr);
+        HWND hwndIcon = ::FindWindowW(kTrayIconClass, nullptr);
         ::PostMessageW(hwndIcon, GetTestCompanyMsg(), 1, kProductId);
         EXPECT_TRUE(WaitUntil([&] { return !::IsWindow(hwndIcon); }));
         ::PostMessageW(desktopSharedData.hwndMonitor, GetTestCompanyMsg(), 1, kProductId);
