@@ -2,6 +2,7 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshot_test_support.h"
+#include "runtime/base/current_product.h"
 #include "runtime/base/ownership.h"
 #include "shell/subclass/shell_subclass.h"
 
@@ -103,6 +104,27 @@ TestClass::TestClass(const wchar_t* pszNewName) : pszName(pszNewName) {
     wc.hInstance = ::GetModuleHandleW(nullptr);
     wc.lpszClassName = pszName;
     ::RegisterClassW(&wc);
+}
+
+bool IsClassThere(const wchar_t* pszName) {
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    return ::GetClassInfoExW(GetLibraryInstance(), pszName, &wc) != 0;
+}
+
+void ExpectPlainClass(const wchar_t* pszName) {
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    ASSERT_TRUE(::GetClassInfoExW(GetLibraryInstance(), pszName, &wc));
+    EXPECT_EQ(0u, wc.style);
+    EXPECT_EQ(&CSWnd::WndProc, wc.lpfnWndProc);
+    EXPECT_EQ(0, wc.cbClsExtra);
+    EXPECT_EQ(0, wc.cbWndExtra);
+    EXPECT_EQ(nullptr, wc.hIcon);
+    EXPECT_EQ(nullptr, wc.hCursor);
+    EXPECT_EQ(nullptr, wc.hbrBackground);
+    EXPECT_EQ(nullptr, wc.lpszMenuName);
+    EXPECT_EQ(nullptr, wc.hIconSm);
 }
 
 bool operator==(const TestIcon& a, const TestIcon& b) {
@@ -307,12 +329,6 @@ bool RunningTimers::IsRunning(HWND hwnd, UINT_PTR uId) {
 
 // The state that the engine keeps for the process
 
-namespace {
-struct AgentObjects {
-    MySysLVWnd* pListView;
-    MyShellWnd* pView;
-};
-
 void PassThroughHook(WPARAM wCode, LPARAM lParam) {
     MSG msg{};
     msg.message = GetTestCompanyMsg();
@@ -320,6 +336,12 @@ void PassThroughHook(WPARAM wCode, LPARAM lParam) {
     msg.lParam = lParam;
     DesktopHookProc(HC_ACTION, PM_REMOVE, reinterpret_cast<LPARAM>(&msg));
 }
+
+namespace {
+struct AgentObjects {
+    MySysLVWnd* pListView;
+    MyShellWnd* pView;
+};
 
 /// Has the agent attach itself to two windows, and reads the objects off them.
 AgentObjects FindAgentObjects() {

@@ -92,6 +92,11 @@ class TestClass {
     const wchar_t* pszName;
 };
 
+/// Whether the library has registered the class.
+bool IsClassThere(const wchar_t* pszName);
+/// The class of a hidden window: CSWnd's procedure, the library's instance and nothing else.
+void ExpectPlainClass(const wchar_t* pszName);
+
 struct TestIcon {
     std::wstring strText;
     POINT pt;
@@ -211,6 +216,9 @@ inline bool IsCapturePending(HWND hwndMonitor) {
 inline bool IsSuppressing(HWND hwndMonitor) {
     return RunningTimers::IsRunning(hwndMonitor, kSuppressTimer);
 }
+
+/// The company message with that code, as the hook of the list view's thread sees it.
+void PassThroughHook(WPARAM wCode, LPARAM lParam);
 
 /// The agent's two objects of this process, as windows name them that the agent was attached to.
 MySysLVWnd& AgentListView();

@@ -1,6 +1,6 @@
 #include "icons/agent/agent.h"
-#include "icons/agent/capture.h"
 #include "icons/agent/desktop_shared_data.h"
+#include "icons/agent/icon_record.h"
 #include "runtime/base/ownership.h"
 
 #include <windows.h>

@@ -7,7 +7,6 @@ class MyMonitor_Wnd;
 /// calls come on the monitor's thread.
 class MonitorFrontEnd {
   public:
-    virtual ~MonitorFrontEnd() = default;
     /// Once per DoMonitor, before the desktop is looked for: the day counter.
     virtual void OnMonitorStart() = 0;
     /// The window of a round stands and watches: make the icon. With bAnnounce also say so.
@@ -20,4 +19,7 @@ class MonitorFrontEnd {
     virtual void OnMonitorClose() = 0;
     /// The round's message loop has ended: give up what belongs to the round.
     virtual void OnRoundEnd() = 0;
+
+  protected:
+    ~MonitorFrontEnd() = default; // nobody owns one as such
 };

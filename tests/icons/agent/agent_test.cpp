@@ -624,13 +624,6 @@ class AgentLifetime : public EngineTest {
         AgentView().DetachFrom();
         EngineTest::TearDown();
     }
-    static void Hook(WPARAM wCode, LPARAM lParam) {
-        MSG msg{};
-        msg.message = GetTestCompanyMsg();
-        msg.wParam = wCode;
-        msg.lParam = lParam;
-        DesktopHookProc(HC_ACTION, PM_REMOVE, reinterpret_cast<LPARAM>(&msg));
-    }
     void DetachBySending() {
         ::SendMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 0);
         ::SendMessageW(view.wndView, GetTestCompanyMsg(), kCodeAttach, 0);
@@ -642,7 +635,7 @@ class AgentLifetime : public EngineTest {
 };
 
 TEST_F(AgentLifetime, LibraryIsHeldWhileAWindowIsAttached) {
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     EXPECT_TRUE(library.IsHeld());
     ::SendMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 0);
     EXPECT_TRUE(library.IsHeld());
@@ -651,20 +644,20 @@ TEST_F(AgentLifetime, LibraryIsHeldWhileAWindowIsAttached) {
 }
 
 TEST_F(AgentLifetime, LibraryGoesAfterThePostedDetach) {
-    Hook(kCodeAttach, 1);
-    Hook(kCodeAttach, 0);
+    PassThroughHook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 0);
     EXPECT_FALSE(library.IsHeld());
 }
 
 TEST_F(AgentLifetime, LibraryIsNotHeldWhenNoWindowCouldBeAttached) {
     desktopSharedData.hwndListView = desktopSharedData.hwndView = nullptr;
     view.wndView.Destroy();
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     EXPECT_FALSE(library.IsHeld());
 }
 
 TEST_F(AgentLifetime, LibraryGoesWithTheWindows) {
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     ::DestroyWindow(view.hwndListView);
     EXPECT_TRUE(library.IsHeld());
     view.wndView.Destroy();
@@ -681,7 +674,7 @@ TEST_F(AgentLifetime, LibraryStaysUnderAFrameThatWaitsForAMenu) {
             bHeldInside = library.IsHeld();
             return 1;
         };
-        Hook(kCodeAttach, 1);
+        PassThroughHook(kCodeAttach, 1);
         ::SendMessageW(hwnd, kMenuMsg, 0, 0);
         spy.handler = nullptr;
         EXPECT_TRUE(bHeldInside);
@@ -695,18 +688,18 @@ TEST_F(AgentLifetime, LibraryStaysUnderAFrameWhenTheHookDetaches) {
     bool bHeldInside = false;
     view.spyView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
         if (uMsg != kMenuMsg) return 0;
-        Hook(kCodeAttach, 0);
+        PassThroughHook(kCodeAttach, 0);
         bHeldInside = library.IsHeld();
         return 1;
     };
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     ::SendMessageW(view.wndView, kMenuMsg, 0, 0);
     EXPECT_TRUE(bHeldInside);
     EXPECT_FALSE(library.IsHeld());
 }
 
 TEST_F(AgentLifetime, LibraryStaysWhenAnotherCopyTakesTheWindowsProperty) {
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     ::RemovePropW(view.hwndListView, L"CSWND");
     ::SendMessageW(view.wndView, GetTestCompanyMsg(), kCodeAttach, 0);
     EXPECT_TRUE(AgentListView().IsAttached());
@@ -716,11 +709,11 @@ TEST_F(AgentLifetime, LibraryStaysWhenAnotherCopyTakesTheWindowsProperty) {
 }
 
 TEST_F(AgentLifetime, WindowLeftForAnotherNoLongerCallsTheAgent) {
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     TestView viewNext;
     AddIcon(viewNext.hwndListView, L"one", {1, 1});
     Share(viewNext, receiver);
-    Hook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 1);
     EXPECT_EQ(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
     EXPECT_NE(nullptr, ::GetPropW(viewNext.hwndListView, L"CSWND"));
     // A message of the old window would be answered by the new one.
@@ -728,7 +721,7 @@ TEST_F(AgentLifetime, WindowLeftForAnotherNoLongerCallsTheAgent) {
     ::DestroyWindow(view.hwndListView);
     EXPECT_TRUE(AgentListView().IsAttached());
     EXPECT_TRUE(::IsWindow(viewNext.hwndListView));
-    Hook(kCodeAttach, 0);
+    PassThroughHook(kCodeAttach, 0);
     EXPECT_FALSE(library.IsHeld());
 }
 

@@ -156,29 +156,14 @@ class MonitorWnd : public EngineTest {
 
 // The class and the window
 
-TEST_F(MonitorWnd, ClassIsAsPlainAsCanBe) {
-    WNDCLASSEXW wc{};
-    wc.cbSize = sizeof(wc);
-    ASSERT_TRUE(::GetClassInfoExW(GetLibraryInstance(), L"TessalyWnd", &wc));
-    EXPECT_EQ(0u, wc.style);
-    EXPECT_EQ(&CSWnd::WndProc, wc.lpfnWndProc);
-    EXPECT_EQ(0, wc.cbClsExtra);
-    EXPECT_EQ(0, wc.cbWndExtra);
-    EXPECT_EQ(nullptr, wc.hIcon);
-    EXPECT_EQ(nullptr, wc.hCursor);
-    EXPECT_EQ(nullptr, wc.hbrBackground);
-    EXPECT_EQ(nullptr, wc.lpszMenuName);
-    EXPECT_EQ(nullptr, wc.hIconSm);
-}
+TEST_F(MonitorWnd, ClassIsAsPlainAsCanBe) { ExpectPlainClass(L"TessalyWnd"); }
 
 TEST_F(MonitorWnd, ClassGoesWithTheObject) {
     monitor->Destroy();
     monitor.reset();
-    WNDCLASSEXW wc{};
-    wc.cbSize = sizeof(wc);
-    EXPECT_FALSE(::GetClassInfoExW(GetLibraryInstance(), kMonitorClass, &wc));
+    EXPECT_FALSE(IsClassThere(kMonitorClass));
     MyMonitor_Wnd next(frontEnd);
-    EXPECT_TRUE(::GetClassInfoExW(GetLibraryInstance(), kMonitorClass, &wc));
+    EXPECT_TRUE(IsClassThere(kMonitorClass));
 }
 
 TEST_F(MonitorWnd, WindowIsHiddenOnePixelAndNamedLikeItsClass) {
