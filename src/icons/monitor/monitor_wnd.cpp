@@ -46,7 +46,7 @@ void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
     bool bChanged = IsLayoutChanged(pRecords, nRecords);
     if (bChanged) StoreSnapshot(pRecords, nRecords);
     MyMonitor_Wnd* pMonitor = MyMonitor_Wnd::GetCurrent();
-    if (!pMonitor) return;
+    if (!pMonitor || !pMonitor->GetSnapshotAnnounce()) return;
     pMonitor->ReportCaptureOutcome(bChanged ? L"Icons stored"
                                             : L"No changes to the icons have been detected.");
 }
@@ -112,7 +112,6 @@ void MyMonitor_Wnd::SetHook(int bInstall) {
 }
 
 void MyMonitor_Wnd::ReportCaptureOutcome(const wchar_t* pszText) {
-    if (!SnapshotAnnounce) return;
     SnapshotAnnounce = 0; // first: what is told may lead to the next request
     frontEnd.OnCaptureOutcome(pszText);
 }

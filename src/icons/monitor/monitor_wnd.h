@@ -38,8 +38,8 @@ class MyMonitor_Wnd : public CSWnd {
     /// Non-zero: the user asked for this capture; its outcome is to be told.
     int GetSnapshotAnnounce() const { return SnapshotAnnounce; }
     void SetSnapshotAnnounce(int bAnnounce) { SnapshotAnnounce = bAnnounce; }
-    /// A capture has been dealt with: if the user asked for it, clears SnapshotAnnounce and has the
-    /// front end tell pszText. Silent otherwise.
+    /// The capture that the user asked for has been dealt with: clears SnapshotAnnounce and has the
+    /// front end tell pszText.
     void ReportCaptureOutcome(const wchar_t* pszText);
 
     /// The monitor window of this process, null between rounds.
@@ -62,7 +62,8 @@ class MyMonitor_Wnd : public CSWnd {
 };
 
 /// A capture has arrived: stores it if it differs from the newest snapshot, and has the monitor
-/// window report the outcome, silently while none lives. No records: nothing happens at all.
+/// window report the outcome if the user asked for it; silently while no such window lives. No
+/// records: nothing happens at all.
 void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords);
 
 /// Registers "TaskbarCreated", by which a shell that has started announces itself, for the monitor

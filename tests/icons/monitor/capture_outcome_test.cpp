@@ -19,21 +19,24 @@ class CaptureOutcome : public EngineTest {
         monitor.Destroy();
         EngineTest::TearDown();
     }
+    void Capture() { OnIconsCaptured(&record, 1); }
+
+    const IconRecord record = RecordOf(0, L"a", {1, 2});
     FakeFrontEnd frontEnd;
     MyMonitor_Wnd monitor{frontEnd};
 };
 
 TEST_F(CaptureOutcome, IsToldOnceWhenTheUserAskedForTheCapture) {
     monitor.SetSnapshotAnnounce(1);
-    monitor.ReportCaptureOutcome(L"Icons stored");
+    Capture();
     EXPECT_EQ(std::vector<std::wstring>{L"Icons stored"}, frontEnd.outcomes);
     EXPECT_EQ(0, monitor.GetSnapshotAnnounce());
-    monitor.ReportCaptureOutcome(L"Icons stored");
+    Capture();
     EXPECT_EQ(1u, frontEnd.outcomes.size());
 }
 
 TEST_F(CaptureOutcome, IsSilentWhenNobodyAsked) {
-    monitor.ReportCaptureOutcome(L"Icons stored");
+    Capture();
     EXPECT_TRUE(frontEnd.outcomes.empty());
 }
 
@@ -41,7 +44,7 @@ TEST_F(CaptureOutcome, ClearsTheFlagBeforeItIsTold) {
     int nFlag = -1;
     frontEnd.fnOutcome = [&] { nFlag = monitor.GetSnapshotAnnounce(); };
     monitor.SetSnapshotAnnounce(1);
-    monitor.ReportCaptureOutcome(L"x");
+    Capture();
     EXPECT_EQ(0, nFlag);
 }
 

@@ -259,7 +259,8 @@ TEST_F(TrayFrontEndTest, QuietRoundBeginsWithTheIconAlone) {
 TEST_F(TrayFrontEndTest, OutcomeIsABalloon) {
     frontEnd.OnRoundStart(monitor, 0);
     tray.calls.clear();
-    monitor.ReportCaptureOutcome(L"100%s done");
+    IconRecord record = RecordOf(0, L"a", {1, 2});
+    OnIconsCaptured(&record, 1);
     EXPECT_TRUE(tray.calls.empty()) << "nobody asked";
     monitor.SetSnapshotAnnounce(1);
     monitor.ReportCaptureOutcome(L"100%s done");
