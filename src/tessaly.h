@@ -23,7 +23,6 @@
 #include "icons/agent/icon_record.h"
 #include "icons/engine/monitor.h"
 #include "icons/monitor/desktop_discovery.h"
-#include "icons/snapshots/snapshot_names.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "runtime/base/cs_buf.h"
 #include "runtime/base/cs_list.h"

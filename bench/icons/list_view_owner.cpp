@@ -1,4 +1,4 @@
-#include "icons/agent/capture.h"
+#include "icons/agent/icon_record.h"
 #include "list_view_owner.h"
 
 #include <commctrl.h>

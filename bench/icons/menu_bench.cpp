@@ -4,12 +4,12 @@
 #include "../measure.h"
 #include "app/start/library_start.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "icons/tray/recommendations.h"
 #include "icons/tray/tray_front_end.h"
 #include "runtime/base/current_product.h"
+#include "runtime/base/digest.h"
 #include "wnd/core/company_msg.h"
 #include "wnd/menu/csmenu.h"
 
@@ -104,7 +104,7 @@ void PlantSnapshots() {
     for (unsigned n = 0; n < kMaxSnapshots; ++n) {
         wchar_t szName[kSnapshotNameLength + 1];
         FormatSnapshotName(szName, 0x01D35400'00000000 + n * 36000000000ull);
-        unsigned char bytes[16 + sizeof(IconRecord)] = {};
+        unsigned char bytes[kMd5Size + sizeof(IconRecord)] = {};
         key.PutBin(szName, bytes, sizeof(bytes), REG_BINARY);
         if (n == 3) key.PutStr(nullptr, szName, 1);
     }
@@ -121,6 +121,7 @@ std::vector<Item> itemsSeen;
 /// The monitor window, which shows what its menu holds.
 class WatchedMonitor : public MyMonitor_Wnd {
   public:
+    using MyMonitor_Wnd::MyMonitor_Wnd;
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override {
         if (uMsg == WM_INITMENUPOPUP && itemsSeen.empty())
             itemsSeen = Copy(reinterpret_cast<HMENU>(wParam));
@@ -131,8 +132,8 @@ class WatchedMonitor : public MyMonitor_Wnd {
 int Run() {
     PlantSnapshots();
     PlantDays();
-    SetMonitorFrontEnd(&trayFrontEnd);
-    WatchedMonitor monitor;
+    TrayFrontEnd frontEnd;
+    WatchedMonitor monitor(frontEnd);
     if (!monitor.CreateHidden(nullptr)) return 2;
     HHOOK hhook = ::SetWindowsHookExW(WH_CALLWNDPROCRET, OnReturn, nullptr, ::GetCurrentThreadId());
     ::SetCursorPos(500, 300);

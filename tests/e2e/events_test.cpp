@@ -7,7 +7,6 @@
 #include <commctrl.h>
 
 namespace {
-constexpr WPARAM kCodeClose = 1, kCodeIconsMoved = 374;
 constexpr LPARAM kProductId = 16738, kOtherProductId = 16739;
 
 struct Heard {
@@ -19,7 +18,7 @@ struct Heard {
 class Spy {
   public:
     Spy() : hwndMonitor(library.Words().hwndMonitor) {
-        uCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
+        uCompanyMsg = CompanyMsg();
         hwnd = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr,
                                  nullptr);
         ::SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
@@ -167,9 +166,7 @@ class Events : public EngineTest {
         FlushShell();
         return static_cast<LRESULT>(nResult);
     }
-    LRESULT SendCompany(WPARAM nCode, LPARAM lParam) {
-        return Send(::RegisterWindowMessageW(L"OrvantaMessage"), nCode, lParam);
-    }
+    LRESULT SendCompany(WPARAM nCode, LPARAM lParam) { return Send(CompanyMsg(), nCode, lParam); }
 };
 
 TEST_F(Events, SessionThatIsConnectedLockedOrUnlockedIsCapturedAtOnce) {
@@ -202,16 +199,16 @@ TEST_F(Events, DebounceTimersTicksAreCapturesAndOthersAreNot) {
 }
 
 TEST_F(Events, CodeThatAsksForACaptureWorksOnAnyWindowOfTheShellsThread) {
-    UINT uMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
+    UINT uMsg = CompanyMsg();
     int nStored = 1;
     for (HWND hwnd : {desktop->List(), desktop->View(), desktop->Progman()}) {
         MoveSomething();
-        ::PostMessageW(hwnd, uMsg, 372, 0);
+        ::PostMessageW(hwnd, uMsg, kCodeCapture, 0);
         FlushShell();
         EXPECT_EQ(++nStored, store.Count());
     }
     MoveSomething();
-    ::SendMessageW(desktop->List(), uMsg, 372, 0); // sent, it does not come by the hook
+    ::SendMessageW(desktop->List(), uMsg, kCodeCapture, 0); // sent, it does not come by the hook
     FlushShell();
     EXPECT_EQ(nStored, store.Count());
 }
@@ -263,7 +260,7 @@ TEST_F(Events, CancelledEndOfTheSessionPutsEverythingBack) {
 
 TEST_F(Events, WordsThatAreSharedNameTheDesktopAndTheMonitor) {
     ProductLibrary library;
-    EXPECT_EQ(::RegisterWindowMessageW(L"OrvantaMessage"), library.Words().nCompanyMsg);
+    EXPECT_EQ(CompanyMsg(), library.Words().nCompanyMsg);
     EXPECT_EQ(desktop->List(), library.Words().hwndList);
     EXPECT_NE(nullptr, library.Words().hhook);
     EXPECT_EQ(desktop->View(), library.Words().hwndView);

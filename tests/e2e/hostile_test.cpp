@@ -20,7 +20,7 @@ class Hostile : public EngineTest {
         ASSERT_EQ(2, store.Count());
         values = AllValues(store);
         icons = ExpectedIcons();
-        uCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
+        uCompanyMsg = CompanyMsg();
     }
     /// The attack is over: nothing was stored, moved or lost, and the engine works.
     void ExpectUntouched() {
@@ -147,16 +147,27 @@ TEST_F(Hostile, RestoreOfManyRecordsOfNobody) {
 }
 
 TEST_F(Hostile, CodesToEverybody) {
-    constexpr WPARAM kOpenMenu = 371;
-    const WPARAM codes[] = {kOpenMenu, 372, 374, 0,   2,      3,           4,
-                            100,       121, 370, 375, 0xFFFF, 0x100000174, ~WPARAM{0}};
+    const WPARAM codes[] = {kCodeOpenMenu,
+                            kCodeCapture,
+                            kCodeIconsMoved,
+                            0,
+                            2,
+                            3,
+                            4,
+                            100,
+                            121,
+                            370,
+                            375,
+                            0xFFFF,
+                            0x100000000 + kCodeCapture,
+                            ~WPARAM{0}};
     for (HWND hwnd : AllWindows()) {
         for (WPARAM nCode : codes) {
             for (LPARAM lParam : {LPARAM{0}, LPARAM{1}, LPARAM{-1}}) {
                 ::PostMessageW(hwnd, uCompanyMsg, nCode, lParam);
             }
             // Whoever sends for the menu waits until it has closed, unless one is open already.
-            if (nCode == kOpenMenu && hwnd == monitor.Window()) continue;
+            if (nCode == kCodeOpenMenu && hwnd == monitor.Window()) continue;
             SendTo(hwnd, uCompanyMsg, nCode, 0x123456789);
         }
     }
@@ -170,26 +181,26 @@ TEST_F(Hostile, AttachingAndDetachingAtRandom) {
         HWND hwnd = AllWindows()[random() % 4];
         LPARAM lParam = static_cast<LPARAM>(random() % 2);
         if (random() % 3) {
-            ::PostMessageW(hwnd, uCompanyMsg, 373, lParam);
+            ::PostMessageW(hwnd, uCompanyMsg, kCodeAttach, lParam);
         } else {
-            SendTo(hwnd, uCompanyMsg, 373, lParam);
+            SendTo(hwnd, uCompanyMsg, kCodeAttach, lParam);
         }
     }
     FlushShell();
-    ::PostMessageW(desktop->List(), uCompanyMsg, 373, 0);
+    ::PostMessageW(desktop->List(), uCompanyMsg, kCodeAttach, 0);
     FlushShell();
     EXPECT_FALSE(desktop->HasGuest());
     EXPECT_TRUE(StillCaptures()); // the hook does that
     values = AllValues(store);
     icons = ExpectedIcons();
-    ::PostMessageW(desktop->List(), uCompanyMsg, 373, 1);
+    ::PostMessageW(desktop->List(), uCompanyMsg, kCodeAttach, 1);
     FlushShell();
     EXPECT_TRUE(desktop->IsFullyAttached());
     ExpectUntouched();
 }
 
 TEST_F(Hostile, NotificationsWithBogusHandles) {
-    UINT uMsg = ::RegisterWindowMessageW(L"WM_TESSALY_SHLN");
+    UINT uMsg = ShellEventMsg();
     const ULONG_PTR handles[] = {
         0, 1, 4, 0xDEAD, 0x7FFFFFFF, 0xFFFFFFFF, 0x7FF600000000, ~ULONG_PTR{0}};
     for (ULONG_PTR nHandle : handles) {
@@ -206,10 +217,10 @@ TEST_F(Hostile, NotificationsWithBogusHandles) {
 
 TEST_F(Hostile, FloodsOfMessages) {
     for (int n = 0; n < 10'000; ++n) {
-        ::PostMessageW(monitor.Window(), uCompanyMsg, n % 2 ? 374 : 375, n);
+        ::PostMessageW(monitor.Window(), uCompanyMsg, n % 2 ? kCodeIconsMoved : 375, n);
     }
     for (int n = 0; n < 10'000; ++n) {
-        WPARAM nCode = n % 50 == 0 ? 372 : n % 50 == 1 ? 373 : 1000;
+        WPARAM nCode = n % 50 == 0 ? kCodeCapture : n % 50 == 1 ? kCodeAttach : 1000;
         ::PostMessageW(desktop->List(), uCompanyMsg, nCode, 1);
         if (n % 2'500 == 0) FlushShell(); // each wave has the time of an answer
     }
@@ -227,7 +238,7 @@ TEST_F(Hostile, TicksOfOtherTimers) {
 }
 
 TEST_F(Hostile, MessagesOfNoMeaning) {
-    SendTo(desktop->View(), uCompanyMsg, 374, 0);
+    SendTo(desktop->View(), uCompanyMsg, kCodeIconsMoved, 0);
     SendTo(monitor.Window(), WM_NULL, 0, 0);
     SendTo(monitor.Window(), WM_USER + 1, ~WPARAM{0}, -1);
     SendTo(monitor.Window(), WM_APP + 1, ~WPARAM{0}, -1);

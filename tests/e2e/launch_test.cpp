@@ -199,7 +199,7 @@ class AutoStart : public EngineTest {
     }
     static DWORD MonitorProcessId() {
         DWORD dwProcess = 0;
-        ::GetWindowThreadProcessId(::FindWindowW(L"TessalyWnd", nullptr), &dwProcess);
+        ::GetWindowThreadProcessId(::FindWindowW(kMonitorClass, nullptr), &dwProcess);
         return dwProcess;
     }
     bool WaitUntilWatched() {

@@ -102,7 +102,7 @@ TEST_F(Life, ShellWorksOnWhenTheMonitorIsKilled) {
         mouse::Drag(ptHold, {ptHold.x + dx, ptHold.y + 40});
         EXPECT_TRUE(WaitUntil([&] { return desktop->Items().at(1).pt.x == pt.x + dx; }));
         desktop->Notify(LVN_SETDISPINFOW);
-        ::PostMessageW(desktop->List(), ::RegisterWindowMessageW(L"OrvantaMessage"), 372, 0);
+        ::PostMessageW(desktop->List(), CompanyMsg(), kCodeCapture, 0);
         FlushShell();
         EXPECT_EQ(5, desktop->Count());
         EXPECT_TRUE(desktop->IsRunning());
@@ -130,11 +130,13 @@ enum class Way { ExitSwitch, CloseCode, BroadcastCode, WmClose, EndOfSession };
 class EveryExit : public Life, public testing::WithParamInterface<std::tuple<Way, DesktopMode>> {
   protected:
     void Leave(Way way) {
-        UINT uMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
+        UINT uMsg = CompanyMsg();
         switch (way) {
         case Way::ExitSwitch: EXPECT_TRUE(monitor.Exit()); break;
-        case Way::CloseCode: monitor.PostCompanyMsg(1, kProductId); break;
-        case Way::BroadcastCode: ::PostMessageW(HWND_BROADCAST, uMsg, 1, kProductId); break;
+        case Way::CloseCode: monitor.PostCompanyMsg(kCodeClose, kProductId); break;
+        case Way::BroadcastCode:
+            ::PostMessageW(HWND_BROADCAST, uMsg, kCodeClose, kProductId);
+            break;
         case Way::WmClose: ::PostMessageW(monitor.Window(), WM_CLOSE, 0, 0); break;
         case Way::EndOfSession:
             EXPECT_NE(0, ::SendMessageW(monitor.Window(), WM_QUERYENDSESSION, 0, 0));

@@ -8,7 +8,6 @@
 namespace {
 using keyboard::Key;
 
-constexpr WPARAM kOpenMenu = 371, kCapture = 372;
 constexpr wchar_t kSetupPath[] = L"Software\\Orvanta\\Tessaly\\Setup";
 
 std::wstring Today() {
@@ -43,7 +42,7 @@ class Menu : public EngineTest {
         return n;
     }
     void OpenMenu() {
-        monitor.PostCompanyMsg(kOpenMenu, 1);
+        monitor.PostCompanyMsg(kCodeOpenMenu, 1);
         ASSERT_TRUE(WaitUntil([this] { return CountMenus() == 1; }));
     }
     void Choose(const std::vector<Key>& keys) {
@@ -163,7 +162,7 @@ TEST_F(Menu, EscapeChoosesNothing) {
 TEST_F(Menu, DoubleClickOpensOneMenu) {
     StartPlain(3);
     StartMonitor();
-    for (int n = 0; n < 3; ++n) monitor.PostCompanyMsg(kOpenMenu, 1);
+    for (int n = 0; n < 3; ++n) monitor.PostCompanyMsg(kCodeOpenMenu, 1);
     ASSERT_TRUE(WaitUntil([this] { return CountMenus() == 1; }));
     keyboard::Press({Key::Escape});
     EXPECT_TRUE(WaitUntil([this] { return CountMenus() == 0; }));

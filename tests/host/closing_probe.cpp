@@ -1,6 +1,7 @@
 // A window as the running monitor has it, which ends the process when it is asked to close. Prints
 // a line when it stands.
 #include "app/identity/product_info.h"
+#include "icons/agent/desktop_shared_data.h"
 #include "wnd/core/company_msg.h"
 
 #include <cstdio>
@@ -16,7 +17,7 @@ LRESULT CALLBACK MonitorProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
 int wmain() {
     WNDCLASSW wc{};
     wc.lpfnWndProc = &MonitorProc;
-    wc.lpszClassName = L"TessalyWnd";
+    wc.lpszClassName = kMonitorClass;
     wc.hInstance = ::GetModuleHandleW(nullptr);
     ::RegisterClassW(&wc);
     ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,

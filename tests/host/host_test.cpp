@@ -1,6 +1,7 @@
 // The program itself, as it was built, in folders with and without a good library.
 #include "app/identity/product_info.h"
 #include "app/instance/single_instance.h"
+#include "icons/agent/desktop_shared_data.h"
 #include "resources/resource_ids.h"
 #include "runtime/messages/res_str.h"
 #include "support/run_key_away.h"
@@ -266,7 +267,7 @@ class AutoStartValue : public testing::Test {
         Ended ended = RunHost(BinFolder(), pszArguments);
         EXPECT_EQ(dwExitCode, ended.dwExitCode) << pszArguments;
         EXPECT_EQ(pszBox, ended.strBox);
-        EXPECT_EQ(nullptr, ::FindWindowW(L"TessalyWnd", nullptr)); // nothing else was started
+        EXPECT_EQ(nullptr, ::FindWindowW(kMonitorClass, nullptr)); // nothing else was started
     }
     static constexpr const wchar_t* kRunKey = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
     std::wstring strBefore;
@@ -322,7 +323,7 @@ TEST(Host, ExitTellsWhenTheRunningOneStays) {
     WNDCLASSW wc{};
     nAsked = 0;
     wc.lpfnWndProc = &DeafProc;
-    wc.lpszClassName = L"TessalyWnd";
+    wc.lpszClassName = kMonitorClass;
     wc.hInstance = ::GetModuleHandleW(nullptr);
     ::RegisterClassW(&wc);
     HWND hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,

@@ -1,25 +1,27 @@
-#include "icons/agent/agent.h"
-#include "icons/agent/desktop_shared_data.h"
 #include "icons/icons_test_support.h"
+#include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/monitor_wnd.h"
+#include "icons/snapshot_test_support.h"
+#include "runtime/base/current_product.h"
 #include "runtime/base/ownership.h"
 #include "shell/subclass/shell_subclass.h"
+
+#include <windows.h>
 #include <wincrypt.h>
 #include <atomic>
 #include <cstring>
-#include <memory>
 #include <new>
+#include <set>
+#include <utility>
+
+extern "C" FARPROC __imp_SetTimer, __imp_KillTimer;
 
 namespace {
-
 constexpr const wchar_t* kSpyProp = L"TestSpy";
 constexpr const wchar_t* kSpiedProcProp = L"TestSpiedProc";
-constexpr const wchar_t* kStoreKey = L"Software\\Orvanta\\Tessaly\\Data";
 constexpr UINT kRunMsg = WM_APP + 77; // lParam: a std::function<void()>*
 
 std::atomic<int> nSpyOrder{0};
-std::map<std::string, FARPROC> replacements;
-
 } // namespace
 
 UINT GetTestCompanyMsg() { return ::RegisterWindowMessageW(L"OrvantaMessage"); }
@@ -36,25 +38,6 @@ void PumpAll(int* pbQuit) {
         }
         ::DispatchMessageW(&msg);
     }
-}
-
-bool PumpUntil(const std::function<bool()>& fnDone, DWORD dwMs) {
-    DWORD dwStart = ::GetTickCount();
-    while (!fnDone()) {
-        if (::GetTickCount() - dwStart > dwMs) return false;
-        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-        PumpAll();
-    }
-    return true;
-}
-
-bool WaitUntil(const std::function<bool()>& fnDone, DWORD dwMs) {
-    DWORD dwStart = ::GetTickCount();
-    while (!fnDone()) {
-        if (::GetTickCount() - dwStart > dwMs) return false;
-        ::Sleep(5);
-    }
-    return true;
 }
 
 ProcSpy::ProcSpy(HWND hwndTarget, Handler fnNew) : handler(std::move(fnNew)), hwnd(hwndTarget) {
@@ -111,14 +94,9 @@ void ProcSpy::Clear() {
     messages.clear();
 }
 
-TestWindow::TestWindow(const wchar_t* pszClass, HWND hwndParent, DWORD dwStyle)
+ClassWindow::ClassWindow(const wchar_t* pszClass, HWND hwndParent, DWORD dwStyle)
     : hwnd(::CreateWindowExW(0, pszClass, L"", dwStyle, 0, 0, 400, 400, hwndParent, nullptr,
                              ::GetModuleHandleW(nullptr), nullptr)) {}
-
-void TestWindow::Destroy() {
-    if (hwnd) ::DestroyWindow(hwnd);
-    hwnd = nullptr;
-}
 
 TestClass::TestClass(const wchar_t* pszNewName) : pszName(pszNewName) {
     WNDCLASSW wc{};
@@ -126,6 +104,27 @@ TestClass::TestClass(const wchar_t* pszNewName) : pszName(pszNewName) {
     wc.hInstance = ::GetModuleHandleW(nullptr);
     wc.lpszClassName = pszName;
     ::RegisterClassW(&wc);
+}
+
+bool IsClassThere(const wchar_t* pszName) {
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    return ::GetClassInfoExW(GetLibraryInstance(), pszName, &wc) != 0;
+}
+
+void ExpectPlainClass(const wchar_t* pszName) {
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    ASSERT_TRUE(::GetClassInfoExW(GetLibraryInstance(), pszName, &wc));
+    EXPECT_EQ(0u, wc.style);
+    EXPECT_EQ(&CSWnd::WndProc, wc.lpfnWndProc);
+    EXPECT_EQ(0, wc.cbClsExtra);
+    EXPECT_EQ(0, wc.cbWndExtra);
+    EXPECT_EQ(nullptr, wc.hIcon);
+    EXPECT_EQ(nullptr, wc.hCursor);
+    EXPECT_EQ(nullptr, wc.hbrBackground);
+    EXPECT_EQ(nullptr, wc.lpszMenuName);
+    EXPECT_EQ(nullptr, wc.hIconSm);
 }
 
 bool operator==(const TestIcon& a, const TestIcon& b) {
@@ -172,7 +171,7 @@ unsigned long long KeyOf(std::wstring_view strText) {
     if (!hProv)
         ::CryptAcquireContextW(&hProv, nullptr, nullptr, PROV_RSA_FULL, CRYPT_VERIFYCONTEXT);
     HCRYPTHASH hHash = 0;
-    BYTE digest[16] = {};
+    BYTE digest[kMd5Size] = {};
     DWORD cb = sizeof(digest);
     ::CryptCreateHash(hProv, CALG_MD5, 0, 0, &hHash);
     ::CryptHashData(hHash, reinterpret_cast<const BYTE*>(strText.data()),
@@ -227,7 +226,7 @@ void DeleteStoredSnapshots() { ::RegDeleteKeyW(HKEY_CURRENT_USER, kStoreKey); }
 DesktopThread::DesktopThread(std::vector<TestIcon> initialIcons)
     : icons(std::move(initialIcons)), hReady(::CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       thread([this] { Main(); }) {
-    ::WaitForSingleObject(hReady, kDeadlineMs);
+    ::WaitForSingleObject(hReady, kTestDeadlineMs);
     ::CloseHandle(hReady);
 }
 
@@ -266,7 +265,7 @@ void FakeFrontEnd::OnMonitorStart() {
     if (fnMonitorStart) fnMonitorStart();
 }
 
-void FakeFrontEnd::OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) {
+void FakeFrontEnd::OnRoundStart(MyMonitor_Wnd& monitor, bool bAnnounce) {
     calls.push_back(bAnnounce ? "round start, announced" : "round start");
     if (fnRoundStart) fnRoundStart(monitor);
 }
@@ -279,6 +278,7 @@ void FakeFrontEnd::OnMenuRequest(MyMonitor_Wnd& monitor) {
 void FakeFrontEnd::OnCaptureOutcome(const wchar_t* pszText) {
     calls.push_back("outcome");
     outcomes.push_back(pszText);
+    if (fnOutcome) fnOutcome();
 }
 
 void FakeFrontEnd::OnMonitorClose() {
@@ -291,22 +291,76 @@ void FakeFrontEnd::OnRoundEnd() {
     if (fnRoundEnd) fnRoundEnd();
 }
 
-ReplacedFuncs::ReplacedFuncs(std::map<std::string, FARPROC> newReplacements) {
-    replacements = std::move(newReplacements);
-    SetRuntimeLookup(&ReplacedFuncs::Find);
+// Timers of windows
+
+namespace {
+using SetTimerFunc = UINT_PTR WINAPI(HWND, UINT_PTR, UINT, TIMERPROC);
+using KillTimerFunc = BOOL WINAPI(HWND, UINT_PTR);
+SetTimerFunc* pfnSetTimer = nullptr;
+KillTimerFunc* pfnKillTimer = nullptr;
+std::mutex timersMutex; // tests ask from other threads, too
+std::set<std::pair<HWND, UINT_PTR>> runningTimers;
+
+UINT_PTR WINAPI NoteStart(HWND hwnd, UINT_PTR uId, UINT uPeriodMs, TIMERPROC pfn) {
+    UINT_PTR uTimer = pfnSetTimer(hwnd, uId, uPeriodMs, pfn);
+    std::lock_guard lock(timersMutex);
+    if (uTimer && hwnd) runningTimers.insert({hwnd, uId});
+    return uTimer;
 }
 
-ReplacedFuncs::~ReplacedFuncs() {
-    SetRuntimeLookup(nullptr);
-    replacements.clear();
+BOOL WINAPI NoteEnd(HWND hwnd, UINT_PTR uId) {
+    std::lock_guard lock(timersMutex);
+    runningTimers.erase({hwnd, uId});
+    return pfnKillTimer(hwnd, uId);
+}
+} // namespace
+
+RunningTimers::RunningTimers()
+    : setTimer(__imp_SetTimer, &NoteStart), killTimer(__imp_KillTimer, &NoteEnd) {
+    pfnSetTimer = setTimer.Original<SetTimerFunc>();
+    pfnKillTimer = killTimer.Original<KillTimerFunc>();
+    runningTimers.clear();
 }
 
-FARPROC ReplacedFuncs::Find(const wchar_t* pszModule, const char* pszName) {
-    auto it = replacements.find(pszName);
-    return it == replacements.end() ? FindSystemFunc(pszModule, pszName) : it->second;
+bool RunningTimers::IsRunning(HWND hwnd, UINT_PTR uId) {
+    std::lock_guard lock(timersMutex);
+    return runningTimers.contains({hwnd, uId});
+}
+
+// The state that the engine keeps for the process
+
+void PassThroughHook(WPARAM wCode, LPARAM lParam) {
+    MSG msg{};
+    msg.message = GetTestCompanyMsg();
+    msg.wParam = wCode;
+    msg.lParam = lParam;
+    DesktopHookProc(HC_ACTION, PM_REMOVE, reinterpret_cast<LPARAM>(&msg));
 }
 
 namespace {
+struct AgentObjects {
+    MySysLVWnd* pListView;
+    MyShellWnd* pView;
+};
+
+/// Has the agent attach itself to two windows, and reads the objects off them.
+AgentObjects FindAgentObjects() {
+    DesktopSharedData saved = desktopSharedData;
+    TestView view;
+    desktopSharedData = {GetTestCompanyMsg(), view.hwndListView, nullptr, view.wndView, nullptr};
+    PassThroughHook(kCodeAttach, 1);
+    auto objectOf = [](HWND hwnd) { return static_cast<CSWnd*>(::GetPropW(hwnd, L"CSWND")); };
+    AgentObjects found{static_cast<MySysLVWnd*>(objectOf(view.hwndListView)),
+                       static_cast<MyShellWnd*>(objectOf(view.wndView))};
+    PassThroughHook(kCodeAttach, 0);
+    desktopSharedData = saved;
+    return found;
+}
+
+const AgentObjects& GetAgentObjects() {
+    static const AgentObjects objects = FindAgentObjects();
+    return objects;
+}
 
 // The agent's objects remember from test to test by which route they were attached.
 template <class Wnd>
@@ -316,18 +370,19 @@ void MakeNew(Wnd& wnd) {
 }
 
 void ResetEngine() {
-    SetMonitorFrontEnd(nullptr);
-    SetRuntimeLookup(nullptr);
     ShellSubclass::ReInitialize();
-    MakeNew(GetAgentListView());
-    MakeNew(GetAgentView());
+    MakeNew(AgentListView());
+    MakeNew(AgentView());
     desktopSharedData = {};
-    SetRestartFlag(1);
+    SetRestartFlag(true);
     DeleteStoredSnapshots();
     PumpAll();
 }
-
 } // namespace
+
+MySysLVWnd& AgentListView() { return *GetAgentObjects().pListView; }
+
+MyShellWnd& AgentView() { return *GetAgentObjects().pView; }
 
 void EngineTest::SetUp() { ResetEngine(); }
 

@@ -1,23 +1,25 @@
 #pragma once
+#include "icons/agent/agent.h"
 #include "icons/agent/icon_record.h"
 #include "icons/monitor/front_end.h"
-#include "support/runtime_lookup.h"
+#include "support/replace_import.h"
+#include "support/test_window.h"
+#include "support/wait_until.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <commctrl.h>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <memory>
 #include <thread>
 #include <vector>
 
 // What the tests of the icon engine share: windows that stand in for the desktop's, with a record
 // of what reaches them, and the state that the engine keeps for the whole process.
-
-constexpr DWORD kDeadlineMs = 10000; // for what ought to happen within a moment
 
 UINT GetTestCompanyMsg();     // "OrvantaMessage"
 UINT GetTestTaskbarCreated(); // "TaskbarCreated"
@@ -25,10 +27,6 @@ UINT GetTestTaskbarCreated(); // "TaskbarCreated"
 /// Dispatches what waits in the calling thread's queue, WM_QUIT left out of it: *pbQuit, if asked
 /// for, tells whether there was one.
 void PumpAll(int* pbQuit = nullptr);
-/// Pumps until fnDone gives true; false if it does not within the deadline.
-bool PumpUntil(const std::function<bool()>& fnDone, DWORD dwMs = kDeadlineMs);
-/// The same for a thread without windows: only polls.
-bool WaitUntil(const std::function<bool()>& fnDone, DWORD dwMs = kDeadlineMs);
 
 struct SeenMessage {
     UINT uMsg;
@@ -68,15 +66,14 @@ class ProcSpy {
     std::vector<SeenMessage> messages;
 };
 
-/// A plain hidden window of the calling thread, destroyed with the object.
-class TestWindow {
+/// A hidden window of a class that is there, for tests of what goes by classes; of the calling
+/// thread, destroyed with the object.
+class ClassWindow {
   public:
-    explicit TestWindow(const wchar_t* pszClass = L"STATIC", HWND hwndParent = nullptr,
-                        DWORD dwStyle = 0);
-    ~TestWindow() { Destroy(); }
-    TestWindow(const TestWindow&) = delete;
-    TestWindow& operator=(const TestWindow&) = delete;
-    void Destroy();
+    ClassWindow(const wchar_t* pszClass, HWND hwndParent, DWORD dwStyle);
+    ~ClassWindow() { ::DestroyWindow(hwnd); }
+    ClassWindow(const ClassWindow&) = delete;
+    ClassWindow& operator=(const ClassWindow&) = delete;
     operator HWND() const { return hwnd; }
 
   private:
@@ -95,6 +92,11 @@ class TestClass {
     const wchar_t* pszName;
 };
 
+/// Whether the library has registered the class.
+bool IsClassThere(const wchar_t* pszName);
+/// The class of a hidden window: CSWnd's procedure, the library's instance and nothing else.
+void ExpectPlainClass(const wchar_t* pszName);
+
 struct TestIcon {
     std::wstring strText;
     POINT pt;
@@ -111,8 +113,8 @@ POINT PosOfIcon(HWND hwndListView, int nIcon);
 class TestView {
   public:
     explicit TestView(DWORD dwListViewStyle = 0)
-        : wndView(L"STATIC"), hwndListView(CreateTestListView(wndView, dwListViewStyle)),
-          spyView(wndView), spyListView(hwndListView) {}
+        : hwndListView(CreateTestListView(wndView, dwListViewStyle)), spyView(wndView),
+          spyListView(hwndListView) {}
 
     TestWindow wndView;
     HWND hwndListView;
@@ -149,16 +151,6 @@ class CaptureReceiver {
 std::map<std::wstring, std::vector<BYTE>> ReadStoredSnapshots();
 void DeleteStoredSnapshots();
 
-/// Runs fn on its own thread, joined by the destructor.
-class Driver {
-  public:
-    explicit Driver(std::function<void()> fn) : thread(std::move(fn)) {}
-    ~Driver() { thread.join(); }
-
-  private:
-    std::thread thread;
-};
-
 /// A desktop in a thread of its own: "Progman" > "SHELLDLL_DefView" > "SysListView32". It lies
 /// above every other "Progman" of the desktop.
 class DesktopThread {
@@ -191,11 +183,8 @@ class DesktopThread {
 /// Keeps what the engine tells, in one line per call, and does what the test hangs onto it.
 class FakeFrontEnd : public MonitorFrontEnd {
   public:
-    FakeFrontEnd() { SetMonitorFrontEnd(this); }
-    ~FakeFrontEnd() override { SetMonitorFrontEnd(nullptr); }
-
     void OnMonitorStart() override;
-    void OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) override;
+    void OnRoundStart(MyMonitor_Wnd& monitor, bool bAnnounce) override;
     void OnMenuRequest(MyMonitor_Wnd& monitor) override;
     void OnCaptureOutcome(const wchar_t* pszText) override;
     void OnMonitorClose() override;
@@ -203,19 +192,37 @@ class FakeFrontEnd : public MonitorFrontEnd {
 
     std::vector<std::string> calls;
     std::vector<std::wstring> outcomes;
-    std::function<void()> fnMonitorStart, fnMonitorClose, fnRoundEnd;
+    std::function<void()> fnMonitorStart, fnOutcome, fnMonitorClose, fnRoundEnd;
     std::function<void(MyMonitor_Wnd&)> fnRoundStart, fnMenu;
 };
 
-/// Replaces platform functions that are found at run time; null hides one.
-class ReplacedFuncs {
+/// The timers of windows that run while the object lives, by what the platform is asked for.
+class RunningTimers {
   public:
-    explicit ReplacedFuncs(std::map<std::string, FARPROC> newReplacements);
-    ~ReplacedFuncs();
+    RunningTimers();
+    RunningTimers(const RunningTimers&) = delete;
+    RunningTimers& operator=(const RunningTimers&) = delete;
+    static bool IsRunning(HWND hwnd, UINT_PTR uId);
 
   private:
-    static FARPROC Find(const wchar_t* pszModule, const char* pszName);
+    ReplaceImport setTimer, killTimer;
 };
+
+// The monitor window's timers.
+constexpr UINT_PTR kDebounceTimer = 10, kSuppressTimer = 11;
+inline bool IsCapturePending(HWND hwndMonitor) {
+    return RunningTimers::IsRunning(hwndMonitor, kDebounceTimer);
+}
+inline bool IsSuppressing(HWND hwndMonitor) {
+    return RunningTimers::IsRunning(hwndMonitor, kSuppressTimer);
+}
+
+/// The company message with that code, as the hook of the list view's thread sees it.
+void PassThroughHook(WPARAM wCode, LPARAM lParam);
+
+/// The agent's two objects of this process, as windows name them that the agent was attached to.
+MySysLVWnd& AgentListView();
+MyShellWnd& AgentView();
 
 /// Brings the state that the engine keeps for the process back to that of its start.
 class EngineTest : public testing::Test {
@@ -224,4 +231,6 @@ class EngineTest : public testing::Test {
     void TearDown() override;
     /// The shared words as the monitor would fill them, for windows of the test's.
     void Share(const TestView& view, HWND hwndMonitor);
+
+    RunningTimers timers;
 };

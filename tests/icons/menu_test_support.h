@@ -1,6 +1,8 @@
 #pragma once
 #include "icons/snapshot_test_support.h"
-#include "icons/tray/day_count.h"
+#include "icons/tray/recommendations.h"
+#include "support/replace_import.h"
+#include "wnd/menu/csmenu.h"
 
 #include <ctime>
 #include <string>
@@ -8,14 +10,12 @@
 
 // What the tests of the tray menu and of the day counter share.
 
+extern "C" FARPROC __imp_GetLocalTime;
+
 /// Today's date as a test sets it, for the life of the object.
 class TestDate {
   public:
-    TestDate(int nYear, int nMonth, int nDay) {
-        Set(nYear, nMonth, nDay);
-        SetLocalTimeSource(Read);
-    }
-    ~TestDate() { SetLocalTimeSource(nullptr); }
+    TestDate(int nYear, int nMonth, int nDay) { Set(nYear, nMonth, nDay); }
     TestDate(const TestDate&) = delete;
     TestDate& operator=(const TestDate&) = delete;
     void Set(int nYear, int nMonth, int nDay) {
@@ -30,6 +30,7 @@ class TestDate {
   private:
     static void WINAPI Read(SYSTEMTIME* pst) { *pst = st; }
     static inline SYSTEMTIME st;
+    ReplaceImport clock{__imp_GetLocalTime, &Read};
 };
 
 /// An entry of the user's locale, put back at the end.
@@ -114,4 +115,17 @@ inline std::vector<std::wstring> TextsOf(HMENU hmenu) {
         texts.push_back(str);
     }
     return texts;
+}
+
+/// The recommendations of the tray menu in their turn, the one that comes next first: one turn of
+/// them.
+inline std::vector<const Recommendation*> RecommendationsOfTheMenu() {
+    std::vector<const Recommendation*> entries;
+    for (int n = 0; n < kRecommendations; ++n) {
+        CSMenu menu;
+        menu.CreatePopup();
+        AddRecommendationRows(menu);
+        entries.push_back(GetRecommendation());
+    }
+    return entries;
 }

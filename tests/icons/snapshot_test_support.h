@@ -1,6 +1,6 @@
 #pragma once
 #include "icons/agent/icon_record.h"
-#include "icons/snapshots/snapshot_names.h"
+#include "icons/snapshots/snapshot_store.h"
 #include "runtime/base/digest.h"
 #include "support/registry.h"
 
@@ -8,6 +8,8 @@
 #include <vector>
 
 // The product's own store for tests, planted and looked at with the platform's calls.
+
+constexpr const wchar_t* kStoreKey = L"Software\\Orvanta\\Tessaly\\Data"; // below HKCU
 
 using Layout = std::vector<IconRecord>;
 
@@ -24,9 +26,9 @@ inline Layout MakeLayout(unsigned nIcons, int nSeed = 0) {
 
 /// A value as the store writes it.
 inline RegBytes MakeSnapshotValue(const Layout& layout) {
-    RegBytes bytes(16 + layout.size() * sizeof(IconRecord));
-    memcpy(bytes.data() + 16, layout.data(), bytes.size() - 16);
-    CalcMD5(bytes.data(), bytes.data() + 16, bytes.size() - 16);
+    RegBytes bytes(kMd5Size + layout.size() * sizeof(IconRecord));
+    memcpy(bytes.data() + kMd5Size, layout.data(), bytes.size() - kMd5Size);
+    CalcMD5(bytes.data(), bytes.data() + kMd5Size, bytes.size() - kMd5Size);
     return bytes;
 }
 
@@ -39,7 +41,7 @@ inline std::wstring NameOf(unsigned __int64 qwTime) {
 /// The key in which the product keeps its snapshots, empty at first.
 class SnapshotKey : public TestKey {
   public:
-    SnapshotKey() : TestKey(L"Software\\Orvanta\\Tessaly\\Data") {}
+    SnapshotKey() : TestKey(kStoreKey) {}
     void Plant(unsigned __int64 qwTime, const Layout& layout) {
         Put(NameOf(qwTime), REG_BINARY, MakeSnapshotValue(layout));
     }

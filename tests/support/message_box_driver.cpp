@@ -36,8 +36,11 @@ SeenMessageBox Read(HWND hwnd) {
         int nId = ::GetDlgCtrlID(hwndItem) & 0xFFFF;
         if (nId == kBoxTextId) box.strText = TextOf(hwndItem);
         if (!::lstrcmpiW(szClass, L"Button") && bShown) box.buttons.push_back(nId);
-        if (!::lstrcmpiW(szClass, L"Static") && ::SendMessageW(hwndItem, STM_GETICON, 0, 0))
-            box.bHasIcon = 1;
+        if (::lstrcmpiW(szClass, L"Static")) continue;
+        auto hicon = reinterpret_cast<HICON>(::SendMessageW(hwndItem, STM_GETICON, 0, 0));
+        if (!hicon) continue;
+        box.hicon = hicon;
+        box.bHasIcon = 1;
     }
     return box;
 }

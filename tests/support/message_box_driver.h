@@ -11,6 +11,7 @@ struct SeenMessageBox {
     LONG_PTR nStyle = 0;
     std::vector<int> buttons; // ids of its buttons, in their order
     int bHasIcon = 0;
+    HICON hicon = nullptr;
 };
 
 /// Answers the next message boxes of this process from a thread of its own, while the test's thread

@@ -1,9 +1,11 @@
 #include "icons/agent/agent.h"
-#include "icons/agent/capture.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/agent/library_hold.h"
+#include "icons/agent/icon_record.h"
+#include "runtime/base/ownership.h"
 
+#include <windows.h>
 #include <commctrl.h>
+#include <utility>
 
 namespace {
 // No construction at run time: mapping the library into the shell must cost nothing.
@@ -11,16 +13,29 @@ constinit MySysLVWnd agentListView;
 constinit MyShellWnd agentView;
 constinit LibraryHold libraryHold;
 
+const char chInside = 0; // its address lies in this module's image
+
+/// For the caller of LibraryHold::Release to have left this library's code: it still has to return
+/// through it.
+constexpr DWORD kLeaveMs = 1000;
+
+DWORD WINAPI GiveBack(void* hmod) {
+    ::Sleep(kLeaveMs);
+    ::FreeLibraryAndExitThread(static_cast<HMODULE>(hmod), 0); // never returns to this code
+}
+
+UINT GetSharedCompanyMsg() { return static_cast<UINT>(desktopSharedData.nCompanyMsg); }
+
 /// The company message with that code? Its id is 0 until a monitor has registered it, which is
 /// WM_NULL, a message that everybody sends.
 bool IsEngineCode(UINT uMsg, WPARAM wParam, WPARAM wCode) {
-    UINT uCompanyMsg = static_cast<UINT>(desktopSharedData.nCompanyMsg);
+    UINT uCompanyMsg = GetSharedCompanyMsg();
     return uMsg == uCompanyMsg && uCompanyMsg != 0 && wParam == wCode;
 }
 
+/// Posted and never sent: the monitor may be waiting for the shell at this moment.
 void ReportIconsMoved() {
-    UINT uCompanyMsg = static_cast<UINT>(desktopSharedData.nCompanyMsg);
-    ::PostMessageW(desktopSharedData.hwndMonitor, uCompanyMsg, kCodeIconsMoved, 0);
+    ::PostMessageW(desktopSharedData.hwndMonitor, GetSharedCompanyMsg(), kCodeIconsMoved, 0);
 }
 
 /// Stands for a frame of the agent on the shell's stack. A menu or a drag keeps such frames waiting
@@ -41,6 +56,7 @@ class AgentFrame {
 };
 constinit int AgentFrame::nFrames = 0;
 
+/// Each for itself: where one window has gone the other is attached all the same.
 void AttachBoth() {
     libraryHold.Take(); // given back by the frame if neither window is there any more
     agentListView.AttachTo(desktopSharedData.hwndListView);
@@ -67,21 +83,13 @@ __attribute__((noinline)) void OnEngineMessage(const MSG& msg) {
 }
 } // namespace
 
-int IsAgentHoldingLibrary() { return libraryHold.IsHeld(); }
-
-MySysLVWnd& GetAgentListView() { return agentListView; }
-
-MyShellWnd& GetAgentView() { return agentView; }
-
 LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     // Every message of the shell's desktop thread comes through here: one null test and one
     // comparison for those that are not ours.
     // QUIRK: neither nCode nor the remove flag is looked at, so that a program that peeks first and
     // takes then is served twice. Test: Agent.LooksNeitherAtTheHookCodeNorAtTheRemoveFlag
     const MSG* pMsg = reinterpret_cast<const MSG*>(lParam);
-    if (pMsg && pMsg->message == static_cast<UINT>(desktopSharedData.nCompanyMsg)) {
-        OnEngineMessage(*pMsg);
-    }
+    if (pMsg && pMsg->message == GetSharedCompanyMsg()) OnEngineMessage(*pMsg);
     return ::CallNextHookEx(desktopSharedData.hhook, nCode, wParam, lParam);
 }
 
@@ -89,20 +97,22 @@ AgentWnd::~AgentWnd() {
     hWnd = nullptr; // the library is leaving its process: no window is touched any more
 }
 
-int AgentWnd::AttachTo(HWND hwndTarget) {
+bool AgentWnd::AttachTo(HWND hwndTarget) {
     // Handles that were left over from a shell that is gone must not be marked with our objects.
     HWND hwndReal = hwndTarget ? hwndTarget : hWnd;
-    if (::GetWindowThreadProcessId(hwndReal, nullptr) != ::GetCurrentThreadId()) return 0;
+    if (::GetWindowThreadProcessId(hwndReal, nullptr) != ::GetCurrentThreadId()) return false;
     // A window that this object left behind would go on calling it, with the new one's handle.
     if (bAttached && hwndReal != hWnd) CommonUnsubclass();
-    bAttached = Subclass(hwndTarget);
+    // The property "CSWND" would be no measure of it later: another copy of the library can take
+    // it.
+    bAttached = Subclass(hwndTarget) != 0;
     return bAttached;
 }
 
 void AgentWnd::DetachFrom() {
     AgentFrame frame;
     CommonUnsubclass();
-    bAttached = 0;
+    bAttached = false;
 }
 
 void AgentWnd::OnPostNcDestroy() {
@@ -121,6 +131,8 @@ LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         if (lParam) RestoreFrom(hWnd, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
         break;
     case WM_MOUSEMOVE:
+        // The drag's own loop keeps the mouse: the first movement that comes here is after the
+        // drop.
         if (!bDragBegun) break;
         bDragBegun = 0;
         ReportIconsMoved();
@@ -146,4 +158,17 @@ LRESULT MyShellWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         }
     }
     return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+}
+
+void LibraryHold::Take() {
+    if (hmodHeld) return;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                         reinterpret_cast<LPCWSTR>(&chInside), &hmodHeld);
+}
+
+void LibraryHold::Release() {
+    HMODULE hmod = std::exchange(hmodHeld, nullptr);
+    if (!hmod) return;
+    OwnedHandle thread(::CreateThread(nullptr, 0, &GiveBack, hmod, 0, nullptr));
+    if (!thread) hmodHeld = hmod; // held on; the next release tries again
 }

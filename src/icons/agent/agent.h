@@ -7,25 +7,27 @@
 // DesktopSharedData says.
 
 /// The WH_GETMESSAGE hook on the list view's thread. Acts on the company message with kCodeCapture
-/// and kCodeAttach, for whatever window of the thread; lParam points to the MSG. Every message goes
-/// on to its window.
+/// and kCodeAttach, for whatever window of the thread; lParam points to the MSG and may be null.
+/// Every message goes on to its window. Returns what the next hook returns.
 LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam);
 
-/// A window of the shell, while the agent is attached to it.
+/// A window of the shell, while the agent is attached to it. There are two, one of each class
+/// below, in every process that maps the library; only the shell's are ever attached.
 class AgentWnd : public CSWnd {
   public:
     constexpr AgentWnd() noexcept = default;
     ~AgentWnd() override;
     /// Ties the object to the window (null: to the one it held before), which must belong to the
-    /// calling thread. 1 on success.
-    int AttachTo(HWND hwndTarget);
+    /// calling thread. False, without a change, if it does not; false too if the platform refuses
+    /// the subclassing: then no window is attached.
+    bool AttachTo(HWND hwndTarget);
+    /// Gives the window back its own procedure; nothing if none is attached.
     void DetachFrom();
+    bool IsAttached() const { return bAttached; }
     void OnPostNcDestroy() override;
-    /// The property "CSWND" is no measure of it: another copy of the library can have taken it.
-    int IsAttached() const { return bAttached; }
 
   private:
-    int bAttached = 0;
+    bool bAttached = false;
 };
 
 /// The desktop's list view: performs restores and sees a drag's end.
@@ -47,10 +49,21 @@ class MyShellWnd : public AgentWnd {
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
 };
 
-/// Whether the agent keeps this library mapped in its process: while a window is attached, and
-/// beyond that until no frame of the agent waits on the stack.
-int IsAgentHoldingLibrary();
+/// Keeps this library mapped while the shell's windows call into it. The hook's own reference goes
+/// with the process that set it: without a second one, a monitor that is killed would leave the
+/// shell with procedures of a library that is gone.
+class LibraryHold {
+  public:
+    constexpr LibraryHold() noexcept = default;
+    LibraryHold(const LibraryHold&) = delete; // owns the reference
+    LibraryHold& operator=(const LibraryHold&) = delete;
 
-/// This process's two objects; only the shell's are ever attached.
-MySysLVWnd& GetAgentListView();
-MyShellWnd& GetAgentView();
+    /// Takes the reference unless it is held.
+    void Take();
+    /// Gives it back, a second later and on a thread of its own: the caller still runs code of this
+    /// library. Only for a caller on whose stack nothing else of this library waits.
+    void Release();
+
+  private:
+    HMODULE hmodHeld = nullptr; // null: no reference is held
+};

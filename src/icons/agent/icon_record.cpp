@@ -1,8 +1,56 @@
 #include "icons/agent/icon_record.h"
 #include "runtime/base/digest.h"
+#include "runtime/base/heap_array.h"
 
+#include <windows.h>
+#include <commctrl.h>
 #include <cstring>
 #include <cwchar>
+#include <span>
+
+namespace {
+constexpr unsigned kCchIconText = 260; // longer texts are cut by the list view, terminator included
+
+unsigned GetItemCount(HWND hwndListView) {
+    return static_cast<unsigned>(::SendMessageW(hwndListView, LVM_GETITEMCOUNT, 0, 0));
+}
+
+/// The text that LVM_GETITEM left. The list view may point to a text of its own instead of filling
+/// the buffer, and that one has no bound.
+unsigned MeasureText(const wchar_t* psz) {
+    return static_cast<unsigned>(wcsnlen(psz, kCchIconText - 1));
+}
+
+/// The first nCount items; not ready when out of memory.
+HeapArray<IconRecord> CaptureToHeap(HWND hwndListView, unsigned nCount) {
+    HeapArray<IconRecord> records(nCount);
+    if (records.IsReady()) CaptureIcons(hwndListView, records.Get(), nCount);
+    return records;
+}
+
+/// The records of a restore that have not yet served an item. Those at the front that have are
+/// skipped for good, so that a restore of an unchanged order looks at each record once.
+class RecordMatcher {
+  public:
+    explicit RecordMatcher(std::span<IconRecord> recordsStored) : records(recordsStored) {}
+
+    /// The first record of that name, null if there is none. It serves no second item.
+    const POINT* Take(unsigned __int64 qwNameKey) {
+        while (nServed < records.size() && records[nServed].qwNameKey == kServed) ++nServed;
+        for (IconRecord& record : records.subspan(nServed)) {
+            if (record.qwNameKey != qwNameKey || qwNameKey == kServed) continue;
+            record.qwNameKey = kServed;
+            return &record.pt;
+        }
+        return nullptr;
+    }
+
+  private:
+    static constexpr unsigned __int64 kServed = 0;
+    std::span<IconRecord> records;
+    std::size_t nServed = 0;
+};
+} // namespace
 
 unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
     if (!psz) {
@@ -15,4 +63,57 @@ unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
     unsigned __int64 qwKey;
     std::memcpy(&qwKey, digest, sizeof(qwKey));
     return qwKey;
+}
+
+unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) {
+    if (nCount == 0) return GetItemCount(hwndListView);
+    // QUIRK: not cleared between items: one whose text can't be read has the text before it.
+    // Test: Capture.OfAnUnreadableLaterItemKeepsTheTextBefore
+    wchar_t szText[kCchIconText] = {};
+    LVITEMW item{};
+    item.mask = LVIF_TEXT;
+    for (unsigned i = 0; i < nCount; ++i) {
+        IconRecord& record = pRecords[i];
+        record.nIndex = i;
+        ::SendMessageW(hwndListView, LVM_GETITEMPOSITION, i, reinterpret_cast<LPARAM>(&record.pt));
+        item.iItem = static_cast<int>(i);
+        item.pszText = szText;
+        item.cchTextMax = kCchIconText;
+        ::SendMessageW(hwndListView, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        szText[kCchIconText - 1] = 0;
+        const wchar_t* pszText =
+            item.pszText && item.pszText != LPSTR_TEXTCALLBACKW ? item.pszText : szText;
+        record.cchName = MeasureText(pszText);
+        record.qwNameKey = MakeNameKey(pszText, record.cchName);
+    }
+    return nCount;
+}
+
+void SendCapture(HWND hwndListView, HWND hwndMonitor, HWND hwndSender) {
+    unsigned nCount = CaptureIcons(hwndListView, nullptr, 0);
+    if (nCount == 0 || nCount > kMaxCapturedIcons) return;
+    HeapArray<IconRecord> records = CaptureToHeap(hwndListView, nCount);
+    if (!records.IsReady()) return;
+    COPYDATASTRUCT data{nCount, static_cast<DWORD>(records.GetByteCount()), records.Get()};
+    ::SendMessageW(hwndMonitor, WM_COPYDATA, reinterpret_cast<WPARAM>(hwndSender),
+                   reinterpret_cast<LPARAM>(&data));
+}
+
+void RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
+    // Any program can send this. Dividing first keeps a huge count from wrapping round.
+    if (data.dwData > data.cbData / sizeof(IconRecord)) return;
+    if (data.dwData * sizeof(IconRecord) != data.cbData || !data.lpData) return;
+    unsigned nItems = CaptureIcons(hwndListView, nullptr, 0);
+    if (nItems == 0 || data.dwData == 0) return;
+    HeapArray<IconRecord> stored(data.dwData); // the sender's data are not ours to write to
+    HeapArray<IconRecord> items = CaptureToHeap(hwndListView, nItems); // for the present names
+    if (!items.IsReady() || !stored.IsReady()) return;
+
+    std::memcpy(stored.Get(), data.lpData, data.cbData); // it need not be aligned
+    RecordMatcher matcher({stored.Get(), stored.GetCount()});
+    for (unsigned i = 0; i < nItems; ++i) {
+        const POINT* ppt = matcher.Take(items[i].qwNameKey);
+        if (!ppt) continue;
+        ::SendMessageW(hwndListView, LVM_SETITEMPOSITION32, i, reinterpret_cast<LPARAM>(ppt));
+    }
 }

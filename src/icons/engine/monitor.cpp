@@ -4,6 +4,7 @@
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
+#include "icons/tray/tray_front_end.h"
 #include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
 #include "wnd/core/company_msg.h"
@@ -17,50 +18,56 @@ void RunMessageLoop() {
     }
 }
 
-int FindDesktop(HWND hwndParent) {
+/// Also ends a restart: a program whose shell is too slow to have its windows ready says so.
+bool FindDesktop(HWND hwndParent) {
     if (FindDesktopShellWnd(&desktopSharedData.hwndView, &desktopSharedData.hwndListView)) {
-        return 1;
+        return true;
     }
     // The blank at the end is part of the text.
     Msg(hwndParent, MB_ICONERROR,
         L"Cannot obtain the desktop properties. Please report this error to technical support. ");
-    return 0;
+    return false;
 }
 
 /// From the window that stands to the end of the message loop.
-void Watch(MyMonitor_Wnd& monitor, int bAnnounce) {
-    MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd();
-    desktopSharedData.hwndMonitor = monitor;
+void Watch(MyMonitor_Wnd& monitor, MonitorFrontEnd& frontEnd, bool bAnnounce) {
+    desktopSharedData.hwndMonitor = monitor; // before the first capture is asked for
     monitor.RegisterNotification();
     if (bAnnounce) monitor.SetSnapshotAnnounce(0);
-    if (pFrontEnd) pFrontEnd->OnRoundStart(monitor, bAnnounce);
+    frontEnd.OnRoundStart(monitor, bAnnounce);
     PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
     RunMessageLoop();
     monitor.EndNotification();
-    if (pFrontEnd) pFrontEnd->OnRoundEnd();
+    frontEnd.OnRoundEnd();
 }
 
-/// One round: on the desktop that stands now, until the monitor closes or the shell restarts. 0
+/// One round: on the desktop that stands now, until the monitor closes or the shell restarts. False
 /// when the desktop's windows can't be found.
-int RunRound(HWND hwndParent, int quiet) {
-    if (!FindDesktop(hwndParent)) return 0;
-    MyMonitor_Wnd monitor;
+bool RunRound(MonitorFrontEnd& frontEnd, HWND hwndParent, int quiet) {
+    if (!FindDesktop(hwndParent)) return false;
+    MyMonitor_Wnd monitor(frontEnd);
     monitor.SetHook(1);
     // The hook goes before the window object, on every way out.
     ScopeExit unhook([&] { monitor.SetHook(0); });
-    if (monitor.CreateHidden(hwndParent)) Watch(monitor, !quiet);
-    return 1;
+    // A window that cannot be created ends the round without a word, and with it DoMonitor.
+    if (monitor.CreateHidden(hwndParent)) Watch(monitor, frontEnd, !quiet);
+    return true;
 }
 } // namespace
 
 void DoMonitor(HWND hwndParent, int quiet) {
+    TrayFrontEnd frontEnd;
+    RunMonitor(frontEnd, hwndParent, quiet);
+}
+
+void RunMonitor(MonitorFrontEnd& frontEnd, HWND hwndParent, int quiet) {
     desktopSharedData.nCompanyMsg = GetMyCompanyMsgId();
     RegisterTaskbarCreated();
     ForgetStaleDesktopHook();
-    if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMonitorStart();
+    frontEnd.OnMonitorStart();
     while (GetRestartFlag()) {
-        SetRestartFlag(0);
-        if (!RunRound(hwndParent, quiet)) break;
+        SetRestartFlag(false);
+        if (!RunRound(frontEnd, hwndParent, quiet)) break;
     }
     desktopSharedData.hwndMonitor = nullptr;
 }

@@ -4,16 +4,16 @@ namespace {
 /// Windows that come and go while the walk is on could send it in circles.
 constexpr int kMaxWindows = 100000;
 
+/// A window that goes while the walk stands on it has none above it any more, so that the walk ends
+/// too early. That is rare: several walks in a row that find nothing mean that nothing is there.
+constexpr int kMaxWalks = 5;
+
 HWND GetLowestWindow() {
     HWND hwndFirst = ::GetWindow(::GetDesktopWindow(), GW_CHILD);
     return hwndFirst ? ::GetWindow(hwndFirst, GW_HWNDLAST) : nullptr;
 }
 
-/// A window that goes while the walk stands on it has none above it: the walk then ends too early,
-/// which is as rare as that. So nothing is believed to be missing before so many walks.
-constexpr int kMaxWalks = 5;
-
-int WalkUp(HWND* phwndView, HWND* phwndListView) {
+bool WalkUp(HWND* phwndView, HWND* phwndListView) {
     HWND hwnd = ::FindWindowW(L"Progman", nullptr);
     if (!hwnd) hwnd = GetLowestWindow();
     for (int n = 0; hwnd && n < kMaxWindows; ++n, hwnd = ::GetWindow(hwnd, GW_HWNDPREV)) {
@@ -23,9 +23,9 @@ int WalkUp(HWND* phwndView, HWND* phwndListView) {
         if (!hwndListView) continue;
         *phwndView = hwndView;
         *phwndListView = hwndListView;
-        return 1;
+        return true;
     }
-    return 0;
+    return false;
 }
 } // namespace
 

@@ -1,11 +1,19 @@
 #include "icons/monitor/desktop_hook.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
-#include "icons/monitor/monitor_wnd.h"
 #include "runtime/base/current_product.h"
+#include "runtime/system/runtime_func.h"
 #include "wnd/core/company_msg.h"
 
 #include <cwchar>
+
+// winuser.h has these from Vista and Windows 7 on.
+#ifndef MSGFLT_ADD
+#define MSGFLT_ADD 1
+#endif
+#ifndef MSGFLT_ALLOW
+#define MSGFLT_ALLOW 1
+#endif
 
 namespace {
 constexpr LPARAM kAttach = 1, kDetach = 0;
@@ -18,18 +26,33 @@ bool IsMonitorWindow(HWND hwnd) {
            std::wcscmp(szClass, kMonitorClass) == 0;
 }
 
-/// Whether a window object is on the shell's window. It may be another copy's.
-int IsMarked(HWND hwnd) { return ::GetPropW(hwnd, L"CSWND") != nullptr; }
+/// Whether a window object is on the shell's window. It may be another copy's of the library.
+bool IsMarked(HWND hwnd) { return ::GetPropW(hwnd, L"CSWND") != nullptr; }
 
+/// Sent, so that it is done on return. The list view first: its object is the one that calls back.
 void SendDetach() {
     SendMyCompanyMsg(desktopSharedData.hwndListView, kCodeAttach, kDetach);
     SendMyCompanyMsg(desktopSharedData.hwndView, kCodeAttach, kDetach);
+}
+
+void LetIn(HWND hwnd, UINT uMsg) {
+    static constinit RuntimeFunc<BOOL WINAPI(HWND, UINT, DWORD, void*)> funcOfWindow(
+        L"user32.dll", "ChangeWindowMessageFilterEx");
+    static constinit RuntimeFunc<BOOL WINAPI(UINT, DWORD)> funcOfProcess(
+        L"user32.dll", "ChangeWindowMessageFilter");
+    if (!uMsg) return; // not registered
+    if (auto* pfn = funcOfWindow.Get()) {
+        pfn(hwnd, uMsg, MSGFLT_ALLOW, nullptr);
+    } else if (auto* pfnVista = funcOfProcess.Get()) {
+        pfnVista(uMsg, MSGFLT_ADD); // Vista knows no single windows
+    }
 }
 } // namespace
 
 void InstallDesktopHook() {
     if (desktopSharedData.hhook) return;
     DWORD dwThread = ::GetWindowThreadProcessId(desktopSharedData.hwndListView, nullptr);
+    // A hook that is refused is not reported: no capture comes then, and the monitor sits idle.
     desktopSharedData.hhook =
         ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetLibraryInstance(), dwThread);
     // Posted, because the hook sees only what passes through the thread's queue.
@@ -41,6 +64,8 @@ void InstallDesktopHook() {
 
 void RemoveDesktopHook() {
     if (!desktopSharedData.hhook) return;
+    // Windows that still called into the library would bring the shell down once the hook's library
+    // goes.
     SendDetach();
     ::UnhookWindowsHookEx(desktopSharedData.hhook);
     desktopSharedData.hhook = nullptr;
@@ -54,4 +79,11 @@ void RemoveDesktopHook() {
 
 void ForgetStaleDesktopHook() {
     if (!IsMonitorWindow(desktopSharedData.hwndMonitor)) desktopSharedData.hhook = nullptr;
+}
+
+void LetShellMessagesIn(HWND hwnd, UINT uTaskbarCreatedMsg) {
+    // Anybody may send these from now on: their handlers trust nothing in them.
+    LetIn(hwnd, GetMyCompanyMsgId());
+    LetIn(hwnd, WM_COPYDATA);
+    LetIn(hwnd, uTaskbarCreatedMsg);
 }

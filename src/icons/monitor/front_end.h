@@ -1,18 +1,16 @@
 #pragma once
-#include <windows.h>
 
 class MyMonitor_Wnd;
 
-/// The face of the monitor: what it shows in the notification area and what it asks there. The
-/// monitor's round calls it at its places and goes on without it while none is set. All calls come
-/// on the monitor's thread.
+/// The face of the monitor: what it shows in the notification area and what it asks there. It
+/// stands above the monitor, which knows only this and calls it at the places of its round. All
+/// calls come on the monitor's thread.
 class MonitorFrontEnd {
   public:
-    virtual ~MonitorFrontEnd() = default;
     /// Once per DoMonitor, before the desktop is looked for: the day counter.
     virtual void OnMonitorStart() = 0;
     /// The window of a round stands and watches: make the icon. With bAnnounce also say so.
-    virtual void OnRoundStart(MyMonitor_Wnd& monitor, int bAnnounce) = 0;
+    virtual void OnRoundStart(MyMonitor_Wnd& monitor, bool bAnnounce) = 0;
     /// The user asked for a menu.
     virtual void OnMenuRequest(MyMonitor_Wnd& monitor) = 0;
     /// The capture that the user asked for is done; pszText says with what outcome.
@@ -21,13 +19,7 @@ class MonitorFrontEnd {
     virtual void OnMonitorClose() = 0;
     /// The round's message loop has ended: give up what belongs to the round.
     virtual void OnRoundEnd() = 0;
+
+  protected:
+    ~MonitorFrontEnd() = default; // nobody owns one as such
 };
-
-/// The front end in force, null for none; the tray's (icons/tray/tray_front_end.h) unless another one
-/// was set. It is not owned.
-MonitorFrontEnd* GetMonitorFrontEnd();
-void SetMonitorFrontEnd(MonitorFrontEnd* pNew);
-
-/// Ends a capture: if the user asked for it (the monitor window's SnapshotAnnounce), clears that
-/// and has the front end tell pszText. Silent otherwise, and while no monitor window lives.
-void ReportCaptureOutcome(const wchar_t* pszText);

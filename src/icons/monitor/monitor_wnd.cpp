@@ -3,13 +3,13 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/front_end.h"
-#include "icons/monitor/message_gate.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "runtime/system/system_facts.h"
 #include "runtime/system/wts_api32.h"
 #include "shell/namespace/pidl.h"
 #include "wnd/core/company_msg.h"
 
+#include <windows.h>
 #include <shlobj.h>
 #include <wtsapi32.h>
 
@@ -35,20 +35,34 @@ ITEMIDLIST* MakeDesktopPidl() {
 
 constinit MyMonitor_Wnd* pCurrent = nullptr;
 constinit UINT uTaskbarCreated = 0;
-constinit int RestartFlag = 1; // the first round is one too
+constinit bool RestartFlag = true; // the first round is one too
+
+/// Posted, because the hook sees only what passes through the queue of the list view's thread.
+void RequestCapture() { PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0); }
 } // namespace
+
+void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
+    if (!pRecords || !nRecords) return;
+    bool bChanged = IsLayoutChanged(pRecords, nRecords);
+    if (bChanged) StoreSnapshot(pRecords, nRecords);
+    MyMonitor_Wnd* pMonitor = MyMonitor_Wnd::GetCurrent();
+    if (!pMonitor || !pMonitor->GetSnapshotAnnounce()) return;
+    pMonitor->ReportCaptureOutcome(bChanged ? L"Icons stored"
+                                            : L"No changes to the icons have been detected.");
+}
 
 void RegisterTaskbarCreated() {
     if (!uTaskbarCreated) uTaskbarCreated = ::RegisterWindowMessageW(L"TaskbarCreated");
 }
 
-int GetRestartFlag() { return RestartFlag; }
+bool GetRestartFlag() { return RestartFlag; }
 
-void SetRestartFlag(int bRestart) { RestartFlag = bRestart; }
+void SetRestartFlag(bool bRestart) { RestartFlag = bRestart; }
 
 MyMonitor_Wnd* MyMonitor_Wnd::GetCurrent() { return pCurrent; }
 
-MyMonitor_Wnd::MyMonitor_Wnd() : timerDebounce(kDebounceTimerId), timerSuppress(kSuppressTimerId) {
+MyMonitor_Wnd::MyMonitor_Wnd(MonitorFrontEnd& frontEndToCall)
+    : timerDebounce(kDebounceTimerId), timerSuppress(kSuppressTimerId), frontEnd(frontEndToCall) {
     // A failure means that the class is there already, which serves as well.
     RegisterClassExWithWndExtra(kMonitorClass, 0);
     pCurrent = this;
@@ -61,12 +75,12 @@ MyMonitor_Wnd::~MyMonitor_Wnd() {
     timerDebounce.Stop();
 }
 
-int MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
+bool MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
     if (!Create(kMonitorClass, kMonitorClass, 0, 0, 0, 1, 1, hwndParent, nullptr, nullptr)) {
-        return 0;
+        return false;
     }
     LetShellMessagesIn(hWnd, uTaskbarCreated);
-    return 1;
+    return true;
 }
 
 void MyMonitor_Wnd::RegisterNotification() {
@@ -97,6 +111,11 @@ void MyMonitor_Wnd::SetHook(int bInstall) {
     }
 }
 
+void MyMonitor_Wnd::ReportCaptureOutcome(const wchar_t* pszText) {
+    SnapshotAnnounce = 0; // first: what is told may lead to the next request
+    frontEnd.OnCaptureOutcome(pszText);
+}
+
 LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     // The ids of registered messages are 0 until they are registered, and 0 is WM_NULL.
     if (uMsg == WM_NULL) return CSWnd::OnWndMessage(uMsg, wParam, lParam);
@@ -105,7 +124,7 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     } else if (uMsg == uNotifyMsg) {
         OnNotification(wParam, lParam);
     } else if (uMsg == uTaskbarCreated) {
-        RestartFlag = 1;
+        RestartFlag = true;
         ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
     }
     switch (uMsg) {
@@ -138,9 +157,7 @@ void MyMonitor_Wnd::OnCompanyMessage(WPARAM wCode, LPARAM lParam) {
     case kCompanyCodeClose:
         if (LOWORD(lParam) == GetMyProductInfo().GetID()) ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
         break;
-    case kCodeOpenMenu:
-        if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMenuRequest(*this);
-        break;
+    case kCodeOpenMenu: frontEnd.OnMenuRequest(*this); break;
     case kCodeIconsMoved: ScheduleCapture(); break;
     }
 }
@@ -174,7 +191,7 @@ void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {
         // QUIRK: the timer is not stopped: once anything has moved, the desktop is captured every
         // ten seconds until a restore; an unchanged capture stores nothing.
         // Test: MonitorWnd.DebounceTimerGoesOnAfterItFired
-        PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
+        RequestCapture();
         break;
     case kSuppressTimerId: timerSuppress.Stop(); break;
     }
@@ -185,14 +202,12 @@ void MyMonitor_Wnd::OnSessionChange(WPARAM wEvent) {
     case WTS_CONSOLE_CONNECT:
     case WTS_REMOTE_CONNECT:
     case WTS_SESSION_LOCK:
-    case WTS_SESSION_UNLOCK:
-        PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
-        break;
+    case WTS_SESSION_UNLOCK: RequestCapture(); break;
     }
 }
 
 void MyMonitor_Wnd::OnClose() {
-    if (MonitorFrontEnd* pFrontEnd = GetMonitorFrontEnd()) pFrontEnd->OnMonitorClose();
+    frontEnd.OnMonitorClose(); // the icon goes while the window that it asks still stands
     Destroy();
     ::PostQuitMessage(0);
 }

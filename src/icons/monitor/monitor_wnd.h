@@ -1,22 +1,28 @@
 #pragma once
+#include "icons/agent/icon_record.h"
 #include "runtime/threads/message_pump.h"
 #include "shell/namespace/shell_notify.h"
 #include "wnd/core/cswnd.h"
+
+class MonitorFrontEnd;
 
 /// The hidden window that decides when a capture is taken: it hears of what may have moved the
 /// icons, waits until it is quiet, leaves out what a restore causes itself, and receives the
 /// captures. One per round of DoMonitor.
 class MyMonitor_Wnd : public CSWnd {
   public:
-    /// Registers the window class "TessalyWnd".
-    MyMonitor_Wnd();
-    /// Unregisters it; stops both timers, the suppress timer first; ends the shell notification.
+    /// Registers the window class kMonitorClass. The front end is not owned and outlives the
+    /// object.
+    explicit MyMonitor_Wnd(MonitorFrontEnd& frontEndToCall);
+    /// Unregisters the class; stops both timers, the suppress timer first; ends the shell
+    /// notification.
     ~MyMonitor_Wnd() override;
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
 
-    /// Creates the window, hidden, 1 by 1. 1 on success.
-    int CreateHidden(HWND hwndParent);
-    /// Asks the shell to report changes of the desktop to this window.
+    /// Creates the window, hidden, 1 by 1; hwndParent may be null. False if the platform refuses.
+    [[nodiscard]] bool CreateHidden(HWND hwndParent);
+    /// Asks the shell to report changes of the desktop to this window. Where it refuses, drags and
+    /// renames are heard of all the same, by the agent.
     void RegisterNotification();
     void EndNotification();
 
@@ -26,14 +32,15 @@ class MyMonitor_Wnd : public CSWnd {
     /// Before a restore that the user chose: no capture is pending, and none gets scheduled for a
     /// second, so that the restore's own changes lead to none.
     void SuppressCaptures();
-    /// install non-zero: puts hook and agent in place unless they are; 0: takes them out.
+    /// Non-zero puts hook and agent in place unless they are; 0 takes them out.
     void SetHook(int bInstall);
 
     /// Non-zero: the user asked for this capture; its outcome is to be told.
     int GetSnapshotAnnounce() const { return SnapshotAnnounce; }
     void SetSnapshotAnnounce(int bAnnounce) { SnapshotAnnounce = bAnnounce; }
-    int IsCapturePending() const { return timerDebounce.IsTicking(); }
-    int IsSuppressing() const { return timerSuppress.IsTicking(); }
+    /// The capture that the user asked for has been dealt with: clears SnapshotAnnounce and has the
+    /// front end tell pszText.
+    void ReportCaptureOutcome(const wchar_t* pszText);
 
     /// The monitor window of this process, null between rounds.
     static MyMonitor_Wnd* GetCurrent();
@@ -47,15 +54,21 @@ class MyMonitor_Wnd : public CSWnd {
     void OnClose();
 
     ShellNotify notify;
-    UINT uNotifyMsg = 0; // "WM_TESSALY_SHLN"
+    UINT uNotifyMsg = 0; // "WM_TESSALY_SHLN"; 0 before RegisterNotification
     CSTimer timerDebounce;
     CSTimer timerSuppress;
     int SnapshotAnnounce = 0;
+    MonitorFrontEnd& frontEnd;
 };
 
-/// "TaskbarCreated", by which a shell that has started announces itself; 0 before the first call of
-/// RegisterTaskbarCreated.
+/// A capture has arrived: stores it if it differs from the newest snapshot, and has the monitor
+/// window report the outcome if the user asked for it; silently while no such window lives. No
+/// records: nothing happens at all.
+void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords);
+
+/// Registers "TaskbarCreated", by which a shell that has started announces itself, for the monitor
+/// windows of this process. Before that they do not know the message.
 void RegisterTaskbarCreated();
-/// Whether DoMonitor goes round again when its present round has ended.
-int GetRestartFlag();
-void SetRestartFlag(int bRestart);
+/// Whether DoMonitor goes round again when its present round has ended; true at first.
+bool GetRestartFlag();
+void SetRestartFlag(bool bRestart);

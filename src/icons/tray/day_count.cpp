@@ -6,64 +6,30 @@
 #include <cwchar>
 
 namespace {
-constinit LocalTimeFunc* pfnLocalTime = nullptr; // null: the platform's
-
-int EndText(int cch, wchar_t* pszBuffer, int cchBuffer) {
-    pszBuffer[cchBuffer - 1] = 0;
-    return cch > 0;
-}
-} // namespace
-
-void SetLocalTimeSource(LocalTimeFunc* pfnNew) { pfnLocalTime = pfnNew; }
-
-int FormatToday(DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer) {
-    SYSTEMTIME st{};
-    if (pfnLocalTime) {
-        pfnLocalTime(&st);
-    } else {
-        ::GetLocalTime(&st);
-    }
-    return FormatLocalDate(st, dwFlags, pszBuffer, cchBuffer);
-}
-
-int FormatLocalDate(const SYSTEMTIME& st, DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer) {
-    pszBuffer[0] = 0;
-    int cch = ::GetDateFormatW(LOCALE_USER_DEFAULT, dwFlags, &st, nullptr, pszBuffer, cchBuffer);
-    return EndText(cch, pszBuffer, cchBuffer);
-}
-
-int FormatLocalTime(const SYSTEMTIME& st, wchar_t* pszBuffer, int cchBuffer) {
-    pszBuffer[0] = 0;
-    int cch = ::GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &st, nullptr, pszBuffer, cchBuffer);
-    return EndText(cch, pszBuffer, cchBuffer);
-}
-
-int ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st) {
-    // Windows converts no time of the upper half; elsewhere it becomes a date all the same.
-    if (qwTime >> 63) return 0;
-    FILETIME ft{static_cast<DWORD>(qwTime), static_cast<DWORD>(qwTime >> 32)};
-    FILETIME ftLocal{};
-    return ::FileTimeToLocalFileTime(&ft, &ftLocal) && ::FileTimeToSystemTime(&ftLocal, &st);
-}
-
-namespace {
 constexpr const wchar_t* kDayCount = L"DayCount";
 constexpr const wchar_t* kLastUse = L"LastUse";
 constexpr int kDateSize = 64;        // characters of today's date
 constexpr unsigned kMaxLastUse = 64; // bytes of the one that is remembered
 constexpr std::size_t kPathSize = ProductInfo::kRootKeySize + 16;
 
-constinit DWORD dwLastCount = 0;
+constinit DWORD dwLastCount = 0; // as it was last known in this process
 
-int OpenSetupKey(RegKey& key) {
+/// After the platform has written, or failed to: a failure may leave the text without an end.
+bool EndText(int cch, wchar_t* pszBuffer, int cchBuffer) {
+    pszBuffer[cchBuffer - 1] = 0;
+    return cch > 0;
+}
+
+bool OpenSetupKey(RegKey& key) {
     wchar_t szPath[kPathSize];
     FormatText(szPath, L"%s\\%s", GetMyProductInfo().GetAppRootKey(), L"Setup");
-    return key.Open(szPath, 1);
+    return key.Open(szPath, 1) != 0;
 }
 
 /// One character more than is read, so that a text that was stored without its end has one.
 using LastUseText = wchar_t[kMaxLastUse / sizeof(wchar_t) + 1];
 
+/// Empty if nothing is remembered, or too much.
 void ReadLastUse(const RegKey& key, LastUseText& szLastUse) {
     szLastUse[0] = 0;
     unsigned cb = key.GetBinSize(kLastUse);
@@ -72,6 +38,32 @@ void ReadLastUse(const RegKey& key, LastUseText& szLastUse) {
     if (key.GetBin(kLastUse, szRead, kMaxLastUse)) std::wcscpy(szLastUse, szRead);
 }
 } // namespace
+
+bool FormatToday(DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer) {
+    SYSTEMTIME st{};
+    ::GetLocalTime(&st);
+    return FormatLocalDate(st, dwFlags, pszBuffer, cchBuffer);
+}
+
+bool FormatLocalDate(const SYSTEMTIME& st, DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer) {
+    pszBuffer[0] = 0; // not every platform writes what does not fit
+    int cch = ::GetDateFormatW(LOCALE_USER_DEFAULT, dwFlags, &st, nullptr, pszBuffer, cchBuffer);
+    return EndText(cch, pszBuffer, cchBuffer);
+}
+
+bool FormatLocalTime(const SYSTEMTIME& st, wchar_t* pszBuffer, int cchBuffer) {
+    pszBuffer[0] = 0;
+    int cch = ::GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &st, nullptr, pszBuffer, cchBuffer);
+    return EndText(cch, pszBuffer, cchBuffer);
+}
+
+bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st) {
+    // Windows converts no time of the upper half; elsewhere it becomes a date all the same.
+    if (qwTime >> 63) return false;
+    FILETIME ft{static_cast<DWORD>(qwTime), static_cast<DWORD>(qwTime >> 32)};
+    FILETIME ftLocal{};
+    return ::FileTimeToLocalFileTime(&ft, &ftLocal) && ::FileTimeToSystemTime(&ftLocal, &st);
+}
 
 DWORD UpdateDayCount() {
     RegKey key;

@@ -4,11 +4,8 @@
 #include "wnd/menu/csmenu.h"
 
 namespace {
-constexpr int kNoneShown = 1000; // out of range: the first step leads to row 0
-
-constinit int nCurrent = kNoneShown;
-
-constinit Recommendation rows[kRecommendations] = {
+// Lines 2 and 3 are indented below the headline.
+constinit Recommendation recommendations[kRecommendations] = {
     {nullptr, -IDI_TESSALY, L"https://orvanta.example/tessaly/guide", L"The guide to Tessaly",
      L"   How layouts are kept and restored,", L"   and what to do after a change of screens"},
     {nullptr, -IDI_TESSALY, L"https://orvanta.example/tessaly/news", L"What is new in Tessaly",
@@ -21,28 +18,28 @@ constinit Recommendation rows[kRecommendations] = {
      L"   Small programs for Windows,", L"   each for one task"},
 };
 
-void MakeBitmap(Recommendation& row) {
+constinit RecommendationRotation rotation{recommendations};
+
+void MakeBitmap(Recommendation& entry) {
     CSIcon icon;
-    icon.Load(row.nIconId, 1, 1); // small, in the system's size
-    row.hbm = CSMenu::GenerateBitmap(icon);
+    icon.Load(entry.nIconId, 1, 1); // small, in the system's size
+    entry.hbm = CSMenu::GenerateBitmap(icon);
 }
 } // namespace
 
-void AddRecommendationRows(CSMenu& menu) {
-    if (++nCurrent >= kRecommendations) nCurrent = 0;
-    Recommendation& row = rows[nCurrent];
-    if (!row.hbm && row.nIconId) MakeBitmap(row);
-    menu.AppendItem(kRecommendationId, L"%s", row.pszLine1);
-    if (row.hbm) menu.SetItemBitmapsByID(kRecommendationId, row.hbm, row.hbm);
+void RecommendationRotation::AddRows(CSMenu& menu) {
+    if (++nCurrent >= table.size()) nCurrent = 0;
+    Recommendation& entry = table[nCurrent];
+    // Never freed: the menu of each opening has the same one.
+    if (!entry.hbm && entry.nIconId) MakeBitmap(entry);
+    // The texts are data and no formats, whatever a later one may hold.
+    menu.AppendItem(kRecommendationId, L"%s", entry.pszLine1);
+    if (entry.hbm) menu.SetItemBitmapsByID(kRecommendationId, entry.hbm, entry.hbm);
     menu.SetDefaultByID(kRecommendationId);
-    menu.AppendItem(kRecommendationId + 1, L"%s", row.pszLine2);
-    menu.AppendItem(kRecommendationId + 2, L"%s", row.pszLine3);
+    menu.AppendItem(kRecommendationId + 1, L"%s", entry.pszLine2);
+    menu.AppendItem(kRecommendationId + 2, L"%s", entry.pszLine3);
 }
 
-const Recommendation* GetRecommendation() {
-    return nCurrent < kRecommendations ? &rows[nCurrent] : nullptr;
-}
+void AddRecommendationRows(CSMenu& menu) { rotation.AddRows(menu); }
 
-Recommendation (&GetRecommendationTable())[kRecommendations] { return rows; }
-
-void RestartRecommendations() { nCurrent = kNoneShown; }
+const Recommendation* GetRecommendation() { return rotation.GetCurrent(); }

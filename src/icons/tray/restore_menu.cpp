@@ -9,7 +9,7 @@ constexpr int kTodaySize = 64;     // characters of today's date
 constexpr int kLabelPartSize = 32; // of a snapshot's date, and of its time
 constexpr unsigned kMaxMark = 40;  // bytes of the name of the snapshot restored last
 
-/// The snapshot that was restored last; 0 if there is none.
+/// The time stamp of the snapshot that was restored last; 0 if there is none.
 unsigned __int64 ReadMark(const RegKey& key) {
     unsigned cb = key.GetBinSize(nullptr);
     if (!cb || cb > kMaxMark) return 0;
@@ -18,16 +18,17 @@ unsigned __int64 ReadMark(const RegKey& key) {
     return ParseSnapshotName(szName);
 }
 
-int AppendSnapshot(CSMenu& menu, unsigned nId, unsigned __int64 qwTime, const wchar_t* pszToday) {
+/// False for a time stamp that is none of a date, and if the menu takes no item.
+bool AppendSnapshot(CSMenu& menu, unsigned nId, unsigned __int64 qwTime, const wchar_t* pszToday) {
     SYSTEMTIME st{};
-    if (!ToLocalTime(qwTime, st)) return 0;
+    if (!ToLocalTime(qwTime, st)) return false;
     wchar_t szDate[kLabelPartSize], szTime[kLabelPartSize];
-    int bHasDate = FormatLocalDate(st, DATE_LONGDATE, szDate, kLabelPartSize);
+    bool bHasDate = FormatLocalDate(st, DATE_LONGDATE, szDate, kLabelPartSize);
     FormatLocalTime(st, szTime, kLabelPartSize);
     // What is left of two dates that do not fit says nothing of their being the same.
-    int bToday = bHasDate && StrIsSame(szDate, pszToday, 1);
+    bool bToday = bHasDate && StrIsSame(szDate, pszToday, 1);
     const wchar_t* pszFirst = bToday ? L"Today at" : szDate;
-    return menu.AppendItem(nId, L"%s %s", pszFirst, szTime);
+    return menu.AppendItem(nId, L"%s %s", pszFirst, szTime) != 0;
 }
 } // namespace
 
@@ -47,7 +48,7 @@ int BuildRestoreMenu(CSMenu& menu, unsigned nFirstId) {
         unsigned __int64 qwTime = *pTime;
         if (!AppendSnapshot(menu, nId, qwTime, szToday)) {
             FreeSnapshotTime(pTime);
-            continue;
+            continue; // its id is the next one's
         }
         // From here on the time stamp is the item's.
         if (!menu.SetItemDataByID(nId, reinterpret_cast<unsigned __int64>(pTime))) {

@@ -19,24 +19,24 @@ enum Command : unsigned {
     kAbout = 8,
     kExit = 9,
     kFirstRecommendation = kRecommendationId,
-    kFirstSnapshot = 1000, // up to it everything from kFirstRecommendation on is one
+    kFirstSnapshot = 1000, // from kFirstRecommendation up to here all are recommendations
 };
 
 constexpr const wchar_t* kRestoreText = L"Restore icons";
 
-constinit int bMenuOpen = 0;
+constinit bool bMenuOpen = false;
 
 /// Never at first, then every other day, and from 5 on always.
-int IsRecommendationDue(DWORD dwDays) { return dwDays && (dwDays % 2 || dwDays > 5); }
+bool IsRecommendationDue(DWORD dwDays) { return dwDays && (dwDays % 2 || dwDays > 5); }
 
-/// Both menus. Returns 1 if sub is part of menu now.
-int BuildMenu(CSMenu& menu, CSMenu& sub) {
+/// Builds both menus. Whether sub is part of menu now.
+bool BuildMenu(CSMenu& menu, CSMenu& sub) {
     menu.CreatePopup();
     menu.AppendItem(kRemember, L"Remember icons now");
     sub.CreatePopup();
-    int bIsPart = 0;
+    bool bIsPart = false;
     if (BuildRestoreMenu(sub, kFirstSnapshot) > 0) {
-        bIsPart = menu.AppendSubMenu(sub, kRestoreText);
+        bIsPart = menu.AppendSubMenu(sub, kRestoreText) != 0;
         menu.AppendItem(kDeleteAll, L"Delete all snapshots...");
     } else {
         menu.AppendItem(kNothingToRestore, kRestoreText);
@@ -52,10 +52,11 @@ int BuildMenu(CSMenu& menu, CSMenu& sub) {
     return bIsPart;
 }
 
+/// The command that the user chose; 0 for none, and if the monitor window is gone.
 unsigned Track(CSMenu& menu, MyMonitor_Wnd& monitor) {
-    bMenuOpen = 1;
+    bMenuOpen = true;
     int nChosen = menu.Track2(monitor, 1);
-    bMenuOpen = 0;
+    bMenuOpen = false;
     if (monitor.IsReady()) return static_cast<unsigned>(nChosen);
     // The window was closed meanwhile, and the end of the round with it was announced to whichever
     // loop was running: a menu's may keep that to itself.
@@ -104,7 +105,7 @@ void Act(unsigned nChosen, MyMonitor_Wnd& monitor, const CSMenu& sub) {
 void OpenTrayMenu(MyMonitor_Wnd& monitor) {
     if (bMenuOpen) return; // the platform shows one at a time, and a double click asks twice
     CSMenu menu, sub;
-    int bIsPart = BuildMenu(menu, sub);
+    bool bIsPart = BuildMenu(menu, sub);
     Act(Track(menu, monitor), monitor, sub);
     FreeRestoreMenuData(sub);
     menu.Destroy();

@@ -30,7 +30,7 @@ bool MonitorProcess::Exit(DWORD nMs) {
 
 HWND MonitorProcess::Window() const {
     HWND hwnd = nullptr;
-    while ((hwnd = ::FindWindowExW(nullptr, hwnd, L"TessalyWnd", nullptr))) {
+    while ((hwnd = ::FindWindowExW(nullptr, hwnd, kMonitorClass, nullptr))) {
         DWORD dwOwner = 0;
         ::GetWindowThreadProcessId(hwnd, &dwOwner);
         if (dwOwner == process.Id()) return hwnd;
@@ -39,13 +39,11 @@ HWND MonitorProcess::Window() const {
 }
 
 void MonitorProcess::PostCompanyMsg(WPARAM nCode, LPARAM lParam) const {
-    ::PostMessageW(Window(), ::RegisterWindowMessageW(L"OrvantaMessage"), nCode, lParam);
+    ::PostMessageW(Window(), CompanyMsg(), nCode, lParam);
 }
 
 void MonitorProcess::RequestCapture(const TestDesktop& desktop) {
-    ::PostMessageW(desktop.List(), ::RegisterWindowMessageW(L"OrvantaMessage"), 372, 0);
+    ::PostMessageW(desktop.List(), CompanyMsg(), kCodeCapture, 0);
 }
 
-void MonitorProcess::PostShellEvent() const {
-    ::PostMessageW(Window(), ::RegisterWindowMessageW(L"WM_TESSALY_SHLN"), 0, 0);
-}
+void MonitorProcess::PostShellEvent() const { ::PostMessageW(Window(), ShellEventMsg(), 0, 0); }

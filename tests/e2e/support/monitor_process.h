@@ -1,5 +1,6 @@
 #pragma once
 #include "e2e/support/child_process.h"
+#include "e2e/support/engine_names.h"
 #include "e2e/support/test_desktop.h"
 #include <windows.h>
 #include <string>
@@ -27,9 +28,9 @@ class MonitorProcess {
     std::optional<DWORD> WaitForEnd(DWORD nMs = kPatienceMs) { return process.WaitForEnd(nMs); }
     void LetGo() { process.LetGo(); }
 
-    /// The window "TessalyWnd" of this process; null if there is none.
+    /// The monitor window of this process; null if there is none.
     HWND Window() const;
-    /// Posts the message "OrvantaMessage" to the monitor's window.
+    /// Posts the company message to the monitor's window.
     void PostCompanyMsg(WPARAM nCode, LPARAM lParam = 0) const;
     /// Asks for a capture as the debounce timer does.
     static void RequestCapture(const TestDesktop& desktop);

@@ -3,9 +3,14 @@
 #include "icons/icons_test_support.h"
 #include "runtime/base/ownership.h"
 #include "shell/subclass/shell_subclass.h"
+#include "support/replace_import.h"
+#include "support/runtime_lookup.h"
+
 #include <gtest/gtest.h>
-#include <memory>
+#include <optional>
 #include <thread>
+
+extern "C" FARPROC __imp_GetModuleHandleExW, __imp_CreateThread;
 
 namespace {
 
@@ -41,8 +46,8 @@ class Agent : public EngineTest {
         ClearSpies();
     }
     void TearDown() override {
-        GetAgentListView().DetachFrom();
-        GetAgentView().DetachFrom();
+        AgentListView().DetachFrom();
+        AgentView().DetachFrom();
         EngineTest::TearDown();
     }
     void ClearSpies() {
@@ -79,15 +84,15 @@ class Agent : public EngineTest {
     void ExpectAttached(int bAttached) {
         HANDLE hListView = ::GetPropW(view.hwndListView, L"CSWND");
         HANDLE hView = ::GetPropW(view.wndView, L"CSWND");
-        EXPECT_EQ(bAttached ? static_cast<CSWnd*>(&GetAgentListView()) : nullptr, hListView);
-        EXPECT_EQ(bAttached ? static_cast<CSWnd*>(&GetAgentView()) : nullptr, hView);
-        EXPECT_EQ(bAttached, GetAgentListView().IsAttached());
-        EXPECT_EQ(bAttached, GetAgentView().IsAttached());
+        EXPECT_EQ(bAttached ? static_cast<CSWnd*>(&AgentListView()) : nullptr, hListView);
+        EXPECT_EQ(bAttached ? static_cast<CSWnd*>(&AgentView()) : nullptr, hView);
+        EXPECT_EQ(bAttached, AgentListView().IsAttached());
+        EXPECT_EQ(bAttached, AgentView().IsAttached());
     }
     int NothingHappened() {
         PumpAll();
         return receiver.captures.empty() && receiver.spy.GetCode(374).empty() &&
-               !GetAgentListView().IsAttached() && !GetAgentView().IsAttached();
+               !AgentListView().IsAttached() && !AgentView().IsAttached();
     }
 
     TestView view;
@@ -194,8 +199,8 @@ TEST_F(Agent, DoesNotAttachToWindowsOfAnotherThread) {
     std::thread([&] { Hook(GetTestCompanyMsg(), kCodeAttach, 1); }).join();
     EXPECT_EQ(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
     EXPECT_EQ(nullptr, ::GetPropW(view.wndView, L"CSWND"));
-    EXPECT_FALSE(GetAgentListView().IsAttached());
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
 }
 
 TEST_F(Agent, AttachesOneWindowWhenTheOtherIsGone) {
@@ -203,8 +208,8 @@ TEST_F(Agent, AttachesOneWindowWhenTheOtherIsGone) {
     desktopSharedData.hwndView = wndGone;
     wndGone.Destroy();
     Hook(GetTestCompanyMsg(), kCodeAttach, 1);
-    EXPECT_TRUE(GetAgentListView().IsAttached());
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_TRUE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
 }
 
 TEST_F(Agent, WithoutAnyWindowAttachesNothing) {
@@ -223,12 +228,8 @@ class AgentRoute : public Agent, public testing::WithParamInterface<Route> {
   protected:
     void SetUp() override {
         Agent::SetUp();
-        if (GetParam() == Route::kProcedure) {
-            hidden = std::make_unique<ReplacedFuncs>(
-                std::map<std::string, FARPROC>{{"SetWindowSubclass", nullptr},
-                                               {"RemoveWindowSubclass", nullptr},
-                                               {"DefSubclassProc", nullptr}});
-        }
+        if (GetParam() == Route::kProcedure)
+            hidden.emplace({"SetWindowSubclass", "RemoveWindowSubclass", "DefSubclassProc"});
         int nState = GetParam() == Route::kChain ? ShellSubclass::kReady : ShellSubclass::kMissing;
         ASSERT_EQ(nState, ShellSubclass::ReInitialize());
         procListView = ProcOf(view.hwndListView);
@@ -246,7 +247,7 @@ class AgentRoute : public Agent, public testing::WithParamInterface<Route> {
         return CountOfReports();
     }
 
-    std::unique_ptr<ReplacedFuncs> hidden;
+    std::optional<HideFunctions> hidden;
     LONG_PTR procListView = 0, procView = 0;
 };
 
@@ -362,7 +363,7 @@ TEST_P(AgentRoute, AttachesToTheWindowHeldBeforeWhenNoneIsShared) {
     desktopSharedData.hwndListView = nullptr;
     Hook(GetTestCompanyMsg(), kCodeAttach, 1);
     EXPECT_NE(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
-    EXPECT_TRUE(GetAgentListView().IsAttached());
+    EXPECT_TRUE(AgentListView().IsAttached());
 }
 
 TEST_P(AgentRoute, LetsAllMessagesThroughToTheWindows) {
@@ -379,11 +380,11 @@ TEST_P(AgentRoute, LetsAllMessagesThroughToTheWindows) {
 TEST_P(AgentRoute, EndsWithAWindowThatIsDestroyedWhileAttached) {
     Attach();
     ::DestroyWindow(view.hwndListView);
-    EXPECT_FALSE(GetAgentListView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
     EXPECT_EQ(1, view.spyListView.CountOf(WM_NCDESTROY));
-    EXPECT_TRUE(GetAgentView().IsAttached());
+    EXPECT_TRUE(AgentView().IsAttached());
     view.wndView.Destroy();
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
     Hook(GetTestCompanyMsg(), kCodeAttach, 0);
     EXPECT_TRUE(NothingHappened());
 }
@@ -484,7 +485,7 @@ TEST_F(Agent, IgnoresANotificationWithoutData) {
     view.spyView.handler = [](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
         return static_cast<int>(uMsg == WM_NOTIFY);
     };
-    GetAgentView().OnWndMessage(WM_NOTIFY, 0, 0);
+    AgentView().OnWndMessage(WM_NOTIFY, 0, 0);
     EXPECT_EQ(0, CountOfReports());
     EXPECT_EQ(1, view.spyView.CountOf(WM_NOTIFY));
 }
@@ -534,6 +535,194 @@ TEST_F(Agent, ReportsInVainToAMonitorThatIsNotThere) {
         EXPECT_EQ(0, view.spyListView.CountOfCode(374)); // nor to the thread's own windows
         EXPECT_EQ(0, view.spyView.CountOfCode(374));
     }
+}
+
+/// The references to this program's own module that were taken and are not yet to be given back,
+/// as the platform is asked: for a module by an address in it, and for a thread that is handed it.
+class LibraryReferences {
+  public:
+    LibraryReferences()
+        : moduleHandle(__imp_GetModuleHandleExW, &Take), thread(__imp_CreateThread, &GiveBack) {
+        pfnTake = moduleHandle.Original<TakeFunc>();
+        pfnThread = thread.Original<ThreadFunc>();
+        nHeld = 0;
+    }
+    LibraryReferences(const LibraryReferences&) = delete;
+    LibraryReferences& operator=(const LibraryReferences&) = delete;
+    int Count() const { return nHeld; }
+    bool IsHeld() const { return nHeld > 0; }
+
+  private:
+    using TakeFunc = BOOL WINAPI(DWORD, LPCWSTR, HMODULE*);
+    using ThreadFunc = HANDLE WINAPI(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*,
+                                     DWORD, DWORD*);
+    static BOOL WINAPI Take(DWORD dwFlags, LPCWSTR pszName, HMODULE* phmod) {
+        BOOL bDone = pfnTake(dwFlags, pszName, phmod);
+        if (bDone && dwFlags == GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) ++nHeld;
+        return bDone;
+    }
+    static HANDLE WINAPI GiveBack(SECURITY_ATTRIBUTES* pSecurity, SIZE_T cbStack,
+                                  LPTHREAD_START_ROUTINE pfn, void* p, DWORD dwFlags,
+                                  DWORD* pdwThread) {
+        if (p == ::GetModuleHandleW(nullptr)) --nHeld;
+        return pfnThread(pSecurity, cbStack, pfn, p, dwFlags, pdwThread);
+    }
+    static inline TakeFunc* pfnTake;
+    static inline ThreadFunc* pfnThread;
+    static inline int nHeld;
+    ReplaceImport moduleHandle, thread;
+};
+
+// Whether a reference keeps a library mapped shows only with the library itself, in the tests with
+// a shell of its own; here the code is the program's.
+
+TEST(LibraryHold, HoldsNothingAtFirst) {
+    LibraryReferences library;
+    constinit static LibraryHold hold;
+    hold.Release();
+    EXPECT_EQ(0, library.Count());
+}
+
+TEST(LibraryHold, TakesOneReferenceHoweverOftenItIsAsked) {
+    LibraryReferences library;
+    LibraryHold hold;
+    hold.Take();
+    EXPECT_EQ(1, library.Count());
+    hold.Take();
+    EXPECT_EQ(1, library.Count());
+    hold.Release();
+    EXPECT_EQ(0, library.Count());
+    hold.Release();
+    EXPECT_EQ(0, library.Count());
+}
+
+TEST(LibraryHold, CanBeTakenAgain) {
+    LibraryReferences library;
+    LibraryHold hold;
+    for (int i = 0; i < 5; ++i) {
+        hold.Take();
+        EXPECT_EQ(1, library.Count());
+        hold.Release();
+        EXPECT_EQ(0, library.Count());
+    }
+}
+
+// The agent's reference to its own library: whoever returns into a library that is gone takes the
+// shell down.
+
+constexpr UINT kMenuMsg = WM_APP + 6; // stands for a message whose handler runs a loop
+
+class AgentLifetime : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        ASSERT_EQ(ShellSubclass::kReady, ShellSubclass::ReInitialize());
+        Share(view, receiver);
+    }
+    void TearDown() override {
+        AgentListView().DetachFrom();
+        AgentView().DetachFrom();
+        EngineTest::TearDown();
+    }
+    void DetachBySending() {
+        ::SendMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 0);
+        ::SendMessageW(view.wndView, GetTestCompanyMsg(), kCodeAttach, 0);
+    }
+
+    TestView view;
+    CaptureReceiver receiver;
+    LibraryReferences library;
+};
+
+TEST_F(AgentLifetime, LibraryIsHeldWhileAWindowIsAttached) {
+    PassThroughHook(kCodeAttach, 1);
+    EXPECT_TRUE(library.IsHeld());
+    ::SendMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 0);
+    EXPECT_TRUE(library.IsHeld());
+    ::SendMessageW(view.wndView, GetTestCompanyMsg(), kCodeAttach, 0);
+    EXPECT_FALSE(library.IsHeld());
+}
+
+TEST_F(AgentLifetime, LibraryGoesAfterThePostedDetach) {
+    PassThroughHook(kCodeAttach, 1);
+    PassThroughHook(kCodeAttach, 0);
+    EXPECT_FALSE(library.IsHeld());
+}
+
+TEST_F(AgentLifetime, LibraryIsNotHeldWhenNoWindowCouldBeAttached) {
+    desktopSharedData.hwndListView = desktopSharedData.hwndView = nullptr;
+    view.wndView.Destroy();
+    PassThroughHook(kCodeAttach, 1);
+    EXPECT_FALSE(library.IsHeld());
+}
+
+TEST_F(AgentLifetime, LibraryGoesWithTheWindows) {
+    PassThroughHook(kCodeAttach, 1);
+    ::DestroyWindow(view.hwndListView);
+    EXPECT_TRUE(library.IsHeld());
+    view.wndView.Destroy();
+    EXPECT_FALSE(library.IsHeld());
+}
+
+TEST_F(AgentLifetime, LibraryStaysUnderAFrameThatWaitsForAMenu) {
+    for (HWND hwnd : {view.hwndListView, static_cast<HWND>(view.wndView)}) {
+        ProcSpy& spy = hwnd == view.hwndListView ? view.spyListView : view.spyView;
+        bool bHeldInside = false;
+        spy.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
+            if (uMsg != kMenuMsg) return 0;
+            DetachBySending();
+            bHeldInside = library.IsHeld();
+            return 1;
+        };
+        PassThroughHook(kCodeAttach, 1);
+        ::SendMessageW(hwnd, kMenuMsg, 0, 0);
+        spy.handler = nullptr;
+        EXPECT_TRUE(bHeldInside);
+        EXPECT_FALSE(AgentListView().IsAttached());
+        EXPECT_FALSE(AgentView().IsAttached());
+        EXPECT_FALSE(library.IsHeld());
+    }
+}
+
+TEST_F(AgentLifetime, LibraryStaysUnderAFrameWhenTheHookDetaches) {
+    bool bHeldInside = false;
+    view.spyView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
+        if (uMsg != kMenuMsg) return 0;
+        PassThroughHook(kCodeAttach, 0);
+        bHeldInside = library.IsHeld();
+        return 1;
+    };
+    PassThroughHook(kCodeAttach, 1);
+    ::SendMessageW(view.wndView, kMenuMsg, 0, 0);
+    EXPECT_TRUE(bHeldInside);
+    EXPECT_FALSE(library.IsHeld());
+}
+
+TEST_F(AgentLifetime, LibraryStaysWhenAnotherCopyTakesTheWindowsProperty) {
+    PassThroughHook(kCodeAttach, 1);
+    ::RemovePropW(view.hwndListView, L"CSWND");
+    ::SendMessageW(view.wndView, GetTestCompanyMsg(), kCodeAttach, 0);
+    EXPECT_TRUE(AgentListView().IsAttached());
+    EXPECT_TRUE(library.IsHeld()); // the list view still calls into it
+    ::SendMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 0);
+    EXPECT_FALSE(library.IsHeld());
+}
+
+TEST_F(AgentLifetime, WindowLeftForAnotherNoLongerCallsTheAgent) {
+    PassThroughHook(kCodeAttach, 1);
+    TestView viewNext;
+    AddIcon(viewNext.hwndListView, L"one", {1, 1});
+    Share(viewNext, receiver);
+    PassThroughHook(kCodeAttach, 1);
+    EXPECT_EQ(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
+    EXPECT_NE(nullptr, ::GetPropW(viewNext.hwndListView, L"CSWND"));
+    // A message of the old window would be answered by the new one.
+    EXPECT_EQ(0, ::SendMessageW(view.hwndListView, LVM_GETITEMCOUNT, 0, 0));
+    ::DestroyWindow(view.hwndListView);
+    EXPECT_TRUE(AgentListView().IsAttached());
+    EXPECT_TRUE(::IsWindow(viewNext.hwndListView));
+    PassThroughHook(kCodeAttach, 0);
+    EXPECT_FALSE(library.IsHeld());
 }
 
 } // namespace

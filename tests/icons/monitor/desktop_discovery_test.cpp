@@ -1,7 +1,10 @@
 #include "icons/icons_test_support.h"
 #include "icons/monitor/desktop_discovery.h"
+
 #include <gtest/gtest.h>
+#include <atomic>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -28,11 +31,11 @@ class DesktopDiscovery : public testing::Test {
 
   private:
     HWND Add(const wchar_t* pszClass, HWND hwndParent, DWORD dwStyle) {
-        windows.push_back(std::make_unique<TestWindow>(pszClass, hwndParent, dwStyle));
+        windows.push_back(std::make_unique<ClassWindow>(pszClass, hwndParent, dwStyle));
         return *windows.back();
     }
     TestClass classProgman{L"Progman"}, classView{L"SHELLDLL_DefView"}, classWorker{L"WorkerW"};
-    std::vector<std::unique_ptr<TestWindow>> windows; // go before their classes
+    std::vector<std::unique_ptr<ClassWindow>> windows; // go before their classes
 };
 
 TEST_F(DesktopDiscovery, WithoutAViewFindsNothingAndWritesNothing) {
@@ -88,6 +91,50 @@ TEST_F(DesktopDiscovery, WantsTheListViewRightInTheView) {
     AddView(hwndProgman);
     AddListView(hwndProgman);
     ExpectNotFound();
+}
+
+TEST(DesktopDiscoveryArguments, MissingPlaceForAResultFindsNothing) {
+    DesktopThread desktop({});
+    HWND hwndView = nullptr, hwndListView = nullptr;
+    ASSERT_EQ(1, FindDesktopShellWnd(&hwndView, &hwndListView));
+    hwndView = hwndListView = nullptr;
+    EXPECT_EQ(0, FindDesktopShellWnd(nullptr, &hwndListView));
+    EXPECT_EQ(0, FindDesktopShellWnd(&hwndView, nullptr));
+    EXPECT_EQ(nullptr, hwndView);
+    EXPECT_EQ(nullptr, hwndListView);
+}
+
+// A desktop whose view lies above "Progman", with windows between them that come and go: where the
+// walk stands on one of those, it has no window above it any more.
+TEST(DesktopDiscoveryRace, WindowsThatGoDuringTheWalkDoNotEndIt) {
+    TestClass classProgman(L"Progman"), classView(L"SHELLDLL_DefView"), classWorker(L"WorkerW");
+    ClassWindow wndProgman(L"Progman", nullptr, WS_POPUP);
+    ClassWindow wndWorker(L"WorkerW", nullptr, WS_POPUP);
+    ClassWindow wndView(L"SHELLDLL_DefView", wndWorker, WS_CHILD);
+    HWND hwndListView = CreateTestListView(wndView);
+
+    std::atomic<bool> bEnd{false};
+    std::atomic<int> nMade{0};
+    std::jthread driver([&] {
+        while (!bEnd) {
+            TestWindow wndBetween;
+            ::SetWindowPos(wndBetween, wndWorker, 0, 0, 0, 0,
+                           SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+            ++nMade;
+        }
+    });
+    int nMissed = 0;
+    WaitUntil([&] { return nMade > 10; });
+    for (int n = 0; n < 2000; ++n) {
+        HWND hwndFoundView = nullptr, hwndFoundListView = nullptr;
+        if (!FindDesktopShellWnd(&hwndFoundView, &hwndFoundListView))
+            ++nMissed;
+        else
+            EXPECT_EQ(hwndListView, hwndFoundListView);
+    }
+    bEnd = true;
+    EXPECT_EQ(0, nMissed);
+    EXPECT_GT(nMade, 20);
 }
 
 } // namespace

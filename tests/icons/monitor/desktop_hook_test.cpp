@@ -3,6 +3,8 @@
 #include "icons/icons_test_support.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/monitor_wnd.h"
+#include "support/runtime_lookup.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -27,13 +29,13 @@ class DesktopHook : public EngineTest {
 TEST_F(DesktopHook, InstallSetsAHookAndAttachesByThePostedCode) {
     InstallDesktopHook();
     EXPECT_NE(nullptr, desktopSharedData.hhook);
-    EXPECT_FALSE(GetAgentListView().IsAttached()); // the code is still in the queue
+    EXPECT_FALSE(AgentListView().IsAttached()); // the code is still in the queue
     auto sent = view.spyView.GetCode(kCodeAttach);
     ASSERT_EQ(1u, sent.size()); // the view got it at once
     EXPECT_EQ(1, sent[0].lParam);
     PumpAll();
-    EXPECT_TRUE(GetAgentListView().IsAttached());
-    EXPECT_TRUE(GetAgentView().IsAttached());
+    EXPECT_TRUE(AgentListView().IsAttached());
+    EXPECT_TRUE(AgentView().IsAttached());
     auto posted = view.spyListView.GetCode(kCodeAttach);
     ASSERT_EQ(1u, posted.size()); // it is not swallowed
     EXPECT_EQ(1, posted[0].lParam);
@@ -61,7 +63,7 @@ TEST_F(DesktopHook, InstallSurvivesAWindowThatIsGone) {
     view.wndView.Destroy();
     InstallDesktopHook();
     PumpAll();
-    EXPECT_FALSE(GetAgentListView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
 }
 
 TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
@@ -69,12 +71,12 @@ TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
     PumpAll();
     RemoveDesktopHook();
     EXPECT_EQ(nullptr, desktopSharedData.hhook);
-    EXPECT_FALSE(GetAgentListView().IsAttached());
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
     // No hook sees the thread's messages any more.
     ::PostMessageW(view.hwndListView, GetTestCompanyMsg(), kCodeAttach, 1);
     PumpAll();
-    EXPECT_FALSE(GetAgentListView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
 }
 
 TEST_F(DesktopHook, RemoveDetachesTheListViewThenTheViewThenUnhooks) {
@@ -107,8 +109,8 @@ TEST_F(DesktopHook, RemoveDetachesAlsoWhatIsAttachedBehindTheDetaching) {
     RemoveDesktopHook();
     view.spyView.handler = nullptr;
     EXPECT_EQ(2, view.spyListView.CountOfCode(kCodeAttach)) << "detached, then attached";
-    EXPECT_FALSE(GetAgentListView().IsAttached());
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
     EXPECT_EQ(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
     EXPECT_EQ(nullptr, ::GetPropW(view.wndView, L"CSWND"));
 }
@@ -143,12 +145,87 @@ TEST_F(DesktopHook, OfAHandleThatIsSomebodyElsesWindowNowIsForgotten) {
 }
 
 TEST_F(DesktopHook, OfAMonitorThatLivesIsLeftAlone) {
-    MyMonitor_Wnd monitor;
+    FakeFrontEnd frontEnd;
+    MyMonitor_Wnd monitor(frontEnd);
     ASSERT_TRUE(monitor.CreateHidden(nullptr));
     desktopSharedData.hwndMonitor = monitor;
     desktopSharedData.hhook = kBogusHook;
     ForgetStaleDesktopHook();
     EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
+    monitor.Destroy();
+}
+
+// What the shell may send
+
+struct LetInCall {
+    HWND hwnd; // null: for the whole process
+    UINT uMsg;
+    DWORD dwAction;
+    bool operator==(const LetInCall&) const = default;
+};
+
+std::vector<LetInCall> letIn;
+
+BOOL WINAPI FilterOfWindow(HWND hwnd, UINT uMsg, DWORD dwAction, void*) {
+    letIn.push_back({hwnd, uMsg, dwAction});
+    return TRUE;
+}
+
+BOOL WINAPI FilterOfProcess(UINT uMsg, DWORD dwAction) {
+    letIn.push_back({nullptr, uMsg, dwAction});
+    return TRUE;
+}
+
+constexpr DWORD kAllow = 1; // MSGFLT_ALLOW and MSGFLT_ADD of winuser.h
+
+class MessageGate : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        letIn.clear();
+    }
+};
+
+TEST_F(MessageGate, OpensTheMonitorWindowForTheShellsMessages) {
+    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", AsProc(&FilterOfWindow)},
+                            {"ChangeWindowMessageFilter", AsProc(&FilterOfProcess)}});
+    RegisterTaskbarCreated();
+    FakeFrontEnd frontEnd;
+    MyMonitor_Wnd monitor(frontEnd);
+    ASSERT_TRUE(monitor.CreateHidden(nullptr));
+    HWND hwnd = monitor;
+    EXPECT_EQ((std::vector<LetInCall>{{hwnd, GetTestCompanyMsg(), kAllow},
+                                      {hwnd, WM_COPYDATA, kAllow},
+                                      {hwnd, GetTestTaskbarCreated(), kAllow}}),
+              letIn);
+    monitor.Destroy();
+}
+
+TEST_F(MessageGate, OpensTheProcessWhereWindowsHaveNoFilter) {
+    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", nullptr},
+                            {"ChangeWindowMessageFilter", AsProc(&FilterOfProcess)}});
+    TestWindow wnd;
+    LetShellMessagesIn(wnd, GetTestTaskbarCreated());
+    EXPECT_EQ((std::vector<LetInCall>{{nullptr, GetTestCompanyMsg(), kAllow},
+                                      {nullptr, WM_COPYDATA, kAllow},
+                                      {nullptr, GetTestTaskbarCreated(), kAllow}}),
+              letIn);
+}
+
+TEST_F(MessageGate, NeverOpensForTheNullMessage) {
+    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", AsProc(&FilterOfWindow)}});
+    TestWindow wnd;
+    LetShellMessagesIn(wnd, 0);
+    for (const LetInCall& call : letIn) EXPECT_NE(static_cast<UINT>(WM_NULL), call.uMsg);
+    EXPECT_EQ(2u, letIn.size());
+}
+
+TEST_F(MessageGate, IsNotThereOnOlderSystems) {
+    HideFunctions hidden{"ChangeWindowMessageFilterEx", "ChangeWindowMessageFilter"};
+    FakeFrontEnd frontEnd;
+    MyMonitor_Wnd monitor(frontEnd);
+    EXPECT_TRUE(monitor.CreateHidden(nullptr));
+    EXPECT_TRUE(letIn.empty());
     monitor.Destroy();
 }
 

@@ -4,17 +4,20 @@
 #include "icons/icons_test_support.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "runtime/base/current_product.h"
+#include "runtime/base/digest.h"
 #include "runtime/system/wts_api32.h"
+#include "support/runtime_lookup.h"
 #include "wnd/core/cswnd.h"
+
 #include <gtest/gtest.h>
-#include <cstring>
+#include <windows.h>
 #include <shlobj.h>
 #include <wtsapi32.h>
+#include <cstring>
 
 namespace {
 
 constexpr UINT kWtsSessionChange = 689;
-constexpr WPARAM kDebounceTimer = 10, kSuppressTimer = 11;
 
 /// Stands at the base handler's front: what it counts has come through the monitor window.
 class BaseCounter : public WMHook {
@@ -98,7 +101,7 @@ class MonitorWnd : public EngineTest {
         pfnRealRegister = saved.pfnRegister;
         pfnRealDeregister = saved.pfnDeregister;
         calls = {};
-        monitor = std::make_unique<MyMonitor_Wnd>();
+        monitor = std::make_unique<MyMonitor_Wnd>(frontEnd);
         ASSERT_TRUE(monitor->CreateHidden(nullptr));
         Share(view, *monitor);
         monitor->AddWndHook(&base);
@@ -147,34 +150,20 @@ class MonitorWnd : public EngineTest {
     } saved{};
     TestView view;
     BaseCounter base;
+    FakeFrontEnd frontEnd;
     std::unique_ptr<MyMonitor_Wnd> monitor;
 };
 
 // The class and the window
 
-TEST_F(MonitorWnd, ClassIsAsPlainAsCanBe) {
-    WNDCLASSEXW wc{};
-    wc.cbSize = sizeof(wc);
-    ASSERT_TRUE(::GetClassInfoExW(GetLibraryInstance(), L"TessalyWnd", &wc));
-    EXPECT_EQ(0u, wc.style);
-    EXPECT_EQ(&CSWnd::WndProc, wc.lpfnWndProc);
-    EXPECT_EQ(0, wc.cbClsExtra);
-    EXPECT_EQ(0, wc.cbWndExtra);
-    EXPECT_EQ(nullptr, wc.hIcon);
-    EXPECT_EQ(nullptr, wc.hCursor);
-    EXPECT_EQ(nullptr, wc.hbrBackground);
-    EXPECT_EQ(nullptr, wc.lpszMenuName);
-    EXPECT_EQ(nullptr, wc.hIconSm);
-}
+TEST_F(MonitorWnd, ClassIsAsPlainAsCanBe) { ExpectPlainClass(L"TessalyWnd"); }
 
 TEST_F(MonitorWnd, ClassGoesWithTheObject) {
     monitor->Destroy();
     monitor.reset();
-    WNDCLASSEXW wc{};
-    wc.cbSize = sizeof(wc);
-    EXPECT_FALSE(::GetClassInfoExW(GetLibraryInstance(), L"TessalyWnd", &wc));
-    MyMonitor_Wnd next;
-    EXPECT_TRUE(::GetClassInfoExW(GetLibraryInstance(), L"TessalyWnd", &wc));
+    EXPECT_FALSE(IsClassThere(kMonitorClass));
+    MyMonitor_Wnd next(frontEnd);
+    EXPECT_TRUE(IsClassThere(kMonitorClass));
 }
 
 TEST_F(MonitorWnd, WindowIsHiddenOnePixelAndNamedLikeItsClass) {
@@ -190,7 +179,7 @@ TEST_F(MonitorWnd, WindowIsHiddenOnePixelAndNamedLikeItsClass) {
 
 TEST_F(MonitorWnd, WindowHasTheGivenParent) {
     monitor->Destroy();
-    TestWindow wndParent(L"STATIC", nullptr, WS_POPUP);
+    TestWindow wndParent;
     ASSERT_TRUE(monitor->CreateHidden(wndParent));
     EXPECT_EQ(static_cast<HWND>(wndParent), ::GetWindow(Wnd(), GW_OWNER));
     monitor->Destroy();
@@ -233,7 +222,6 @@ TEST_F(MonitorWnd, IgnoresAnotherProductsNumber) {
 }
 
 TEST_F(MonitorWnd, AsksTheFrontEndForTheMenu) {
-    FakeFrontEnd frontEnd;
     MyMonitor_Wnd* pGiven = nullptr;
     frontEnd.fnMenu = [&](MyMonitor_Wnd& given) { pGiven = &given; };
     SendCode(371, 1);
@@ -242,37 +230,30 @@ TEST_F(MonitorWnd, AsksTheFrontEndForTheMenu) {
     EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
 }
 
-TEST_F(MonitorWnd, GoesWithoutAMenuWhenThereIsNoFrontEnd) {
-    SendCode(371, 1);
-    EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
-}
-
 TEST_F(MonitorWnd, SchedulesACaptureWhenIconsMayHaveMoved) {
     SendCode(374, 0);
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(Wnd()));
     EXPECT_EQ(0, CapturesAskedFor()); // never in the handler of the event
     EXPECT_EQ(1, base.counts[GetTestCompanyMsg()]);
 }
 
 TEST_F(MonitorWnd, IgnoresOtherCodes) {
-    FakeFrontEnd frontEnd;
     for (WPARAM wCode : {0ull, 2ull, 3ull, 16ull, 370ull, 372ull, 373ull, 375ull, 374ull << 32,
                          (1ull << 32) | 371})
         SendCode(wCode, 1);
     EXPECT_TRUE(frontEnd.calls.empty());
-    EXPECT_FALSE(monitor->IsCapturePending());
+    EXPECT_FALSE(IsCapturePending(Wnd()));
     EXPECT_EQ(0, TakeCloses());
     EXPECT_EQ(0, CapturesAskedFor());
     EXPECT_EQ(10, base.counts[GetTestCompanyMsg()]);
 }
 
 TEST_F(MonitorWnd, TakesNoNullMessageForARegisteredOne) {
-    FakeFrontEnd frontEnd;
-    SetRestartFlag(0);
+    SetRestartFlag(false);
     for (WPARAM wCode : {1ull, 371ull, 374ull}) Send(WM_NULL, wCode, 0x4162);
     EXPECT_TRUE(frontEnd.calls.empty());
-    EXPECT_FALSE(monitor->IsCapturePending()); // no notification is registered
-    EXPECT_EQ(0, GetRestartFlag());
+    EXPECT_FALSE(IsCapturePending(Wnd())); // no notification is registered
+    EXPECT_FALSE(GetRestartFlag());
     EXPECT_EQ(0, TakeCloses());
     EXPECT_EQ(3, base.counts[WM_NULL]);
 }
@@ -302,7 +283,7 @@ TEST_F(MonitorWnd, SchedulesACaptureOnARealEvent) {
     ::CloseHandle(
         ::CreateFileW(strFile.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     ::SHChangeNotify(SHCNE_CREATE, SHCNF_PATHW | SHCNF_FLUSH, strFile.c_str(), nullptr);
-    EXPECT_TRUE(PumpUntil([&] { return monitor->IsCapturePending(); }));
+    EXPECT_TRUE(PumpUntil([&] { return IsCapturePending(Wnd()); }));
     EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeCapture));
     ::DeleteFileW(strFile.c_str());
 }
@@ -312,8 +293,8 @@ TEST_F(MonitorWnd, LocksANotificationWhileItSchedules) {
     NotifyFuncs::pfnLock = &WatchedLock;
     NotifyFuncs::pfnUnlock = &WatchedUnlock;
     int bPendingAtLock = -1, bPendingAtUnlock = -1;
-    calls.fnAtLock = [&] { bPendingAtLock = monitor->IsCapturePending(); };
-    calls.fnAtUnlock = [&] { bPendingAtUnlock = monitor->IsCapturePending(); };
+    calls.fnAtLock = [&] { bPendingAtLock = IsCapturePending(Wnd()); };
+    calls.fnAtUnlock = [&] { bPendingAtUnlock = IsCapturePending(Wnd()); };
     Send(NotificationMsg(), 0x123456789ABC, 0x7777777712345678);
     EXPECT_EQ((std::vector<std::string>{"lock", "unlock"}), calls.locks);
     EXPECT_EQ(reinterpret_cast<HANDLE>(0x123456789ABC), calls.hLocked);
@@ -326,9 +307,9 @@ TEST_F(MonitorWnd, LocksANotificationWhileItSchedules) {
 TEST_F(MonitorWnd, CountsANotificationWithBogusHandlesAsAnyOther) {
     monitor->RegisterNotification();
     Send(NotificationMsg(), 0, 0);
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(Wnd()));
     Send(NotificationMsg(), 0xDEADBEEF, static_cast<LPARAM>(::GetCurrentProcessId()));
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(Wnd()));
     EXPECT_EQ(2, base.counts[NotificationMsg()]);
 }
 
@@ -341,7 +322,7 @@ TEST_F(MonitorWnd, GoesOnWithoutNotificationsWhenTheShellRefuses) {
     monitor->EndNotification();
     EXPECT_TRUE(calls.ended.empty());
     SendCode(374, 0);
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(Wnd()));
 }
 
 TEST_F(MonitorWnd, EndsTheNotificationOnce) {
@@ -360,16 +341,15 @@ TEST_F(MonitorWnd, EndsTheNotificationOnce) {
 
 TEST_F(MonitorWnd, GoesRoundAgainWhenAShellHasStarted) {
     RegisterTaskbarCreated();
-    SetRestartFlag(0);
+    SetRestartFlag(false);
     Send(GetTestTaskbarCreated(), 0, 0);
-    EXPECT_EQ(1, GetRestartFlag());
+    EXPECT_TRUE(GetRestartFlag());
     EXPECT_TRUE(::IsWindow(Wnd()));
     EXPECT_EQ(1, TakeCloses());
     EXPECT_EQ(1, base.counts[GetTestTaskbarCreated()]);
 }
 
 TEST_F(MonitorWnd, ClosesIconThenWindowThenLoop) {
-    FakeFrontEnd frontEnd;
     HWND hwnd = Wnd();
     int bAliveAtClose = -1;
     frontEnd.fnMonitorClose = [&] { bAliveAtClose = ::IsWindow(hwnd); };
@@ -381,15 +361,6 @@ TEST_F(MonitorWnd, ClosesIconThenWindowThenLoop) {
     MSG msg{};
     ASSERT_TRUE(::PeekMessageW(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(0u, msg.wParam);
-}
-
-TEST_F(MonitorWnd, ClosesWithoutAFrontEnd) {
-    HWND hwnd = Wnd();
-    Send(WM_CLOSE, 0, 0);
-    EXPECT_FALSE(::IsWindow(hwnd));
-    int bQuit = 0;
-    PumpAll(&bQuit);
-    EXPECT_TRUE(bQuit);
 }
 
 struct SessionCalls {
@@ -415,10 +386,8 @@ TEST_F(MonitorWnd, HearsOfItsSessionWhileItsWindowLives) {
     monitor->Destroy();
     sessions = {};
     WtsApi32 wts;
-    ReplacedFuncs funcs({{"WTSRegisterSessionNotification",
-                          reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&RegisterSession))},
-                         {"WTSUnRegisterSessionNotification",
-                          reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&UnregisterSession))}});
+    ReplaceFunctions replaced{{{"WTSRegisterSessionNotification", AsProc(&RegisterSession)},
+                               {"WTSUnRegisterSessionNotification", AsProc(&UnregisterSession)}}};
     ASSERT_TRUE(monitor->CreateHidden(nullptr));
     HWND hwnd = Wnd();
     EXPECT_EQ(1, sessions.nRegistered);
@@ -435,8 +404,7 @@ TEST_F(MonitorWnd, HearsOfItsSessionWhileItsWindowLives) {
 TEST_F(MonitorWnd, LivesWithoutSessionNotifications) {
     monitor->Destroy();
     WtsApi32 wts;
-    ReplacedFuncs funcs({{"WTSRegisterSessionNotification", nullptr},
-                         {"WTSUnRegisterSessionNotification", nullptr}});
+    HideFunctions hidden{"WTSRegisterSessionNotification", "WTSUnRegisterSessionNotification"};
     EXPECT_TRUE(monitor->CreateHidden(nullptr));
     monitor->Destroy();
 }
@@ -446,12 +414,12 @@ TEST_F(MonitorWnd, LivesWithoutSessionNotifications) {
 TEST_F(MonitorWnd, LeavesTheShellCleanBeforeTheSessionMayEnd) {
     monitor->SetHook(1);
     PumpAll();
-    ASSERT_TRUE(GetAgentListView().IsAttached());
+    ASSERT_TRUE(AgentListView().IsAttached());
     HHOOK hhook = desktopSharedData.hhook;
     EXPECT_NE(0, Send(WM_QUERYENDSESSION, 0, 0)); // the base agrees
     EXPECT_EQ(nullptr, desktopSharedData.hhook);
-    EXPECT_FALSE(GetAgentListView().IsAttached());
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
     EXPECT_FALSE(::UnhookWindowsHookEx(hhook));
     EXPECT_TRUE(::IsWindow(Wnd()));
     EXPECT_EQ(0, TakeCloses());
@@ -472,8 +440,8 @@ TEST_F(MonitorWnd, HooksAgainWhenTheSessionsEndIsCancelled) {
     Send(WM_ENDSESSION, 0, 0);
     PumpAll();
     EXPECT_NE(nullptr, desktopSharedData.hhook);
-    EXPECT_TRUE(GetAgentListView().IsAttached());
-    EXPECT_TRUE(GetAgentView().IsAttached());
+    EXPECT_TRUE(AgentListView().IsAttached());
+    EXPECT_TRUE(AgentView().IsAttached());
     EXPECT_EQ(0, TakeCloses());
     EXPECT_EQ(1, base.counts[WM_ENDSESSION]);
 }
@@ -493,13 +461,13 @@ TEST_F(MonitorWnd, SetsAndRemovesTheHook) {
     HHOOK hhook = desktopSharedData.hhook;
     EXPECT_NE(nullptr, hhook);
     PumpAll();
-    EXPECT_TRUE(GetAgentListView().IsAttached());
+    EXPECT_TRUE(AgentListView().IsAttached());
     monitor->SetHook(1);
     EXPECT_EQ(hhook, desktopSharedData.hhook);
     monitor->SetHook(0);
     EXPECT_EQ(nullptr, desktopSharedData.hhook);
-    EXPECT_FALSE(GetAgentListView().IsAttached());
-    EXPECT_FALSE(GetAgentView().IsAttached());
+    EXPECT_FALSE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
 }
 
 // Captures
@@ -511,8 +479,8 @@ TEST_F(MonitorWnd, GivesACaptureToTheStore) {
     auto stored = ReadStoredSnapshots();
     ASSERT_EQ(1u, stored.size());
     const std::vector<BYTE>& bytes = stored.begin()->second;
-    ASSERT_EQ(16 + sizeof(records), bytes.size());
-    EXPECT_EQ(0, std::memcmp(&bytes[16], records, sizeof(records)));
+    ASSERT_EQ(kMd5Size + sizeof(records), bytes.size());
+    EXPECT_EQ(0, std::memcmp(&bytes[kMd5Size], records, sizeof(records)));
     EXPECT_EQ(1, base.counts[WM_COPYDATA]);
 }
 
@@ -526,7 +494,6 @@ TEST_F(MonitorWnd, TakesTheLargestCaptureThereIs) {
 }
 
 TEST_F(MonitorWnd, TellsTheOutcomeOfACaptureThatTheUserAskedFor) {
-    FakeFrontEnd frontEnd;
     IconRecord record = RecordOf(0, L"a", {1, 2});
     SendCopy(1, 24, &record);
     EXPECT_TRUE(frontEnd.outcomes.empty());
@@ -543,7 +510,6 @@ TEST_F(MonitorWnd, TellsTheOutcomeOfACaptureThatTheUserAskedFor) {
 }
 
 TEST_F(MonitorWnd, StoresNothingOfACaptureWithoutData) {
-    FakeFrontEnd frontEnd;
     monitor->SetSnapshotAnnounce(1);
     monitor->OnWndMessage(WM_COPYDATA, 0, 0);
     SendCopy(0, 0, nullptr);
@@ -554,7 +520,6 @@ TEST_F(MonitorWnd, StoresNothingOfACaptureWithoutData) {
 }
 
 TEST_F(MonitorWnd, DropsACaptureWhoseCountItsDataDoNotHold) {
-    FakeFrontEnd frontEnd;
     monitor->SetSnapshotAnnounce(1);
     IconRecord record = RecordOf(0, L"a", {1, 2});
     SendCopy(1, 24, nullptr);
@@ -579,7 +544,7 @@ TEST_F(MonitorWnd, DebounceTimerGoesOnAfterItFired) {
     monitor->ScheduleCapture();
     Send(WM_TIMER, kDebounceTimer, 0);
     EXPECT_EQ(1, CapturesAskedFor());
-    EXPECT_TRUE(monitor->IsCapturePending()); // it goes on
+    EXPECT_TRUE(IsCapturePending(Wnd())); // it goes on
     Send(WM_TIMER, kDebounceTimer, 0);
     EXPECT_EQ(2, CapturesAskedFor());
     EXPECT_EQ(0, view.spyListView.GetCode(kCodeCapture)[0].lParam);
@@ -594,9 +559,9 @@ TEST_F(MonitorWnd, PostsTheCodesThatTheHookIsToSee) {
 
 TEST_F(MonitorWnd, EndsTheSuppressTimerWithItsFirstTick) {
     monitor->SuppressCaptures();
-    EXPECT_TRUE(monitor->IsSuppressing());
+    EXPECT_TRUE(IsSuppressing(Wnd()));
     Send(WM_TIMER, kSuppressTimer, 0);
-    EXPECT_FALSE(monitor->IsSuppressing());
+    EXPECT_FALSE(IsSuppressing(Wnd()));
     EXPECT_EQ(0, CapturesAskedFor());
     EXPECT_FALSE(::KillTimer(Wnd(), kSuppressTimer));
     EXPECT_EQ(1, base.counts[WM_TIMER]);
@@ -607,15 +572,15 @@ TEST_F(MonitorWnd, IgnoresOtherTimers) {
     for (WPARAM wId : {0ull, 1ull, 9ull, 12ull, (1ull << 32) | 10, (1ull << 32) | 11})
         Send(WM_TIMER, wId, 0);
     EXPECT_EQ(0, CapturesAskedFor());
-    EXPECT_TRUE(monitor->IsSuppressing());
+    EXPECT_TRUE(IsSuppressing(Wnd()));
     EXPECT_EQ(6, base.counts[WM_TIMER]);
 }
 
 TEST_F(MonitorWnd, SchedulesWithTimer10OnItsWindow) {
-    EXPECT_FALSE(monitor->IsCapturePending());
+    EXPECT_FALSE(IsCapturePending(Wnd()));
     monitor->ScheduleCapture();
     monitor->ScheduleCapture();
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(Wnd()));
     EXPECT_TRUE(::KillTimer(Wnd(), kDebounceTimer)); // there is one, and only one
     EXPECT_FALSE(::KillTimer(Wnd(), kDebounceTimer));
 }
@@ -623,22 +588,22 @@ TEST_F(MonitorWnd, SchedulesWithTimer10OnItsWindow) {
 TEST_F(MonitorWnd, SuppressesScheduledCaptures) {
     monitor->ScheduleCapture();
     monitor->SuppressCaptures();
-    EXPECT_FALSE(monitor->IsCapturePending());
+    EXPECT_FALSE(IsCapturePending(Wnd()));
     EXPECT_FALSE(::KillTimer(Wnd(), kDebounceTimer));
     SendCode(374, 0);
     monitor->ScheduleCapture();
-    EXPECT_FALSE(monitor->IsCapturePending());
-    EXPECT_TRUE(monitor->IsSuppressing());
+    EXPECT_FALSE(IsCapturePending(Wnd()));
+    EXPECT_TRUE(IsSuppressing(Wnd()));
 }
 
 TEST_F(MonitorWnd, SuppressesForASecondAndSchedulesAfterIt) {
     DWORD dwStart = ::GetTickCount();
     monitor->SuppressCaptures();
-    ASSERT_TRUE(PumpUntil([&] { return !monitor->IsSuppressing(); }));
+    ASSERT_TRUE(PumpUntil([&] { return !IsSuppressing(Wnd()); }));
     EXPECT_GE(::GetTickCount() - dwStart, 900u);
-    EXPECT_FALSE(monitor->IsCapturePending()); // waits for the next event
+    EXPECT_FALSE(IsCapturePending(Wnd())); // waits for the next event
     SendCode(374, 0);
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(Wnd()));
 }
 
 TEST_F(MonitorWnd, SuppressingAgainStartsTheSecondAnew) {
@@ -654,7 +619,7 @@ TEST_P(MonitorSession, ChangeAsksForACaptureWhereTheScreenMayHaveChanged) {
     Send(kWtsSessionChange, static_cast<WPARAM>(GetParam()), 1);
     int nCode = GetParam();
     EXPECT_EQ(nCode == 1 || nCode == 3 || nCode == 7 || nCode == 8, CapturesAskedFor());
-    EXPECT_FALSE(monitor->IsCapturePending()); // no debounce
+    EXPECT_FALSE(IsCapturePending(Wnd())); // no debounce
     EXPECT_EQ(1, base.counts[kWtsSessionChange]);
 }
 
@@ -689,7 +654,7 @@ TEST_F(MonitorWnd, TakesTimersAndNotificationWithIt) {
     EXPECT_FALSE(::KillTimer(hwnd, kSuppressTimer));
     EXPECT_EQ(nullptr, ::GetPropW(hwnd, L"CSWND"));
     ::DestroyWindow(hwnd);
-    ::UnregisterClassW(L"TessalyWnd", GetLibraryInstance());
+    ::UnregisterClassW(kMonitorClass, GetLibraryInstance());
 }
 
 TEST_F(MonitorWnd, TakesTheSuppressTimerWithIt) {
@@ -699,7 +664,7 @@ TEST_F(MonitorWnd, TakesTheSuppressTimerWithIt) {
     monitor.reset();
     EXPECT_FALSE(::KillTimer(hwnd, kSuppressTimer));
     ::DestroyWindow(hwnd);
-    ::UnregisterClassW(L"TessalyWnd", GetLibraryInstance());
+    ::UnregisterClassW(kMonitorClass, GetLibraryInstance());
 }
 
 } // namespace

@@ -1,11 +1,104 @@
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/icons_test_support.h"
+#include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshot_test_support.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "support/guard_page.h"
+#include "support/message_box_driver.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
+#include <commctrl.h>
 
 namespace {
 using Times = std::vector<unsigned __int64>;
 constexpr unsigned __int64 kTime = 0x01DB000000000000; // in the past of any clock
+
+Times Walk(const CSList& list) {
+    Times times;
+    for (POS pos = list.GetHeadPos(); pos; list.GetNext(pos))
+        times.push_back(GetSnapshotTime(list, pos));
+    return times;
+}
+
+Times Inserted(const Times& times) {
+    SnapshotList list;
+    for (unsigned __int64 qw : times) EXPECT_TRUE(InsertSnapshotTime(list, qw));
+    return Walk(list);
+}
+
+TEST(SnapshotNames, OldestFirstComesOutNewestFirst) {
+    EXPECT_EQ((Times{5, 4, 3, 2, 1}), Inserted({1, 2, 3, 4, 5}));
+}
+
+TEST(SnapshotNames, SmallestTimeLandsBeforeTheLast) {
+    EXPECT_EQ((Times{3, 5}), Inserted({5, 3}));
+    EXPECT_EQ((Times{7, 3, 5}), Inserted({5, 7, 3}));
+    EXPECT_EQ((Times{9, 7, 2, 5}), Inserted({5, 7, 9, 2}));
+}
+
+TEST(SnapshotNames, TimeInBetweenLandsBeforeTheFirstSmallerOne) {
+    EXPECT_EQ((Times{9, 6, 5, 3}), Inserted({3, 5, 9, 6}));
+    EXPECT_EQ((Times{9, 5, 4, 3}), Inserted({3, 5, 9, 4}));
+}
+
+TEST(SnapshotNames, EqualTimesStayBoth) { EXPECT_EQ((Times{5, 5, 3}), Inserted({3, 5, 5})); }
+
+TEST(SnapshotNames, TimesAreComparedWithoutSign) {
+    EXPECT_EQ((Times{0xFFFFFFFFFFFFFFFF, 1}), Inserted({1, 0xFFFFFFFFFFFFFFFF}));
+}
+
+TEST(SnapshotNames, NameHasSixteenUpperCaseDigits) {
+    wchar_t szName[kSnapshotNameLength + 1];
+    FormatSnapshotName(szName, 0x01DB3C4D5E6F7A8B);
+    EXPECT_STREQ(L"01DB3C4D5E6F7A8B", szName);
+    FormatSnapshotName(szName, 1);
+    EXPECT_STREQ(L"0000000000000001", szName);
+    FormatSnapshotName(szName, 0xFFFFFFFFFFFFFFFF);
+    EXPECT_STREQ(L"FFFFFFFFFFFFFFFF", szName);
+}
+
+struct ParseCase {
+    const char* pszName;
+    const wchar_t* pszText;
+    unsigned __int64 qwExpected;
+};
+
+class SnapshotNameParsing : public testing::TestWithParam<ParseCase> {};
+
+TEST_P(SnapshotNameParsing, ReadsEightPairs) {
+    EXPECT_EQ(GetParam().qwExpected, ParseSnapshotName(GuardedText(GetParam().pszText).Get()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, SnapshotNameParsing,
+    testing::Values(ParseCase{"UpperCase", L"01DB3C4D5E6F7A8B", 0x01DB3C4D5E6F7A8B},
+                    ParseCase{"LowerCase", L"01db3c4d5e6f7a8b", 0x01DB3C4D5E6F7A8B},
+                    ParseCase{"MixedCase", L"01Db3c4D5E6f7A8b", 0x01DB3C4D5E6F7A8B},
+                    ParseCase{"NoDigitsCountAs0", L"x1DB3C4D5E6Fxxgz", 0x01DB3C4D5E6F0000},
+                    ParseCase{"NoDigitAtAll", L"zzzzzzzzzzzzzzzz", 0},
+                    ParseCase{"Zero", L"0000000000000000", 0}, ParseCase{"Empty", L"", 0},
+                    ParseCase{"OneCharacter", L"1", 0},
+                    ParseCase{"SevenPairs", L"01DB3C4D5E6F7A", 0},
+                    ParseCase{"LastPairSingle", L"01DB3C4D5E6F7A8", 0x01DB3C4D5E6F7A80},
+                    ParseCase{"EightPairsAndOneCharacter", L"01DB3C4D5E6F7A8B0", 0},
+                    ParseCase{"NinePairs", L"01DB3C4D5E6F7A8B00", 0},
+                    ParseCase{"Largest", L"FFFFFFFFFFFFFFFF", 0xFFFFFFFFFFFFFFFF}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(SnapshotNames, TextOfAnyLengthGivesZero) {
+    EXPECT_EQ(0u, ParseSnapshotName(std::wstring(100000, L'F').c_str()));
+    EXPECT_EQ(0u, ParseSnapshotName(nullptr));
+}
+
+TEST(SnapshotNames, NameOfEveryBitParsesBack) {
+    for (int n = 0; n < 64; ++n) {
+        wchar_t szName[kSnapshotNameLength + 1];
+        FormatSnapshotName(szName, 1ull << n);
+        EXPECT_EQ(1ull << n, ParseSnapshotName(szName));
+    }
+}
+// The key and its values
 
 class SnapshotStore : public testing::Test {
   protected:
@@ -16,10 +109,7 @@ class SnapshotStore : public testing::Test {
         SnapshotList list;
         OpenSnapshotKey(key, 0);
         int n = ListSnapshots(key, list);
-        Times times;
-        for (POS pos = list.GetHeadPos(); pos; list.GetNext(pos)) {
-            times.push_back(GetSnapshotTime(list, pos));
-        }
+        Times times = Walk(list);
         EXPECT_EQ(n, static_cast<int>(times.size()));
         return times;
     }
@@ -33,10 +123,11 @@ class SnapshotStore : public testing::Test {
         OpenSnapshotKey(key, 0);
         return ReadSnapshot(key, qwTime);
     }
+    /// A capture's whole way into the store.
     static void Capture(const Layout& layout) {
         OnIconsCaptured(layout.data(), static_cast<unsigned>(layout.size()));
     }
-    static int IsChanged(const Layout& layout) {
+    static bool IsChanged(const Layout& layout) {
         return IsLayoutChanged(layout.data(), static_cast<unsigned>(layout.size()));
     }
 };
@@ -51,8 +142,6 @@ unsigned __int64 Now() {
     ::GetSystemTimeAsFileTime(&ft);
     return static_cast<unsigned __int64>(ft.dwHighDateTime) << 32 | ft.dwLowDateTime;
 }
-
-// Names of the key, records and values
 
 TEST_F(SnapshotStore, KeyIsBelowTheProductsName) {
     raw.PutStr(L"mark", L"here");
@@ -144,14 +233,14 @@ TEST_F(SnapshotStore, UnchangedCaptureWritesNothing) {
 
 TEST_F(SnapshotStore, WithoutAKeyEverythingIsAChange) {
     raw.Delete();
-    EXPECT_EQ(1, IsChanged(MakeLayout(1)));
+    EXPECT_TRUE(IsChanged(MakeLayout(1)));
     raw.Create();
 }
 
 TEST_F(SnapshotStore, KeyWithOnlyTheMarkHasNoSnapshots) {
     raw.PutStr(L"", NameOf(kTime));
     EXPECT_EQ(Times{}, List());
-    EXPECT_EQ(1, IsChanged(MakeLayout(1)));
+    EXPECT_TRUE(IsChanged(MakeLayout(1)));
     Capture(MakeLayout(1));
     EXPECT_EQ(2u, raw.Values().size());
 }
@@ -159,11 +248,11 @@ TEST_F(SnapshotStore, KeyWithOnlyTheMarkHasNoSnapshots) {
 TEST_F(SnapshotStore, EveryFieldOfEveryRecordCounts) {
     const Layout layout = MakeLayout(3);
     raw.Plant(kTime, layout);
-    EXPECT_EQ(0, IsChanged(layout));
+    EXPECT_FALSE(IsChanged(layout));
     for (std::size_t nByte = 0; nByte < 3 * sizeof(IconRecord); ++nByte) {
         Layout changed = layout;
         reinterpret_cast<unsigned char*>(changed.data())[nByte] ^= 1;
-        EXPECT_EQ(1, IsChanged(changed)) << "byte " << nByte;
+        EXPECT_TRUE(IsChanged(changed)) << "byte " << nByte;
     }
 }
 
@@ -186,8 +275,8 @@ TEST_F(SnapshotStore, AnotherOrderInTheListViewIsStored) {
 
 TEST_F(SnapshotStore, MoreOrFewerIconsAreAChange) {
     raw.Plant(kTime, MakeLayout(5));
-    EXPECT_EQ(1, IsChanged(MakeLayout(4)));
-    EXPECT_EQ(1, IsChanged(MakeLayout(6)));
+    EXPECT_TRUE(IsChanged(MakeLayout(4)));
+    EXPECT_TRUE(IsChanged(MakeLayout(6)));
 }
 
 TEST_F(SnapshotStore, OnlyTheNewestIsCompared) {
@@ -205,13 +294,13 @@ TEST_F(SnapshotStore, NewestWithABadDigestIsAChange) {
     RegBytes value = MakeSnapshotValue(layout);
     value[3] ^= 0x80;
     raw.Put(NameOf(kTime), REG_BINARY, value);
-    EXPECT_EQ(1, IsChanged(layout));
+    EXPECT_TRUE(IsChanged(layout));
 }
 
 TEST_F(SnapshotStore, NewestOfNoSnapshotsSizeIsAChange) {
     for (std::size_t cb : {0u, 8u, 16u, 17u, 39u, 41u, 135u}) {
         raw.Put(NameOf(kTime), REG_BINARY, RegBytes(cb, 1));
-        EXPECT_EQ(1, IsChanged(MakeLayout(1))) << cb;
+        EXPECT_TRUE(IsChanged(MakeLayout(1))) << cb;
         EXPECT_EQ((Times{kTime}), List()) << cb; // listed by its name all the same
     }
 }
@@ -265,30 +354,30 @@ TEST_F(SnapshotStore, TrimmingDeletesMalformedSnapshotsByTheirNames) {
 // Listing
 
 struct NameCase {
-    const char* pszTitle;
-    const wchar_t* pszName;
+    const char* pszName;
+    const wchar_t* pszValueName;
     Times listed;
 };
 
-TEST_F(SnapshotStore, ListGoesByNames) {
-    const NameCase kCases[] = {
-        {"upper case", L"01DB00000000ABCD", {0x01DB00000000ABCD}},
-        {"lower case", L"01db00000000abcd", {0x01DB00000000ABCD}},
-        {"no digits", L"x1DB00000000ABCg", {0x01DB00000000ABC0}},
-        {"nothing but letters", L"zzzzzzzzzzzzzzzz", {}},
-        {"zero", L"0000000000000000", {}},
-        {"one", L"0000000000000001", {1}},
-        {"15 characters", L"01DB00000000ABC", {}},
-        {"17 characters", L"01DB00000000ABCD0", {}},
-        {"default value", L"", {}},
-    };
-    for (const NameCase& row : kCases) {
-        raw.Delete();
-        raw.Create();
-        raw.Put(row.pszName, REG_BINARY, MakeSnapshotValue(MakeLayout(2)));
-        EXPECT_EQ(row.listed, List()) << row.pszTitle;
-    }
+class SnapshotListing : public SnapshotStore, public testing::WithParamInterface<NameCase> {};
+
+TEST_P(SnapshotListing, GoesByNames) {
+    raw.Put(GetParam().pszValueName, REG_BINARY, MakeSnapshotValue(MakeLayout(2)));
+    EXPECT_EQ(GetParam().listed, List());
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, SnapshotListing,
+    testing::Values(NameCase{"UpperCase", L"01DB00000000ABCD", {0x01DB00000000ABCD}},
+                    NameCase{"LowerCase", L"01db00000000abcd", {0x01DB00000000ABCD}},
+                    NameCase{"NoDigits", L"x1DB00000000ABCg", {0x01DB00000000ABC0}},
+                    NameCase{"NothingButLetters", L"zzzzzzzzzzzzzzzz", {}},
+                    NameCase{"Zero", L"0000000000000000", {}},
+                    NameCase{"One", L"0000000000000001", {1}},
+                    NameCase{"Of15Characters", L"01DB00000000ABC", {}},
+                    NameCase{"Of17Characters", L"01DB00000000ABCD0", {}},
+                    NameCase{"DefaultValue", L"", {}}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(SnapshotStore, LongNamesAreSkipped) {
     raw.Plant(kTime, MakeLayout(1));
@@ -353,7 +442,7 @@ TEST_F(SnapshotStore, LowerCaseNameIsFoundByItsTime) {
     raw.Put(L"01db00000000abcd", REG_BINARY, MakeSnapshotValue(layout));
     EXPECT_EQ(3u, Read(0x01DB00000000ABCD, read));
     EXPECT_TRUE(layout == read);
-    EXPECT_EQ(0, IsChanged(layout));
+    EXPECT_FALSE(IsChanged(layout));
 }
 
 TEST_F(SnapshotStore, BadDigestKeepsTheCountAndLeavesTheBuffer) {
@@ -399,6 +488,145 @@ TEST_F(SnapshotStore, DeleteAllLeavesAnEmptyKey) {
     EXPECT_TRUE(raw.Values().empty());
     RegKey key;
     EXPECT_EQ(1, OpenSnapshotKey(key, 0)); // the key is still there
-    EXPECT_EQ(1, IsChanged(MakeLayout(1)));
+    EXPECT_TRUE(IsChanged(MakeLayout(1)));
+}
+// Restoring
+
+constexpr LONG_PTR kAutoArrange = LVS_AUTOARRANGE;
+
+/// A list view that keeps what a restore sends it and moves nothing.
+class SnapshotRestore : public testing::Test {
+  protected:
+    struct Sent {
+        Layout layout;
+        WPARAM wSender;
+    };
+
+    void SetUp() override {
+        desktopSharedData.hwndListView = view.hwndListView;
+        view.spyListView.handler = [this](UINT uMsg, WPARAM wParam, LPARAM lParam,
+                                          LRESULT* plResult) {
+            return Keep(uMsg, wParam, lParam, plResult);
+        };
+    }
+    void TearDown() override { desktopSharedData.hwndListView = nullptr; }
+    int Keep(UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
+        if (uMsg != WM_COPYDATA) return 0;
+        const auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        EXPECT_EQ(pData->dwData * sizeof(IconRecord), pData->cbData);
+        const auto* pRecords = static_cast<const IconRecord*>(pData->lpData);
+        sent.push_back({Layout(pRecords, pRecords + pData->dwData), wParam});
+        *plResult = 1;
+        return 1;
+    }
+    LONG_PTR Style() const { return ::GetWindowLongPtrW(view.hwndListView, GWL_STYLE); }
+    void SetAutoArrange() {
+        ::SetWindowLongPtrW(view.hwndListView, GWL_STYLE, Style() | kAutoArrange);
+    }
+    std::wstring GetMark() {
+        RegContent content = raw.Value(L"");
+        if (content.bytes.size() < sizeof(wchar_t)) return L"none";
+        EXPECT_EQ(static_cast<DWORD>(REG_SZ), content.dwType);
+        return reinterpret_cast<const wchar_t*>(content.bytes.data());
+    }
+
+    SnapshotKey raw;
+    TestView view;
+    std::vector<Sent> sent;
+};
+
+TEST_F(SnapshotRestore, SendsTheRecordsAndMarksTheSnapshot) {
+    Layout layout = MakeLayout(4);
+    raw.Plant(kTime, layout);
+    raw.Plant(kTime + 1, MakeLayout(5));
+    RestoreSnapshot(kTime);
+    ASSERT_EQ(1u, sent.size());
+    EXPECT_TRUE(layout == sent[0].layout);
+    EXPECT_EQ(0u, sent[0].wSender);
+    EXPECT_EQ(NameOf(kTime), GetMark());
+}
+
+TEST_F(SnapshotRestore, MarkMovesToTheSnapshotRestoredLast) {
+    raw.Plant(kTime, MakeLayout(1));
+    raw.Plant(kTime + 1, MakeLayout(999));
+    RestoreSnapshot(kTime);
+    RestoreSnapshot(kTime + 1);
+    EXPECT_EQ(NameOf(kTime + 1), GetMark());
+    ASSERT_EQ(2u, sent.size());
+    EXPECT_EQ(999u, sent[1].layout.size());
+}
+
+TEST_F(SnapshotRestore, RestoringTheMarkedSnapshotAgainWritesNothing) {
+    raw.Plant(kTime, MakeLayout(1));
+    RegBytes mark = BytesOf(NameOf(kTime));
+    raw.Put(L"", REG_BINARY, mark); // a write would change the type
+    RestoreSnapshot(kTime);
+    EXPECT_EQ((RegContent{REG_BINARY, mark}), raw.Value(L""));
+    EXPECT_EQ(1u, sent.size());
+}
+
+TEST_F(SnapshotRestore, SnapshotWithoutRecordsIsNeitherSentNorMarked) {
+    raw.Put(NameOf(kTime), REG_BINARY, RegBytes(16, 1));
+    raw.Put(NameOf(kTime + 1), REG_BINARY, RegBytes(41, 1));
+    RestoreSnapshot(kTime);
+    RestoreSnapshot(kTime + 1);
+    RestoreSnapshot(kTime + 2); // missing
+    EXPECT_TRUE(sent.empty());
+    EXPECT_EQ(L"none", GetMark());
+}
+
+TEST_F(SnapshotRestore, BadDigestSendsZerosAndMarksAllTheSame) {
+    RegBytes value = MakeSnapshotValue(MakeLayout(3));
+    value[20] ^= 1;
+    raw.Put(NameOf(kTime), REG_BINARY, value);
+    RestoreSnapshot(kTime);
+    ASSERT_EQ(1u, sent.size());
+    EXPECT_TRUE(Layout(3) == sent[0].layout);
+    EXPECT_EQ(NameOf(kTime), GetMark());
+}
+
+TEST_F(SnapshotRestore, AutoArrangeIsClearedAfterAYes) {
+    SetAutoArrange();
+    LONG_PTR dwBefore = Style();
+    raw.Plant(kTime, MakeLayout(2));
+    MessageBoxDriver driver({IDYES});
+    RestoreSnapshot(kTime);
+    ASSERT_EQ(1u, driver.Finish().size());
+    EXPECT_EQ(dwBefore & ~kAutoArrange, Style());
+    EXPECT_EQ(1u, sent.size());
+    EXPECT_EQ(NameOf(kTime), GetMark());
+    EXPECT_EQ(
+        L"Your Desktop is currently set to auto arrange the icons. In order to restore the "
+        L"icons, the auto arrange option needs to be cleared.\n\nOK to clear this option? (If "
+        L"you select No, the icons will NOT be restored.)",
+        driver.Finish()[0].strText);
+}
+
+TEST_F(SnapshotRestore, NothingChangesAfterANo) {
+    SetAutoArrange();
+    LONG_PTR dwBefore = Style();
+    raw.Plant(kTime, MakeLayout(2));
+    raw.PutStr(L"", L"before");
+    MessageBoxDriver driver({IDNO});
+    RestoreSnapshot(kTime);
+    ASSERT_EQ(1u, driver.Finish().size());
+    EXPECT_EQ(dwBefore, Style());
+    EXPECT_TRUE(sent.empty());
+    EXPECT_EQ(L"before", GetMark());
+}
+
+TEST_F(SnapshotRestore, WithoutAutoArrangeNothingIsAsked) {
+    raw.Plant(kTime, MakeLayout(2));
+    MessageBoxDriver driver({IDNO});
+    RestoreSnapshot(kTime);
+    EXPECT_TRUE(driver.Finish().empty());
+    EXPECT_EQ(1u, sent.size());
+}
+
+TEST_F(SnapshotRestore, WithoutAListViewOnlyTheMarkIsSet) {
+    desktopSharedData.hwndListView = nullptr;
+    raw.Plant(kTime, MakeLayout(2));
+    RestoreSnapshot(kTime);
+    EXPECT_EQ(NameOf(kTime), GetMark());
 }
 } // namespace

@@ -1,6 +1,6 @@
+#include "icons/tray/recommendations.h"
 #include "app/launch/open_html.h"
 #include "icons/menu_test_support.h"
-#include "icons/tray/recommendations.h"
 #include "support/gui_objects.h"
 #include "support/test_resource_ids.h"
 #include "wnd/menu/csmenu.h"
@@ -9,18 +9,29 @@
 #include <set>
 
 namespace {
+/// A rotation of the test's own, none of it shown yet, and a menu for its rows.
 struct Recommendations : testing::Test {
-    Recommendations() {
-        RestartRecommendations();
-        menu.CreatePopup();
+    Recommendations() { menu.CreatePopup(); }
+    ~Recommendations() override {
+        for (const Recommendation& entry : table)
+            if (entry.hbm) ::DeleteObject(entry.hbm);
     }
-    ~Recommendations() override { RestartRecommendations(); }
     std::vector<SeenItem> Add() {
         menu.DeleteAll();
-        AddRecommendationRows(menu);
+        rotation.AddRows(menu);
         return ItemsOf(menu);
     }
-    Recommendation (&rows)[kRecommendations] = GetRecommendationTable();
+    /// Adds the other entries, so that the first is the next one again.
+    void GoRound() {
+        for (std::size_t n = 1; n < std::size(table); ++n) Add();
+    }
+
+    Recommendation table[3] = {
+        {nullptr, -IDI_TEST, L"page 1", L"headline 1", L"   line 2 of 1", L"   line 3 of 1"},
+        {nullptr, 0, L"page 2", L"headline 2", L"   line 2 of 2", L"   line 3 of 2"},
+        {nullptr, IDI_TEST, L"page 3", L"headline 3", L"   line 2 of 3", L"   line 3 of 3"},
+    };
+    RecommendationRotation rotation{table};
     CSMenu menu;
 };
 } // namespace
@@ -28,33 +39,43 @@ struct Recommendations : testing::Test {
 TEST_F(Recommendations, HaveThreeLinesAnIconAndAPageOfTheirOwn) {
     std::set<std::wstring> urls, headlines;
     std::wstring strSite = pszMyCompanyURL;
-    for (const Recommendation& row : rows) {
-        std::wstring strUrl = row.pszUrl;
+    for (const Recommendation* pEntry : RecommendationsOfTheMenu()) {
+        std::wstring strUrl = pEntry->pszUrl;
         EXPECT_EQ(0u, strUrl.find(L"https://"));
         EXPECT_EQ(0u, strUrl.find(strSite));
         EXPECT_GT(strUrl.size(), strSite.size());
         urls.insert(strUrl);
-        headlines.insert(row.pszLine1);
-        EXPECT_NE(L' ', row.pszLine1[0]);
-        for (std::wstring str : {row.pszLine2, row.pszLine3}) {
+        headlines.insert(pEntry->pszLine1);
+        EXPECT_NE(L' ', pEntry->pszLine1[0]);
+        for (std::wstring str : {pEntry->pszLine2, pEntry->pszLine3}) {
             EXPECT_EQ(3u, str.find_first_not_of(L' ')) << str;
         }
-        EXPECT_LT(row.nIconId, 0);
+        EXPECT_LT(pEntry->nIconId, 0);
     }
     EXPECT_EQ(5u, urls.size());
     EXPECT_EQ(5u, headlines.size());
 }
 
-TEST_F(Recommendations, ComeInTurnFromTheFirstOne) {
-    EXPECT_EQ(nullptr, GetRecommendation());
+TEST_F(Recommendations, OfTheMenuComeInTurn) {
+    auto entries = RecommendationsOfTheMenu();
     for (int n = 0; n < 12; ++n) {
+        menu.DeleteAll();
+        AddRecommendationRows(menu);
+        EXPECT_EQ(entries[n % 5], GetRecommendation());
+        EXPECT_EQ(entries[n % 5]->pszLine1, ItemsOf(menu).at(0).strText);
+    }
+}
+
+TEST_F(Recommendations, ComeInTurnFromTheFirstOne) {
+    EXPECT_EQ(nullptr, rotation.GetCurrent());
+    for (int n = 0; n < 8; ++n) {
         auto items = Add();
-        const Recommendation& row = rows[n % 5];
-        EXPECT_EQ(&row, GetRecommendation());
+        const Recommendation& entry = table[n % 3];
+        EXPECT_EQ(&entry, rotation.GetCurrent());
         ASSERT_EQ(3u, items.size());
-        EXPECT_EQ(row.pszLine1, items[0].strText);
-        EXPECT_EQ(row.pszLine2, items[1].strText);
-        EXPECT_EQ(row.pszLine3, items[2].strText);
+        EXPECT_EQ(entry.pszLine1, items[0].strText);
+        EXPECT_EQ(entry.pszLine2, items[1].strText);
+        EXPECT_EQ(entry.pszLine3, items[2].strText);
         EXPECT_EQ(100u, items[0].nId);
         EXPECT_EQ(101u, items[1].nId);
         EXPECT_EQ(102u, items[2].nId);
@@ -64,23 +85,18 @@ TEST_F(Recommendations, ComeInTurnFromTheFirstOne) {
 }
 
 TEST_F(Recommendations, TextsAreNoFormats) {
-    Recommendation saved = rows[0];
-    rows[0].pszLine1 = L"100% %s %n";
-    rows[0].pszLine2 = L"   %d";
+    table[0].pszLine1 = L"100% %s %n";
+    table[0].pszLine2 = L"   %d";
     auto items = Add();
-    rows[0] = saved;
     EXPECT_EQ(L"100% %s %n", items[0].strText);
     EXPECT_EQ(L"   %d", items[1].strText);
 }
 
 TEST_F(Recommendations, BitmapIsMadeOnceAndKept) {
-    Recommendation saved = rows[0];
-    rows[0].hbm = nullptr;
-    rows[0].nIconId = -IDI_TEST;
     auto items = Add();
     HBITMAP hbm = items[0].hbm;
     ASSERT_NE(nullptr, hbm);
-    EXPECT_EQ(hbm, rows[0].hbm);
+    EXPECT_EQ(hbm, table[0].hbm);
     BITMAP bm{};
     ::GetObjectW(hbm, sizeof(bm), &bm);
     EXPECT_EQ(::GetSystemMetrics(SM_CXSMICON), bm.bmWidth);
@@ -88,45 +104,36 @@ TEST_F(Recommendations, BitmapIsMadeOnceAndKept) {
     MenuItemInfo info(MIIM_CHECKMARKS);
     menu.GetItemInfoByID(100, &info);
     EXPECT_EQ(hbm, info.hbmpChecked); // for both states
+    GoRound();
     int nBefore = CountGdiObjects();
     for (int n = 0; n < 3; ++n) {
-        RestartRecommendations();
         EXPECT_EQ(hbm, Add()[0].hbm);
+        GoRound();
         EXPECT_EQ(nBefore, CountGdiObjects());
     }
-    ::DeleteObject(hbm);
-    rows[0] = saved;
 }
 
 TEST_F(Recommendations, IconOfThePresentModuleHasAPositiveId) {
-    Recommendation saved = rows[0];
-    rows[0].hbm = nullptr;
-    rows[0].nIconId = IDI_TEST;
+    Add();
+    Add();
     HBITMAP hbm = Add()[0].hbm;
     EXPECT_NE(nullptr, hbm);
-    EXPECT_EQ(hbm, rows[0].hbm);
-    ::DeleteObject(hbm);
-    rows[0] = saved;
+    EXPECT_EQ(hbm, table[2].hbm);
 }
 
 TEST_F(Recommendations, OnlyTheFirstRowHasTheBitmap) {
     auto items = Add();
-    EXPECT_EQ(rows[0].hbm, items[0].hbm);
+    EXPECT_EQ(table[0].hbm, items[0].hbm);
     EXPECT_EQ(nullptr, items[1].hbm);
     EXPECT_EQ(nullptr, items[2].hbm);
 }
 
 TEST_F(Recommendations, RowWithoutAnIconHasNoBitmap) {
-    Recommendation saved = rows[0];
-    rows[0].hbm = nullptr;
-    rows[0].nIconId = 0;
+    Add();
+    EXPECT_EQ(nullptr, Add()[0].hbm);
+    EXPECT_EQ(nullptr, table[1].hbm);
+    table[2].nIconId = -31000; // an icon that there is not
     auto items = Add();
     EXPECT_EQ(nullptr, items[0].hbm);
-    EXPECT_EQ(nullptr, rows[0].hbm);
-    rows[0].nIconId = -31000; // an icon that there is not
-    RestartRecommendations();
-    items = Add();
-    EXPECT_EQ(nullptr, items[0].hbm);
     EXPECT_EQ(3u, items.size());
-    rows[0] = saved;
 }

@@ -200,34 +200,39 @@ TEST_F(RestoreMenu, SnapshotRestoredLastIsTheDefaultItem) {
     EXPECT_EQ(0xFFFFFFFF, menu.GetDefaultID(0));
 }
 
-TEST_F(RestoreMenu, MarkIsReadUpToItsSizeAndDamagedOnesMarkNothing) {
-    unsigned __int64 qw = StampOf(2017, 10, 2);
-    key.Plant(qw, layout);
+const unsigned __int64 kMarked = StampOf(2017, 10, 2);
+const std::wstring kMark = NameOf(kMarked);
+
+struct MarkCase {
+    const char* pszName;
+    DWORD dwType;
+    RegBytes bytes;
+    bool bMarks;
+};
+struct RestoreMenuMark : RestoreMenu, testing::WithParamInterface<MarkCase> {};
+
+TEST_P(RestoreMenuMark, IsReadUpToItsSizeAndADamagedOneMarksNothing) {
+    key.Plant(kMarked, layout);
     key.Plant(StampOf(2017, 10, 1), layout);
-    std::wstring strName = NameOf(qw);
-    const struct {
-        const char* pszName;
-        DWORD dwType;
-        RegBytes bytes;
-        bool bMarks;
-    } rows[] = {
-        {"whole", REG_SZ, BytesOf(strName), true},
-        {"without its end", REG_SZ, BytesOf(strName, false), true},
-        {"another type", REG_BINARY, BytesOf(strName), true},
-        {"filled up to 40 bytes", REG_SZ, BytesOf(strName + L'\0' + L"xy", true), true},
-        {"41 bytes", REG_BINARY, RegBytes(41, 0), false},
-        {"42 bytes", REG_SZ, BytesOf(strName + L'\0' + L"xyz", true), false},
-        {"40 bytes of digits", REG_SZ, BytesOf(std::wstring(20, L'0'), false), false},
-        {"one digit short", REG_SZ, BytesOf(strName.substr(1)), false},
-        {"empty", REG_SZ, {}, false},
-        {"half a character", REG_BINARY, {0x30}, false},
-    };
-    for (const auto& row : rows) {
-        key.Put(L"", row.dwType, row.bytes);
-        EXPECT_EQ(2, Build()) << row.pszName;
-        EXPECT_EQ(row.bMarks ? 1000u : 0xFFFFFFFF, menu.GetDefaultID(0)) << row.pszName;
-    }
+    key.Put(L"", GetParam().dwType, GetParam().bytes);
+    EXPECT_EQ(2, Build());
+    EXPECT_EQ(GetParam().bMarks ? 1000u : 0xFFFFFFFF, menu.GetDefaultID(0));
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RestoreMenuMark,
+    testing::Values(
+        MarkCase{"Whole", REG_SZ, BytesOf(kMark), true},
+        MarkCase{"WithoutItsEnd", REG_SZ, BytesOf(kMark, false), true},
+        MarkCase{"OfAnotherType", REG_BINARY, BytesOf(kMark), true},
+        MarkCase{"FilledUpTo40Bytes", REG_SZ, BytesOf(kMark + L'\0' + L"xy", true), true},
+        MarkCase{"Of41Bytes", REG_BINARY, RegBytes(41, 0), false},
+        MarkCase{"Of42Bytes", REG_SZ, BytesOf(kMark + L'\0' + L"xyz", true), false},
+        MarkCase{"Of40BytesOfDigits", REG_SZ, BytesOf(std::wstring(20, L'0'), false), false},
+        MarkCase{"OneDigitShort", REG_SZ, BytesOf(kMark.substr(1)), false},
+        MarkCase{"Empty", REG_SZ, {}, false},
+        MarkCase{"HalfACharacter", REG_BINARY, {0x30}, false}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST_F(RestoreMenu, ListGoesByTheNamesAloneAlsoOfDamagedValues) {
     key.Plant(StampOf(2017, 10, 2), layout);

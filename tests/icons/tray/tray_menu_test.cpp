@@ -4,7 +4,6 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/icons_test_support.h"
 #include "icons/menu_test_support.h"
-#include "icons/monitor/front_end.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "icons/tray/recommendations.h"
@@ -71,12 +70,10 @@ class TrayMenu : public EngineTest {
   protected:
     void SetUp() override {
         EngineTest::SetUp();
-        SetMonitorFrontEnd(nullptr);
         key.Create(); // the set-up above empties the store
         GetMyProductInfo().PushAppRootKey(root.Path().c_str());
-        RestartRecommendations();
         SetDays(0);
-        monitor = std::make_unique<MyMonitor_Wnd>();
+        monitor = std::make_unique<MyMonitor_Wnd>(frontEnd);
         ASSERT_TRUE(monitor->CreateHidden(nullptr));
         Share(view, *monitor);
         monitor->AddWndHook(&watcher);
@@ -85,7 +82,6 @@ class TrayMenu : public EngineTest {
     void TearDown() override {
         monitor->Destroy();
         monitor.reset();
-        RestartRecommendations();
         GetMyProductInfo().PopAppRootKey();
         EngineTest::TearDown();
     }
@@ -131,6 +127,8 @@ class TrayMenu : public EngineTest {
     SnapshotKey key;
     TestView view;
     MenuWatcher watcher;
+    TrayFrontEnd frontEnd;
+    const std::vector<const Recommendation*> entries = RecommendationsOfTheMenu();
     std::unique_ptr<MyMonitor_Wnd> monitor;
 };
 
@@ -162,7 +160,6 @@ TEST_F(TrayMenu, WithSnapshotsTheyAreInASubMenuAndCanBeDeleted) {
 }
 
 TEST_F(TrayMenu, RecommendationComesAndGoesWithTheDayCounter) {
-    const Recommendation(&rows)[kRecommendations] = GetRecommendationTable();
     int nShown = 0;
     for (DWORD dwDays = 0; dwDays <= 8; ++dwDays) {
         SetDays(dwDays);
@@ -172,7 +169,7 @@ TEST_F(TrayMenu, RecommendationComesAndGoesWithTheDayCounter) {
             EXPECT_EQ(5u, watcher.texts.size()) << dwDays;
             continue;
         }
-        const Recommendation& row = rows[nShown++ % 5]; // each opening moves on by one
+        const Recommendation& row = *entries[nShown++ % 5]; // each opening moves on by one
         EXPECT_EQ((Texts{L"Remember icons now", L"(Restore icons)", L"-",
                          L"*" + std::wstring(row.pszLine1) + L"*", row.pszLine2, row.pszLine3, L"-",
                          L"About Tessaly...", L"Exit"}),
@@ -213,7 +210,7 @@ TEST_F(TrayMenu, RememberAsksTheListViewForACaptureThatIsToldOf) {
     PumpAll();
     EXPECT_EQ(1, view.spyListView.CountOfCode(kCodeCapture));
     EXPECT_EQ(1, monitor->GetSnapshotAnnounce());
-    EXPECT_FALSE(monitor->IsSuppressing());
+    EXPECT_FALSE(IsSuppressing(*monitor));
 }
 
 TEST_F(TrayMenu, NothingChosenDoesNothing) {
@@ -227,8 +224,8 @@ TEST_F(TrayMenu, NothingChosenDoesNothing) {
     EXPECT_EQ(0, view.spyListView.CountOf(WM_COPYDATA));
     EXPECT_EQ(0, monitor->GetSnapshotAnnounce());
     EXPECT_EQ(0, watcher.nCloses);
-    EXPECT_TRUE(monitor->IsCapturePending());
-    EXPECT_FALSE(monitor->IsSuppressing());
+    EXPECT_TRUE(IsCapturePending(*monitor));
+    EXPECT_FALSE(IsSuppressing(*monitor));
     EXPECT_EQ(before, key.Values());
     EXPECT_TRUE(recorder.calls.empty());
 }
@@ -241,8 +238,8 @@ TEST_F(TrayMenu, RestoreSuppressesCapturesBeforeAnythingMoves) {
     view.spyListView.handler = [&](UINT uMsg, WPARAM, LPARAM lParam, LRESULT*) {
         if (uMsg != WM_COPYDATA) return 0;
         ++nCopies;
-        EXPECT_TRUE(monitor->IsSuppressing());
-        EXPECT_FALSE(monitor->IsCapturePending());
+        EXPECT_TRUE(IsSuppressing(*monitor));
+        EXPECT_FALSE(IsCapturePending(*monitor));
         auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
         EXPECT_EQ(3u, pData->dwData);
         auto expected = MakeLayout(3, 2);
@@ -269,8 +266,8 @@ TEST_F(TrayMenu, RestoreByTheMouse) {
     });
     EXPECT_EQ(BytesOf(NameOf(StampOf(2017, 10, 1))), key.Value(L"").bytes);
     EXPECT_EQ(1, view.spyListView.CountOf(WM_COPYDATA));
-    EXPECT_TRUE(monitor->IsSuppressing());
-    EXPECT_FALSE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsSuppressing(*monitor));
+    EXPECT_FALSE(IsCapturePending(*monitor));
 }
 
 TEST_F(TrayMenu, RestoreLeadsToNoCaptureOfItsOwn) {
@@ -279,17 +276,17 @@ TEST_F(TrayMenu, RestoreLeadsToNoCaptureOfItsOwn) {
     view.spyListView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
         if (uMsg == WM_COPYDATA) { // the icons move, and the shell tells of it
             ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0);
-            EXPECT_FALSE(monitor->IsCapturePending());
+            EXPECT_FALSE(IsCapturePending(*monitor));
         }
         return 0;
     };
     Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN);
     view.spyListView.handler = nullptr;
     ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0); // a little later, too
-    EXPECT_FALSE(monitor->IsCapturePending());
-    EXPECT_TRUE(PumpUntil([&] { return !monitor->IsSuppressing(); }, 3000));
+    EXPECT_FALSE(IsCapturePending(*monitor));
+    EXPECT_TRUE(PumpUntil([&] { return !IsSuppressing(*monitor); }, 3000));
     ::SendMessageW(*monitor, GetTestCompanyMsg(), kCodeIconsMoved, 0);
-    EXPECT_TRUE(monitor->IsCapturePending());
+    EXPECT_TRUE(IsCapturePending(*monitor));
 }
 
 TEST_F(TrayMenu, OldestOfAnyNumberOfSnapshotsCanBeRestored) {
@@ -326,7 +323,7 @@ TEST_F(TrayMenu, SnapshotOfNoSnapshotsSizeIsListedAndRestoresNothing) {
     EXPECT_EQ(2u, watcher.subTexts.size());
     EXPECT_EQ(0, view.spyListView.CountOf(WM_COPYDATA));
     EXPECT_EQ(before, key.Values());
-    EXPECT_TRUE(monitor->IsSuppressing());
+    EXPECT_TRUE(IsSuppressing(*monitor));
 }
 
 TEST_F(TrayMenu, TimeStampsAreGivenBackOnceAlsoAfterARestore) {
@@ -409,13 +406,12 @@ TEST_F(TrayMenu, EachOfTheThreeRowsOpensThePageOfItsRecommendation) {
             hands.Click(hands.PlaceOf(watcher.hmenuOpen, static_cast<unsigned>(3 + nRow)));
         });
         ASSERT_EQ(1u, recorder.calls.size());
-        EXPECT_EQ(MaybeText(GetRecommendationTable()[nRow].pszUrl), recorder.calls[0].file);
+        EXPECT_EQ(MaybeText(entries[nRow]->pszUrl), recorder.calls[0].file);
     }
 }
 
 TEST_F(TrayMenu, RequestWhileTheMenuIsOpenDoesNothing) {
     SetDays(6);
-    SetMonitorFrontEnd(&trayFrontEnd);
     Open([&](MenuDriver& hands) {
         // As a double click asks: the second one is handled by the menu's own loop.
         DWORD_PTR dwResult = 0;
@@ -424,9 +420,8 @@ TEST_F(TrayMenu, RequestWhileTheMenuIsOpenDoesNothing) {
         EXPECT_EQ(1, hands.CountPopups());
         hands.Press(VK_ESCAPE);
     });
-    SetMonitorFrontEnd(nullptr);
     EXPECT_EQ(1, watcher.nOpened);
-    EXPECT_EQ(&GetRecommendationTable()[0], GetRecommendation());
+    EXPECT_EQ(entries[0], GetRecommendation());
     Glance(); // and the next one opens again
     EXPECT_EQ(2, watcher.nOpened);
 }
@@ -446,7 +441,7 @@ TEST_F(TrayMenu, CaptureGoesOnWhileTheMenuIsOpenAndShowsAtTheNextOpening) {
 TEST_F(TrayMenu, TimersGoOnWhileTheMenuIsOpen) {
     monitor->SuppressCaptures();
     Open([&](MenuDriver& hands) {
-        EXPECT_TRUE(WaitUntil([&] { return !monitor->IsSuppressing(); }));
+        EXPECT_TRUE(WaitUntil([&] { return !IsSuppressing(*monitor); }));
         ::SendMessageW(*monitor, WM_TIMER, 10, 0); // as when it had been quiet for ten seconds
         EXPECT_TRUE(WaitUntil([&] { return view.spyListView.CountOfCode(kCodeCapture) == 1; }));
         EXPECT_EQ(1, hands.CountPopups());
@@ -457,8 +452,7 @@ TEST_F(TrayMenu, TimersGoOnWhileTheMenuIsOpen) {
 TEST_F(TrayMenu, BalloonComesWhileTheMenuIsOpenAndLeavesItOpen) {
     FakeTray tray;
     ASSERT_TRUE(tray.IsInFront());
-    SetMonitorFrontEnd(&trayFrontEnd);
-    trayFrontEnd.OnRoundStart(*monitor, 0);
+    frontEnd.OnRoundStart(*monitor, 0);
     tray.calls.clear();
     monitor->SetSnapshotAnnounce(1);
     Open([&](MenuDriver& hands) {
@@ -471,8 +465,7 @@ TEST_F(TrayMenu, BalloonComesWhileTheMenuIsOpenAndLeavesItOpen) {
     EXPECT_TRUE(tray.calls[0].uFlags & NIF_INFO);
     EXPECT_FALSE(tray.calls[0].strInfo.empty());
     EXPECT_EQ(0, monitor->GetSnapshotAnnounce());
-    trayFrontEnd.OnRoundEnd();
-    SetMonitorFrontEnd(nullptr);
+    frontEnd.OnRoundEnd();
     PumpAll();
 }
 
@@ -494,7 +487,6 @@ TEST_F(TrayMenu, MonitorWindowThatClosesUnderTheQuestionDeletesNothing) {
 TEST_F(TrayMenu, OpensAgainUnderTheQuestionAndShowsTheStoreAsItIsThen) {
     key.Plant(StampOf(2017, 10, 1), MakeLayout(2));
     SetDays(6);
-    SetMonitorFrontEnd(&trayFrontEnd);
     std::thread other([&] {
         EXPECT_TRUE(WaitUntil([] { return IsMessageBoxOpen() != 0; }));
         SendCapture(MakeLayout(5));
@@ -507,10 +499,9 @@ TEST_F(TrayMenu, OpensAgainUnderTheQuestionAndShowsTheStoreAsItIsThen) {
     });
     Press(VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN);
     other.join();
-    SetMonitorFrontEnd(nullptr);
     EXPECT_EQ(2, watcher.nOpened);
     EXPECT_EQ(2u, watcher.subTexts.size());
-    EXPECT_EQ(&GetRecommendationTable()[1], GetRecommendation());
+    EXPECT_EQ(entries[1], GetRecommendation());
     EXPECT_EQ(2u, key.Values().size());
 }
 

@@ -4,77 +4,38 @@
 #include "icons/icons_test_support.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "runtime/base/current_product.h"
+#include "runtime/base/digest.h"
+#include "support/message_box_driver.h"
+
 #include <gtest/gtest.h>
 #include <atomic>
 #include <cstring>
+#include <thread>
 
 namespace {
 
 using Calls = std::vector<std::string>;
-
-/// The message box of the calling process's other thread: waits for it, reads it, answers OK.
-struct SeenBox {
-    int nSeen = 0;
-    std::wstring strTitle, strText;
-    HICON hicon = nullptr;
-    int nButtons = 0;
-    HWND hwndOwner = nullptr;
-};
-
-BOOL CALLBACK ReadBoxChild(HWND hwnd, LPARAM lParam) {
-    auto& box = *reinterpret_cast<SeenBox*>(lParam);
-    wchar_t szClass[16] = {}, szText[400] = {};
-    ::GetClassNameW(hwnd, szClass, 16);
-    ::GetWindowTextW(hwnd, szText, 400);
-    DWORD dwStyle = static_cast<DWORD>(::GetWindowLongW(hwnd, GWL_STYLE));
-    if (::lstrcmpiW(szClass, L"Button") == 0 && dwStyle & WS_VISIBLE) ++box.nButtons;
-    if (::lstrcmpiW(szClass, L"Static") != 0) return TRUE;
-    if ((dwStyle & SS_TYPEMASK) == SS_ICON)
-        box.hicon = reinterpret_cast<HICON>(::SendMessageW(hwnd, STM_GETICON, 0, 0));
-    else if (szText[0])
-        box.strText = szText;
-    return TRUE;
-}
-
-void AnswerBox(SeenBox& box) {
-    HWND hwnd = nullptr;
-    auto isThere = [&] {
-        hwnd = ::FindWindowW(L"#32770", L"Tessaly");
-        return hwnd && ::IsWindowVisible(hwnd);
-    };
-    if (!WaitUntil(isThere)) return;
-    ++box.nSeen;
-    box.strTitle = L"Tessaly";
-    box.hwndOwner = ::GetWindow(hwnd, GW_OWNER);
-    ::EnumChildWindows(hwnd, &ReadBoxChild, reinterpret_cast<LPARAM>(&box));
-    ::PostMessageW(hwnd, WM_COMMAND, IDOK, 0);
-    WaitUntil([&] { return !::IsWindow(hwnd); });
-}
 
 const std::vector<TestIcon> kIcons = {{L"one", {10, 20}}, {L"two", {30, 40}}};
 const HHOOK kBogusHook = reinterpret_cast<HHOOK>(0x12345);
 
 class DoMonitorTest : public EngineTest {
   protected:
-    void SetUp() override {
-        EngineTest::SetUp();
-        SetMonitorFrontEnd(&frontEnd);
-    }
     /// Has the monitor's thread leave its loop if it hangs.
     void Run(HWND hwndParent, int bQuiet, std::function<void()> fnDriver = nullptr) {
         DWORD dwThread = ::GetCurrentThreadId();
         std::atomic<bool> bReturned{false};
         {
-            Driver driver([&] {
+            std::jthread driver([&] {
                 if (fnDriver) fnDriver();
-                if (WaitUntil([&] { return bReturned.load(); }, kDeadlineMs)) return;
+                if (WaitUntil([&] { return bReturned.load(); }, kTestDeadlineMs)) return;
                 bHung = true;
                 while (!bReturned) {
                     ::PostThreadMessageW(dwThread, WM_QUIT, 0, 0);
                     ::Sleep(50);
                 }
             });
-            DoMonitor(hwndParent, bQuiet);
+            RunMonitor(frontEnd, hwndParent, bQuiet);
             bReturned = true;
         }
         EXPECT_FALSE(bHung.load());
@@ -95,7 +56,7 @@ class DoMonitorTest : public EngineTest {
         EXPECT_EQ(nullptr, desktopSharedData.hhook);
         EXPECT_EQ(nullptr, desktopSharedData.hwndMonitor);
         EXPECT_EQ(nullptr, MyMonitor_Wnd::GetCurrent());
-        EXPECT_EQ(nullptr, ::FindWindowW(L"TessalyWnd", nullptr));
+        EXPECT_EQ(nullptr, ::FindWindowW(kMonitorClass, nullptr));
         // The thread's messages go past the agent.
         ::PostMessageW(desktop.GetListView(), GetTestCompanyMsg(), kCodeAttach, 1);
         desktop.Run([] { PumpAll(); });
@@ -112,7 +73,7 @@ TEST_F(DoMonitorTest, GoesThroughARoundInItsOrder) {
     Run(nullptr, 0);
     EXPECT_EQ((Calls{"monitor start", "round start, announced", "monitor close", "round end"}),
               frontEnd.calls);
-    EXPECT_EQ(0, GetRestartFlag());
+    EXPECT_FALSE(GetRestartFlag());
     ExpectNothingLeftIn(desktop);
 }
 
@@ -124,21 +85,9 @@ TEST_F(DoMonitorTest, AnnouncesNothingWhenQuiet) {
               frontEnd.calls);
 }
 
-TEST_F(DoMonitorTest, WorksWithoutAFrontEnd) {
-    DesktopThread desktop(kIcons);
-    SetMonitorFrontEnd(nullptr);
-    bool bStored = false;
-    Run(nullptr, 0, [&] {
-        bStored = WaitForSnapshots(1);
-        Close();
-    });
-    EXPECT_TRUE(bStored);
-    ExpectNothingLeftIn(desktop);
-}
-
 TEST_F(DoMonitorTest, HasEverythingInPlaceWhenARoundStarts) {
     DesktopThread desktop(kIcons);
-    TestWindow wndParent(L"STATIC", nullptr, WS_POPUP);
+    TestWindow wndParent;
     frontEnd.fnRoundStart = [&](MyMonitor_Wnd& monitor) {
         HWND hwnd = monitor;
         EXPECT_EQ(GetTestCompanyMsg(), desktopSharedData.nCompanyMsg);
@@ -146,12 +95,12 @@ TEST_F(DoMonitorTest, HasEverythingInPlaceWhenARoundStarts) {
         EXPECT_EQ(desktop.GetView(), desktopSharedData.hwndView);
         EXPECT_EQ(hwnd, desktopSharedData.hwndMonitor);
         EXPECT_NE(nullptr, desktopSharedData.hhook);
-        EXPECT_EQ(hwnd, ::FindWindowW(L"TessalyWnd", L"TessalyWnd"));
+        EXPECT_EQ(hwnd, ::FindWindowW(kMonitorClass, kMonitorClass));
         EXPECT_EQ(static_cast<HWND>(wndParent), ::GetWindow(hwnd, GW_OWNER));
         EXPECT_EQ(&monitor, MyMonitor_Wnd::GetCurrent());
-        EXPECT_EQ(0, GetRestartFlag());
+        EXPECT_FALSE(GetRestartFlag());
         EXPECT_EQ(0, monitor.GetSnapshotAnnounce());
-        EXPECT_FALSE(monitor.IsCapturePending());
+        EXPECT_FALSE(IsCapturePending(monitor));
         Close();
     };
     Run(wndParent, 0);
@@ -172,8 +121,8 @@ TEST_F(DoMonitorTest, CapturesTheDesktopFirst) {
     auto stored = ReadStoredSnapshots();
     ASSERT_EQ(1u, stored.size());
     IconRecord expected[] = {RecordOf(0, L"one", {10, 20}), RecordOf(1, L"two", {30, 40})};
-    ASSERT_EQ(16 + sizeof(expected), stored.begin()->second.size());
-    EXPECT_EQ(0, std::memcmp(stored.begin()->second.data() + 16, expected, sizeof(expected)));
+    ASSERT_EQ(kMd5Size + sizeof(expected), stored.begin()->second.size());
+    EXPECT_EQ(0, std::memcmp(stored.begin()->second.data() + kMd5Size, expected, sizeof(expected)));
     EXPECT_TRUE(frontEnd.outcomes.empty()); // nobody asked for it
     ExpectNothingLeftIn(desktop);
 }
@@ -218,8 +167,8 @@ TEST_F(DoMonitorTest, DetachesTheListViewBeforeTheView) {
     frontEnd.fnRoundStart = [&](MyMonitor_Wnd&) {
         WaitUntil([&] { return ::GetPropW(desktop.GetListView(), L"CSWND") != nullptr; });
         desktop.Run([] {
-            GetAgentListView().DetachFrom();
-            GetAgentView().DetachFrom();
+            AgentListView().DetachFrom();
+            AgentView().DetachFrom();
         });
         desktop.SpyListView().Clear();
         desktop.SpyView().Clear();
@@ -252,17 +201,7 @@ TEST_F(DoMonitorTest, RestoresWhileItRuns) {
 
 TEST_F(DoMonitorTest, HearsOfADragThroughTheAgent) {
     DesktopThread desktop(kIcons);
-    std::atomic<bool> bPending{false};
-    UINT_PTR uPoll = 0;
-    frontEnd.fnRoundStart = [&](MyMonitor_Wnd&) {
-        static std::atomic<bool>* pPending;
-        pPending = &bPending;
-        uPoll = ::SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) {
-            if (!MyMonitor_Wnd::GetCurrent() || !MyMonitor_Wnd::GetCurrent()->IsCapturePending())
-                return;
-            *pPending = true;
-        });
-    };
+    bool bPending = false;
     Run(nullptr, 1, [&] {
         WaitForSnapshots(1);
         NMLISTVIEW notify{};
@@ -272,11 +211,10 @@ TEST_F(DoMonitorTest, HearsOfADragThroughTheAgent) {
             ::SendMessageW(desktop.GetView(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notify));
         });
         ::PostMessageW(desktop.GetListView(), WM_MOUSEMOVE, 0, 0);
-        WaitUntil([&] { return bPending.load(); });
+        bPending = WaitUntil([] { return IsCapturePending(desktopSharedData.hwndMonitor); });
         Close();
     });
-    ::KillTimer(nullptr, uPoll);
-    EXPECT_TRUE(bPending.load());
+    EXPECT_TRUE(bPending);
 }
 
 TEST_F(DoMonitorTest, ClosesOnTheProductsCloseCode) {
@@ -339,13 +277,13 @@ TEST_F(DoMonitorTest, TakesUpTheNextShell) {
     auto stored = ReadStoredSnapshots();
     ASSERT_EQ(2u, stored.size());
     ASSERT_EQ(40u, stored.rbegin()->second.size());
-    EXPECT_EQ(0, std::memcmp(stored.rbegin()->second.data() + 16, &expected, 24));
+    EXPECT_EQ(0, std::memcmp(stored.rbegin()->second.data() + kMd5Size, &expected, 24));
     ExpectNothingLeftIn(*second);
 }
 
 TEST_F(DoMonitorTest, DoesNothingWhenNoRoundIsWanted) {
     DesktopThread desktop(kIcons);
-    SetRestartFlag(0);
+    SetRestartFlag(false);
     desktopSharedData.hwndMonitor = desktop.GetView();
     Run(nullptr, 0);
     EXPECT_EQ(Calls{"monitor start"}, frontEnd.calls); // the day counter comes before
@@ -357,48 +295,48 @@ TEST_F(DoMonitorTest, EndsSilentlyWhenItsWindowCannotBeCreated) {
     DesktopThread desktop(kIcons);
     Run(reinterpret_cast<HWND>(0xDEAD), 0);
     EXPECT_EQ(Calls{"monitor start"}, frontEnd.calls);
-    EXPECT_EQ(0, GetRestartFlag());
+    EXPECT_FALSE(GetRestartFlag());
     ExpectNothingLeftIn(desktop);
     EXPECT_TRUE(ReadStoredSnapshots().empty());
 }
 
 // A desktop that can't be found
 
-void ExpectDesktopMessage(const SeenBox& box) {
-    EXPECT_EQ(1, box.nSeen);
+void ExpectDesktopMessage(const std::vector<SeenMessageBox>& boxes) {
+    ASSERT_EQ(1u, boxes.size());
+    const SeenMessageBox& box = boxes[0];
     EXPECT_EQ(L"Cannot obtain the desktop properties. Please report this error to technical "
               L"support. ",
               box.strText);
     EXPECT_EQ(::LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_ERROR)), box.hicon);
-    EXPECT_EQ(1, box.nButtons);
+    EXPECT_EQ(1u, box.buttons.size());
 }
 
 TEST_F(DoMonitorTest, TellsThatTheDesktopCannotBeFound) {
-    SeenBox box;
-    Run(nullptr, 1, [&] { AnswerBox(box); });
-    ExpectDesktopMessage(box);
+    MessageBoxDriver box({IDOK});
+    Run(nullptr, 1);
+    ExpectDesktopMessage(box.Finish());
     EXPECT_EQ(Calls{"monitor start"}, frontEnd.calls);
     EXPECT_EQ(nullptr, desktopSharedData.hhook);
 }
 
 TEST_F(DoMonitorTest, TellsItOnTopOfTheGivenParent) {
-    TestWindow wndParent(L"STATIC", nullptr, WS_POPUP);
-    SeenBox box;
-    Run(wndParent, 0, [&] { AnswerBox(box); });
-    ExpectDesktopMessage(box);
-    EXPECT_EQ(static_cast<HWND>(wndParent), box.hwndOwner);
+    TestWindow wndParent;
+    MessageBoxDriver box({IDOK});
+    Run(wndParent, 0);
+    ExpectDesktopMessage(box.Finish());
+    EXPECT_EQ(wndParent.Get(), box.Finish().at(0).hwndOwner);
 }
 
 TEST_F(DoMonitorTest, TellsItWhenTheNextShellHasNoDesktopYet) {
     auto desktop = std::make_unique<DesktopThread>(kIcons);
-    SeenBox box;
+    MessageBoxDriver box({IDOK});
     Run(nullptr, 1, [&] {
         WaitForSnapshots(1);
         desktop->End();
         ::PostMessageW(desktopSharedData.hwndMonitor, GetTestTaskbarCreated(), 0, 0);
-        AnswerBox(box);
     });
-    ExpectDesktopMessage(box);
+    ExpectDesktopMessage(box.Finish());
     EXPECT_EQ((Calls{"monitor start", "round start", "monitor close", "round end"}),
               frontEnd.calls);
     EXPECT_EQ(nullptr, desktopSharedData.hhook);
@@ -452,9 +390,10 @@ TEST_F(DoMonitorStale, DesktopWordsAreReplaced) {
 TEST_F(DoMonitorStale, HookOfALivingMonitorStandsUntilTheRoundEnds) {
     // The living monitor's window belongs to another thread, as if to another process.
     DesktopThread desktop(kIcons);
+    FakeFrontEnd otherFrontEnd;
     std::unique_ptr<MyMonitor_Wnd> other;
     desktop.Run([&] {
-        other = std::make_unique<MyMonitor_Wnd>();
+        other = std::make_unique<MyMonitor_Wnd>(otherFrontEnd);
         ASSERT_TRUE(other->CreateHidden(nullptr));
     });
     desktopSharedData.hwndMonitor = *other;
@@ -472,7 +411,7 @@ TEST_F(DoMonitorStale, HookOfALivingMonitorStandsUntilTheRoundEnds) {
         other->Destroy();
         other.reset();
     });
-    ::UnregisterClassW(L"TessalyWnd", GetLibraryInstance());
+    ::UnregisterClassW(kMonitorClass, GetLibraryInstance());
 }
 
 } // namespace
