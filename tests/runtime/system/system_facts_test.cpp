@@ -1,3 +1,4 @@
+#include "runtime/messages/msg.h"
 #include "runtime/system/system_facts.h"
 #include "support/message_box_driver.h"
 

@@ -1,3 +1,4 @@
+#include "runtime/messages/res_str.h"
 #include "runtime/text/str_format.h"
 #include "support/guard_page.h"
 #include "support/test_resource_ids.h"
