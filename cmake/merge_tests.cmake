@@ -31,6 +31,8 @@ function(tessaly_merge_tests target)
                 -P ${PROJECT_SOURCE_DIR}/cmake/merge_tests.cmake
             DEPENDS ${sources_${folder}} ${PROJECT_SOURCE_DIR}/cmake/merge_tests.cmake
             COMMENT "" VERBATIM)
+        # (For the compiler the tests are headers now, in which an unnamed namespace is a trap.)
+        set_source_files_properties(${merged} PROPERTIES COMPILE_OPTIONS -Wno-subobject-linkage)
         target_sources(${target} PRIVATE ${merged})
     endforeach()
 endfunction()
