@@ -8,6 +8,7 @@
 #include "e2e/support/test_desktop.h"
 #include "e2e/support/unix_shell.h"
 #include "message_count.h"
+#include "support/program_folder.h"
 
 #include <windows.h>
 #include <cstdio>
@@ -56,7 +57,7 @@ bool ReportCount(const char* pszWhat, long n, long nMost) {
 }
 
 bool Measure(MonitorProcess& monitor) {
-    HMODULE hmod = ::LoadLibraryW((ProgramFolder() + L"\\message_count.dll").c_str());
+    HMODULE hmod = ::LoadLibraryW((ProgramFolder() + L"message_count.dll").c_str());
     if (!hmod) throw std::runtime_error("message_count.dll is missing");
     auto* pfnGetCounts = FuncOf<GetCountsFunc>(hmod, "GetCounts");
     DWORD dwThread = ::GetWindowThreadProcessId(monitor.Window(), nullptr);
@@ -66,7 +67,7 @@ bool Measure(MonitorProcess& monitor) {
     // The counters are mapped there with the first message, which they have to count.
     DWORD_PTR nResult = 0;
     ::PostMessageW(monitor.Window(), WM_NULL, 0, 0);
-    ::SendMessageTimeoutW(monitor.Window(), WM_NULL, 0, 0, SMTO_NORMAL, kPatienceMs, &nResult);
+    ::SendMessageTimeoutW(monitor.Window(), WM_NULL, 0, 0, SMTO_NORMAL, kTestDeadlineMs, &nResult);
     MessageCounts before{};
     if (!WaitUntil([&] {
             before = pfnGetCounts();

@@ -2,7 +2,7 @@
 
 #include "e2e/support/mouse.h"
 #include "e2e/support/test_desktop.h"
-#include "e2e/support/wait_until.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 #include <commctrl.h>

@@ -6,25 +6,7 @@
 
 namespace {
 constexpr DWORD kAnswerMs = 40000; // for a process that may be busy with a thousand icons
-constexpr int kBoxTextId = 0xFFFF;
 constexpr size_t kCapturedChars = 259;
-
-std::wstring TextOf(HWND hwnd) {
-    wchar_t sz[2048] = L"";
-    DWORD_PTR nResult = 0;
-    ::SendMessageTimeoutW(hwnd, WM_GETTEXT, 2048, reinterpret_cast<LPARAM>(sz), SMTO_NORMAL, 2000,
-                          &nResult);
-    return sz;
-}
-
-HWND FindBox(DWORD dwProcess) {
-    for (HWND hwnd = nullptr; (hwnd = ::FindWindowExW(nullptr, hwnd, L"#32770", nullptr));) {
-        DWORD dwOwner = 0;
-        ::GetWindowThreadProcessId(hwnd, &dwOwner);
-        if (dwOwner == dwProcess && ::IsWindowVisible(hwnd)) return hwnd;
-    }
-    return nullptr;
-}
 
 /// The platform takes its time for each digest, and tests ask for the same names again and again.
 uint64_t RememberedKey(const std::wstring& strName) {
@@ -33,34 +15,7 @@ uint64_t RememberedKey(const std::wstring& strName) {
     if (bNew) it->second = KeyOfName(strName);
     return it->second;
 }
-
-SeenBox ReadBox(HWND hwnd) {
-    SeenBox box;
-    box.strTitle = TextOf(hwnd);
-    for (HWND hwndItem = ::GetWindow(hwnd, GW_CHILD); hwndItem;
-         hwndItem = ::GetWindow(hwndItem, GW_HWNDNEXT)) {
-        wchar_t szClass[32] = L"";
-        ::GetClassNameW(hwndItem, szClass, 32);
-        int nId = ::GetDlgCtrlID(hwndItem) & 0xFFFF;
-        if (nId == kBoxTextId) box.strText = TextOf(hwndItem);
-        bool bShown = ::GetWindowLongPtrW(hwndItem, GWL_STYLE) & WS_VISIBLE;
-        if (bShown && !::lstrcmpiW(szClass, L"Button")) box.buttons.push_back(nId);
-    }
-    return box;
-}
 } // namespace
-
-std::optional<SeenBox> AnswerBox(DWORD dwProcess, int nButton, DWORD nMs) {
-    HWND hwnd = nullptr;
-    if (!WaitUntil([&] { return (hwnd = FindBox(dwProcess)) != nullptr; }, nMs)) return {};
-    SeenBox box = ReadBox(hwnd);
-    // Again and again: a box that is still coming up may lose the first.
-    WaitUntil([&] {
-        ::PostMessageW(hwnd, WM_COMMAND, static_cast<WPARAM>(nButton), 0);
-        return WaitUntil([&] { return !::IsWindow(hwnd); }, 500);
-    });
-    return box;
-}
 
 ProductLibrary::ProductLibrary() {
     hmod = ::LoadLibraryW((ProductFolder() + L"\\TSDLL64.dll").c_str());

@@ -2,7 +2,8 @@
 #include "e2e/support/monitor_process.h"
 #include "e2e/support/snapshot_reader.h"
 #include "e2e/support/test_desktop.h"
-#include "e2e/support/wait_until.h"
+#include "support/message_box_driver.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -11,16 +12,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-/// A message box as it was found.
-struct SeenBox {
-    std::wstring strTitle;
-    std::wstring strText;
-    std::vector<int> buttons; // ids, in their order
-};
-/// Waits for a message box of that process, presses the button and waits until the box has gone.
-/// Nothing if none comes.
-std::optional<SeenBox> AnswerBox(DWORD dwProcess, int nButton, DWORD nMs = kPatienceMs);
 
 /// The product's library, mapped into the test for as long as the object lives. A process that maps
 /// it shares the words by which the monitor and the agent know each other.

@@ -162,7 +162,7 @@ class Events : public EngineTest {
     LRESULT Send(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         DWORD_PTR nResult = 0;
         EXPECT_TRUE(::SendMessageTimeoutW(monitor.Window(), uMsg, wParam, lParam, SMTO_NORMAL,
-                                          kPatienceMs, &nResult));
+                                          kTestDeadlineMs, &nResult));
         FlushShell();
         return static_cast<LRESULT>(nResult);
     }

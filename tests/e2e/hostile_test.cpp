@@ -49,8 +49,8 @@ class Hostile : public EngineTest {
     }
     void SendTo(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
         DWORD_PTR nResult = 0;
-        EXPECT_TRUE(
-            ::SendMessageTimeoutW(hwnd, uMsg, wParam, lParam, SMTO_NORMAL, kPatienceMs, &nResult));
+        EXPECT_TRUE(::SendMessageTimeoutW(hwnd, uMsg, wParam, lParam, SMTO_NORMAL, kTestDeadlineMs,
+                                          &nResult));
     }
     /// Records of this desktop's icons, all in other places.
     std::vector<StoredIcon> MovedIcons() {

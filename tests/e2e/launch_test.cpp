@@ -12,10 +12,7 @@ namespace {
 constexpr DWORD kProbeExitCode = 77;
 constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
-std::wstring Probe() {
-    std::wstring str = ProgramFolder();
-    return str.substr(0, str.rfind(L'\\')) + L"\\tests\\launch_probe.exe";
-}
+std::wstring Probe() { return FolderBeside(L"tests") + L"\\launch_probe.exe"; }
 
 /// The library's functions by their exported names.
 class LaunchLibrary {
@@ -69,7 +66,7 @@ class Launch : public EngineTest {
         EXPECT_EQ(ProductFolder(), report->strFolder);
         EXPECT_EQ(SW_SHOWNORMAL, report->nShow);
         EXPECT_EQ(report->dwProcess, ::GetProcessId(hProcess));
-        EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(hProcess, kPatienceMs));
+        EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(hProcess, kTestDeadlineMs));
         DWORD dwExitCode = 0;
         ::GetExitCodeProcess(hProcess, &dwExitCode);
         EXPECT_EQ(kProbeExitCode, dwExitCode);
@@ -97,8 +94,8 @@ TEST_F(Launch, ElevatedProcessHandsOverWithoutBeingTold) {
 
 TEST_F(Launch, FailureOverThereGivesZero) {
     StartPlain(1);
-    std::optional<SeenBox> box;
-    std::thread answer([&] { box = AnswerBox(desktop->ProcessId(), IDOK); });
+    std::optional<SeenMessageBox> box;
+    std::thread answer([&] { box = AnswerMessageBox(desktop->ProcessId(), IDOK); });
     HANDLE hProcess = &box;
     EXPECT_EQ(0, library.RunNonElevated()(nullptr, L"C:\\no such file.exe", nullptr, nullptr,
                                           &hProcess, nullptr, 1));
@@ -192,7 +189,7 @@ class AutoStart : public EngineTest {
                                 L"C:\\", &si, &pi)) {
             return false;
         }
-        DWORD dwWait = ::WaitForSingleObject(pi.hProcess, kPatienceMs);
+        DWORD dwWait = ::WaitForSingleObject(pi.hProcess, kTestDeadlineMs);
         ::CloseHandle(pi.hThread);
         ::CloseHandle(pi.hProcess);
         return dwWait == WAIT_OBJECT_0;

@@ -205,7 +205,7 @@ TEST_F(Life, ExitsThoughItGoesRoundAgainMeanwhile) {
 
 TEST_F(Life, SaysThatThereIsNoDesktopAndEnds) {
     monitor.Start();
-    std::optional<SeenBox> box = AnswerBox(monitor.ProcessId(), IDOK, 20000);
+    std::optional<SeenMessageBox> box = AnswerMessageBox(monitor.ProcessId(), IDOK, 20000);
     ASSERT_TRUE(box);
     EXPECT_EQ(L"Tessaly", box->strTitle);
     EXPECT_EQ(kNoDesktopText, box->strText);
@@ -219,7 +219,7 @@ TEST_F(Life, SaysThatThereIsNoDesktopWhenARestartFindsNone) {
     StartMonitor();
     desktop->Kill();
     ::PostMessageW(monitor.Window(), ::RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
-    std::optional<SeenBox> box = AnswerBox(monitor.ProcessId(), IDOK);
+    std::optional<SeenMessageBox> box = AnswerMessageBox(monitor.ProcessId(), IDOK);
     ASSERT_TRUE(box);
     EXPECT_EQ(kNoDesktopText, box->strText);
     EXPECT_TRUE(monitor.WaitForEnd());
@@ -257,7 +257,7 @@ TEST_F(Life, UnknownSwitchIsToldAndTheRunningOneGoesOn) {
     StartMonitor();
     ChildProcess host;
     host.Start(HostPath(), L"/BOGUS");
-    std::optional<SeenBox> box = AnswerBox(host.Id(), IDOK);
+    std::optional<SeenMessageBox> box = AnswerMessageBox(host.Id(), IDOK);
     ASSERT_TRUE(box);
     for (const wchar_t* pszPart : {L"/BOGUS", L"/QUIET", L"/EXIT"}) {
         EXPECT_NE(std::wstring::npos, box->strText.find(pszPart));
@@ -304,7 +304,7 @@ class TwoFolders : public Life {
     /// The copy says that something is wrong with that very file, and ends with a failure.
     void ExpectRefusal() {
         host.Start(strHost + L"\\TSEXE64.exe", L"/QUIET", strCurrent);
-        std::optional<SeenBox> box = AnswerBox(host.Id(), IDOK);
+        std::optional<SeenMessageBox> box = AnswerMessageBox(host.Id(), IDOK);
         ASSERT_TRUE(box);
         EXPECT_EQ(L"Tessaly", box->strTitle);
         EXPECT_NE(std::wstring::npos, box->strText.find(strHost + L"\\TSDLL64.dll"));

@@ -85,12 +85,12 @@ TEST_F(Menu, DeleteAllAsksAndEmptiesTheStore) {
     StartMonitor();
     const std::vector<Key> kDelete = {Key::Down, Key::Down, Key::Down, Key::Return};
     Choose(kDelete);
-    auto box = AnswerBox(monitor.ProcessId(), IDNO);
+    auto box = AnswerMessageBox(monitor.ProcessId(), IDNO);
     ASSERT_TRUE(box.has_value());
     EXPECT_EQ(L"Are you sure you want to delete all snapshots?", box->strText);
     EXPECT_EQ(1, store.Count());
     Choose(kDelete);
-    ASSERT_TRUE(AnswerBox(monitor.ProcessId(), IDYES).has_value());
+    ASSERT_TRUE(AnswerMessageBox(monitor.ProcessId(), IDYES).has_value());
     EXPECT_TRUE(WaitUntil([this] { return store.Count() == 0; }));
     EXPECT_TRUE(StillCaptures());
 }
@@ -102,15 +102,15 @@ TEST_F(Menu, AboutIsShownOnceAndTheMonitorGoesOnMeanwhile) {
     Choose(kAbout);
     HWND hwndBox = nullptr;
     ASSERT_TRUE(WaitUntil([&] {
-        hwndBox = ::FindWindowW(L"#32770", L"Tessaly");
-        return hwndBox && ::IsWindowVisible(hwndBox);
+        hwndBox = FindMessageBox(monitor.ProcessId(), L"Tessaly");
+        return hwndBox != nullptr;
     }));
     EXPECT_TRUE(StillCaptures());
     Choose(kAbout); // the menu opens all the same; the box that is there comes forward
     EXPECT_TRUE(WaitUntil([&] { return ::GetForegroundWindow() == hwndBox; }));
     HWND hwndOther = ::FindWindowExW(nullptr, hwndBox, L"#32770", L"Tessaly");
     EXPECT_EQ(nullptr, hwndOther);
-    auto box = AnswerBox(monitor.ProcessId(), IDOK);
+    auto box = AnswerMessageBox(monitor.ProcessId(), IDOK);
     ASSERT_TRUE(box.has_value());
     EXPECT_EQ(0u, box->strText.find(L"Tessaly v. 1.1"));
 }

@@ -194,7 +194,7 @@ class RestoreWithAutoArrange : public Restore, public testing::WithParamInterfac
     void RestoreAndAnswer(int nButton) {
         ProductLibrary library;
         auto done = std::async(std::launch::async, [&] { library.Restore(strName); });
-        std::optional<SeenBox> box = AnswerBox(::GetCurrentProcessId(), nButton);
+        std::optional<SeenMessageBox> box = AnswerMessageBox(::GetCurrentProcessId(), nButton);
         ASSERT_EQ(std::future_status::ready, done.wait_for(std::chrono::seconds(10)));
         ASSERT_TRUE(box);
         EXPECT_EQ(L"Tessaly", box->strTitle);

@@ -8,7 +8,8 @@
 #include "e2e/support/test_desktop.h"
 #include "e2e/support/tray_menu.h"
 #include "e2e/support/unix_shell.h"
-#include "e2e/support/wait_until.h"
+#include "support/message_box_driver.h"
+#include "support/wait_until.h"
 
 #include <windows.h>
 #include <algorithm>
@@ -152,7 +153,7 @@ void Tour::DragAndCapture() {
     printf("   %s: %ld,%ld -> %ld,%ld\n", Utf8(kDragged).c_str(), before.pt.x, before.pt.y,
            ptAfter.x, ptAfter.y);
     ULONGLONG nBegin = ::GetTickCount64();
-    Check(WaitUntil([&] { return store.Count() == 2; }, kDebounceMs + kPatienceMs),
+    Check(WaitUntil([&] { return store.Count() == 2; }, kDebounceMs + kTestDeadlineMs),
           "a second snapshot is stored");
     printf("   %.1f seconds after the drop\n",
            static_cast<double>(::GetTickCount64() - nBegin) / 1000);
@@ -243,8 +244,8 @@ void Tour::DeleteAllFromMenu() {
     Menu().Press({Key::Down, Key::Down, Key::Return}, 0);
     HWND hwndBox = nullptr;
     Check(WaitUntil([&] {
-              hwndBox = ::FindWindowW(L"#32770", L"Tessaly");
-              return hwndBox && ::IsWindowVisible(hwndBox);
+              hwndBox = FindMessageBox(monitor.ProcessId(), L"Tessaly");
+              return hwndBox != nullptr;
           }),
           "it asks");
     TakeScreenshot(L"question");

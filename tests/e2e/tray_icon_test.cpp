@@ -12,7 +12,7 @@ class TrayThread {
   public:
     TrayThread()
         : hReady(::CreateEventW(nullptr, TRUE, FALSE, nullptr)), thread([this] { Main(); }) {
-        ::WaitForSingleObject(hReady, kPatienceMs);
+        ::WaitForSingleObject(hReady, kTestDeadlineMs);
     }
     ~TrayThread() {
         ::PostThreadMessageW(dwThread, WM_QUIT, 0, 0);

@@ -1,4 +1,6 @@
 #pragma once
+#include "support/program_folder.h"
+
 #include <windows.h>
 #include <filesystem>
 #include <fstream>
@@ -16,15 +18,7 @@ struct LaunchReport {
     std::wstring strLine; // the whole command line
 };
 
-/// The folder of the running test program, with its final separator.
-inline std::wstring TestFolder() {
-    wchar_t sz[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
-    std::wstring str = sz;
-    return str.substr(0, str.rfind(L'\\') + 1);
-}
-
-inline std::wstring ProbePath() { return TestFolder() + L"launch_probe.exe"; }
+inline std::wstring ProbePath() { return ProgramFolder() + L"launch_probe.exe"; }
 
 /// The folder where probes leave their reports; empty at first and gone at the end.
 class LaunchReports {

@@ -1,4 +1,5 @@
 #include "support/menu_driver.h"
+#include "support/input.h"
 #include "support/wait_until.h"
 
 #include <vector>
@@ -18,18 +19,6 @@ std::vector<HWND> Popups() {
         if (dwProcess == ::GetCurrentProcessId() && ::IsWindowVisible(hwnd)) found.push_back(hwnd);
     }
     return found;
-}
-
-/// The movement and the button in one: between two inputs, an earlier movement that is still on its
-/// way can put the cursor back.
-INPUT MouseInput(DWORD dwButton, POINT pt) {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | dwButton;
-    // In 65,536ths of the screen.
-    input.mi.dx = ::MulDiv(pt.x, 65536, ::GetSystemMetrics(SM_CXSCREEN)) + 1;
-    input.mi.dy = ::MulDiv(pt.y, 65536, ::GetSystemMetrics(SM_CYSCREEN)) + 1;
-    return input;
 }
 } // namespace
 
@@ -83,16 +72,7 @@ void MenuDriver::Run() {
     if (!bDone) ::SendMessageW(hwndOwner, WM_CANCELMODE, 0, 0);
 }
 
-void MenuDriver::PressKey(WORD wKey) {
-    INPUT inputs[2]{};
-    for (INPUT& input : inputs) {
-        input.type = INPUT_KEYBOARD;
-        input.ki.wVk = wKey;
-        input.ki.wScan = static_cast<WORD>(::MapVirtualKeyW(wKey, MAPVK_VK_TO_VSC));
-    }
-    inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
-    ::SendInput(2, inputs, sizeof(INPUT));
-}
+void MenuDriver::PressKey(WORD wKey) { SendKey(wKey); }
 
 void MenuDriver::Click(POINT pt, bool bRight) {
     INPUT inputs[] = {MouseInput(bRight ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN, pt),

@@ -1,5 +1,4 @@
 #include "support/message_box_driver.h"
-#include "support/wait_until.h"
 
 #include <utility>
 
@@ -7,28 +6,42 @@ namespace {
 constexpr const wchar_t* kBoxClass = L"#32770";
 constexpr int kBoxTextId = 0xFFFF;
 constexpr DWORD kPollMs = 10;
+constexpr DWORD kPressAgainMs = 500; // a box that is still coming up may lose the first press
+constexpr DWORD kAnswerMs = 2000;
 
-HWND FindBoxAfter(HWND hwndAfter, const wchar_t* pszTitle) {
-    for (HWND hwnd = hwndAfter; (hwnd = ::FindWindowExW(nullptr, hwnd, kBoxClass, pszTitle));) {
-        DWORD nProcess = 0;
-        ::GetWindowThreadProcessId(hwnd, &nProcess);
-        if (nProcess == ::GetCurrentProcessId() && ::IsWindowVisible(hwnd)) return hwnd;
+/// Asks the window itself: of a control in another process, GetWindowText gives nothing.
+std::wstring TextOf(HWND hwnd) {
+    wchar_t sz[4096] = {};
+    DWORD_PTR nResult = 0;
+    ::SendMessageTimeoutW(hwnd, WM_GETTEXT, 4096, reinterpret_cast<LPARAM>(sz), SMTO_NORMAL,
+                          kAnswerMs, &nResult);
+    return sz;
+}
+
+/// Presses the button until the box has gone; false if it stays.
+bool Press(HWND hwndBox, int nButton) {
+    return WaitUntil([&] {
+        ::PostMessageW(hwndBox, WM_COMMAND, static_cast<WPARAM>(nButton), 0);
+        return WaitUntil([&] { return !::IsWindow(hwndBox); }, kPressAgainMs);
+    });
+}
+} // namespace
+
+HWND FindMessageBox(DWORD dwProcess, const wchar_t* pszTitle) {
+    for (HWND hwnd = nullptr; (hwnd = ::FindWindowExW(nullptr, hwnd, kBoxClass, pszTitle));) {
+        DWORD dwOwner = 0;
+        ::GetWindowThreadProcessId(hwnd, &dwOwner);
+        if (dwOwner == dwProcess && ::IsWindowVisible(hwnd)) return hwnd;
     }
     return nullptr;
 }
 
-std::wstring TextOf(HWND hwnd) {
-    wchar_t sz[4096] = {};
-    ::GetWindowTextW(hwnd, sz, 4096);
-    return sz;
-}
-
-SeenMessageBox Read(HWND hwnd) {
+SeenMessageBox ReadMessageBox(HWND hwndBox) {
     SeenMessageBox box;
-    box.strTitle = TextOf(hwnd);
-    box.hwndOwner = ::GetWindow(hwnd, GW_OWNER);
-    box.nStyle = ::GetWindowLongPtrW(hwnd, GWL_STYLE);
-    for (HWND hwndItem = ::GetWindow(hwnd, GW_CHILD); hwndItem;
+    box.strTitle = TextOf(hwndBox);
+    box.hwndOwner = ::GetWindow(hwndBox, GW_OWNER);
+    box.nStyle = ::GetWindowLongPtrW(hwndBox, GWL_STYLE);
+    for (HWND hwndItem = ::GetWindow(hwndBox, GW_CHILD); hwndItem;
          hwndItem = ::GetWindow(hwndItem, GW_HWNDNEXT)) {
         wchar_t szClass[32] = {};
         ::GetClassNameW(hwndItem, szClass, 32);
@@ -36,17 +49,29 @@ SeenMessageBox Read(HWND hwnd) {
         int nId = ::GetDlgCtrlID(hwndItem) & 0xFFFF;
         if (nId == kBoxTextId) box.strText = TextOf(hwndItem);
         if (!::lstrcmpiW(szClass, L"Button") && bShown) box.buttons.push_back(nId);
-        if (::lstrcmpiW(szClass, L"Static")) continue;
-        auto hicon = reinterpret_cast<HICON>(::SendMessageW(hwndItem, STM_GETICON, 0, 0));
-        if (!hicon) continue;
-        box.hicon = hicon;
-        box.bHasIcon = 1;
+        DWORD_PTR nIcon = 0;
+        if (!::lstrcmpiW(szClass, L"Static") &&
+            ::SendMessageTimeoutW(hwndItem, STM_GETICON, 0, 0, SMTO_NORMAL, kAnswerMs, &nIcon) &&
+            nIcon) {
+            box.hicon = reinterpret_cast<HICON>(nIcon);
+            box.bHasIcon = 1;
+        }
     }
     return box;
 }
-} // namespace
 
-int IsMessageBoxOpen(const wchar_t* pszTitle) { return FindBoxAfter(nullptr, pszTitle) != nullptr; }
+std::optional<SeenMessageBox> AnswerMessageBox(DWORD dwProcess, int nButton, DWORD nDeadlineMs) {
+    HWND hwnd = nullptr;
+    if (!WaitUntil([&] { return (hwnd = FindMessageBox(dwProcess)) != nullptr; }, nDeadlineMs))
+        return {};
+    SeenMessageBox box = ReadMessageBox(hwnd);
+    Press(hwnd, nButton);
+    return box;
+}
+
+int IsMessageBoxOpen(const wchar_t* pszTitle) {
+    return FindMessageBox(::GetCurrentProcessId(), pszTitle) != nullptr;
+}
 
 MessageBoxDriver::MessageBoxDriver(std::vector<int> buttonsToPress, std::wstring strTitle)
     : buttons(std::move(buttonsToPress)), strBoxTitle(std::move(strTitle)) {
@@ -73,22 +98,14 @@ DWORD WINAPI MessageBoxDriver::ThreadProc(void* pDriver) {
     return 0;
 }
 
-HWND MessageBoxDriver::FindBox() const { return FindBoxAfter(nullptr, strBoxTitle.c_str()); }
-
 void MessageBoxDriver::Run() {
+    const wchar_t* pszTitle = strBoxTitle.empty() ? nullptr : strBoxTitle.c_str();
     for (int nButton : buttons) {
         HWND hwnd = nullptr;
         // However late it comes: unanswered, the test's thread would sit in it for ever.
-        while (!(hwnd = FindBox()))
+        while (!(hwnd = FindMessageBox(::GetCurrentProcessId(), pszTitle)))
             if (::WaitForSingleObject(hStop, kPollMs) == WAIT_OBJECT_0) return;
-        DWORD nStart = ::GetTickCount();
-        seen.push_back(Read(hwnd));
-        // Again and again: a box that is still coming up may lose the first.
-        while (::IsWindow(hwnd)) {
-            ::PostMessageW(hwnd, WM_COMMAND, static_cast<WPARAM>(nButton), 0);
-            if (!WaitUntil([&] { return !::IsWindow(hwnd); }, 500) &&
-                ::GetTickCount() - nStart > kTestDeadlineMs)
-                return;
-        }
+        seen.push_back(ReadMessageBox(hwnd));
+        if (!Press(hwnd, nButton)) return;
     }
 }

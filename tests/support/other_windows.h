@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/system/runtime_func.h"
+#include "support/program_folder.h"
 #include "support/start_process.h"
 #include <windows.h>
 #include <string>
@@ -10,13 +11,6 @@
 /// False on a real Windows, which does no such thing.
 inline bool CanShowOtherWindows() {
     return FindModuleFunc(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
-
-inline std::wstring FolderOfThisProgram() {
-    wchar_t sz[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
-    std::wstring str = sz;
-    return str.substr(0, str.rfind(L'\\') + 1);
 }
 
 /// What a program prints.
@@ -63,7 +57,7 @@ inline std::string OutputOnOtherWindows(const std::wstring& strName,
     ::GetTempPathW(MAX_PATH, szTemp);
     std::wstring strProgram = szTemp + strExe;
     std::string str = "no copy";
-    if (::CopyFileW((FolderOfThisProgram() + strName).c_str(), strProgram.c_str(), FALSE)) {
+    if (::CopyFileW((ProgramFolder() + strName).c_str(), strProgram.c_str(), FALSE)) {
         str = OutputOf(strProgram);
         ::DeleteFileW(strProgram.c_str());
     }

@@ -1,8 +1,10 @@
 #pragma once
 #include "runtime/system/runtime_func.h"
+
 #include <initializer_list>
 #include <map>
 #include <string>
+#include <utility>
 
 /// Looks a function up in a system module; null if this Windows does not have it.
 using RuntimeLookup = FARPROC (*)(const wchar_t* pszModule, const char* pszName);
@@ -12,43 +14,61 @@ using RuntimeLookup = FARPROC (*)(const wchar_t* pszModule, const char* pszName)
 /// thread sees the platform's own: it passes on what it leaves alone with FindSystemFunc.
 void SetRuntimeLookup(RuntimeLookup pfnLookup);
 
-/// A function as the look-ups give it.
+/// A function without its type, as the look-ups give it.
 template <class Fn>
 FARPROC AsProc(Fn* pfn) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(pfn));
 }
 
-/// A Windows with these functions in the place of its own for the length of a block; null is one
-/// that is not there. One at a time:
+/// Another Windows for the length of a block: in the place of platform functions that are found at
+/// run time stand the test's own, or nothing. Every other function is the platform's. One object of
+/// this class or of HideFunctions at a time.
 ///
-///     ReplaceFunctions replaced{{"IsUserAnAdmin", AsProc(&SaysNo)}};
+///     ReplaceFunctions windows;
+///     windows.Set("IsUserAnAdmin", &SaysNo);
+///     windows.Hide("ChangeWindowMessageFilterEx");
 class ReplaceFunctions {
   public:
-    ReplaceFunctions(std::map<std::string, FARPROC> others) {
-        replacements = std::move(others);
-        SetRuntimeLookup(Lookup);
+    /// By name; null hides one.
+    using Table = std::map<std::string, FARPROC, std::less<>>;
+
+    explicit ReplaceFunctions(Table newTable = {}) {
+        table = std::move(newTable);
+        SetRuntimeLookup(&Find);
     }
-    ~ReplaceFunctions() { SetRuntimeLookup(nullptr); }
+    ~ReplaceFunctions() {
+        SetRuntimeLookup(nullptr);
+        table.clear();
+    }
     ReplaceFunctions(const ReplaceFunctions&) = delete;
     ReplaceFunctions& operator=(const ReplaceFunctions&) = delete;
 
-  private:
-    static FARPROC Lookup(const wchar_t* pszModule, const char* pszName) {
-        auto it = replacements.find(pszName);
-        return it == replacements.end() ? FindSystemFunc(pszModule, pszName) : it->second;
+    template <class Fn>
+    void Set(const char* pszName, Fn* pfn) {
+        Change(pszName, AsProc(pfn));
     }
-    static inline std::map<std::string, FARPROC> replacements;
+    void Hide(const char* pszName) { Change(pszName, nullptr); }
+
+
+  private:
+    static void Change(const char* pszName, FARPROC pfn) {
+        table[pszName] = pfn;
+        SetRuntimeLookup(&Find); // has what was found already looked for anew
+    }
+    static FARPROC Find(const wchar_t* pszModule, const char* pszName) {
+        auto it = table.find(pszName);
+        return it == table.end() ? FindSystemFunc(pszModule, pszName) : it->second;
+    }
+    static inline Table table;
 };
 
-/// A Windows without these functions for the length of a block. One at a time.
-class HideFunctions : public ReplaceFunctions {
+/// A Windows without these functions for the length of a block.
+class HideFunctions {
   public:
-    HideFunctions(std::initializer_list<const char*> names) : ReplaceFunctions(Hidden(names)) {}
+    HideFunctions(std::initializer_list<const char*> names) {
+        for (const char* pszName : names) functions.Hide(pszName);
+    }
 
   private:
-    static std::map<std::string, FARPROC> Hidden(std::initializer_list<const char*> names) {
-        std::map<std::string, FARPROC> hidden;
-        for (const char* psz : names) hidden[psz] = nullptr;
-        return hidden;
-    }
+    ReplaceFunctions functions;
 };

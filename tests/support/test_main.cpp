@@ -1,11 +1,10 @@
 #include "app/start/library_start.h"
 #include <gtest/gtest.h>
-#include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
     // What the entry point does in the library: the same root key, locks and subclassing.
     LibraryStart(::GetModuleHandleW(nullptr));
-    testing::InitGoogleMock(&argc, argv);
+    testing::InitGoogleTest(&argc, argv);
     int nResult = RUN_ALL_TESTS();
     LibraryStop();
     return nResult;

@@ -182,7 +182,7 @@ TEST_F(Elevate, OwnerThatIsGivenGoesAlong) {
 
 TEST_F(Elevate, SatellitesOnlyHaveTheirPathFound) {
     StoredHome home; // is not where they lie
-    wstring strPath = TestFolder() + L"x.exe";
+    wstring strPath = ProgramFolder() + L"x.exe";
     EXPECT_EQ(1, RunSatelliteFileNonElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 1));
     ShellCall call = shell.TakeOne();
     EXPECT_EQ(strPath.c_str(), call.file);

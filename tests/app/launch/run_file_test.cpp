@@ -22,7 +22,7 @@ HCURSOR WaitCursor() { return ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)); }
 
 /// Where the program lies, without a final separator, and its path.
 std::wstring OwnFolder() {
-    std::wstring str = TestFolder();
+    std::wstring str = ProgramFolder();
     str.pop_back();
     return str;
 }
@@ -162,7 +162,7 @@ TEST_F(RunRecorded, SatelliteFilesLieBesideTheLibrary) {
     StoredHome home; // is not where they lie
     EXPECT_EQ(1, RunSatelliteFile(nullptr, L"a b.exe", L"p", L"v"));
     ShellCall call = shell.TakeOne();
-    EXPECT_EQ((TestFolder() + L"a b.exe").c_str(), call.file);
+    EXPECT_EQ((ProgramFolder() + L"a b.exe").c_str(), call.file);
     EXPECT_EQ(::GetDesktopWindow(), call.hwnd);
     EXPECT_EQ(L"p", call.parameters);
     EXPECT_EQ(L"v", call.verb);
@@ -177,7 +177,7 @@ TEST_F(RunRecorded, SatelliteFilesLieBesideTheLibrary) {
 }
 
 TEST_F(RunRecorded, SatellitePathsAreNeverCut) {
-    std::size_t nRoom = MAX_PATH - 1 - TestFolder().size();
+    std::size_t nRoom = MAX_PATH - 1 - ProgramFolder().size();
     EXPECT_EQ(1, RunSatelliteFile(nullptr, std::wstring(nRoom, L'x').c_str(), nullptr, nullptr));
     EXPECT_EQ(MAX_PATH - 1u, shell.TakeOne().file.str.size());
     EXPECT_EQ(0,

@@ -1,19 +1,16 @@
 #include "e2e/support/child_process.h"
+#include "support/program_folder.h"
 #include "support/start_process.h"
 
 #include <stdexcept>
 
-std::wstring ProgramFolder() {
-    wchar_t sz[MAX_PATH] = L"";
-    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
-    std::wstring str = sz;
-    return str.substr(0, str.rfind(L'\\'));
+std::wstring FolderBeside(const std::wstring& strName) {
+    std::wstring str = ProgramFolder();
+    str.pop_back();
+    return str.substr(0, str.rfind(L'\\') + 1) + strName;
 }
 
-std::wstring ProductFolder() {
-    std::wstring str = ProgramFolder();
-    return str.substr(0, str.rfind(L'\\')) + L"\\bin";
-}
+std::wstring ProductFolder() { return FolderBeside(L"bin"); }
 
 ChildProcess::~ChildProcess() { Kill(); }
 
@@ -59,7 +56,7 @@ void ChildProcess::WaitUntilIdle(DWORD nMs) {
 void ChildProcess::Kill() {
     if (IsRunning()) {
         ::TerminateProcess(hProcess, 1);
-        ::WaitForSingleObject(hProcess, kPatienceMs);
+        ::WaitForSingleObject(hProcess, kTestDeadlineMs);
     }
     Close();
 }

@@ -1,11 +1,12 @@
 #pragma once
-#include "e2e/support/wait_until.h"
+#include "support/wait_until.h"
+
 #include <windows.h>
 #include <optional>
 #include <string>
 
-/// The folder of the running program, without a final backslash.
-std::wstring ProgramFolder();
+/// A folder of the build beside that of the running program, without a final separator.
+std::wstring FolderBeside(const std::wstring& strName);
 /// What the build made for users: TSEXE64.exe and TSDLL64.dll lie there.
 std::wstring ProductFolder();
 
@@ -24,9 +25,9 @@ class ChildProcess {
     bool IsRunning() const;
     DWORD Id() const { return dwId; }
     /// The exit code once it has ended by itself within the time; nothing if it still runs.
-    std::optional<DWORD> WaitForEnd(DWORD nMs = kPatienceMs);
+    std::optional<DWORD> WaitForEnd(DWORD nMs = kTestDeadlineMs);
     /// Returns when it first waits for messages, or after that time.
-    void WaitUntilIdle(DWORD nMs = kPatienceMs);
+    void WaitUntilIdle(DWORD nMs = kTestDeadlineMs);
     /// Ends it without warning and waits until it has gone.
     void Kill();
     /// Leaves the program running when the object goes.

@@ -1,5 +1,6 @@
 #include "e2e/support/keyboard.h"
 #include "e2e/support/unix_shell.h"
+#include "support/input.h"
 
 #include <windows.h>
 #include <stdexcept>
@@ -11,16 +12,7 @@ constexpr const wchar_t* kNames[] = {L"Up", L"Down", L"Left", L"Right", L"Return
 
 void keyboard::Press(const std::vector<Key>& keys) {
     for (Key key : keys) {
-        INPUT inputs[2]{};
-        for (INPUT& input : inputs) {
-            input.type = INPUT_KEYBOARD;
-            input.ki.wVk = kCodes[static_cast<int>(key)];
-            input.ki.wScan = static_cast<WORD>(::MapVirtualKeyW(input.ki.wVk, MAPVK_VK_TO_VSC));
-        }
-        inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
-        if (::SendInput(2, inputs, sizeof(INPUT)) != 2) {
-            throw std::runtime_error("SendInput failed");
-        }
+        if (!SendKey(kCodes[static_cast<int>(key)])) throw std::runtime_error("SendInput failed");
     }
 }
 

@@ -18,14 +18,14 @@ class MonitorProcess {
     /// and it waits for messages. Throws std::runtime_error if that takes too long.
     void StartOn(TestDesktop& desktop, const std::wstring& strArguments = L"/QUIET");
     /// Returns when the running monitor has taken up the desktop; false if that takes too long.
-    bool WaitUntilOn(TestDesktop& desktop, DWORD nMs = kPatienceMs);
+    bool WaitUntilOn(TestDesktop& desktop, DWORD nMs = kTestDeadlineMs);
 
     /// Runs a second TSEXE64.exe with /EXIT; true if both have ended in time, the second with 0.
-    bool Exit(DWORD nMs = kPatienceMs);
+    bool Exit(DWORD nMs = kTestDeadlineMs);
     void Kill() { process.Kill(); }
     bool IsRunning() const { return process.IsRunning(); }
     DWORD ProcessId() const { return process.Id(); }
-    std::optional<DWORD> WaitForEnd(DWORD nMs = kPatienceMs) { return process.WaitForEnd(nMs); }
+    std::optional<DWORD> WaitForEnd(DWORD nMs = kTestDeadlineMs) { return process.WaitForEnd(nMs); }
     void LetGo() { process.LetGo(); }
 
     /// The monitor window of this process; null if there is none.

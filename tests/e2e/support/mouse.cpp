@@ -1,5 +1,6 @@
 #include "e2e/support/mouse.h"
 #include "e2e/support/unix_shell.h"
+#include "support/input.h"
 
 #include <stdexcept>
 #include <string>
@@ -46,7 +47,7 @@ class PlatformHand final : public Hand {
     void Do(const std::vector<Step>& steps) override {
         for (const Step& step : steps) {
             if (step.kind == Step::Kind::Move) {
-                Send(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, step.pt);
+                Send(0, step.pt);
             } else {
                 bool bDown = step.kind == Step::Kind::Down;
                 bool bLeft = step.button == mouse::Button::Left;
@@ -59,14 +60,8 @@ class PlatformHand final : public Hand {
     }
 
   private:
-    static void Send(DWORD dwFlags, POINT pt) {
-        INPUT input{};
-        input.type = INPUT_MOUSE;
-        input.mi.dwFlags = dwFlags;
-        if (dwFlags & MOUSEEVENTF_ABSOLUTE) { // in 65,536ths of the screen
-            input.mi.dx = ::MulDiv(pt.x, 65536, ::GetSystemMetrics(SM_CXSCREEN)) + 1;
-            input.mi.dy = ::MulDiv(pt.y, 65536, ::GetSystemMetrics(SM_CYSCREEN)) + 1;
-        }
+    static void Send(DWORD dwButton, POINT pt) {
+        INPUT input = MouseInput(dwButton, pt);
         if (!::SendInput(1, &input, sizeof(input))) throw std::runtime_error("SendInput failed");
     }
 };

@@ -1,4 +1,5 @@
 #include "e2e/support/test_desktop.h"
+#include "support/program_folder.h"
 
 #include <stdexcept>
 
@@ -37,7 +38,7 @@ TestDesktop::~TestDesktop() {
 void TestDesktop::Start(Announce announce) {
     std::wstring strArguments = kModeNames[static_cast<int>(mode)];
     if (announce == Announce::No) strArguments += L" /SILENT";
-    process.Start(ProgramFolder() + L"\\test_desktop.exe", strArguments);
+    process.Start(ProgramFolder() + L"test_desktop.exe", strArguments);
     bool bUp = WaitUntil(
         [&] {
             hwndCommands = FindCommandWindow();

@@ -83,7 +83,7 @@ class TestDesktop {
     bool HasLibrary();
 
     /// A command as it stands in the protocol; the reply's rows.
-    std::vector<Row> Call(const Row& command, DWORD nMs = kPatienceMs);
+    std::vector<Row> Call(const Row& command, DWORD nMs = kTestDeadlineMs);
 
   private:
     std::wstring ReadReply() const;

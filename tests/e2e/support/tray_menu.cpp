@@ -1,5 +1,5 @@
 #include "e2e/support/tray_menu.h"
-#include "e2e/support/wait_until.h"
+#include "support/wait_until.h"
 
 #include <stdexcept>
 #include <string>

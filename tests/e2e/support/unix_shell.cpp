@@ -1,5 +1,5 @@
 #include "e2e/support/unix_shell.h"
-#include "e2e/support/wait_until.h"
+#include "support/wait_until.h"
 
 #include <cstdlib>
 #include <stdexcept>

@@ -1,15 +1,10 @@
 #include "store/registry/reg_values.h"
 #include "support/heap_count.h"
+#include "support/rect.h"
 #include "support/registry.h"
 
 #include <gtest/gtest.h>
 #include <cstring>
-#include <ostream>
-
-bool operator==(const RECT& left, const RECT& right) { return ::EqualRect(&left, &right); }
-void PrintTo(const RECT& rc, std::ostream* pOut) {
-    *pOut << rc.left << "," << rc.top << "," << rc.right << "," << rc.bottom;
-}
 
 namespace {
 class RegValues : public testing::Test {

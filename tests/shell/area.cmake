@@ -1,0 +1,1 @@
+set_target_properties(tests_shell PROPERTIES HEAP_CHECKED tests_shell.exe)
