@@ -28,6 +28,14 @@ struct DayCount : testing::Test {
         return *reinterpret_cast<const int*>(content.bytes.data());
     }
 };
+
+/// So many bytes of text, with more of it behind them in memory: the platform takes a terminator
+/// along that stands right behind a text.
+RegBytes TextOfBytes(size_t cb) {
+    RegBytes bytes(cb + 2 * sizeof(wchar_t), 'x');
+    bytes.resize(cb);
+    return bytes;
+}
 } // namespace
 
 TEST_F(DayCount, FirstDayOnlyRemembersTheDate) {
@@ -102,13 +110,13 @@ TEST_F(DayCount, DateOfAnotherTypeOrWithoutItsEndIsReadAllTheSame) {
 TEST_F(DayCount, DateOfUpTo64BytesCounts) {
     for (size_t cb : {2u, 62u, 63u, 64u}) {
         setup.PutDword(L"DayCount", 5);
-        setup.Put(L"LastUse", REG_SZ, RegBytes(cb, 'x'));
+        setup.Put(L"LastUse", REG_SZ, TextOfBytes(cb));
         EXPECT_EQ(6u, UpdateDayCount()) << cb;
         EXPECT_EQ(TodaysText(), LastUse());
     }
     for (size_t cb : {0u, 65u, 66u, 4000u}) { // as if there were none
         setup.PutDword(L"DayCount", 5);
-        setup.Put(L"LastUse", REG_SZ, RegBytes(cb, 'x'));
+        setup.Put(L"LastUse", REG_SZ, TextOfBytes(cb));
         EXPECT_EQ(5u, UpdateDayCount()) << cb;
         EXPECT_EQ(TodaysText(), LastUse());
     }
