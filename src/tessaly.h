@@ -8,6 +8,7 @@
 #include "app/launch/elevate.h"
 #include "app/launch/open_html.h"
 #include "app/launch/run_file.h"
+#include "files/disk/error_mode.h"
 #include "files/disk/path_drive.h"
 #include "files/disk/path_fs.h"
 #include "files/disk/path_home.h"

@@ -75,7 +75,7 @@ class ConnectionList {
             DWORD nCount = ReadPiece();
             if (nCount == 0) break;
             for (DWORD i = 0; i < nCount; ++i) {
-                const NETRESOURCEW& entry = block[i];
+                const NETRESOURCEW& entry = block.Get()[i];
                 if (entry.lpLocalName && entry.lpRemoteName &&
                     CharToUpper(*entry.lpLocalName) == chDrive) {
                     return entry.lpRemoteName;

@@ -71,21 +71,3 @@ TESSALY_API int GetNetworkDrivePath(int nDrive, wchar_t* pszOut);
 /// longer than other paths. 1; 0 with an empty text if no drive leads there. pszOut may be the
 /// path.
 TESSALY_API int DosPathFromUncPath(wchar_t* pszOut, const wchar_t* pszUnc);
-
-/// Sets the error mode (SEM_..., winbase.h) for its lifetime. The mode is the whole process'.
-class TESSALY_API ErrorModeSuppressor {
-  public:
-    explicit ErrorModeSuppressor(UINT nMode) : nPrevious(::SetErrorMode(nMode)) {}
-    ErrorModeSuppressor(const ErrorModeSuppressor&) = delete; // puts the mode back once
-    ErrorModeSuppressor& operator=(const ErrorModeSuppressor&) = delete;
-    ~ErrorModeSuppressor() { ::SetErrorMode(nPrevious); }
-
-  private:
-    UINT nPrevious;
-};
-
-/// Held by code that touches removable drives, so that no system dialog asks for a disk.
-class TESSALY_API NoFloppyDiskError : public ErrorModeSuppressor {
-  public:
-    NoFloppyDiskError() : ErrorModeSuppressor(SEM_FAILCRITICALERRORS) {}
-};

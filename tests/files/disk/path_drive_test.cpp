@@ -7,9 +7,6 @@
 #include <gtest/gtest.h>
 #include <bit>
 #include <cwctype>
-#include <type_traits>
-
-static_assert(!std::is_copy_constructible_v<ErrorModeSuppressor>);
 
 namespace {
 const wchar_t* kNull = nullptr;
@@ -561,44 +558,5 @@ TEST_F(PathNetTest, RandomPaths) {
             ASSERT_EQ(L":\\", out.Str().substr(1, 2));
         }
     }
-}
-
-// The error mode
-
-UINT CurrentMode() {
-    UINT nMode = ::SetErrorMode(0);
-    ::SetErrorMode(nMode);
-    return nMode;
-}
-
-class ErrorModeTest : public testing::Test {
-  protected:
-    ~ErrorModeTest() override { ::SetErrorMode(nBefore); }
-    UINT nBefore = ::SetErrorMode(SEM_NOOPENFILEERRORBOX);
-};
-using ErrorMode = ErrorModeTest;
-
-TEST_F(ErrorMode, NoFloppyDiskErrorFailsCriticalErrorsForItsLifetime) {
-    {
-        NoFloppyDiskError guard;
-        EXPECT_EQ(static_cast<UINT>(SEM_FAILCRITICALERRORS), CurrentMode());
-    }
-    EXPECT_EQ(static_cast<UINT>(SEM_NOOPENFILEERRORBOX), CurrentMode());
-}
-
-TEST_F(ErrorMode, SuppressorSetsTheGivenMode) {
-    for (UINT nMode : {UINT{0}, UINT{SEM_FAILCRITICALERRORS}, UINT{SEM_NOGPFAULTERRORBOX}}) {
-        {
-            ErrorModeSuppressor guard(nMode);
-            EXPECT_EQ(nMode, CurrentMode());
-        }
-        EXPECT_EQ(static_cast<UINT>(SEM_NOOPENFILEERRORBOX), CurrentMode());
-    }
-}
-
-TEST_F(ErrorMode, NestedGuardsComeBackInOrder) {
-    ErrorModeSuppressor outer(0);
-    { NoFloppyDiskError inner; }
-    EXPECT_EQ(0u, CurrentMode());
 }
 } // namespace

@@ -317,6 +317,10 @@ bool AnswersRightWithTheLibrary() {
     for (const wchar_t* psz : {L"", L"f", L"ftp:/", L"ftp:\\\\host", L" ftp://", L"ftps://"}) {
         bRight = bRight && !IsFtpFolder(psz);
     }
+    RandomPaths paths(821);
+    for (int i = 0; i < kRandomInputs; ++i) {
+        bRight = bRight && !IsFtpFolder(paths.Next().c_str());
+    }
     return bRight;
 }
 
