@@ -14,7 +14,9 @@ target_include_directories(tessaly_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 add_library(tessaly_product_flags INTERFACE)
 target_link_libraries(tessaly_product_flags INTERFACE tessaly_flags)
 target_compile_options(tessaly_product_flags INTERFACE
-    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-inline-functions -ffunction-sections -fdata-sections)
+    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-inline-functions
+    # (A section for each datum would take zero buffers out of .bss: the file would hold their zeros.)
+    -ffunction-sections)
 
 # The image of everything that must load on Windows XP x64.
 add_library(tessaly_image_flags INTERFACE)

@@ -18,7 +18,6 @@ struct SeenMessageBox {
     std::vector<int> buttons; // ids of its buttons, in their order
     HICON hicon = nullptr;    // its picture; of its process
     int bHasIcon = 0;
-    HICON hicon = nullptr;
 };
 
 /// The message box that a process shows now, the one in front if there are more; null if there is
