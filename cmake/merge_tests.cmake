@@ -14,7 +14,7 @@ function(tessaly_merge_tests target)
     foreach(source ${ARGN})
         get_source_file_property(alone ${source} SKIP_UNITY_BUILD_INCLUSION)
         cmake_path(GET source PARENT_PATH folder)
-        string(MAKE_C_IDENTIFIER "${folder}" folder)
+        string(MAKE_C_IDENTIFIER "in_${folder}" folder) # no empty name for the list's own folder
         if(alone)
             target_sources(${target} PRIVATE ${source})
         else()

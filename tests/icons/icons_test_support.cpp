@@ -98,14 +98,6 @@ ClassWindow::ClassWindow(const wchar_t* pszClass, HWND hwndParent, DWORD dwStyle
     : hwnd(::CreateWindowExW(0, pszClass, L"", dwStyle, 0, 0, 400, 400, hwndParent, nullptr,
                              ::GetModuleHandleW(nullptr), nullptr)) {}
 
-TestClass::TestClass(const wchar_t* pszNewName) : pszName(pszNewName) {
-    WNDCLASSW wc{};
-    wc.lpfnWndProc = ::DefWindowProcW;
-    wc.hInstance = ::GetModuleHandleW(nullptr);
-    wc.lpszClassName = pszName;
-    ::RegisterClassW(&wc);
-}
-
 bool IsClassThere(const wchar_t* pszName) {
     WNDCLASSEXW wc{};
     wc.cbSize = sizeof(wc);

@@ -80,18 +80,6 @@ class ClassWindow {
     HWND hwnd;
 };
 
-/// Registers a class with DefWindowProcW, as long as the object lives.
-class TestClass {
-  public:
-    explicit TestClass(const wchar_t* pszNewName);
-    ~TestClass() { ::UnregisterClassW(pszName, ::GetModuleHandleW(nullptr)); }
-    TestClass(const TestClass&) = delete;
-    TestClass& operator=(const TestClass&) = delete;
-
-  private:
-    const wchar_t* pszName;
-};
-
 /// Whether the library has registered the class.
 bool IsClassThere(const wchar_t* pszName);
 /// The class of a hidden window: CSWnd's procedure, the library's instance and nothing else.

@@ -1,5 +1,6 @@
 #pragma once
 #include <windows.h>
+#include <concepts>
 #include <functional>
 #include <optional>
 
@@ -39,7 +40,9 @@ class TestWindow {
         Create(kClass, L"test window", hwndOwner, dwStyle, 200, 100);
     }
     /// A window without title of that class, such as L"STATIC", with WS_CHILD inside the other one.
-    explicit TestWindow(const wchar_t* pszClass, HWND hwndParent = nullptr, DWORD dwStyle = 0) {
+    /// (A template, so that {} stays a missing handler.)
+    template <std::convertible_to<const wchar_t*> Name>
+    explicit TestWindow(Name pszClass, HWND hwndParent = nullptr, DWORD dwStyle = 0) {
         Create(pszClass, L"", hwndParent, dwStyle, 400, 400);
     }
     ~TestWindow() { Destroy(); }

@@ -1,5 +1,6 @@
 #include "runtime/base/current_product.h"
 #include "support/other_windows.h"
+#include "support/program_folder.h"
 
 #include <gtest/gtest.h>
 #include <sstream>
@@ -20,7 +21,7 @@ class CurrentProductTest : public testing::Test {
 const HINSTANCE kOther = reinterpret_cast<HINSTANCE>(0x123450000);
 
 TEST(CurrentProductStart, IsTheLibraryWithoutNameAndNumber) {
-    std::istringstream stream(OutputOf(FolderOfThisProgram() + L"version_probe.exe"));
+    std::istringstream stream(OutputOf(ProgramFolder() + L"version_probe.exe"));
     std::string strAnswers;
     for (std::string strName, strValue; stream >> strName >> strValue;) {
         if (strName == "NameLength" || strName == "Id" || strName == "HasModule" ||

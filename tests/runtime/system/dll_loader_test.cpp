@@ -1,16 +1,10 @@
 #include "runtime/system/dll_loader.h"
+#include "support/program_folder.h"
 
 #include <gtest/gtest.h>
 #include <string>
 
 namespace {
-std::wstring FolderOfThisProgram() {
-    wchar_t sz[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
-    std::wstring str = sz;
-    return str.substr(0, str.rfind(L'\\') + 1);
-}
-
 std::wstring SystemFolder() {
     wchar_t sz[MAX_PATH];
     ::GetSystemDirectoryW(sz, MAX_PATH);
@@ -19,7 +13,7 @@ std::wstring SystemFolder() {
 
 /// A file of that name beside the program while it lives: the system's own mpr.dll, renamed.
 struct Beside {
-    explicit Beside(const wchar_t* pszName) : strPath(FolderOfThisProgram() + pszName) {
+    explicit Beside(const wchar_t* pszName) : strPath(ProgramFolder() + pszName) {
         EXPECT_TRUE(::CopyFileW((SystemFolder() + L"mpr.dll").c_str(), strPath.c_str(), FALSE));
     }
     ~Beside() { ::DeleteFileW(strPath.c_str()); }
