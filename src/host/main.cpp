@@ -9,7 +9,7 @@
 #include "resources/resource_ids.h"
 #include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
-#include "runtime/text/str_format.h"
+#include "runtime/text/text_format.h"
 #include <windows.h>
 #include <shellapi.h>
 
