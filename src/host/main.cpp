@@ -10,7 +10,7 @@
 #include "resources/resource_ids.h"
 #include "runtime/base/ownership.h"
 #include "runtime/messages/msg.h"
-#include "runtime/text/str_format.h"
+#include "runtime/text/text_format.h"
 #include "wnd/core/company_msg.h"
 
 #include <windows.h>
