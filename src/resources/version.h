@@ -6,20 +6,21 @@
 #define TESSALY_VERSION_BUILD 0
 #define TESSALY_REVISION 2409
 
-// The text of one token, or of several without blanks between them, whose macros are expanded first.
+// The text of one token, or of several without blanks between them, whose macros are expanded
+// first.
 #define TESSALY_TEXT_OF(tokens) TESSALY_TEXT_OF_EXPANDED(tokens)
 #define TESSALY_TEXT_OF_EXPANDED(tokens) #tokens
 
 // clang-format off: a blank after a point would stand in the text
 /// "1.1"
-#define TESSALY_VERSION_SHORT_TEXT \
-    TESSALY_TEXT_OF(TESSALY_VERSION_MAJOR.TESSALY_VERSION_MINOR)
+#define TESSALY_VERSION_SHORT_TEXT TESSALY_TEXT_OF(TESSALY_VERSION_MAJOR.TESSALY_VERSION_MINOR)
 /// "2409"
 #define TESSALY_REVISION_TEXT TESSALY_TEXT_OF(TESSALY_REVISION)
 /// "1.1.0.2409", as the version resources state it
-#define TESSALY_VERSION_TEXT \
-    TESSALY_TEXT_OF(TESSALY_VERSION_MAJOR.TESSALY_VERSION_MINOR.TESSALY_VERSION_BUILD.TESSALY_REVISION)
+#define TESSALY_VERSION_TEXT                                                                       \
+    TESSALY_TEXT_OF(                                                                               \
+        TESSALY_VERSION_MAJOR.TESSALY_VERSION_MINOR.TESSALY_VERSION_BUILD.TESSALY_REVISION)
 /// The same as the four numbers of a version resource
-#define TESSALY_VERSION_NUMBERS \
+#define TESSALY_VERSION_NUMBERS                                                                    \
     TESSALY_VERSION_MAJOR, TESSALY_VERSION_MINOR, TESSALY_VERSION_BUILD, TESSALY_REVISION
 // clang-format on

@@ -49,7 +49,6 @@ class ReplaceFunctions {
     }
     void Hide(const char* pszName) { Change(pszName, nullptr); }
 
-
   private:
     static void Change(const char* pszName, FARPROC pfn) {
         table[pszName] = pfn;
