@@ -25,10 +25,14 @@ bool IsSignalled(HANDLE h) { return ::WaitForSingleObject(h, 0) == WAIT_OBJECT_0
 struct CSThread::Life {
     CritSec cs;                // held while somebody relies on what pObject says
     CSThread* pObject;         // null once the destructor has passed the worker
-    bool bDestructing = false; // the owner is in the destructor: the worker must not delete
+    bool bDestructing = false; // the owner destroys it: no work begins, no self-deletion
     std::atomic<int> nRefs{1};
 
     explicit Life(CSThread* pOf) : pObject(pOf) {}
+    bool MayWork() {
+        CritSecLock lock(cs);
+        return pObject && !bDestructing;
+    }
     void Release() {
         if (--nRefs == 0) delete this;
     }
@@ -52,11 +56,14 @@ CSThread::CSThread()
       hDone(::CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       hCancel(::CreateEventW(nullptr, TRUE, FALSE, nullptr)), nLiveMark(kLiveMark) {}
 
+void CSThread::MarkDestruction() {
+    if (!pLife) return;
+    CritSecLock lock(pLife->cs);
+    pLife->bDestructing = true;
+}
+
 CSThread::~CSThread() {
-    if (pLife) {
-        CritSecLock lock(pLife->cs);
-        pLife->bDestructing = true;
-    }
+    MarkDestruction();
     CSThread::Destroy(kDestructorTimeoutMs);
     if (pLife) {
         {
@@ -140,6 +147,16 @@ int CSThread::FinishOwnThread() {
     return 1;
 }
 
+// The worker's virtual call needs an object that is a CSThreadEx still: in ~CSThread it would find
+// a table of functions that ends before DoThreadEx. So the worker is waited for here, one class
+// above, and by operator delete even before a derived class begins to go.
+CSThreadEx::~CSThreadEx() { EndWorker(); }
+
+void CSThreadEx::EndWorker() {
+    MarkDestruction();
+    CSThread::Destroy(kDestructorTimeoutMs); // by then a second call has no thread to wait for
+}
+
 unsigned CSThreadEx::DoThreadEx() { return 0; }
 
 int CSThreadEx::Start(int nPriority) { return Create(&ThreadProcEx, this, nPriority); }
@@ -148,7 +165,7 @@ unsigned __stdcall CSThreadEx::ThreadProcEx(void* pArgument) {
     auto* pThread = static_cast<CSThreadEx*>(pArgument);
     Life::Ref life(pThread->pLife); // before ready: until then the starter keeps the object
     pThread->SetReady();
-    unsigned nExitCode = pThread->DoThreadEx();
+    unsigned nExitCode = life->MayWork() ? pThread->DoThreadEx() : 0;
 
     bool bDelete = false;
     {

@@ -4,6 +4,7 @@
 #include "runtime/threads/crit_sec.h"
 #include <windows.h>
 #include <atomic>
+#include <new>
 
 /// What a thread runs; its result is the thread's exit code.
 using CSThreadProc = unsigned(__stdcall*)(void* pArgument);
@@ -17,7 +18,7 @@ using CSThreadProc = unsigned(__stdcall*)(void* pArgument);
 ///
 /// A worker that does not answer Destroy in time goes on running, without the object: it must not
 /// touch it any more. A derived class whose worker uses its members calls Destroy in its own
-/// destructor, since the members are gone before this one's.
+/// destructor, since they are gone before this class's destructor waits.
 class TESSALY_API CSThread {
   public:
     CSThread();
@@ -65,6 +66,9 @@ class TESSALY_API CSThread {
 
   protected:
     struct Life; // outlives the object as long as its worker needs it
+    /// The owner has begun to destroy the object: from here on its worker neither begins work nor
+    /// deletes the object.
+    void MarkDestruction();
     /// The end of the calling thread: handle closed, done set. 0 if the object runs another by now.
     int FinishOwnThread();
 
@@ -81,11 +85,26 @@ class TESSALY_API CSThread {
 };
 
 /// A thread that runs DoThreadEx, is ready at once and done when that returns.
+///
+/// A class whose DoThreadEx uses members of its own calls Destroy first thing in its destructor,
+/// whoever destroys it: its owner, the end of a block, or the object itself.
 class TESSALY_API CSThreadEx : public CSThread {
   public:
-    /// bDeleteSelfAtEnd: made with new, the object deletes itself when the work is done; its owner
-    /// may still destroy it before.
+    /// bDeleteSelfAtEnd: made with new, the object deletes itself when the work is done. Until then
+    /// its owner may delete it as any other object; who cannot know that the work goes on must not.
     explicit CSThreadEx(int bDeleteSelfAtEnd = 0) : bDeleteSelf(bDeleteSelfAtEnd) {}
+    /// Asks the worker to end and waits up to 6 seconds for done. Work that has not begun by then
+    /// does not begin any more.
+    ~CSThreadEx() override;
+    /// Does the same before the first destructor of a derived class runs.
+    static void operator delete(CSThreadEx* pThread, std::destroying_delete_t) {
+        // Of an object with several bases this class need not be the beginning. Inline, since the
+        // memory goes back to where the module that made the object took it from.
+        void* pBlock = dynamic_cast<void*>(pThread);
+        pThread->EndWorker();
+        pThread->~CSThreadEx();
+        ::operator delete(pBlock);
+    }
 
     /// The work, on the worker's thread; the result becomes the exit code.
     virtual unsigned DoThreadEx();
@@ -99,5 +118,7 @@ class TESSALY_API CSThreadEx : public CSThread {
     static unsigned __stdcall ThreadProcEx(void* pArgument);
 
   private:
+    void EndWorker();
+
     int bDeleteSelf;
 };
