@@ -9,7 +9,7 @@
 namespace {
 constexpr const wchar_t* kUserKey = L"HKCU\\Software\\Microsoft\\Windows\\CurrentVersion";
 constexpr const wchar_t* kMachineKey = L"HKLM\\Software\\Microsoft\\Windows\\CurrentVersion";
-constexpr int kKeySize = 64;
+constexpr int kAutoRunKeySize = 64;
 constexpr int kLineSize = 260; // a longer value is not compared (RegKey::OpTest)
 
 /// The value's text. False if it does not fit.
@@ -26,7 +26,7 @@ RegKey::Op ChooseOp(int bWrite, int bOn) {
 
 int GetSetAutoRunDll32(int bWrite, int* pnOn, int bOn, int bCurrentUser, const wchar_t* pszName,
                        const wchar_t* pszArguments) {
-    wchar_t szKey[kKeySize], szLine[kLineSize];
+    wchar_t szKey[kAutoRunKeySize], szLine[kLineSize];
     FormatText(szKey, L"%s\\Run", bCurrentUser ? kUserKey : kMachineKey);
     RegKey key;
     if (!key.Open(szKey, bWrite) || !MakeLine(szLine, pszArguments)) return 0;

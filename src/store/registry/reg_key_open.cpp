@@ -1,6 +1,7 @@
 #include "runtime/text/str_find.h"
 #include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
+#include "store/registry/reg_path.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -9,7 +10,6 @@
 // stands in the place of the registry.
 
 namespace {
-constexpr wchar_t kSeparator = L'\\';
 constexpr std::size_t kComponentSize = 128; // with the terminator
 constexpr std::size_t kPathSize = 256;      // of a path joined from two texts
 constexpr std::size_t kLineSize = 255;      // of the log; longer lines are cut, ends and all
@@ -44,12 +44,12 @@ bool TakeComponent(const wchar_t*& pszPath, wchar_t (&szComponent)[kComponentSiz
     std::copy_n(pszPath, cch, szComponent);
     szComponent[cch] = 0;
     pszPath += cch;
-    if (*pszPath == kSeparator) ++pszPath;
+    if (*pszPath == kRegSeparator) ++pszPath;
     return true;
 }
 
 int CountComponents(const wchar_t* pszPath) {
-    return 1 + static_cast<int>(std::count(pszPath, pszPath + std::wcslen(pszPath), kSeparator));
+    return 1 + static_cast<int>(std::count(pszPath, pszPath + std::wcslen(pszPath), kRegSeparator));
 }
 } // namespace
 

@@ -12,10 +12,10 @@
 // platform's files.
 
 namespace {
-constexpr int kNameSize = 256;        // of the names that are walked, with the terminator
+constexpr int kWalkedNameSize = 256;  // of the names that are walked, with the terminator
 constexpr int kDeletedNameSize = 257; // of the names of what is deleted
 constexpr int kMaxLevels = 512;       // of the platform's trees
-constexpr std::size_t kPathSize = 257;
+constexpr std::size_t kMakerPathSize = 257;
 
 /// A walk over names that vanish while they are walked: the index stays where it is as long as what
 /// it names gets deleted. A name that comes a second time was not, and is stepped over.
@@ -55,21 +55,22 @@ bool OpenExisting(RegKey& child, RegKey& parent, const wchar_t* pszSubkey) {
 }
 
 /// Joins root, maker's key and name. False if that was cut: it would be another key.
-bool JoinMakerPath(wchar_t (&szPath)[kPathSize], const wchar_t* pszRoot, const wchar_t* pszMakerKey,
-                   const wchar_t* pszName) {
+bool JoinMakerPath(wchar_t (&szPath)[kMakerPathSize], const wchar_t* pszRoot,
+                   const wchar_t* pszMakerKey, const wchar_t* pszName) {
     FormatText(szPath, L"%s\\%s\\%s", pszRoot, pszMakerKey, pszName);
-    return std::wcslen(pszRoot) + std::wcslen(pszMakerKey) + std::wcslen(pszName) + 2 < kPathSize;
+    return std::wcslen(pszRoot) + std::wcslen(pszMakerKey) + std::wcslen(pszName) + 2 <
+           kMakerPathSize;
 }
 } // namespace
 
 int RegKey::IsKeyEmpty() {
-    wchar_t szName[kNameSize];
-    if (GetFirstSubKey(szName, kNameSize)) return 0;
+    wchar_t szName[kWalkedNameSize];
+    if (GetFirstSubKey(szName, kWalkedNameSize)) return 0;
     // The default value has the empty name and need not come first. There is one of it, so that
     // whatever comes with it has a name.
-    LSTATUS status = ReadValueName(0, szName, kNameSize);
+    LSTATUS status = ReadValueName(0, szName, kWalkedNameSize);
     if (status == ERROR_NO_MORE_ITEMS) return 1;
-    return status == ERROR_SUCCESS && !*szName && !GetValueByIndex(1, szName, kNameSize);
+    return status == ERROR_SUCCESS && !*szName && !GetValueByIndex(1, szName, kWalkedNameSize);
 }
 
 int RegKey::DelSubKeyIfEmpty(const wchar_t* pszSubkey) {
@@ -133,9 +134,9 @@ void RegKey::CopyValues(RegKey& target) {
 
 /// CopyTo, down to so many levels.
 void RegKey::CopyTree(RegKey& target, int nLevelsLeft) {
-    wchar_t szName[kNameSize];
+    wchar_t szName[kWalkedNameSize];
     for (nIndex = 0; nLevelsLeft > 0; ++nIndex) {
-        LSTATUS status = ReadSubKeyName(nIndex, szName, kNameSize);
+        LSTATUS status = ReadSubKeyName(nIndex, szName, kWalkedNameSize);
         if (status == ERROR_MORE_DATA) continue;
         if (status != ERROR_SUCCESS) break; // no more; an error would come again at every index
         RegKey child, childOfTarget;
@@ -169,7 +170,7 @@ int RegKey::RenameSubkey(const wchar_t* pszOld, const wchar_t* pszNew) {
 int RegKey::CS2WA(int bUser, const wchar_t* pszName) {
     if (!pszName) pszName = L"";
     const wchar_t* pszRoot = bUser ? L"HKCU" : L"HKLM";
-    wchar_t szNew[kPathSize], szOld[kPathSize];
+    wchar_t szNew[kMakerPathSize], szOld[kMakerPathSize];
     if (!JoinMakerPath(szNew, pszRoot, kMakerKey, pszName)) return 1;
     if (!JoinMakerPath(szOld, pszRoot, kFormerMakerKey, pszName)) return 1;
     if (RegKey(szNew, 0).GetHandle()) return 1; // moved already, or taken over
@@ -179,7 +180,7 @@ int RegKey::CS2WA(int bUser, const wchar_t* pszName) {
         if (!target.Open(szNew, 1)) return 0;
         source.CopyTo(target);
     }
-    wchar_t szPath[kPathSize];
+    wchar_t szPath[kMakerPathSize];
     FormatText(szPath, L"%s\\%s", pszRoot, kFormerMakerKey);
     RegKey former;
     if (!former.Open(szPath, 1)) return 1;

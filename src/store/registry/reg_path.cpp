@@ -6,17 +6,16 @@
 #include <cwchar>
 
 namespace {
-constexpr wchar_t kSeparator = L'\\';
 
 /// As the registry compares the characters of names.
 bool IsSameChar(wchar_t chLeft, wchar_t chRight) {
     return chLeft == chRight || CharToUpper(chLeft) == CharToUpper(chRight);
 }
 
-bool IsAtEnd(const wchar_t* psz) { return !*psz || *psz == kSeparator; }
+bool IsAtEnd(const wchar_t* psz) { return !*psz || *psz == kRegSeparator; }
 
 const wchar_t* SkipSeparators(const wchar_t* psz) {
-    while (*psz == kSeparator) ++psz;
+    while (*psz == kRegSeparator) ++psz;
     return psz;
 }
 } // namespace
@@ -35,7 +34,7 @@ const wchar_t* FindRegPathBelow(const wchar_t* pszPath, const wchar_t* pszOther)
 
 const wchar_t* RegKey::FindLastSubkeyName(const wchar_t* pszPath) {
     if (!pszPath || !*pszPath) return nullptr;
-    const wchar_t* pszLast = std::wcsrchr(pszPath, kSeparator);
+    const wchar_t* pszLast = std::wcsrchr(pszPath, kRegSeparator);
     return pszLast ? pszLast + 1 : pszPath;
 }
 

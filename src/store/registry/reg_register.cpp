@@ -4,7 +4,7 @@
 #include <shlobj.h>
 
 namespace {
-constexpr std::size_t kPathSize = 256;
+constexpr std::size_t kRegisterPathSize = 256;
 constexpr std::size_t kDriverFileSize = 65; // of a driver's file name, with the terminator
 constexpr const wchar_t* kSafeModes[] = {L"Minimal", L"Network"};
 constexpr const wchar_t* kCurrentVersion = L"HKLM\\Software\\Microsoft\\Windows\\CurrentVersion";
@@ -39,7 +39,7 @@ bool ProcessClass(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPa
 }
 
 bool ProcessApproval(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszClsid) {
-    wchar_t szPath[kPathSize];
+    wchar_t szPath[kRegisterPathSize];
     FormatText(szPath, L"%s\\Shell Extensions\\Approved", kCurrentVersion);
     RegKey approved(szPath, op);
     return approved.GetHandle() && approved.ProcessEntry(op, pszClsid, pszName);
@@ -47,7 +47,7 @@ bool ProcessApproval(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszCl
 
 bool ProcessHandler(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszClsid,
                     const wchar_t* pszType, const wchar_t* pszHandlerKind) {
-    wchar_t szPath[kPathSize];
+    wchar_t szPath[kRegisterPathSize];
     FormatText(szPath, L"HKEY_CLASSES_ROOT\\%s\\shellex\\%s", pszType, pszHandlerKind);
     RegKey handlers(szPath, op);
     if (!handlers.GetHandle() || !handlers.ProcessSubKey(op, pszName)) return false;
@@ -105,7 +105,7 @@ int SetupCtxMenuRegistry(RegKey::Op op, const wchar_t* pszName, const wchar_t* p
 int RegisterBHO(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
                 const wchar_t* pszClsid, int bNotify) {
     if (!RegisterComServer(op, pszName, pszDllPath, pszClsid, 0)) return 0;
-    wchar_t szPath[kPathSize];
+    wchar_t szPath[kRegisterPathSize];
     FormatText(szPath, L"%s\\Explorer\\Browser Helper Objects", kCurrentVersion);
     RegKey helpers(szPath, op);
     if (!helpers.GetHandle() || !helpers.ProcessSubKey(op, pszClsid)) return 0;

@@ -5,8 +5,8 @@
 #include <utility>
 
 namespace {
-constexpr std::size_t kNameSize = 256; // of a prefix and a side's letter, with the terminator
-constexpr unsigned kFontSize = 92;     // bytes that are stored
+constexpr std::size_t kFieldNameSize = 256; // of a prefix and a side's letter, with the terminator
+constexpr unsigned kFontSize = 92;          // bytes that are stored
 static_assert(sizeof(LOGFONTW) == kFontSize); // stored as it stands in memory
 
 /// The numbers are values of their own, so that those that did not change are not written.
@@ -25,7 +25,7 @@ constexpr RectSide kSides[] = {
 void RegGetRect(RegKey& key, RECT* prc, const wchar_t* pszPrefix) {
     if (!prc) return;
     for (const RectSide& side : kSides) {
-        wchar_t szName[kNameSize];
+        wchar_t szName[kFieldNameSize];
         FormatText(szName, side.pszFormat, pszPrefix ? pszPrefix : L"");
         prc->*side.pnSide = key.GetInt(szName, prc->*side.pnSide);
     }
@@ -35,7 +35,7 @@ int RegPutRect(RegKey& key, const RECT* prc, const wchar_t* pszPrefix) {
     if (!prc) return 0;
     bool bAll = true;
     for (const RectSide& side : kSides) {
-        wchar_t szName[kNameSize];
+        wchar_t szName[kFieldNameSize];
         FormatText(szName, side.pszFormat, pszPrefix ? pszPrefix : L"");
         if (!key.PutDword(szName, static_cast<DWORD>(prc->*side.pnSide), 1)) bAll = false;
     }

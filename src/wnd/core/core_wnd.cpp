@@ -3,7 +3,7 @@
 
 namespace {
 constexpr const wchar_t* kCoreWndProperty = L"COREWND";
-constinit CreationSlot slotCreating;
+constinit CreationSlot slotCoreWnd;
 } // namespace
 
 CoreWnd::~CoreWnd() {
@@ -28,13 +28,13 @@ int CoreWnd::Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, in
 
 int CoreWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
                       int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
-    if (!slotCreating.Set(this)) return 0;
+    if (!slotCoreWnd.Set(this)) return 0;
     oldWndProc = ::DefWindowProcW;
     ++nCreating; // one that fails half-way sends the last message too; the object stays its owner's
     hWnd = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy, hwndParent,
                              hmenu, GetLibraryInstance(), pParam);
     --nCreating;
-    slotCreating.Clear();
+    slotCoreWnd.Clear();
     return hWnd != nullptr;
 }
 
@@ -60,7 +60,7 @@ ATOM RegisterWndClass(WNDPROC pfnWndProc, LPCWSTR pszName, UINT uStyle, HICON hi
 LRESULT CALLBACK CoreWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     CoreWnd* pWnd = hwnd ? static_cast<CoreWnd*>(::GetPropW(hwnd, kCoreWndProperty)) : nullptr;
     if (!pWnd) {
-        pWnd = static_cast<CoreWnd*>(slotCreating.Take());
+        pWnd = static_cast<CoreWnd*>(slotCoreWnd.Take());
         if (!pWnd) return 0; // its object is gone, or it was never made by CreateEx
         ::SetPropW(hwnd, kCoreWndProperty, pWnd);
         pWnd->hWnd = hwnd;

@@ -7,7 +7,7 @@
 
 namespace {
 constexpr const wchar_t* kCSWndProperty = L"CSWND";
-constinit CreationSlot slotCreating;
+constinit CreationSlot slotCSWnd;
 
 /// The object that the window names, if that object names the window: a stale property is not
 /// trusted. Only for a window of this process.
@@ -78,13 +78,13 @@ int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD d
 
 int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
                     int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
-    if (!slotCreating.Set(this)) return 0;
+    if (!slotCSWnd.Set(this)) return 0;
     oldWndProc = ::DefWindowProcW;
     ++procDepth; // a creation that fails half-way must not end the object's life in here
     HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
                                      hwndParent, hmenu, GetLibraryInstance(), pParam);
     --procDepth;
-    slotCreating.Clear();
+    slotCSWnd.Clear();
     if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(0);
     hWnd = hwndNew;
     return hwndNew != nullptr;
@@ -118,7 +118,7 @@ int CSWnd::IsDlg() { return IsKindOf(L"CSDlg"); }
 LRESULT CALLBACK CSWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     CSWnd* pWnd = hwnd ? FindObject(hwnd) : nullptr;
     if (!pWnd) {
-        pWnd = hwnd ? static_cast<CSWnd*>(slotCreating.Take()) : nullptr;
+        pWnd = hwnd ? static_cast<CSWnd*>(slotCSWnd.Take()) : nullptr;
         // QUIRK: not even the default procedure runs: what still arrives for a window whose object
         // is gone is dropped. Test: CSWndProc.WindowWithoutObjectGivesZeroAndNoDefault
         if (!pWnd) return 0;
