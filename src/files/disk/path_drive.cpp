@@ -57,14 +57,14 @@ constinit RuntimeFunc<decltype(::WNetCloseEnum)> fnCloseEnum(L"mpr.dll", "WNetCl
 class ConnectionList {
   public:
     ConnectionList() {
-        if (!fnOpenEnum.Get() || !fnEnumResource.Get() || !fnCloseEnum.Get()) return;
-        bOpen =
-            fnOpenEnum.Get()(RESOURCE_CONNECTED, RESOURCETYPE_DISK, 0, nullptr, &hEnum) == NO_ERROR;
+        auto* pfnOpen = fnOpenEnum.Get();
+        if (!pfnOpen || !pfnNext || !pfnClose) return;
+        bOpen = pfnOpen(RESOURCE_CONNECTED, RESOURCETYPE_DISK, 0, nullptr, &hEnum) == NO_ERROR;
     }
     ConnectionList(const ConnectionList&) = delete; // owns the enumeration
     ConnectionList& operator=(const ConnectionList&) = delete;
     ~ConnectionList() {
-        if (bOpen) fnCloseEnum.Get()(hEnum);
+        if (bOpen) pfnClose(hEnum);
     }
 
     bool IsOpen() const { return bOpen; }
@@ -101,12 +101,15 @@ class ConnectionList {
         if (!block.IsReady() && !Grow(kFirstListSize)) return 0;
         for (;;) {
             DWORD nCount = kAllEntries, cb = static_cast<DWORD>(block.GetByteCount());
-            DWORD nResult = fnEnumResource.Get()(hEnum, &nCount, block.Get(), &cb);
+            DWORD nResult = pfnNext(hEnum, &nCount, block.Get(), &cb);
             if (nResult == NO_ERROR) return nCount <= block.GetCount() ? nCount : 0;
             if (nResult != ERROR_MORE_DATA || !Grow(cb)) return 0;
         }
     }
 
+    // Looked up once for a list: each look-up walks the platform's table of names.
+    decltype(::WNetEnumResourceW)* pfnNext = fnEnumResource.Get();
+    decltype(::WNetCloseEnum)* pfnClose = fnCloseEnum.Get();
     HANDLE hEnum = nullptr;
     bool bOpen = false;
     HeapArray<NETRESOURCEW> block; // entries at its start, the texts that they name at its end
