@@ -3,6 +3,9 @@
 #include "runtime/base/ownership.h"
 #include "runtime/system/runtime_func.h"
 
+#include <windows.h>
+#include <algorithm>
+
 namespace {
 constexpr const wchar_t* kLibraryName = L"TSDLL64.dll";
 
@@ -25,9 +28,9 @@ const VS_FIXEDFILEINFO* FindFixedInfo(HMODULE hmod) {
     const void* pData = ::LockResource(::LoadResource(hmod, hrsrc));
     DWORD cb = ::SizeofResource(hmod, hrsrc);
     if (!pData || cb < sizeof(VS_FIXEDFILEINFO)) return nullptr;
-    auto* pBytes = static_cast<const BYTE*>(pData);
+    const auto* pBytes = static_cast<const BYTE*>(pData);
     for (DWORD i = 0; i <= cb - sizeof(VS_FIXEDFILEINFO); i += sizeof(DWORD)) {
-        auto* pInfo = reinterpret_cast<const VS_FIXEDFILEINFO*>(pBytes + i);
+        const auto* pInfo = reinterpret_cast<const VS_FIXEDFILEINFO*>(pBytes + i);
         if (pInfo->dwSignature == VS_FFI_SIGNATURE) return pInfo;
     }
     return nullptr;
@@ -42,9 +45,8 @@ bool IsThisVersion(HMODULE hmod) {
 }
 
 bool HasAllFunctions(HMODULE hmod) {
-    for (const char* pszName : kFunctions)
-        if (!FindModuleFunc(hmod, pszName)) return false;
-    return true;
+    return std::ranges::all_of(
+        kFunctions, [hmod](const char* psz) { return FindModuleFunc(hmod, psz) != nullptr; });
 }
 } // namespace
 

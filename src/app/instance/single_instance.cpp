@@ -57,7 +57,7 @@ class Questions {
 };
 
 struct InstanceSearch {
-    unsigned nId;
+    unsigned nId = 0;
     Questions questions;
 };
 

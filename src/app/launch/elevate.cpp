@@ -98,7 +98,7 @@ Seal SealOf(const HandOverData& request) {
     sealed.hProcess = nullptr;
     unsigned char digest[kMd5Size];
     CalcMD5(digest, &sealed, sizeof(sealed));
-    Seal seal;
+    Seal seal{};
     static_assert(sizeof(seal) == sizeof(digest));
     std::memcpy(&seal, digest, sizeof(seal));
     return seal;

@@ -36,9 +36,9 @@ bool AskVolume(const wchar_t* pszPath, DWORD* pdwFlags, wchar_t* pszName, DWORD 
 
 // Connections to the network
 
-constexpr std::size_t kFirstListSize = 2400;      // bytes
-constexpr std::size_t kMaxListSize = 1024 * 1024; // no list of connections is as long
-constexpr int kMaxPieces = 1000;                  // nor does one come in as many
+constexpr std::size_t kFirstListSize = 2400;   // bytes
+constexpr std::size_t kMaxListSize = 1u << 20; // no list of connections is as long
+constexpr int kMaxPieces = 1000;               // nor does one come in as many
 constexpr DWORD kAllEntries = 0xFFFFFFFF;
 constexpr wchar_t kUncDevice[] = L"\\??\\UNC";
 constexpr std::size_t kUncDeviceLength = std::size(kUncDevice) - 1;
@@ -207,7 +207,7 @@ int GetDriveFromMask(DWORD dwMask, unsigned nIndex) {
 // (std::popcount would call into the compiler's own library on these processors.)
 int CountBits(DWORD dwMask) {
     int n = 0;
-    for (; dwMask; dwMask >>= 1) n += dwMask & 1;
+    for (; dwMask; dwMask >>= 1) n += static_cast<int>(dwMask & 1);
     return n;
 }
 

@@ -48,7 +48,7 @@ Char* NameOrNull(Char* pszPath) {
 }
 
 /// The separator goes, unless it makes a drive's root.
-void CutAtSeparator(wchar_t* pszPath, wchar_t* pSeparator) {
+void CutAtSeparator(const wchar_t* pszPath, wchar_t* pSeparator) {
     if (pSeparator > pszPath && pSeparator[-1] == L':') ++pSeparator;
     *pSeparator = 0;
 }

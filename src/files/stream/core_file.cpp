@@ -90,7 +90,7 @@ DWORD CoreFile::MoveTo(long nLow, DWORD nMethod, long nHigh) {
 __int64 CoreFile::MoveTo64(__int64 nDistance, DWORD nMethod) {
     LARGE_INTEGER n;
     n.QuadPart = nDistance;
-    n.LowPart = ::SetFilePointer(hFile, n.u.LowPart, &n.u.HighPart, nMethod);
+    n.LowPart = ::SetFilePointer(hFile, static_cast<LONG>(n.LowPart), &n.HighPart, nMethod);
     // A low half of all ones is a position as well; the platform then clears the last error.
     if (n.LowPart == INVALID_SET_FILE_POINTER && ::GetLastError() != NO_ERROR) return -1;
     return n.QuadPart;

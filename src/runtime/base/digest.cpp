@@ -150,13 +150,13 @@ extern "C" void SHA1_Final(unsigned char digest[kSha1Size], SHA1_Context* pConte
     StoreBigEndian(tail.GetLength(), static_cast<std::uint32_t>(cBits >> 32));
     StoreBigEndian(tail.GetLength() + 4, static_cast<std::uint32_t>(cBits));
     AddBlocks(pContext->state, tail.bytes, tail.nBlocks);
-    for (unsigned i = 0; i < 5; ++i) StoreBigEndian(digest + 4 * i, pContext->state[i]);
+    for (std::size_t i = 0; i < 5; ++i) StoreBigEndian(digest + 4 * i, pContext->state[i]);
     *pContext = {};
 }
 
 extern "C" void SHA1_Calc(unsigned char digest[kSha1Size], const void* pData,
                           unsigned long long cbData) {
-    SHA1_Context context;
+    SHA1_Context context{};
     SHA1_Init(&context);
     SHA1_Update(&context, pData, cbData);
     SHA1_Final(digest, &context);
@@ -207,6 +207,7 @@ inline void StepI(std::uint32_t& a, std::uint32_t b, std::uint32_t c, std::uint3
 }
 
 /// Takes whole blocks straight from the data, at any alignment.
+// NOLINTNEXTLINE(readability-function-size): 64 steps that differ in their numbers, a line each
 void AddBlocks(Md5State& state, const unsigned char* pData, std::uint64_t nBlocks) {
     std::uint32_t a = state.a, b = state.b, c = state.c, d = state.d;
     for (; nBlocks > 0; --nBlocks, pData += kBlockSize) {

@@ -79,7 +79,7 @@ int GetKeyName(wchar_t* pszText, int cch, unsigned uVirtualKey, int bExtended) {
     *pszText = 0;
     if (cch == 1) return 0; // the platform does not promise to end a text there
     UINT uScanCode = ::MapVirtualKeyW(uVirtualKey, MAPVK_VK_TO_VSC);
-    auto lKey = static_cast<LONG>(uScanCode << kScanCodeShift);
+    LONG lKey = static_cast<LONG>(uScanCode) << kScanCodeShift;
     return ::GetKeyNameTextW(bExtended ? lKey | kExtendedKey : lKey, pszText, cch);
 }
 

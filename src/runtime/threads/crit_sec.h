@@ -7,6 +7,7 @@
 /// not be entered or destroyed together with its original.
 class TESSALY_API CritSec {
   public:
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the platform fills it
     CritSec() noexcept { ::InitializeCriticalSection(&cs); }
     ~CritSec() { ::DeleteCriticalSection(&cs); }
     CritSec(const CritSec&) = default;

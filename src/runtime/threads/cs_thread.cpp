@@ -88,7 +88,7 @@ int CSThread::Create(CSThreadProc pfnThread, void* pArgument, int nPriority) {
     // object may delete itself at any moment: only what is held here is used.
     OwnedHandle hReadyKept = Duplicate(hReady.Get());
     unsigned nId = 0;
-    auto hNew = reinterpret_cast<HANDLE>(
+    auto* hNew = reinterpret_cast<HANDLE>(
         ::_beginthreadex(nullptr, 0, pfnThread, pArgument, CREATE_SUSPENDED, &nId));
     if (!hNew) return 0;
     {

@@ -2,10 +2,8 @@
 
 #include <cwchar>
 
-Parser::Parser(const wchar_t* pszText, unsigned cchText) {
-    p = pszText ? pszText : L"";
-    pEnd = pszText && cchText ? p + cchText : p + std::wcslen(p);
-}
+Parser::Parser(const wchar_t* pszText, unsigned cchText)
+    : p(pszText ? pszText : L""), pEnd(pszText && cchText ? p + cchText : p + std::wcslen(p)) {}
 
 int Parser::IsOneOf(const wchar_t* pszSet) const {
     return !NotEnd() || (pszSet && std::wcschr(pszSet, *p));

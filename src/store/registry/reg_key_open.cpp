@@ -14,7 +14,7 @@ constexpr std::size_t kComponentSize = 128; // with the terminator
 constexpr std::size_t kPathSize = 256;      // of a path joined from two texts
 constexpr std::size_t kLineSize = 255;      // of the log; longer lines are cut, ends and all
 /// While the text log is on, this stands for every key: the platform fails on it.
-const HKEY kLoggedKey = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(1));
+HKEY__* const kLoggedKey = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(1));
 
 struct RootName {
     const wchar_t* pszShort;

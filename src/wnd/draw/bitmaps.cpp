@@ -147,7 +147,7 @@ GDI_BGR* GetDibBits(HDC hdc, int width, int height) {
     if (!hdc || width <= 0 || height <= 0) return nullptr;
     if (static_cast<long long>(width) * height > INT_MAX / static_cast<int>(sizeof(GDI_BGR)))
         return nullptr; // more than a bitmap's size can tell
-    auto hbm = static_cast<HBITMAP>(::GetCurrentObject(hdc, OBJ_BITMAP));
+    auto* hbm = static_cast<HBITMAP>(::GetCurrentObject(hdc, OBJ_BITMAP));
     if (!hbm) return nullptr;
     std::size_t nPixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     OwnedPixels pixels(static_cast<GDI_BGR*>(std::calloc(nPixels, sizeof(GDI_BGR))));
@@ -160,19 +160,20 @@ GDI_BGR* GetDibBits(HDC hdc, int width, int height) {
 }
 
 int RotateMemoryDC(HDC hdcTarget, const RECT* prc, HDC hdcSource, int clockwise) {
-    auto fnTurn = [clockwise](const GDI_BGR* pIn, int cx, int cy, GDI_BGR* pOut) {
+    auto fnTurn = [clockwise](const GDI_BGR* pIn, std::ptrdiff_t cx, std::ptrdiff_t cy,
+                              GDI_BGR* pOut) {
         int nStep = clockwise ? 1 : -1;
         GDI_BGR* p = clockwise ? pOut : pOut + cx * cy - 1;
-        for (int x = 0; x < cx; ++x) {
-            for (int y = 0; y < cy; ++y, p += nStep) *p = pIn[y * cx + x];
+        for (std::ptrdiff_t x = 0; x < cx; ++x) {
+            for (std::ptrdiff_t y = 0; y < cy; ++y, p += nStep) *p = pIn[y * cx + x];
         }
     };
     return TurnMemoryDC(hdcTarget, prc, hdcSource, true, fnTurn);
 }
 
 int TwistMemoryDC(HDC hdcTarget, const RECT* prc, HDC hdcSource) {
-    auto fnTurn = [](const GDI_BGR* pIn, int cx, int cy, GDI_BGR* pOut) {
-        for (int y = 0; y < cy; ++y) {
+    auto fnTurn = [](const GDI_BGR* pIn, std::ptrdiff_t cx, std::ptrdiff_t cy, GDI_BGR* pOut) {
+        for (std::ptrdiff_t y = 0; y < cy; ++y) {
             std::reverse_copy(pIn + y * cx, pIn + (y + 1) * cx, pOut + y * cx);
         }
     };

@@ -28,7 +28,7 @@ HBITMAP MakeShieldBitmap() {
     HANDLE hShared = ::LoadImageW(nullptr, MAKEINTRESOURCEW(kShieldIcon), IMAGE_ICON, 0, 0,
                                   LR_SHARED); // not to be destroyed
     if (!hShared) return nullptr;
-    auto hicon = static_cast<HICON>(
+    auto* hicon = static_cast<HICON>(
         ::CopyImage(hShared, IMAGE_ICON, kShieldSize, kShieldSize, LR_COPYRETURNORG));
     ScopeExit destroyCopy([&] {
         if (hicon && hicon != hShared) ::DestroyIcon(hicon);

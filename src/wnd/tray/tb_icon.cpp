@@ -31,6 +31,7 @@ constinit UINT uTaskbarCreated = 0;
 constinit bool bHandlerRuns = false;
 } // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): nid is a view of nidBytes, which are 0
 TBIcon::TBIcon() {
     nid.cbSize = GetDataSize(GetVerDll(L"SHELL32"));
     nid.uID = kIconId;
