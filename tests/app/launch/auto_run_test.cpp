@@ -20,6 +20,24 @@ constexpr const wchar_t* kName = L"Tessaly test value";
 
 /// This program in short names, as the library's path.
 wstring ShortPath() {
+/// The library lies where no short names can be had.
+const wchar_t* pszLongPath = L"";
+DWORD WINAPI TellLongPath(HMODULE, LPWSTR psz, DWORD cch) {
+    return static_cast<DWORD>(wcslen(wcsncpy(psz, pszLongPath, cch)));
+}
+struct LongPathCase {
+    const char* pszName;
+    const wchar_t* pszPath;
+    const wchar_t* pszInLine;
+};
+constexpr LongPathCase kLongPaths[] = {
+    {"Plain", L"Q:\\none\\a.dll", L"Q:\\none\\a.dll"},
+    {"Blank", L"Q:\\no such folder\\a b.dll", L"\"Q:\\no such folder\\a b.dll\""},
+    {"Comma", L"Q:\\no,ne\\a.dll", L"\"Q:\\no,ne\\a.dll\""},
+    {"CommaInTheName", L"Q:\\none\\a,b.dll", L"\"Q:\\none\\a,b.dll\""},
+    {"Both", L"Q:\\no, none\\a.dll", L"\"Q:\\no, none\\a.dll\""},
+};
+
     wchar_t sz[MAX_PATH];
     ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
     ::GetShortPathNameW(sz, sz, MAX_PATH);
@@ -106,6 +124,16 @@ TEST_P(AutoRun, LineHasItsLimit) {
 
 LSTATUS WINAPI RefuseSet(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) {
     return ERROR_ACCESS_DENIED;
+TEST_P(AutoRun, LongPathStaysTogether) {
+    ReplaceImport replaced(__imp_GetModuleFileNameW, &TellLongPath);
+    for (const LongPathCase& row : kLongPaths) {
+        pszLongPath = row.pszPath;
+        EXPECT_EQ(1, AutoRunDll32(nullptr, 1, GetParam(), kName, L"Entry")) << row.pszName;
+        EXPECT_EQ(wstring(L"RunDll32.exe ") + row.pszInLine + L",Entry", Read()) << row.pszName;
+        EXPECT_EQ(1, Look(L"Entry")) << row.pszName;
+    }
+}
+
 }
 LSTATUS WINAPI RefuseDelete(HKEY, LPCWSTR) { return ERROR_ACCESS_DENIED; }
 
@@ -155,12 +183,6 @@ std::string NameOfRoot(const testing::TestParamInfo<int>& row) {
 INSTANTIATE_TEST_SUITE_P(Roots, AutoRunWithoutKey, testing::Values(1, 0), NameOfRoot);
 INSTANTIATE_TEST_SUITE_P(Roots, AutoRun, testing::Values(1, 0), NameOfRoot);
 
-/// The library lies where no short names can be had.
-constexpr const wchar_t* kLongPath = L"Q:\\no such folder\\a b.dll";
-DWORD WINAPI TellLongPath(HMODULE, LPWSTR psz, DWORD cch) {
-    return static_cast<DWORD>(wcslen(wcsncpy(psz, kLongPath, cch)));
-}
-
 TEST(RunDll32, TellsTheLibraryAndTheArguments) {
     ShellStartRecorder shell;
     wchar_t szSystem[MAX_PATH];
@@ -187,10 +209,14 @@ TEST(RunDll32, ArgumentsHaveTheirLimit) {
     EXPECT_TRUE(shell.calls.empty());
 }
 
-TEST(RunDll32, QuotesKeepALongPathTogether) {
+TEST(RunDll32, LongPathStaysTogether) {
     ShellStartRecorder shell;
     ReplaceImport replaced(__imp_GetModuleFileNameW, &TellLongPath);
-    EXPECT_EQ(1, RunDll32(L"Entry"));
-    EXPECT_EQ(L"\"Q:\\no such folder\\a b.dll\",Entry", shell.TakeOne().parameters);
+    for (const LongPathCase& row : kLongPaths) {
+        pszLongPath = row.pszPath;
+        EXPECT_EQ(1, RunDll32(L"Entry"));
+        EXPECT_EQ((row.pszInLine + wstring(L",Entry")).c_str(), shell.TakeOne().parameters)
+            << row.pszName;
+    }
 }
 } // namespace
