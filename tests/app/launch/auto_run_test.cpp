@@ -1,7 +1,9 @@
 #include "app/launch/auto_run.h"
 #include "app/launch/run_file.h"
 #include "app/shell_start_recorder.h"
+#include "app/stored_home.h"
 #include "support/launch_reports.h"
+#include "support/program_folder.h"
 #include "support/replace_import.h"
 #include "support/run_key_away.h"
 
@@ -18,8 +20,6 @@ using std::wstring;
 constexpr const wchar_t* kRunKey = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr const wchar_t* kName = L"Tessaly test value";
 
-/// This program in short names, as the library's path.
-wstring ShortPath() {
 /// The library lies where no short names can be had.
 const wchar_t* pszLongPath = L"";
 DWORD WINAPI TellLongPath(HMODULE, LPWSTR psz, DWORD cch) {
@@ -38,6 +38,8 @@ constexpr LongPathCase kLongPaths[] = {
     {"Both", L"Q:\\no, none\\a.dll", L"\"Q:\\no, none\\a.dll\""},
 };
 
+/// This program in short names, as the library's path.
+wstring ShortPath() {
     wchar_t sz[MAX_PATH];
     ::GetModuleFileNameW(nullptr, sz, MAX_PATH);
     ::GetShortPathNameW(sz, sz, MAX_PATH);
@@ -122,8 +124,6 @@ TEST_P(AutoRun, LineHasItsLimit) {
     EXPECT_EQ(L"RunDll32.exe " + ShortPath() + L",", Read());
 }
 
-LSTATUS WINAPI RefuseSet(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) {
-    return ERROR_ACCESS_DENIED;
 TEST_P(AutoRun, LongPathStaysTogether) {
     ReplaceImport replaced(__imp_GetModuleFileNameW, &TellLongPath);
     for (const LongPathCase& row : kLongPaths) {
@@ -134,6 +134,8 @@ TEST_P(AutoRun, LongPathStaysTogether) {
     }
 }
 
+LSTATUS WINAPI RefuseSet(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) {
+    return ERROR_ACCESS_DENIED;
 }
 LSTATUS WINAPI RefuseDelete(HKEY, LPCWSTR) { return ERROR_ACCESS_DENIED; }
 
@@ -219,4 +221,22 @@ TEST(RunDll32, LongPathStaysTogether) {
             << row.pszName;
     }
 }
+
+TEST(StartMonitor, StartsTheProgramBesideTheLibraryWithoutItsBalloon) {
+    StoredHome home; // is not where it lies
+    ShellStartRecorder shell;
+    for (int nShow : {SW_SHOWDEFAULT, SW_HIDE}) { // its arguments have no meaning
+        StartMonitor(::GetDesktopWindow(), nullptr, nShow == SW_HIDE ? "/EXIT" : nullptr, nShow);
+        ShellCall call = shell.TakeOne();
+        EXPECT_EQ((ProgramFolder() + L"TSEXE64.exe").c_str(), call.file);
+        EXPECT_EQ(L"/QUIET", call.parameters);
+        EXPECT_EQ(nullptr, call.verb);
+        EXPECT_EQ(nullptr, call.directory);
+        EXPECT_EQ(::GetDesktopWindow(), call.hwnd);
+        EXPECT_EQ(SW_SHOWNORMAL, call.nShow);
+        EXPECT_EQ(0u, call.nMask);
+    }
+}
+
+TEST(StartMonitor, IsWhatTheEntryNames) { EXPECT_STREQ(L"StartMonitor", kStartMonitorEntry); }
 } // namespace
