@@ -277,13 +277,76 @@ TEST(Host, UnknownSwitchIsToldWithWhatIsKnown) {
     EXPECT_EQ(2u, RunHost(BinFolder(), std::wstring(2000, L'x')).dwExitCode);
 }
 
-TEST(Host, SecondStartLeavesTheFirstAlone) {
-    SingleInstanceXP first;
-    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+/// A window of the monitor's class, with that procedure, for the length of a block.
+class FakeMonitor {
+  public:
+    explicit FakeMonitor(WNDPROC pfnProc) {
+        WNDCLASSW wc{};
+        wc.lpfnWndProc = pfnProc;
+        wc.lpszClassName = kMonitorClass;
+        wc.hInstance = ::GetModuleHandleW(nullptr);
+        ::RegisterClassW(&wc);
+        hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                 wc.hInstance, nullptr);
+    }
+    ~FakeMonitor() {
+        ::DestroyWindow(hwnd);
+        ::UnregisterClassW(kMonitorClass, ::GetModuleHandleW(nullptr));
+    }
+    FakeMonitor(const FakeMonitor&) = delete;
+    FakeMonitor& operator=(const FakeMonitor&) = delete;
+
+  private:
+    HWND hwnd;
+};
+
+void ExpectSilentSecondStarts() {
     for (const wchar_t* pszArguments : {L"", L"/quiet", L"-QUIET"}) {
         Ended ended = RunHost(BinFolder(), pszArguments);
         EXPECT_EQ(0u, ended.dwExitCode);
         EXPECT_EQ(L"", ended.strBox);
+    }
+}
+
+TEST(Host, SecondStartLeavesTheFirstAlone) {
+    SingleInstanceXP first;
+    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+    FakeMonitor window(&::DefWindowProcW);
+    ExpectSilentSecondStarts();
+}
+
+TEST(Host, SecondStartLeavesAFirstAloneThatHasNoWindowYet) {
+    SingleInstanceXP first;
+    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+    STARTUPINFOW si{};
+    si.cb = sizeof(si);
+    PROCESS_INFORMATION pi{};
+    std::wstring strLine = L"\"" + BinFolder() + L"TSEXE64.exe\"";
+    ASSERT_TRUE(StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE,
+                                   CREATE_SUSPENDED, nullptr, nullptr, &si, &pi));
+    ExpectSilentSecondStarts();
+    ::TerminateProcess(pi.hProcess, 0);
+    ::WaitForSingleObject(pi.hProcess, kDeadlineMs);
+    ::CloseHandle(pi.hThread);
+    ::CloseHandle(pi.hProcess);
+}
+
+TEST(Host, MarkThatAnotherProgramHasIsTold) {
+    const std::wstring strMark = L"Local\\Orvanta_App_Tessaly";
+    using Maker = HANDLE (*)(const wchar_t*);
+    // Its like, and what no mark can be made beside.
+    for (Maker pfnMake :
+         {Maker([](const wchar_t* psz) { return ::CreateEventW(nullptr, FALSE, FALSE, psz); }),
+          Maker([](const wchar_t* psz) { return ::CreateMutexW(nullptr, FALSE, psz); })}) {
+        HANDLE h = pfnMake(strMark.c_str());
+        ASSERT_NE(nullptr, h);
+        for (const wchar_t* pszArguments : {L"", L"/quiet"}) {
+            Ended ended = RunHost(BinFolder(), pszArguments);
+            EXPECT_EQ(6u, ended.dwExitCode);
+            EXPECT_EQ(0u, ended.strBox.find(L"Tessaly does not start: "));
+            EXPECT_NE(std::wstring::npos, ended.strBox.find(L"Another program"));
+        }
+        ::CloseHandle(h);
     }
 }
 
@@ -400,14 +463,8 @@ LRESULT CALLBACK DeafProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 TEST(Host, ExitTellsWhenTheRunningOneStays) {
-    WNDCLASSW wc{};
     nAsked = 0;
-    wc.lpfnWndProc = &DeafProc;
-    wc.lpszClassName = kMonitorClass;
-    wc.hInstance = ::GetModuleHandleW(nullptr);
-    ::RegisterClassW(&wc);
-    HWND hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                  wc.hInstance, nullptr);
+    FakeMonitor window(&DeafProc);
     DWORD dwStart = ::GetTickCount();
     Ended ended = RunHost(BinFolder(), L"/exit");
     EXPECT_GE(::GetTickCount() - dwStart, 14000u);
@@ -416,7 +473,5 @@ TEST(Host, ExitTellsWhenTheRunningOneStays) {
               ended.strBox);
     EXPECT_EQ(1, nAsked);
     EXPECT_EQ(GetMyProductInfo().GetID(), lAskedFor);
-    ::DestroyWindow(hwnd);
-    ::UnregisterClassW(wc.lpszClassName, wc.hInstance);
 }
 } // namespace
