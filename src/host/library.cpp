@@ -20,6 +20,24 @@ constexpr const char* kFunctions[] = {
     "_ZN16SingleInstanceXP15IsFirstInstanceEiPKw",
 };
 
+// The system libraries that it imports and that are none of those which every Windows keeps mapped
+// for all programs ("KnownDLLs"): the loader would look for them beside this program first.
+// (comctl32.dll, which is such a one, too, comes by this program's manifest.)
+constexpr const wchar_t* kSystemLibraries[] = {L"wtsapi32.dll"};
+
+/// Maps those, for the rest of the program's life: what is mapped is not looked for. What they need
+/// themselves comes from the system folder, too. False if one is not there.
+bool MapSystemLibraries() {
+    for (const wchar_t* pszName : kSystemLibraries) {
+        wchar_t szPath[MAX_PATH];
+        if (!MakeSystemPath(szPath, pszName) ||
+            !::LoadLibraryExW(szPath, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// The fixed part of a version resource: found by its mark, as what is before it varies in length.
 /// Null if the module has none.
 const VS_FIXEDFILEINFO* FindFixedInfo(HMODULE hmod) {
@@ -70,6 +88,7 @@ LibraryProblem MapLibrary(const wchar_t* pszPath) {
         if (!data) return LibraryProblem::NotLoadable;
         if (!IsThisVersion(data.Get())) return LibraryProblem::OtherVersion;
     }
+    if (!MapSystemLibraries()) return LibraryProblem::NotLoadable;
     OwnedModule library(::LoadLibraryW(pszPath));
     if (!library) return LibraryProblem::NotLoadable;
     if (!HasAllFunctions(library.Get())) return LibraryProblem::Foreign;

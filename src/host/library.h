@@ -15,7 +15,8 @@ enum class LibraryProblem {
 [[nodiscard]] bool GetLibraryPath(wchar_t (&szPath)[MAX_PATH]);
 
 /// Maps the library of that full path for the rest of the program's life, after looking at its
-/// version without running it. Its functions may be called only after None: each is bound to the
+/// version without running it. What it imports of the system comes from the system, whatever lies
+/// beside this program. Its functions may be called only after None: each is bound to the
 /// mapped module on its first call.
 [[nodiscard]] LibraryProblem MapLibrary(const wchar_t* pszPath);
 

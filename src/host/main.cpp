@@ -5,6 +5,7 @@
 #include "app/launch/auto_run.h"
 #include "host/command_line.h"
 #include "host/library.h"
+#include "host/running.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/engine/monitor.h"
 #include "resources/resource_ids.h"
@@ -24,10 +25,12 @@ enum ExitCode {
     kExitNoLibrary = 3,
     kExitNoAutoStart = 4, // asked whether it starts with Windows: it does not
     kExitNotWritten = 5,  // the start with Windows could not be set
+    kExitMarkTaken = 6,   // something that is not this program has its mark
 };
 
 constexpr DWORD kCloseTimeoutMs = 15000;
 constexpr DWORD kClosePollMs = 50;
+constexpr DWORD kMarkTimeoutMs = 1000;
 constexpr int kBoxTextSize = 1024;
 
 int TellBadSwitch(const wchar_t* pszUnknown) {
@@ -140,11 +143,38 @@ int RunAutoStart(const HostOptions& options) {
     return SetAutoStart(options.autoStart == AutoStart::On);
 }
 
+// The one that runs
+
+int TellMarkTaken() {
+    Msg(nullptr, MB_ICONWARNING,
+        L"Tessaly does not start: the name by which it knows that it runs already is taken, but no "
+        L"Tessaly is running. Another program must be using that name.");
+    return kExitMarkTaken;
+}
+
+/// Takes the mark for this process. False with the exit code if it stays taken. One that nobody
+/// seems to have may be going with a process that has just ended.
+bool TakeMark(SingleInstanceXP& instance, int& nExitCode) {
+    DWORD dwStart = ::GetTickCount();
+    while (!instance.IsFirstInstance(0, GetMyProductInfo().GetName())) {
+        if (IsRunningElsewhere()) {
+            nExitCode = kExitDone;
+            return false;
+        }
+        if (!Remaining(dwStart, kMarkTimeoutMs)) {
+            nExitCode = TellMarkTaken();
+            return false;
+        }
+        ::Sleep(kClosePollMs);
+    }
+    return true;
+}
+
 int RunMonitor(bool bQuiet) {
     SingleInstanceXP instance; // its mark stays until the monitor has returned
-    if (!instance.IsFirstInstance(0, GetMyProductInfo().GetName())) return kExitDone;
-    DoMonitor(nullptr, bQuiet);
-    return kExitDone;
+    int nExitCode = kExitDone;
+    if (TakeMark(instance, nExitCode)) DoMonitor(nullptr, bQuiet);
+    return nExitCode;
 }
 
 int Run(const HostOptions& options) {

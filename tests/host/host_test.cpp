@@ -4,12 +4,15 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "resources/resource_ids.h"
 #include "runtime/messages/res_str.h"
+#include "store/reg_tree.h"
 #include "support/run_key_away.h"
 #include "support/start_process.h"
 #include "wnd/core/company_msg.h"
 
 #include <gtest/gtest.h>
+#include <tlhelp32.h>
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -48,8 +51,20 @@ int Patch(Bytes& bytes, const std::string& strOld, const std::string& strNew) {
 
 struct Ended {
     DWORD dwExitCode = ~0u;
-    std::wstring strBox; // the text of the box that it showed
+    std::wstring strBox;               // the text of the box that it showed
+    std::vector<std::wstring> modules; // the paths of what it had mapped then
 };
+
+std::vector<std::wstring> ModulesOf(DWORD dwProcess) {
+    std::vector<std::wstring> paths;
+    HANDLE h = ::CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, dwProcess);
+    MODULEENTRY32W entry{};
+    entry.dwSize = sizeof(entry);
+    for (BOOL b = ::Module32FirstW(h, &entry); b; b = ::Module32NextW(h, &entry))
+        paths.push_back(entry.szExePath);
+    ::CloseHandle(h);
+    return paths;
+}
 
 struct BoxSearch {
     DWORD dwProcess;
@@ -93,6 +108,7 @@ Ended RunHost(const std::wstring& strFolder, const std::wstring& strArguments) {
             // A box that has no text yet is still being made: it is answered next time.
             if (*szText) {
                 ended.strBox = szText;
+                ended.modules = ModulesOf(pi.dwProcessId);
                 ::PostMessageW(search.hwndBox, WM_COMMAND, IDOK, 0);
             }
         }
@@ -185,6 +201,70 @@ TEST_F(HostFolder, GoodLibraryBesideIsTaken) {
     EXPECT_EQ(L"", ended.strBox);
 }
 
+std::wstring LowerCase(std::wstring str) {
+    ::CharLowerW(str.data());
+    return str;
+}
+
+/// The libraries that a file imports, but those that Windows keeps mapped for all programs: for
+/// these the loader never looks beside a program.
+std::vector<std::wstring> SearchedImports(const std::wstring& strPath) {
+    static const std::wstring kKnown[] = {L"advapi32.dll", L"gdi32.dll", L"kernel32.dll",
+                                          L"msvcrt.dll",   L"ole32.dll", L"shell32.dll",
+                                          L"shlwapi.dll",  L"user32.dll"};
+    std::vector<std::wstring> names;
+    HMODULE hmod = ::LoadLibraryExW(strPath.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+    if (!hmod) return names;
+    auto* pBase = reinterpret_cast<const char*>(hmod);
+    auto* pDos = reinterpret_cast<const IMAGE_DOS_HEADER*>(pBase);
+    auto* pNt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(pBase + pDos->e_lfanew);
+    DWORD nAt = pNt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    for (auto* p = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(pBase + nAt); p->Name; ++p) {
+        std::string str = pBase + p->Name;
+        std::wstring strName = LowerCase(std::wstring(str.begin(), str.end()));
+        if (std::find(std::begin(kKnown), std::end(kKnown), strName) == std::end(kKnown))
+            names.push_back(strName);
+    }
+    ::FreeLibrary(hmod);
+    return names;
+}
+
+/// A library that does nothing: another one, without what it imports and without its entry point.
+Bytes MakeInert(Bytes bytes) {
+    IMAGE_DOS_HEADER dos;
+    IMAGE_NT_HEADERS64 nt;
+    memcpy(&dos, bytes.data(), sizeof(dos));
+    memcpy(&nt, bytes.data() + dos.e_lfanew, sizeof(nt));
+    nt.OptionalHeader.AddressOfEntryPoint = 0;
+    nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT] = {};
+    nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT] = {};
+    memcpy(bytes.data() + dos.e_lfanew, &nt, sizeof(nt));
+    return bytes;
+}
+
+TEST_F(HostFolder, SystemLibrariesBesideAreNotTaken) {
+    PutLibrary(RealLibrary());
+    std::vector<std::wstring> names = SearchedImports(BinFolder() + L"TSDLL64.dll");
+    ASSERT_NE(names.end(), std::find(names.begin(), names.end(), L"wtsapi32.dll"));
+    // The test platform takes its own code for what is found, if it is not told otherwise.
+    RegTree native(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\TSEXE64.exe");
+    for (const std::wstring& strName : names) {
+        std::ofstream file(Narrow(strFolder + strName), std::ios::binary);
+        Bytes bytes = MakeInert(RealLibrary());
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        native.PutStr(strName.substr(0, strName.find(L'.')), L"native,builtin", L"DllOverrides");
+    }
+    Ended ended = RunHost(strFolder, L"/bogus");
+    EXPECT_EQ(2u, ended.dwExitCode); // the library could be mapped
+    std::vector<std::wstring> beside;
+    for (const std::wstring& strPath : ended.modules) {
+        if (LowerCase(strPath).starts_with(LowerCase(strFolder))) beside.push_back(strPath);
+    }
+    std::sort(beside.begin(), beside.end());
+    EXPECT_EQ((std::vector{strFolder + L"TSDLL64.dll", strFolder + L"TSEXE64.exe"}), beside);
+    for (const std::wstring& strName : names) ::DeleteFileW((strFolder + strName).c_str());
+}
+
 TEST(Host, UnknownSwitchIsToldWithWhatIsKnown) {
     Ended ended = RunHost(BinFolder(), L"/exit \"/no such\"");
     EXPECT_EQ(2u, ended.dwExitCode);
@@ -197,13 +277,76 @@ TEST(Host, UnknownSwitchIsToldWithWhatIsKnown) {
     EXPECT_EQ(2u, RunHost(BinFolder(), std::wstring(2000, L'x')).dwExitCode);
 }
 
-TEST(Host, SecondStartLeavesTheFirstAlone) {
-    SingleInstanceXP first;
-    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+/// A window of the monitor's class, with that procedure, for the length of a block.
+class FakeMonitor {
+  public:
+    explicit FakeMonitor(WNDPROC pfnProc) {
+        WNDCLASSW wc{};
+        wc.lpfnWndProc = pfnProc;
+        wc.lpszClassName = kMonitorClass;
+        wc.hInstance = ::GetModuleHandleW(nullptr);
+        ::RegisterClassW(&wc);
+        hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                 wc.hInstance, nullptr);
+    }
+    ~FakeMonitor() {
+        ::DestroyWindow(hwnd);
+        ::UnregisterClassW(kMonitorClass, ::GetModuleHandleW(nullptr));
+    }
+    FakeMonitor(const FakeMonitor&) = delete;
+    FakeMonitor& operator=(const FakeMonitor&) = delete;
+
+  private:
+    HWND hwnd;
+};
+
+void ExpectSilentSecondStarts() {
     for (const wchar_t* pszArguments : {L"", L"/quiet", L"-QUIET"}) {
         Ended ended = RunHost(BinFolder(), pszArguments);
         EXPECT_EQ(0u, ended.dwExitCode);
         EXPECT_EQ(L"", ended.strBox);
+    }
+}
+
+TEST(Host, SecondStartLeavesTheFirstAlone) {
+    SingleInstanceXP first;
+    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+    FakeMonitor window(&::DefWindowProcW);
+    ExpectSilentSecondStarts();
+}
+
+TEST(Host, SecondStartLeavesAFirstAloneThatHasNoWindowYet) {
+    SingleInstanceXP first;
+    ASSERT_EQ(1, first.IsFirstInstance(0, GetMyProductInfo().GetName()));
+    STARTUPINFOW si{};
+    si.cb = sizeof(si);
+    PROCESS_INFORMATION pi{};
+    std::wstring strLine = L"\"" + BinFolder() + L"TSEXE64.exe\"";
+    ASSERT_TRUE(StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE,
+                                   CREATE_SUSPENDED, nullptr, nullptr, &si, &pi));
+    ExpectSilentSecondStarts();
+    ::TerminateProcess(pi.hProcess, 0);
+    ::WaitForSingleObject(pi.hProcess, kDeadlineMs);
+    ::CloseHandle(pi.hThread);
+    ::CloseHandle(pi.hProcess);
+}
+
+TEST(Host, MarkThatAnotherProgramHasIsTold) {
+    const std::wstring strMark = L"Local\\Orvanta_App_Tessaly";
+    using Maker = HANDLE (*)(const wchar_t*);
+    // Its like, and what no mark can be made beside.
+    for (Maker pfnMake :
+         {Maker([](const wchar_t* psz) { return ::CreateEventW(nullptr, FALSE, FALSE, psz); }),
+          Maker([](const wchar_t* psz) { return ::CreateMutexW(nullptr, FALSE, psz); })}) {
+        HANDLE h = pfnMake(strMark.c_str());
+        ASSERT_NE(nullptr, h);
+        for (const wchar_t* pszArguments : {L"", L"/quiet"}) {
+            Ended ended = RunHost(BinFolder(), pszArguments);
+            EXPECT_EQ(6u, ended.dwExitCode);
+            EXPECT_EQ(0u, ended.strBox.find(L"Tessaly does not start: "));
+            EXPECT_NE(std::wstring::npos, ended.strBox.find(L"Another program"));
+        }
+        ::CloseHandle(h);
     }
 }
 
@@ -320,14 +463,8 @@ LRESULT CALLBACK DeafProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 TEST(Host, ExitTellsWhenTheRunningOneStays) {
-    WNDCLASSW wc{};
     nAsked = 0;
-    wc.lpfnWndProc = &DeafProc;
-    wc.lpszClassName = kMonitorClass;
-    wc.hInstance = ::GetModuleHandleW(nullptr);
-    ::RegisterClassW(&wc);
-    HWND hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                  wc.hInstance, nullptr);
+    FakeMonitor window(&DeafProc);
     DWORD dwStart = ::GetTickCount();
     Ended ended = RunHost(BinFolder(), L"/exit");
     EXPECT_GE(::GetTickCount() - dwStart, 14000u);
@@ -336,7 +473,5 @@ TEST(Host, ExitTellsWhenTheRunningOneStays) {
               ended.strBox);
     EXPECT_EQ(1, nAsked);
     EXPECT_EQ(GetMyProductInfo().GetID(), lAskedFor);
-    ::DestroyWindow(hwnd);
-    ::UnregisterClassW(wc.lpszClassName, wc.hInstance);
 }
 } // namespace

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 /// A window that goes while the search stands on it ends the search too early; it then begins anew.
@@ -177,9 +178,9 @@ int SingleInstanceXP::IsFirstInstance(int bGlobal, const wchar_t* pszName) {
     wchar_t szMark[kMaxObjectName];
     FormatText(szMark, L"%s\\Orvanta_App_%s", bGlobal ? L"Global" : L"Local",
                pszName ? pszName : L"");
-    hMark.Reset(); // asked again, the own mark must not count
     ::SetLastError(ERROR_SUCCESS);
-    hMark.Reset(::CreateEventW(nullptr, FALSE, FALSE, szMark));
-    if (::GetLastError() == ERROR_ALREADY_EXISTS) hMark.Reset();
-    return hMark.Get() != nullptr;
+    OwnedHandle created(::CreateEventW(nullptr, FALSE, FALSE, szMark));
+    if (!created || ::GetLastError() == ERROR_ALREADY_EXISTS) return 0;
+    hMark = std::move(created);
+    return 1;
 }

@@ -50,8 +50,11 @@ class TESSALY_API SingleInstanceXP {
     SingleInstanceXP(const SingleInstanceXP&) = delete; // owns the mark
     SingleInstanceXP& operator=(const SingleInstanceXP&) = delete;
 
-    /// 1 if no other process has the mark of that name: in this logon session, or with bGlobal on
-    /// the whole machine. The two kinds do not see each other. 0 also when the mark cannot be made.
+    /// 1 if nobody has the mark of that name yet: in this logon session, or with bGlobal on the
+    /// whole machine. The two kinds do not see each other. 0 also when the mark cannot be made.
+    ///
+    /// It counts whoever has the mark: an object that is asked again says 0, and keeps the mark. A
+    /// mark of another name takes the place of the one before.
     int IsFirstInstance(int bGlobal, const wchar_t* pszName);
 
   private:

@@ -66,9 +66,10 @@ const wchar_t* FindArguments(const wchar_t* pszLine) {
     pszLine = SkipBlanksAndTabs(pszLine);
     FirstToken token = FindFirstToken(pszLine);
     if (*token.pszBegin == L'/') return pszLine;
+    // Of a quoted token that begins with its closing quote, of another with blanks.
     const wchar_t* psz = token.pszEnd;
-    if (token.bQuoted && *psz) ++psz;
-    return SkipBlanksAndTabs(psz);
+    SkipLeadingWhiteSpaces(psz);
+    return psz;
 }
 } // namespace
 

@@ -11,10 +11,13 @@
 /// line that holds nothing but blanks and tabs, or without a buffer.
 TESSALY_API int GetCmdLnPath(const wchar_t* pszLine, wchar_t* pszBuffer, int cchBuffer);
 
-/// What follows the first token, behind the token's closing quote and blanks and tabs; all of the
-/// line, behind its leading blanks and tabs, if its first token begins with "/". A place in the
-/// line, which is also copied to the buffer if there is one; null and an empty buffer for no
+/// What follows the first token, behind blanks and tabs, one quote and further blanks and tabs; all
+/// of the line, behind its leading blanks and tabs, if its first token begins with "/". A place in
+/// the line, which is also copied to the buffer if there is one; null and an empty buffer for no
 /// arguments.
+// QUIRK: the one quote is the closing one of a quoted token. Behind any other token it is that
+// before the first argument, whose closing quote stays: of "a \"b c\" d" that is "b c\" d".
+// Test: GetCmdLnArg.OneQuoteBehindTheTokenGoes
 TESSALY_API const wchar_t* GetCmdLnArg(const wchar_t* pszLine, wchar_t* pszBuffer, int cchBuffer);
 
 /// 1 if the token is the name, as it stands or without a leading "/" or "-".

@@ -26,10 +26,12 @@ constexpr const wchar_t* kLockName = L"Global\\Orvanta_Tessaly_HandOver";
 // Every user may wait for the lock and release it, and nothing else.
 constexpr DWORD kLockAccess = SYNCHRONIZE | MUTEX_MODIFY_STATE;
 constexpr const wchar_t* kLockRights = L"D:(A;;0x100001;;;AU)";
-// Long enough for a user to answer the question of the call before.
-constexpr DWORD kLockTimeoutMs = 60000;
+// A user may take longer to answer the question of the call before. But anybody can have made the
+// lock and keep it, and no caller is to stand still for that.
+constexpr DWORD kLockTimeoutMs = 5000;
 
-std::atomic<DWORD> dwHolder{0}; // the thread of this process that has the lock
+std::atomic<DWORD> dwHolder{0};        // the thread of this process that has the lock
+constinit HANDLE hOwnAnswer = nullptr; // for a call from the shell's own thread
 
 /// The section for one call at a time. A thread that has it already does not get it twice: while
 /// it waits for the shell, messages to its windows go on.
@@ -37,8 +39,9 @@ class HandOverLock {
   public:
     HandOverLock() {
         if (dwHolder == ::GetCurrentThreadId()) return;
-        OwnedHandle opened = Open();
-        DWORD dwWait = opened ? ::WaitForSingleObject(opened.Get(), kLockTimeoutMs) : WAIT_FAILED;
+        OwnedHandle opened = Open(dwError);
+        if (!opened) return;
+        DWORD dwWait = ::WaitForSingleObject(opened.Get(), kLockTimeoutMs);
         // Abandoned: whoever had it ended during a call, and left a request to be cleared.
         if (dwWait != WAIT_OBJECT_0 && dwWait != WAIT_ABANDONED) return;
         dwHolder = ::GetCurrentThreadId();
@@ -52,9 +55,12 @@ class HandOverLock {
     HandOverLock(const HandOverLock&) = delete;
     HandOverLock& operator=(const HandOverLock&) = delete;
     explicit operator bool() const { return static_cast<bool>(mutex); }
+    /// Why it is not held: ERROR_BUSY if somebody else has it, or the platform's word if it cannot
+    /// be opened.
+    DWORD GetError() const { return dwError; }
 
   private:
-    static OwnedHandle Open() {
+    static OwnedHandle Open(DWORD& dwWhyNot) {
         PSECURITY_DESCRIPTOR pRights = nullptr;
         ::ConvertStringSecurityDescriptorToSecurityDescriptorW(kLockRights, SDDL_REVISION_1,
                                                                &pRights, nullptr);
@@ -63,9 +69,11 @@ class HandOverLock {
         OwnedHandle created(::CreateMutexW(&security, FALSE, kLockName));
         // It asks for all rights to one that exists already, which are its maker's alone.
         if (!created) created.Reset(::OpenMutexW(kLockAccess, FALSE, kLockName));
+        if (!created) dwWhyNot = ::GetLastError();
         return created;
     }
     OwnedHandle mutex; // empty unless it is held
+    DWORD dwError = ERROR_BUSY;
 };
 
 void Clear() { handOverData = HandOverData{}; }
@@ -123,14 +131,21 @@ HANDLE TakeProcessHandle(HWND hwndShell, HANDLE hOfShell) {
     return process.Release();
 }
 
+/// The handle's way back, in the shell's process: it is the answer to the message, which nobody
+/// gives but the thread that was asked.
+void AnswerWith(HANDLE hProcess) {
+    // False if the message came from the very thread, whose call gets the window's answer.
+    if (!::ReplyMessage(reinterpret_cast<LRESULT>(hProcess))) hOwnAnswer = hProcess;
+}
+
 /// In the shell's process. The request is taken up once, and what was looked at is what is used:
-/// the section may change at any time.
+/// the section may change at any time. What is asked for is no longer to be read there then.
 void Serve(const CWPSTRUCT& msg) {
     UINT uMsg = handOverData.uMsg;
     if (!uMsg || msg.message != uMsg) return;
-    handOverData.uMsg = 0;
     HandOverData request = handOverData;
     std::atomic_signal_fence(std::memory_order_seq_cst); // no second look at the section
+    handOverData = HandOverData{.hhook = request.hhook};
     Seal seal = SealOf(request);
     if (seal.wParam != msg.wParam || seal.lParam != msg.lParam) return;
     if (!IsTerminated(request.szVerb) || !IsTerminated(request.szFile) ||
@@ -146,6 +161,17 @@ void Serve(const CWPSTRUCT& msg) {
     handOverData.hProcess = hProcess;
     handOverData.dwError = dwError;
     handOverData.nResult = nResult;
+    AnswerWith(hProcess);
+}
+
+/// Sends the request and gives the handle that the shell answers with; null for none. What the
+/// section has for one may be anybody's, and is not looked at: it would be looked up, and closed,
+/// among the handles of the shell.
+HANDLE Ask(HWND hwndShell, DWORD dwThread, UINT uMsg, const Seal& seal) {
+    hOwnAnswer = nullptr;
+    LRESULT nAnswer = ::SendMessageW(hwndShell, uMsg, seal.wParam, seal.lParam);
+    if (dwThread == ::GetCurrentThreadId()) return std::exchange(hOwnAnswer, nullptr);
+    return reinterpret_cast<HANDLE>(nAnswer);
 }
 
 bool Fail(DWORD* pdwError, DWORD dwError) {
@@ -179,7 +205,7 @@ bool HandOver(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
               DWORD* pdwError) {
     if (phProcess) *phProcess = nullptr;
     HandOverLock lock;
-    if (!lock) return Fail(pdwError, ERROR_BUSY);
+    if (!lock) return Fail(pdwError, lock.GetError());
     UINT uMsg = ::RegisterWindowMessageW(kMessageName);
     HWND hwndShell = FindProgman();
     // Thread 0, of a window that has just gone, would be a hook on all of them.
@@ -203,8 +229,8 @@ bool HandOver(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
     request.bWantHandle = phProcess != nullptr;
     handOverData = request;
     Seal seal = SealOf(request);
-    ::SendMessageW(hwndShell, uMsg, seal.wParam, seal.lParam);
-    if (phProcess) *phProcess = TakeProcessHandle(hwndShell, handOverData.hProcess);
+    HANDLE hOfShell = Ask(hwndShell, dwThread, uMsg, seal);
+    if (phProcess) *phProcess = TakeProcessHandle(hwndShell, hOfShell);
     if (pdwError) *pdwError = handOverData.dwError;
     return handOverData.nResult != 0;
 }

@@ -15,7 +15,8 @@ TESSALY_API int MyShellExec(HWND hwnd, const wchar_t* pszVerb, const wchar_t* ps
 /// Without the rights of an administrator. bForce hands over also where this process has none.
 ///
 /// A hand-over takes texts of 259 characters and gives 0 for longer ones, and if there is no shell
-/// or another hand-over keeps it busy.
+/// or another hand-over keeps it busy: *pdwError is ERROR_BUSY after 5 s, or at once for a call
+/// from within one.
 TESSALY_API int RunNonElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
                                const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                                int bForce);
@@ -56,7 +57,8 @@ TESSALY_API int MyChangeWindowMessageFilter(UINT uMsg, DWORD dwFlag);
 /// process that maps the library shares. It serves one call at a time. Everybody can write to it,
 /// also who may not send to the shell: the message's two parameters are the MD5 digest of the
 /// request (the structure with hhook, uMsg and the results zero), and only a request that fits them
-/// is served. All zero between two calls.
+/// is served. It is wiped when it is taken up. Nor is the process handle taken from here: that
+/// comes as the message's answer, which the shell's thread alone gives. All zero between two calls.
 struct HandOverData {
     HHOOK hhook; // the hook on the thread of the shell's window
     UINT uMsg;   // id of the message "VistaElevatorMsg"; 0 once it was taken up

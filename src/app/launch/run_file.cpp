@@ -1,7 +1,7 @@
 #include "app/launch/run_file.h"
 #include "files/disk/path_home.h"
 #include "files/disk/path_spelling.h"
-#include "files/path/path_command.h"
+#include "files/path/path_chars.h"
 #include "files/path/path_split.h"
 #include "runtime/base/current_product.h"
 #include "runtime/messages/wait_cursor.h"
@@ -145,7 +145,8 @@ bool MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments) {
     if (!GetModulePath(GetLibraryInstance(), szLibrary)) return false;
     ConvertToShortPath(szLibrary, MAX_PATH);
     std::wcscpy(szQuoted, szLibrary);
-    AddQuotesIfSpace(szQuoted);
+    // Either would end the path.
+    if (std::wcschr(szQuoted, L' ') || std::wcschr(szQuoted, L',')) AddQuotes(szQuoted);
     std::size_t cch = std::wcslen(szQuoted) + 1 + std::wcslen(pszArguments);
     if (cch >= static_cast<std::size_t>(cchLine)) return false;
     FormatText(pszLine, static_cast<std::size_t>(cchLine), L"%s,%s", szQuoted, pszArguments);

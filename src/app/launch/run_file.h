@@ -61,8 +61,8 @@ constexpr const wchar_t* kRunDll32 = L"RunDll32.exe";
 // What the other files of this folder start things by.
 
 /// What that program wants to be told: this library's short path, a comma and the arguments. False
-/// and an empty text if it does not fit. Where a path has no short form, quotes keep its blanks
-/// together.
+/// and an empty text if it does not fit. Where a path has no short form, quotes keep together what
+/// its blanks and commas would take apart.
 [[nodiscard]] bool MakeDllLine(wchar_t* pszLine, int cchLine, const wchar_t* pszArguments);
 
 /// What ShellExecuteExW is asked for. Texts may be null.

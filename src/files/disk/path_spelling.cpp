@@ -101,6 +101,7 @@ bool GiveTrueCase(wchar_t* pszPath) {
         pszBetween = L"\\";
         --pszName;
     }
+    if (!*pszName) return true; // a device's name with a ":": there is nothing to cut
     *pszName = 0;
     if (!GiveTrueCase(pszPath)) return false;
     if (!ExpandEnvStrings(pszPath, pszPath, kPathChars)) return false;

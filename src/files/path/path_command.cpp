@@ -1,5 +1,6 @@
 #include "files/path/path_command.h"
 #include "files/path/path_chars.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/text/str_chars.h"
 
 #include <windows.h>
@@ -63,13 +64,26 @@ bool PutArgs(wchar_t* pszOut, std::size_t cchOut, const wchar_t* pszRest, const 
 
 // Environment strings
 
-bool Expand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+/// What became of a text.
+enum class Outcome {
+    Done,
+    Cut,  // it is done, but did not fit whole
+    None, // the platform failed or left nothing
+};
+
+Outcome Expand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
     DWORD cch = ::ExpandEnvironmentStringsW(pszIn, pszOut, cchOut); // with the terminator
-    return cch > 1 && cch <= cchOut && *pszOut;
+    if (cch <= cchOut) return cch > 1 && *pszOut ? Outcome::Done : Outcome::None;
+    // What the platform then left in the output is anything.
+    HeapArray<wchar_t> whole(cch);
+    DWORD cchWhole = whole.IsReady() ? ::ExpandEnvironmentStringsW(pszIn, whole.Get(), cch) : 0;
+    CopyTextCut(pszOut, cchOut, cchWhole > 0 && cchWhole <= cch ? whole.Get() : nullptr);
+    return Outcome::Cut;
 }
 
-bool UnExpand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
-    return ::PathUnExpandEnvStringsW(pszIn, pszOut, cchOut) && *pszOut;
+Outcome UnExpand(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut) {
+    bool bDone = ::PathUnExpandEnvStringsW(pszIn, pszOut, cchOut) && *pszOut;
+    return bDone ? Outcome::Done : Outcome::None;
 }
 
 /// The platform's functions do not work in place, so that an input in the output is copied first.
@@ -81,7 +95,8 @@ bool ChangeOrCopy(Fn&& change, const wchar_t* pszIn, wchar_t* pszOut, unsigned c
         if (!CopyPath(szIn, pszIn)) return CopyTextCut(pszOut, cchOut, pszIn);
         pszIn = szIn;
     }
-    if (pszIn && *pszIn && change(pszIn, pszOut, cchOut)) return true;
+    Outcome outcome = pszIn && *pszIn ? change(pszIn, pszOut, cchOut) : Outcome::None;
+    if (outcome != Outcome::None) return outcome == Outcome::Done;
     return CopyTextCut(pszOut, cchOut, pszIn);
 }
 

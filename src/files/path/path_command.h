@@ -18,14 +18,15 @@
                                              wchar_t* pszProgram, wchar_t* pszArgs, unsigned cch);
 
 /// Replaces "%NAME%" by the environment's value (ExpandEnvironmentStringsW). Without such strings,
-/// if the platform fails, or if the result is empty or longer than pszOut, that gets a copy of the
-/// input as it is. cchOut counts the terminator; a null input counts as empty. The input may lie in
-/// pszOut if it has less than 260 characters; a longer one is not expanded there.
-/// Returns 1; 0 if the text was cut to fit, and for a null output or cchOut 0.
+/// if the platform fails, or if the result is empty, pszOut gets a copy of the input as it is.
+/// cchOut counts the terminator; a null input counts as empty. The input may lie in pszOut if it
+/// has less than 260 characters; a longer one is not expanded there. Returns 1; 0 if the expanded
+/// text was cut to fit, and for a null output or cchOut 0.
 TESSALY_API int ExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut);
 /// Replaces the start of a path by the environment string of one of the folders that the platform
 /// knows so (PathUnExpandEnvStringsW). Where there is none or the platform fails, pszOut gets a
-/// copy; sizes, null, an input in pszOut and the result are as in ExpandEnvStrings.
+/// copy, as where the new text does not fit; sizes, null, an input in pszOut and the result are as
+/// in ExpandEnvStrings.
 TESSALY_API int UnExpandEnvStrings(const wchar_t* pszIn, wchar_t* pszOut, unsigned cchOut);
 
 // Quotes around paths and the arguments of command lines. Where pszIn is null pszOut's own text is

@@ -74,7 +74,8 @@ void AppendFileName(wchar_t* pszFolder, const wchar_t* pszName) {
 int MakePath(wchar_t* pszOut, const wchar_t* pszFolder, const wchar_t* pszName,
              const wchar_t* pszExt, int bCut) {
     if (!pszOut) return 0;
-    PutFolder(pszOut, kPathChars, pszFolder); // cut if it is too long; no name fits behind it then
+    // One that is too long is cut, and no name fits behind it then. Out of memory it is not there.
+    if (!PutFolder(pszOut, kPathChars, pszFolder) && !*pszOut) return 0;
     if (!pszName || !*pszName) return 1;
     std::size_t cch = std::wcslen(pszOut);
     bool bSeparator = cch && !EndsInSeparator(pszOut, cch);

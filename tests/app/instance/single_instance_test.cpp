@@ -49,11 +49,26 @@ TEST(SingleInstanceXP, MarkHasTheProductsName) {
     ::CloseHandle(h);
 }
 
-TEST(SingleInstanceXP, AskedAgainTheFirstStaysTheFirst) {
+TEST(SingleInstanceXP, AskedAgainGivesZeroAndKeepsTheMark) {
     std::wstring strName = UniqueInstanceName();
-    SingleInstanceXP instance;
+    {
+        SingleInstanceXP instance;
+        EXPECT_EQ(1, instance.IsFirstInstance(0, strName.c_str()));
+        for (int n = 0; n < 3; ++n) {
+            EXPECT_EQ(0, instance.IsFirstInstance(0, strName.c_str())) << n;
+            EXPECT_EQ(0, SingleInstanceXP().IsFirstInstance(0, strName.c_str())) << n;
+        }
+    }
+    EXPECT_EQ(1, SingleInstanceXP().IsFirstInstance(0, strName.c_str()));
+}
+
+TEST(SingleInstanceXP, MarkOfAnotherTakesNothingAway) {
+    std::wstring strName = UniqueInstanceName(), strTaken = UniqueInstanceName();
+    SingleInstanceXP instance, other;
+    EXPECT_EQ(1, other.IsFirstInstance(0, strTaken.c_str()));
     EXPECT_EQ(1, instance.IsFirstInstance(0, strName.c_str()));
-    EXPECT_EQ(1, instance.IsFirstInstance(0, strName.c_str()));
+    EXPECT_EQ(0, instance.IsFirstInstance(0, strTaken.c_str()));
+    EXPECT_EQ(0, other.IsFirstInstance(0, strName.c_str())); // the mark stayed
 }
 
 TEST(SingleInstanceXP, MarkGoesWithTheObject) {

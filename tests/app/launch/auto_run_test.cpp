@@ -1,7 +1,9 @@
 #include "app/launch/auto_run.h"
 #include "app/launch/run_file.h"
 #include "app/shell_start_recorder.h"
+#include "app/stored_home.h"
 #include "support/launch_reports.h"
+#include "support/program_folder.h"
 #include "support/replace_import.h"
 #include "support/run_key_away.h"
 
@@ -17,6 +19,24 @@ namespace {
 using std::wstring;
 constexpr const wchar_t* kRunKey = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr const wchar_t* kName = L"Tessaly test value";
+
+/// The library lies where no short names can be had.
+const wchar_t* pszLongPath = L"";
+DWORD WINAPI TellLongPath(HMODULE, LPWSTR psz, DWORD cch) {
+    return static_cast<DWORD>(wcslen(wcsncpy(psz, pszLongPath, cch)));
+}
+struct LongPathCase {
+    const char* pszName;
+    const wchar_t* pszPath;
+    const wchar_t* pszInLine;
+};
+constexpr LongPathCase kLongPaths[] = {
+    {"Plain", L"Q:\\none\\a.dll", L"Q:\\none\\a.dll"},
+    {"Blank", L"Q:\\no such folder\\a b.dll", L"\"Q:\\no such folder\\a b.dll\""},
+    {"Comma", L"Q:\\no,ne\\a.dll", L"\"Q:\\no,ne\\a.dll\""},
+    {"CommaInTheName", L"Q:\\none\\a,b.dll", L"\"Q:\\none\\a,b.dll\""},
+    {"Both", L"Q:\\no, none\\a.dll", L"\"Q:\\no, none\\a.dll\""},
+};
 
 /// This program in short names, as the library's path.
 wstring ShortPath() {
@@ -104,6 +124,16 @@ TEST_P(AutoRun, LineHasItsLimit) {
     EXPECT_EQ(L"RunDll32.exe " + ShortPath() + L",", Read());
 }
 
+TEST_P(AutoRun, LongPathStaysTogether) {
+    ReplaceImport replaced(__imp_GetModuleFileNameW, &TellLongPath);
+    for (const LongPathCase& row : kLongPaths) {
+        pszLongPath = row.pszPath;
+        EXPECT_EQ(1, AutoRunDll32(nullptr, 1, GetParam(), kName, L"Entry")) << row.pszName;
+        EXPECT_EQ(wstring(L"RunDll32.exe ") + row.pszInLine + L",Entry", Read()) << row.pszName;
+        EXPECT_EQ(1, Look(L"Entry")) << row.pszName;
+    }
+}
+
 LSTATUS WINAPI RefuseSet(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) {
     return ERROR_ACCESS_DENIED;
 }
@@ -155,12 +185,6 @@ std::string NameOfRoot(const testing::TestParamInfo<int>& row) {
 INSTANTIATE_TEST_SUITE_P(Roots, AutoRunWithoutKey, testing::Values(1, 0), NameOfRoot);
 INSTANTIATE_TEST_SUITE_P(Roots, AutoRun, testing::Values(1, 0), NameOfRoot);
 
-/// The library lies where no short names can be had.
-constexpr const wchar_t* kLongPath = L"Q:\\no such folder\\a b.dll";
-DWORD WINAPI TellLongPath(HMODULE, LPWSTR psz, DWORD cch) {
-    return static_cast<DWORD>(wcslen(wcsncpy(psz, kLongPath, cch)));
-}
-
 TEST(RunDll32, TellsTheLibraryAndTheArguments) {
     ShellStartRecorder shell;
     wchar_t szSystem[MAX_PATH];
@@ -187,10 +211,32 @@ TEST(RunDll32, ArgumentsHaveTheirLimit) {
     EXPECT_TRUE(shell.calls.empty());
 }
 
-TEST(RunDll32, QuotesKeepALongPathTogether) {
+TEST(RunDll32, LongPathStaysTogether) {
     ShellStartRecorder shell;
     ReplaceImport replaced(__imp_GetModuleFileNameW, &TellLongPath);
-    EXPECT_EQ(1, RunDll32(L"Entry"));
-    EXPECT_EQ(L"\"Q:\\no such folder\\a b.dll\",Entry", shell.TakeOne().parameters);
+    for (const LongPathCase& row : kLongPaths) {
+        pszLongPath = row.pszPath;
+        EXPECT_EQ(1, RunDll32(L"Entry"));
+        EXPECT_EQ((row.pszInLine + wstring(L",Entry")).c_str(), shell.TakeOne().parameters)
+            << row.pszName;
+    }
 }
+
+TEST(StartMonitor, StartsTheProgramBesideTheLibraryWithoutItsBalloon) {
+    StoredHome home; // is not where it lies
+    ShellStartRecorder shell;
+    for (int nShow : {SW_SHOWDEFAULT, SW_HIDE}) { // its arguments have no meaning
+        StartMonitor(::GetDesktopWindow(), nullptr, nShow == SW_HIDE ? "/EXIT" : nullptr, nShow);
+        ShellCall call = shell.TakeOne();
+        EXPECT_EQ((ProgramFolder() + L"TSEXE64.exe").c_str(), call.file);
+        EXPECT_EQ(L"/QUIET", call.parameters);
+        EXPECT_EQ(nullptr, call.verb);
+        EXPECT_EQ(nullptr, call.directory);
+        EXPECT_EQ(::GetDesktopWindow(), call.hwnd);
+        EXPECT_EQ(SW_SHOWNORMAL, call.nShow);
+        EXPECT_EQ(0u, call.nMask);
+    }
+}
+
+TEST(StartMonitor, IsWhatTheEntryNames) { EXPECT_STREQ(L"StartMonitor", kStartMonitorEntry); }
 } // namespace

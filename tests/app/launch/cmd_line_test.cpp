@@ -90,7 +90,8 @@ INSTANTIATE_TEST_SUITE_P(
         ArgCase{"BehindAPlainToken", L"a /b c", 2}, ArgCase{"BehindATab", L"a\t\t b", 4},
         ArgCase{"BehindAQuotedToken", L"\"a b\" /c", 6},
         ArgCase{"RightBehindTheClosingQuote", L"\"a b\"/c", 5},
-        ArgCase{"QuotesOfArgumentsStay", L"a \"b c\" d", 2},
+        ArgCase{"FirstQuoteOfArgumentsGoes", L"a \"b c\" d", 3},
+        ArgCase{"LaterQuotesOfArgumentsStay", L"a b \"c d\"", 2},
         ArgCase{"QuotesBehindAQuotedTokenStay", L"\"a\" \"b c\"", 4},
         ArgCase{"BlanksAtTheEndStay", L"a b ", 2}, ArgCase{"SlashFirst", L"/a b", 0},
         ArgCase{"SlashBehindBlanks", L" \t/a b", 2}, ArgCase{"QuotedSlashFirst", L" \"/a b\" c", 1},
@@ -99,6 +100,18 @@ INSTANTIATE_TEST_SUITE_P(
         ArgCase{"NoClosingQuote", L"\"a b", -1}, ArgCase{"Empty", L"", -1},
         ArgCase{"OnlyBlanks", L" \t", -1}),
     [](const auto& row) { return RowName(row.param.pszName); });
+
+TEST(GetCmdLnArg, OneQuoteBehindTheTokenGoes) {
+    wchar_t sz[16];
+    GetCmdLnArg(L"prog \"q r\" z", sz, 16);
+    EXPECT_STREQ(L"q r\" z", sz);
+    GetCmdLnArg(L"prog\t \" \"q\"", sz, 16);
+    EXPECT_STREQ(L"\"q\"", sz);
+    GetCmdLnArg(L"\"prog\" \"q r\" z", sz, 16); // its closing quote was the one
+    EXPECT_STREQ(L"\"q r\" z", sz);
+    EXPECT_EQ(nullptr, GetCmdLnArg(L"prog \" ", sz, 16));
+    EXPECT_STREQ(L"", sz);
+}
 
 TEST(GetCmdLnArg, CutsTheCopyOnly) {
     const wchar_t* pszLine = L"a bcdef";
@@ -334,7 +347,9 @@ PlainToken TokenOf(const wstring& str) {
     if (token.bQuoted) token.nBegin = skip(token.nBegin + 1);
     token.nEnd =
         std::min(str.find_first_of(token.bQuoted ? L"\"" : L" \t", token.nBegin), str.size());
-    token.nBehind = skip(std::min(token.nEnd + (token.bQuoted ? 1 : 0), str.size()));
+    token.nBehind = skip(token.nEnd);
+    if (token.nBehind < str.size() && str[token.nBehind] == L'"')
+        token.nBehind = skip(token.nBehind + 1);
     return token;
 }
 

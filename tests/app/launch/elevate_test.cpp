@@ -354,6 +354,8 @@ LRESULT WINAPI SendAfterAChange(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPar
     return pReplacedSend->Original<decltype(SendAfterAChange)>()(hwnd, uMsg, wParam, lParam);
 }
 
+const HandOverData kNothing{};
+
 class HandOverHook : public Elevate {
   protected:
     ~HandOverHook() override { handOverData = HandOverData{}; }
@@ -448,6 +450,70 @@ INSTANTIATE_TEST_SUITE_P(Cases, RequestChangedUnderWay,
                                          ChangeCase{"Directory", &handOverData.szDirectory[10]}),
                          [](const auto& row) { return std::string(row.param.pszName); });
 
+TEST_F(HandOverHook, RequestIsWipedWhenItIsTakenUp) {
+    bool bWiped = false;
+    shell.fnDuring = [&](SHELLEXECUTEINFOW&) {
+        HandOverData rest = handOverData;
+        rest.hhook = nullptr;
+        bWiped = !memcmp(&rest, &kNothing, sizeof(rest));
+    };
+    EXPECT_EQ(1, HandOver(nullptr, L"v", L"f", L"p", L"d", &hProcess, &dwError));
+    EXPECT_TRUE(bWiped);
+    ShellCall call = shell.TakeOne();
+    EXPECT_EQ(L"v", call.verb);
+    EXPECT_EQ(L"d", call.directory);
+    Fill();
+    CallWith({0, 0, WM_APP, window}); // one that is not served
+    EXPECT_TRUE(IsSectionClear());
+}
+
+// A handle of the shell's that stands in the section when the answer comes back.
+
+HANDLE hPlanted = nullptr;
+LRESULT WINAPI SendAndPlant(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    LRESULT nResult = pReplacedSend->Original<decltype(SendAndPlant)>()(hwnd, uMsg, wParam, lParam);
+    handOverData.hProcess = hPlanted;
+    handOverData.nResult = 1;
+    return nResult;
+}
+HANDLE OwnProcess() {
+    HANDLE h = nullptr;
+    ::DuplicateHandle(::GetCurrentProcess(), ::GetCurrentProcess(), ::GetCurrentProcess(), &h, 0,
+                      FALSE, DUPLICATE_SAME_ACCESS);
+    return h;
+}
+bool IsOwnProcess(HANDLE h) { return ::GetProcessId(h) == ::GetCurrentProcessId(); }
+
+TEST_F(Elevate, HandleThatAnotherPutIntoTheSectionIsNotTouched) {
+    ReplaceImport replaced(__imp_SendMessageW, &SendAndPlant);
+    pReplacedSend = &replaced;
+    hPlanted = OwnProcess();
+    ASSERT_TRUE(IsOwnProcess(hPlanted));
+    EXPECT_EQ(1, RunNonElevated(nullptr, L"f", nullptr, nullptr, &hProcess, &dwError, 1));
+    EXPECT_EQ(nullptr, hProcess); // the shell had none
+    EXPECT_TRUE(IsOwnProcess(hPlanted));
+    shell.hProcess = OwnProcess();
+    EXPECT_EQ(1, RunNonElevated(nullptr, L"f", nullptr, nullptr, &hProcess, &dwError, 1));
+    EXPECT_TRUE(IsOwnProcess(hProcess));
+    EXPECT_FALSE(IsOwnProcess(shell.hProcess)); // that was the one
+    EXPECT_TRUE(IsOwnProcess(hPlanted));
+    ::CloseHandle(hProcess);
+    ::CloseHandle(hPlanted);
+}
+
+TEST_F(Elevate, CallFromTheShellsOwnThreadGetsTheHandle) {
+    HWND hwnd = ::CreateWindowExW(WS_EX_TOPMOST, L"Progman", L"", WS_POPUP, 0, 0, 9, 9, nullptr,
+                                  nullptr, ::GetModuleHandleW(nullptr), nullptr);
+    ASSERT_EQ(hwnd, ::FindWindowW(L"Progman", nullptr));
+    shell.hProcess = OwnProcess();
+    EXPECT_EQ(1, RunNonElevated(nullptr, L"f", nullptr, nullptr, &hProcess, &dwError, 1));
+    EXPECT_EQ(::GetCurrentThreadId(), shell.TakeOne().dwThread);
+    EXPECT_TRUE(IsOwnProcess(hProcess));
+    EXPECT_FALSE(IsOwnProcess(shell.hProcess));
+    ::CloseHandle(hProcess);
+    ::DestroyWindow(hwnd);
+}
+
 TEST_F(HandOverHook, MessageWithoutTheDigestIsNotServed) {
     for (int n = -1; n < 128; ++n) { // nothing, or one bit that differs
         Fill();
@@ -534,6 +600,33 @@ TEST_F(Elevate, CallWaitsForTheLockOfAnother) {
     EXPECT_EQ(1, nResult);
     EXPECT_EQ(L"f", shell.TakeOne().file);
     ::CloseHandle(hMutex);
+}
+
+TEST_F(Elevate, LockThatSomebodyKeepsIsNotWaitedForLong) {
+    HANDLE hMutex = ::CreateMutexW(nullptr, TRUE, L"Global\\Orvanta_Tessaly_HandOver");
+    ASSERT_NE(nullptr, hMutex);
+    int nResult = -1;
+    DWORD dwStart = ::GetTickCount();
+    std::thread([&] {
+        nResult = RunNonElevated(nullptr, L"f", nullptr, nullptr, &hProcess, &dwError, 1);
+    }).join();
+    EXPECT_LT(::GetTickCount() - dwStart, 15000u); // what a loaded machine may add
+    EXPECT_EQ(0, nResult);
+    EXPECT_EQ(static_cast<DWORD>(ERROR_BUSY), dwError);
+    EXPECT_EQ(nullptr, hProcess);
+    EXPECT_TRUE(shell.calls.empty());
+    ::ReleaseMutex(hMutex);
+    ::CloseHandle(hMutex);
+}
+
+TEST_F(Elevate, LockThatIsNoneIsTold) {
+    HANDLE hEvent = ::CreateEventW(nullptr, TRUE, FALSE, L"Global\\Orvanta_Tessaly_HandOver");
+    ASSERT_NE(nullptr, hEvent);
+    EXPECT_EQ(0, RunNonElevated(nullptr, L"f", nullptr, nullptr, &hProcess, &dwError, 1));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_HANDLE), dwError);
+    EXPECT_EQ(nullptr, hProcess);
+    EXPECT_TRUE(shell.calls.empty());
+    ::CloseHandle(hEvent);
 }
 
 TEST_F(Elevate, LockOfACallThatDiedIsTakenOver) {

@@ -207,16 +207,29 @@ INSTANTIATE_TEST_SUITE_P(
                     ExpandCase{"WithoutItsEnd", L"%TSLY_TEST", L"%TSLY_TEST"}),
     kRowName);
 
-TEST_F(EnvStrings, ThatDoNotFitExpandedAreCopied) {
-    const wchar_t* pszIn = L"%A%%A%";
+TEST_F(EnvStrings, ThatDoNotFitExpandedAreCutAndGiveZero) {
+    const std::wstring strExpected = L"1234567812345678";
     ::SetEnvironmentVariableW(L"A", L"12345678");
     for (unsigned cch = 1; cch < 20; ++cch) {
         PathBuffer out(L"", cch);
-        EXPECT_EQ(cch > 6, ExpandEnvStrings(pszIn, out, cch)) << cch;
-        std::wstring strExpected = cch > 16 ? L"1234567812345678" : pszIn;
+        EXPECT_EQ(cch > 16, ExpandEnvStrings(L"%A%%A%", out, cch)) << cch;
+        EXPECT_EQ(strExpected.substr(0, cch - 1), out.Str()) << cch;
+        if (cch <= 6) continue;
+        out.Set(L"%A%%A%"); // in place
+        EXPECT_EQ(cch > 16, ExpandEnvStrings(out, out, cch)) << cch;
         EXPECT_EQ(strExpected.substr(0, cch - 1), out.Str()) << cch;
     }
     ::SetEnvironmentVariableW(L"A", nullptr);
+}
+
+TEST_F(EnvStrings, ThatAreLongerThanAPathGiveZero) {
+    for (std::size_t cch : {259u, 260u, 300u, 5000u}) {
+        std::wstring strValue(cch, L'v');
+        ::SetEnvironmentVariableW(L"TSLY_TEST", strValue.c_str());
+        PathBuffer out;
+        EXPECT_EQ(cch == 259, ExpandEnvStrings(L"%TSLY_TEST%", out, MAX_PATH)) << cch;
+        EXPECT_EQ(strValue.substr(0, 259), out.Str()) << cch;
+    }
 }
 
 TEST_F(EnvStrings, EmptyResultGivesACopy) {
@@ -322,7 +335,7 @@ TEST_F(EnvStrings, RandomTextsStayWithinTheirBuffers) {
         auto* pszOut = static_cast<wchar_t*>(areaOut.Put(cch * sizeof(wchar_t)));
         int nResult = ExpandEnvStrings(pszIn, pszOut, cch);
         DWORD cchAll = ::ExpandEnvironmentStringsW(str.c_str(), szAll, std::size(szAll));
-        std::wstring strExpected = cchAll <= cch && *szAll ? std::wstring(szAll) : str;
+        std::wstring strExpected = cchAll && *szAll ? std::wstring(szAll) : str;
         ASSERT_EQ(strExpected.size() < cch, nResult) << str;
         ASSERT_EQ(strExpected.substr(0, cch - 1), pszOut) << str;
         if (i % 4) continue;

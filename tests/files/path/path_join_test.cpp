@@ -202,11 +202,20 @@ TEST(MakePath, FolderThatFillsTheBufferTakesNoName) {
     }
 }
 
-TEST(MakePath, ExpansionThatIsTooLongIsNotDone) {
-    SetEnv env(std::wstring(300, L'e'));
-    PathBuffer out;
-    EXPECT_EQ(1, MakePath(out, L"%TSLY_TEST%", L"a", nullptr, 0));
-    EXPECT_STREQ(L"%TSLY_TEST%\\a", out);
+TEST(MakePath, ExpansionThatIsTooLongTakesNoName) {
+    for (std::size_t cch : {258u, 259u, 260u, 300u}) {
+        std::wstring strValue(cch, L'e');
+        SetEnv env(strValue);
+        PathBuffer out;
+        EXPECT_EQ(0, MakePath(out, L"%TSLY_TEST%", L"a", nullptr, 0)) << cch;
+        EXPECT_STREQ(L"", out);
+        EXPECT_EQ(0, MakePath(out, L"%TSLY_TEST%", L"a", nullptr, 1)) << cch;
+        EXPECT_EQ((strValue + L"\\a").substr(0, 259), out.Str());
+        EXPECT_EQ(0, MakePathForOS(out, L"%TSLY_TEST%", L"a", nullptr)) << cch;
+        EXPECT_STREQ(L"", out);
+        EXPECT_EQ(0, MakePathEx(out, MAX_PATH, L"%TSLY_TEST%", L"a", nullptr)) << cch;
+        EXPECT_EQ(std::wstring::npos, out.Str().find(L'%'));
+    }
 }
 
 TEST(MakePathEx, StopsBeforeThePieceThatDoesNotFit) {
@@ -390,13 +399,11 @@ TEST(JoinRandom, AppendFileName) {
     }
 }
 
-/// What the platform makes of it where room is no matter; nothing where a path's limit is passed.
-std::optional<std::wstring> Expanded(const std::wstring& str, std::size_t cchLimit) {
+/// What the platform makes of it where room is no matter.
+std::wstring Expanded(const std::wstring& str) {
     static wchar_t sz[8192];
     DWORD cch = ::ExpandEnvironmentStringsW(str.c_str(), sz, std::size(sz));
-    if (cch == 0 || cch > cchLimit)
-        return str.size() < cchLimit ? std::optional(str) : std::nullopt;
-    return *sz ? std::wstring(sz) : str;
+    return cch && *sz ? std::wstring(sz) : str;
 }
 
 TEST(JoinRandom, MakePath) {
@@ -409,7 +416,7 @@ TEST(JoinRandom, MakePath) {
         int bCut = i % 2, bExt = i % 3 != 0;
         int nResult = MakePath(out, area1.Put(strFolder), area2.Put(strName),
                                bExt ? area3.Put(strExt) : nullptr, bCut);
-        std::wstring str = Expanded(strFolder, 260).value_or(strFolder.substr(0, 259));
+        std::wstring str = Expanded(strFolder).substr(0, 259);
         int nExpected = 1;
         if (!strName.empty()) {
             if (!str.empty() && !IsSep(str.back())) str += L"\\";
@@ -437,9 +444,10 @@ TEST(JoinRandom, MakePathEx) {
         auto* pszOut = static_cast<wchar_t*>(areaOut.Put(cch * sizeof(wchar_t)));
         int nResult = MakePathEx(pszOut, static_cast<unsigned>(cch), area1.Put(strFolder),
                                  area2.Put(strName), area3.Put(strExt));
-        auto folder = Expanded(strFolder, cch);
-        std::wstring str = folder.value_or(L"");
-        int nExpected = folder && str.size() < 260;
+        std::wstring str = Expanded(strFolder);
+        bool bFits = str.size() < cch;
+        if (!bFits) str.clear();
+        int nExpected = bFits && str.size() < 260;
         auto add = [&](const std::wstring& strMore) {
             nExpected = nExpected && str.size() + strMore.size() < cch;
             if (nExpected) str += strMore;
