@@ -2,23 +2,26 @@
 #include "runtime/base/current_product.h"
 #include "shell/subclass/shell_subclass.h"
 #include "wnd/core/core_wnd.h"
+#include "wnd/core/object_table.h"
 
 #include <cwchar>
 
 namespace {
 constexpr const wchar_t* kCSWndProperty = L"CSWND";
 constinit CreationSlot slotCreating;
+constinit ObjectTable objects; // those that have or had a window
 
-/// The object that the window names, if that object names the window: a stale property is not
-/// trusted. Only for a window of this process.
+/// The object that the window names, if that object names the window: neither a stale property nor
+/// one that another program set is trusted. Only for a window of this process.
 CSWnd* FindObject(HWND hwnd) {
     CSWnd* pWnd = static_cast<CSWnd*>(::GetPropW(hwnd, kCSWndProperty));
-    return pWnd && static_cast<HWND>(*pWnd) == hwnd ? pWnd : nullptr;
+    return objects.Has(pWnd) && static_cast<HWND>(*pWnd) == hwnd ? pWnd : nullptr;
 }
 } // namespace
 
 CSWnd::~CSWnd() {
     if (hWnd && ::GetPropW(hWnd, kCSWndProperty) == this) ::RemovePropW(hWnd, kCSWndProperty);
+    objects.Remove(this);
 }
 
 int CSWnd::IsKindOf(LPCWSTR pszClass) { return pszClass && std::wcscmp(pszClass, L"CSWnd") == 0; }
@@ -78,7 +81,7 @@ int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD d
 
 int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
                     int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
-    if (!slotCreating.Set(this)) return 0;
+    if (!objects.Add(this) || !slotCreating.Set(this)) return 0;
     oldWndProc = ::DefWindowProcW;
     ++procDepth; // a creation that fails half-way must not end the object's life in here
     HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
@@ -95,6 +98,7 @@ void CSWnd::Destroy() {
 }
 
 int CSWnd::Attach(HWND hwndTaken) {
+    static_cast<void>(objects.Add(this)); // without memory it has its handle all the same
     hWnd = hwndTaken;
     return hwndTaken != nullptr;
 }
@@ -238,6 +242,7 @@ void CSWnd::SettleHooks() {
 // Subclassing
 
 int CSWnd::CommonSubclass(HWND hwndTarget) {
+    if (!objects.Add(this)) return 0;
     if (ShellSubclass::IsReady()) {
         shellSubclassed = 1;
         hWnd = hwndTarget;

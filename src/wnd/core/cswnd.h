@@ -93,8 +93,9 @@ class TESSALY_API CSWnd {
     /// With pAfter only the hooks behind that one are asked; if it is not in the chain, none is.
     LRESULT DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter);
 
-    /// The object of a window of this process, null for a window that has none: its property is
-    /// there and the object names the same window.
+    /// The object of a window of this process, null for a window that has none: its property names
+    /// an object that lives, and the object names the same window. Whatever else another program
+    /// wrote into the property is not touched.
     static CSWnd* FromHandle(HWND hwnd);
 
     static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
