@@ -5,6 +5,7 @@
 #include "wnd/core/object_table.h"
 
 #include <cwchar>
+#include <utility>
 
 namespace {
 constexpr const wchar_t* kCSWndProperty = L"CSWND";
@@ -129,6 +130,9 @@ LRESULT CALLBACK CSWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPar
         ::SetPropW(hwnd, kCSWndProperty, pWnd);
         pWnd->hWnd = hwnd;
         pWnd->PreInit();
+    } else if (pWnd->hwndInChain == hwnd) {
+        // This object has seen the message in the chain, at whose end it comes here once more.
+        return ::CallWindowProcW(pWnd->GetEndProc(), hwnd, uMsg, wParam, lParam);
     }
     return pWnd->Dispatch(uMsg, wParam, lParam);
 }
@@ -141,9 +145,11 @@ LRESULT CALLBACK CSWnd::ShellSubclassProc(HWND, UINT uMsg, WPARAM wParam, LPARAM
 /// What both procedures have in common. Frames are counted besides the dispatches: a handler that
 /// destroys its own window goes on running, and the object must last until it has returned.
 LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
     ++procDepth;
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
     --procDepth;
+    hwndInChain = hwndInChainBefore;
     if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(1);
     return lResult; // the object may be gone
 }
@@ -172,16 +178,22 @@ LRESULT CSWnd::DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAf
     ++msgDepth;
     LRESULT lResult = 0;
     if (!AskHooks(uMsg, wParam, lParam, pAfter, &lResult)) {
-        if (shellSubclassed) {
-            lResult = ShellSubclass::Default(hWnd, uMsg, wParam, lParam);
-        } else {
-            // An object that is only attached has no earlier procedure.
-            WNDPROC pfn = oldWndProc ? oldWndProc : ::DefWindowProcW;
-            lResult = ::CallWindowProcW(pfn, hWnd, uMsg, wParam, lParam);
-        }
+        lResult = CallDefault(uMsg, wParam, lParam);
     }
     if (--msgDepth == 0 && hooksRemovalPending) SettleHooks();
     return lResult;
+}
+
+LRESULT CSWnd::CallDefault(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    if (shellSubclassed) {
+        HWND hwndInChainBefore = std::exchange(hwndInChain, hWnd);
+        LRESULT lResult = ShellSubclass::Default(hWnd, uMsg, wParam, lParam);
+        hwndInChain = hwndInChainBefore;
+        return lResult;
+    }
+    // An object that is only attached has no earlier procedure.
+    WNDPROC pfn = oldWndProc ? oldWndProc : ::DefWindowProcW;
+    return ::CallWindowProcW(pfn, hWnd, uMsg, wParam, lParam);
 }
 
 // Hooks
@@ -243,8 +255,13 @@ void CSWnd::SettleHooks() {
 
 int CSWnd::CommonSubclass(HWND hwndTarget) {
     if (!objects.Add(this)) return 0;
+    // The window may be another object's, or this one's already, with WndProc as its procedure.
+    // Its messages would come back to this object for ever, so they go where they went so far.
+    CSWnd* pOther = FromHandle(hwndTarget);
+    WNDPROC pfnEnd = pOther ? pOther->GetEndProc() : ::DefWindowProcW;
     if (ShellSubclass::IsReady()) {
         shellSubclassed = 1;
+        chainEndProc = pfnEnd;
         hWnd = hwndTarget;
         // QUIRK: the result is not looked at.
         // Test: CSWndSubclassChain.ResultOfThePlatformIsNotLookedAt
@@ -254,21 +271,22 @@ int CSWnd::CommonSubclass(HWND hwndTarget) {
         hWnd = hwndTarget;
         oldWndProc = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(hwndTarget, GWLP_WNDPROC));
         if (!oldWndProc) return 0;
-        if (oldWndProc == &CSWnd::WndProc) {
-            // The window is another object's and becomes this one's: its messages would come back
-            // to this object for ever, so they go where the other one sends them.
-            CSWnd* pOther = FromHandle(hwndTarget);
-            oldWndProc = pOther && pOther->oldWndProc ? pOther->oldWndProc : ::DefWindowProcW;
-        }
+        if (oldWndProc == &CSWnd::WndProc) oldWndProc = pfnEnd;
     }
     ::SetPropW(hWnd, kCSWndProperty, this);
     return 1;
+}
+
+WNDPROC CSWnd::GetEndProc() const {
+    WNDPROC pfn = chainEndProc ? chainEndProc : oldWndProc;
+    return pfn ? pfn : ::DefWindowProcW;
 }
 
 int CSWnd::CommonUnsubclass() {
     if (!hWnd) return 0;
     if (ShellSubclass::IsReady() && shellSubclassed) {
         ShellSubclass::Remove(hWnd, &CSWnd::ShellSubclassProc);
+        chainEndProc = nullptr;
     } else if (oldWndProc) {
         // QUIRK: whoever replaced the procedure later is cut out with it.
         // Test: CSWndSubclassProcedure.UnsubclassCutsOutWhoeverCameLater

@@ -149,6 +149,8 @@ class TESSALY_API CSWnd {
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
 
     LRESULT Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT CallDefault(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    WNDPROC GetEndProc() const;
     bool AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult);
     void SettleHooks();
     void EndLife(int bMayDelete);
@@ -173,7 +175,9 @@ class TESSALY_API CSWnd {
     int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal
 
   private:
-    int procDepth = 0; // frames of the window procedure and of CreateEx under way
+    int procDepth = 0;              // frames of the window procedure and of CreateEx under way
+    HWND hwndInChain = nullptr;     // whose message the innermost frame has handed to the chain
+    WNDPROC chainEndProc = nullptr; // where the chain of a window ends whose procedure is WndProc
 };
 
 /// Put on a window object, sees that window's messages before its default processing. Not owned by
