@@ -82,14 +82,15 @@ int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD d
 
 int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
                     int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
+    if (ncDestroyed) EndLife(false); // of the window before, while the object names that one
     if (!objects.Add(this) || !slotCreating.Set(this)) return 0;
     oldWndProc = ::DefWindowProcW;
-    ++procDepth; // a creation that fails half-way must not end the object's life in here
+    ++procDepth; // a creation that fails half-way must not delete the object in here
     HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
                                      hwndParent, hmenu, GetLibraryInstance(), pParam);
     --procDepth;
     slotCreating.Clear();
-    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(0);
+    if (ncDestroyed) EndLife(false); // it has failed half-way; no outer frame may delete the object
     hWnd = hwndNew;
     return hwndNew != nullptr;
 }
@@ -99,6 +100,7 @@ void CSWnd::Destroy() {
 }
 
 int CSWnd::Attach(HWND hwndTaken) {
+    SettleEndBefore(hwndTaken);
     static_cast<void>(objects.Add(this)); // without memory it has its handle all the same
     hWnd = hwndTaken;
     return hwndTaken != nullptr;
@@ -146,22 +148,40 @@ LRESULT CALLBACK CSWnd::ShellSubclassProc(HWND, UINT uMsg, WPARAM wParam, LPARAM
 /// destroys its own window goes on running, and the object must last until it has returned.
 LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
+    HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
     --procDepth;
+    hwndOfFrame = hwndOfFrameBefore;
     hwndInChain = hwndInChainBefore;
-    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(1);
+    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(true);
     return lResult; // the object may be gone
 }
 
-void CSWnd::EndLife(int bMayDelete) {
+void CSWnd::EndLife(bool bMayDelete) {
     ncDestroyed = 0;
+    HWND hwndEnded = hWnd;
     OnPostNcDestroy();
+    if (hooksRemovalPending & kRemoveAllHooks) {
+        // A dispatch is under way and the object is about to be tied anew: the hooks that come on
+        // until that dispatch returns are the next window's and stay.
+        for (POS pos = hooks.GetHeadPos(); pos;) hooks.GetNext(pos) = nullptr;
+        hooksRemovalPending = kRemoveEmptyEntries;
+    }
+    if (hWnd && hWnd != hwndEnded) return; // OnPostNcDestroy has tied the object anew
     CommonUnsubclass();
     bool bDelete = autoDelete && bMayDelete;
     hWnd = nullptr;
     if (bDelete) delete this;
 }
+
+/// A handler may tie the object anew while the end of its window still waits for that handler's
+/// frame: it must not come over the next window.
+void CSWnd::SettleEndBefore(HWND hwndNext) {
+    if (ncDestroyed && hwndNext != hWnd && ::IsWindow(hwndNext)) EndLife(false);
+}
+
+bool CSWnd::IsTiedAnew() const { return hwndOfFrame && hWnd && hwndOfFrame != hWnd; }
 
 LRESULT CSWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     LRESULT lResult = DoWndMessage(uMsg, wParam, lParam, nullptr);
@@ -169,7 +189,9 @@ LRESULT CSWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     case WM_ACTIVATE: OnActivate(LOWORD(wParam) != WA_INACTIVE); break;
     case WM_ENABLE: OnEnable(static_cast<int>(wParam)); break;
     case WM_SETTINGCHANGE: OnSystemSettingChange(wParam, lParam); break;
-    case WM_NCDESTROY: ncDestroyed = 1; break;
+    case WM_NCDESTROY:
+        if (!IsTiedAnew()) ncDestroyed = 1;
+        break;
     }
     return lResult;
 }
@@ -185,6 +207,8 @@ LRESULT CSWnd::DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAf
 }
 
 LRESULT CSWnd::CallDefault(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    // The message of a window that has gone meanwhile is none of the next window's.
+    if (IsTiedAnew() && (uMsg == WM_NCDESTROY || !::IsWindow(hwndOfFrame))) return 0;
     if (shellSubclassed) {
         HWND hwndInChainBefore = std::exchange(hwndInChain, hWnd);
         LRESULT lResult = ShellSubclass::Default(hWnd, uMsg, wParam, lParam);
@@ -254,6 +278,7 @@ void CSWnd::SettleHooks() {
 // Subclassing
 
 int CSWnd::CommonSubclass(HWND hwndTarget) {
+    SettleEndBefore(hwndTarget);
     if (!objects.Add(this)) return 0;
     // The window may be another object's, or this one's already, with WndProc as its procedure.
     // Its messages would come back to this object for ever, so they go where they went so far.

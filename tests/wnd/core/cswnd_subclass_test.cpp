@@ -450,6 +450,29 @@ TEST_P(CSWndSubclass, ObjectOnAWindowThatNobodyOwnsAnyMore) {
     EXPECT_EQ(1, recordNext.nPostNcDestroys);
 }
 
+TEST_P(CSWndSubclass, NextWindowInTheHandlerOfOneThatIsGone) {
+    Target target, next;
+    ProbeWnd wnd(record);
+    ASSERT_EQ(1, wnd.Subclass(target));
+    wnd.onMessage = [&](ProbeWnd& w, UINT uMsg, WPARAM, LPARAM) {
+        if (uMsg != kMsg || w.hWnd != target) return ProbeWnd::Answer();
+        w.Destroy();
+        EXPECT_EQ(1, w.Subclass(next));
+        return ProbeWnd::Answer(4);
+    };
+    EXPECT_EQ(4, target.Send());
+    EXPECT_FALSE(::IsWindow(target));
+    EXPECT_EQ(1, record.nPostNcDestroys);
+    EXPECT_EQ(static_cast<HWND>(next), wnd.hWnd);
+    EXPECT_EQ(&wnd, CSWnd::FromHandle(next));
+    EXPECT_EQ(kPlainResult, next.Send());
+    EXPECT_EQ(2, record.Count(kMsg));
+    EXPECT_NE(0, wnd.Unsubclass());
+    EXPECT_EQ(&PlainProc, next.Proc());
+    EXPECT_EQ(kPlainResult, next.Send());
+    EXPECT_EQ(2, record.Count(kMsg));
+}
+
 TEST_F(CSWndSubclassChain, FirstOfTwoTakesTheSharedEntryOff) {
     Target target;
     ProbeRecord recordSecond;
