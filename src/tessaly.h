@@ -29,6 +29,7 @@
 #include "runtime/base/cs_list.h"
 #include "runtime/base/current_product.h"
 #include "runtime/base/digest.h"
+#include "runtime/base/dll_buf.h"
 #include "runtime/messages/file_resource.h"
 #include "runtime/messages/msg.h"
 #include "runtime/messages/res_str.h"

@@ -1,12 +1,19 @@
 #include "wnd/core/core_wnd.h"
 #include "runtime/base/current_product.h"
+#include "wnd/core/object_table.h"
 
 namespace {
 constexpr const wchar_t* kCoreWndProperty = L"COREWND";
 constinit CreationSlot slotCoreWnd;
+constinit ObjectTable coreWnds; // all there are: the property may name each
 } // namespace
 
+CoreWnd::CoreWnd() {
+    static_cast<void>(coreWnds.Add(this)); // without memory its window finds no object
+}
+
 CoreWnd::~CoreWnd() {
+    coreWnds.Remove(this);
     if (hWnd && ::GetPropW(hWnd, kCoreWndProperty) == this) ::RemovePropW(hWnd, kCoreWndProperty);
 }
 
@@ -59,7 +66,7 @@ ATOM RegisterWndClass(WNDPROC pfnWndProc, LPCWSTR pszName, UINT uStyle, HICON hi
 
 LRESULT CALLBACK CoreWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     CoreWnd* pWnd = hwnd ? static_cast<CoreWnd*>(::GetPropW(hwnd, kCoreWndProperty)) : nullptr;
-    if (!pWnd) {
+    if (!coreWnds.Has(pWnd)) { // any program can write any value there
         pWnd = static_cast<CoreWnd*>(slotCoreWnd.Take());
         if (!pWnd) return 0; // its object is gone, or it was never made by CreateEx
         ::SetPropW(hwnd, kCoreWndProperty, pWnd);

@@ -10,7 +10,7 @@ class TESSALY_API CoreWnd {
     /// Whether the object deletes itself after its window's last message.
     enum AutoDelete { KeepObject = 0, DeleteObject = 1 };
 
-    CoreWnd() = default;
+    CoreWnd();
     CoreWnd(const CoreWnd&) = delete; // the window names one object
     CoreWnd& operator=(const CoreWnd&) = delete;
     /// Does not destroy the window; it only takes its name off a window that is still there.

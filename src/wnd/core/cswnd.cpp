@@ -2,23 +2,27 @@
 #include "runtime/base/current_product.h"
 #include "shell/subclass/shell_subclass.h"
 #include "wnd/core/core_wnd.h"
+#include "wnd/core/object_table.h"
 
 #include <cwchar>
+#include <utility>
 
 namespace {
 constexpr const wchar_t* kCSWndProperty = L"CSWND";
 constinit CreationSlot slotCSWnd;
+constinit ObjectTable csWnds; // those that have or had a window
 
-/// The object that the window names, if that object names the window: a stale property is not
-/// trusted. Only for a window of this process.
+/// The object that the window names, if that object names the window: neither a stale property nor
+/// one that another program set is trusted. Only for a window of this process.
 CSWnd* FindObject(HWND hwnd) {
     CSWnd* pWnd = static_cast<CSWnd*>(::GetPropW(hwnd, kCSWndProperty));
-    return pWnd && static_cast<HWND>(*pWnd) == hwnd ? pWnd : nullptr;
+    return csWnds.Has(pWnd) && static_cast<HWND>(*pWnd) == hwnd ? pWnd : nullptr;
 }
 } // namespace
 
 CSWnd::~CSWnd() {
     if (hWnd && ::GetPropW(hWnd, kCSWndProperty) == this) ::RemovePropW(hWnd, kCSWndProperty);
+    csWnds.Remove(this);
 }
 
 int CSWnd::IsKindOf(LPCWSTR pszClass) { return pszClass && std::wcscmp(pszClass, L"CSWnd") == 0; }
@@ -78,14 +82,15 @@ int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD d
 
 int CSWnd::CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x,
                     int y, int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam) {
-    if (!slotCSWnd.Set(this)) return 0;
+    if (ncDestroyed) EndLife(false); // of the window before, while the object names that one
+    if (!csWnds.Add(this) || !slotCSWnd.Set(this)) return 0;
     oldWndProc = ::DefWindowProcW;
-    ++procDepth; // a creation that fails half-way must not end the object's life in here
+    ++procDepth; // a creation that fails half-way must not delete the object in here
     HWND hwndNew = ::CreateWindowExW(dwExStyle, pszClass, pszTitle, dwStyle, x, y, cx, cy,
                                      hwndParent, hmenu, GetLibraryInstance(), pParam);
     --procDepth;
     slotCSWnd.Clear();
-    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(0);
+    if (ncDestroyed) EndLife(false); // it has failed half-way; no outer frame may delete the object
     hWnd = hwndNew;
     return hwndNew != nullptr;
 }
@@ -95,6 +100,8 @@ void CSWnd::Destroy() {
 }
 
 int CSWnd::Attach(HWND hwndTaken) {
+    SettleEndBefore(hwndTaken);
+    static_cast<void>(csWnds.Add(this)); // without memory it has its handle all the same
     hWnd = hwndTaken;
     return hwndTaken != nullptr;
 }
@@ -125,6 +132,9 @@ LRESULT CALLBACK CSWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPar
         ::SetPropW(hwnd, kCSWndProperty, pWnd);
         pWnd->hWnd = hwnd;
         pWnd->PreInit();
+    } else if (pWnd->hwndInChain == hwnd) {
+        // This object has seen the message in the chain, at whose end it comes here once more.
+        return ::CallWindowProcW(pWnd->GetEndProc(), hwnd, uMsg, wParam, lParam);
     }
     return pWnd->Dispatch(uMsg, wParam, lParam);
 }
@@ -137,21 +147,41 @@ LRESULT CALLBACK CSWnd::ShellSubclassProc(HWND, UINT uMsg, WPARAM wParam, LPARAM
 /// What both procedures have in common. Frames are counted besides the dispatches: a handler that
 /// destroys its own window goes on running, and the object must last until it has returned.
 LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
+    HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
     --procDepth;
-    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(1);
+    hwndOfFrame = hwndOfFrameBefore;
+    hwndInChain = hwndInChainBefore;
+    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(true);
     return lResult; // the object may be gone
 }
 
-void CSWnd::EndLife(int bMayDelete) {
+void CSWnd::EndLife(bool bMayDelete) {
     ncDestroyed = 0;
+    HWND hwndEnded = hWnd;
     OnPostNcDestroy();
+    if (hooksRemovalPending & kRemoveAllHooks) {
+        // A dispatch is under way and the object is about to be tied anew: the hooks that come on
+        // until that dispatch returns are the next window's and stay.
+        for (POS pos = hooks.GetHeadPos(); pos;) hooks.GetNext(pos) = nullptr;
+        hooksRemovalPending = kRemoveEmptyEntries;
+    }
+    if (hWnd && hWnd != hwndEnded) return; // OnPostNcDestroy has tied the object anew
     CommonUnsubclass();
     bool bDelete = autoDelete && bMayDelete;
     hWnd = nullptr;
     if (bDelete) delete this;
 }
+
+/// A handler may tie the object anew while the end of its window still waits for that handler's
+/// frame: it must not come over the next window.
+void CSWnd::SettleEndBefore(HWND hwndNext) {
+    if (ncDestroyed && hwndNext != hWnd && ::IsWindow(hwndNext)) EndLife(false);
+}
+
+bool CSWnd::IsTiedAnew() const { return hwndOfFrame && hWnd && hwndOfFrame != hWnd; }
 
 LRESULT CSWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     LRESULT lResult = DoWndMessage(uMsg, wParam, lParam, nullptr);
@@ -159,7 +189,9 @@ LRESULT CSWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     case WM_ACTIVATE: OnActivate(LOWORD(wParam) != WA_INACTIVE); break;
     case WM_ENABLE: OnEnable(static_cast<int>(wParam)); break;
     case WM_SETTINGCHANGE: OnSystemSettingChange(wParam, lParam); break;
-    case WM_NCDESTROY: ncDestroyed = 1; break;
+    case WM_NCDESTROY:
+        if (!IsTiedAnew()) ncDestroyed = 1;
+        break;
     }
     return lResult;
 }
@@ -168,16 +200,24 @@ LRESULT CSWnd::DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAf
     ++msgDepth;
     LRESULT lResult = 0;
     if (!AskHooks(uMsg, wParam, lParam, pAfter, &lResult)) {
-        if (shellSubclassed) {
-            lResult = ShellSubclass::Default(hWnd, uMsg, wParam, lParam);
-        } else {
-            // An object that is only attached has no earlier procedure.
-            WNDPROC pfn = oldWndProc ? oldWndProc : ::DefWindowProcW;
-            lResult = ::CallWindowProcW(pfn, hWnd, uMsg, wParam, lParam);
-        }
+        lResult = CallDefault(uMsg, wParam, lParam);
     }
     if (--msgDepth == 0 && hooksRemovalPending) SettleHooks();
     return lResult;
+}
+
+LRESULT CSWnd::CallDefault(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    // The message of a window that has gone meanwhile is none of the next window's.
+    if (IsTiedAnew() && (uMsg == WM_NCDESTROY || !::IsWindow(hwndOfFrame))) return 0;
+    if (shellSubclassed) {
+        HWND hwndInChainBefore = std::exchange(hwndInChain, hWnd);
+        LRESULT lResult = ShellSubclass::Default(hWnd, uMsg, wParam, lParam);
+        hwndInChain = hwndInChainBefore;
+        return lResult;
+    }
+    // An object that is only attached has no earlier procedure.
+    WNDPROC pfn = oldWndProc ? oldWndProc : ::DefWindowProcW;
+    return ::CallWindowProcW(pfn, hWnd, uMsg, wParam, lParam);
 }
 
 // Hooks
@@ -238,8 +278,15 @@ void CSWnd::SettleHooks() {
 // Subclassing
 
 int CSWnd::CommonSubclass(HWND hwndTarget) {
+    SettleEndBefore(hwndTarget);
+    if (!csWnds.Add(this)) return 0;
+    // The window may be another object's, or this one's already, with WndProc as its procedure.
+    // Its messages would come back to this object for ever, so they go where they went so far.
+    CSWnd* pOther = FromHandle(hwndTarget);
+    WNDPROC pfnEnd = pOther ? pOther->GetEndProc() : ::DefWindowProcW;
     if (ShellSubclass::IsReady()) {
         shellSubclassed = 1;
+        chainEndProc = pfnEnd;
         hWnd = hwndTarget;
         // QUIRK: the result is not looked at.
         // Test: CSWndSubclassChain.ResultOfThePlatformIsNotLookedAt
@@ -249,21 +296,22 @@ int CSWnd::CommonSubclass(HWND hwndTarget) {
         hWnd = hwndTarget;
         oldWndProc = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(hwndTarget, GWLP_WNDPROC));
         if (!oldWndProc) return 0;
-        if (oldWndProc == &CSWnd::WndProc) {
-            // The window is another object's and becomes this one's: its messages would come back
-            // to this object for ever, so they go where the other one sends them.
-            CSWnd* pOther = FromHandle(hwndTarget);
-            oldWndProc = pOther && pOther->oldWndProc ? pOther->oldWndProc : ::DefWindowProcW;
-        }
+        if (oldWndProc == &CSWnd::WndProc) oldWndProc = pfnEnd;
     }
     ::SetPropW(hWnd, kCSWndProperty, this);
     return 1;
+}
+
+WNDPROC CSWnd::GetEndProc() const {
+    WNDPROC pfn = chainEndProc ? chainEndProc : oldWndProc;
+    return pfn ? pfn : ::DefWindowProcW;
 }
 
 int CSWnd::CommonUnsubclass() {
     if (!hWnd) return 0;
     if (ShellSubclass::IsReady() && shellSubclassed) {
         ShellSubclass::Remove(hWnd, &CSWnd::ShellSubclassProc);
+        chainEndProc = nullptr;
     } else if (oldWndProc) {
         // QUIRK: whoever replaced the procedure later is cut out with it.
         // Test: CSWndSubclassProcedure.UnsubclassCutsOutWhoeverCameLater

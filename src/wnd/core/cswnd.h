@@ -55,7 +55,8 @@ class TESSALY_API CSWnd {
     static int UnregisterClassW(LPCWSTR pszName);
 
     /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's,
-    /// also with autoDelete set.
+    /// also with autoDelete set. In a handler of a window that is gone the object's life with that
+    /// one ends here, hooks included, and autoDelete waits for the new one.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
     /// With extended styles, otherwise as Create.
@@ -67,7 +68,7 @@ class TESSALY_API CSWnd {
     /// Destroys the window if there is one. Defined on a null object, as are IsReady and HWND.
     void Destroy();
     /// Stores the handle, for the forwarders below: no subclassing, no property, no messages.
-    /// Returns whether it is non-null.
+    /// Returns whether it is non-null. In a handler of a window that is gone as Create.
     int Attach(HWND hwndTaken);
     /// Forgets the handle and returns it. No subclassing is undone, no property removed.
     HWND Detach();
@@ -78,7 +79,8 @@ class TESSALY_API CSWnd {
     /// Whether the object is of the class "CSDlg", as IsKindOf has it.
     int IsDlg();
 
-    /// Ties the object to a window that exists (null: the one that hWnd names). 1 on success.
+    /// Ties the object to a window that exists (null: the one that hWnd names). 1 on success. In a
+    /// handler of a window that is gone as Create.
     int Subclass(HWND hwndTarget);
     /// Gives the window back its former procedure; hWnd stays. 1 on success, 0 on an untied object.
     int Unsubclass();
@@ -93,8 +95,9 @@ class TESSALY_API CSWnd {
     /// With pAfter only the hooks behind that one are asked; if it is not in the chain, none is.
     LRESULT DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter);
 
-    /// The object of a window of this process, null for a window that has none: its property is
-    /// there and the object names the same window.
+    /// The object of a window of this process, null for a window that has none: its property names
+    /// an object that lives, and the object names the same window. Whatever else another program
+    /// wrote into the property is not touched.
     static CSWnd* FromHandle(HWND hwnd);
 
     static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
@@ -148,9 +151,13 @@ class TESSALY_API CSWnd {
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
 
     LRESULT Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT CallDefault(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    WNDPROC GetEndProc() const;
     bool AskHooks(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter, LRESULT* plResult);
     void SettleHooks();
-    void EndLife(int bMayDelete);
+    void EndLife(bool bMayDelete);
+    void SettleEndBefore(HWND hwndNext);
+    bool IsTiedAnew() const;
     int SetTextV(LPCWSTR pszFormat, va_list args);
 
   protected:
@@ -172,7 +179,10 @@ class TESSALY_API CSWnd {
     int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal
 
   private:
-    int procDepth = 0; // frames of the window procedure and of CreateEx under way
+    int procDepth = 0;              // frames of the window procedure and of CreateEx under way
+    HWND hwndOfFrame = nullptr;     // which window's message the innermost frame handles
+    HWND hwndInChain = nullptr;     // whose message the innermost frame has handed to the chain
+    WNDPROC chainEndProc = nullptr; // where the chain of a window ends whose procedure is WndProc
 };
 
 /// Put on a window object, sees that window's messages before its default processing. Not owned by

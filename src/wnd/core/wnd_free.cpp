@@ -68,8 +68,9 @@ int OffsetWnd(HWND hwnd, int dx, int dy) {
     RECT rc;
     if (!::GetWindowRect(hwnd, &rc)) return 0;
     POINT pt{rc.left + dx, rc.top + dy};
-    HWND hwndParent = ::GetParent(hwnd);
     // The rectangle is of the screen; a window with a parent is placed in that one's client area.
+    // Not GetParent, which gives the owner of a popup: that one stays on the screen.
+    HWND hwndParent = ::GetAncestor(hwnd, GA_PARENT);
     if (hwndParent) ::MapWindowPoints(HWND_DESKTOP, hwndParent, &pt, 1);
     return ::SetWindowPos(hwnd, nullptr, pt.x, pt.y, 0, 0, kKeepSize | kKeepOrder | kQuiet);
 }

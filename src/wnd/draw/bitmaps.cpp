@@ -1,4 +1,5 @@
 #include "wnd/draw/bitmaps.h"
+#include "runtime/base/dll_buf.h"
 #include "wnd/draw/csdc.h"
 #include "wnd/draw/draw_util.h"
 
@@ -11,7 +12,7 @@
 namespace {
 constexpr WORD kBitCount = 32;
 
-void FreePixels(GDI_BGR* p) { std::free(p); }
+void FreePixels(GDI_BGR* p) { FreeDllBuf(p); }
 using OwnedPixels = OwnedHandleOf<GDI_BGR*, &FreePixels>;
 using OwnedContext = OwnedHandleOf<HDC, &::DeleteDC>;
 

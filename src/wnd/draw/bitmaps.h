@@ -44,7 +44,8 @@ static_assert(sizeof(GDI_BGR) == 4);
 
 /// The bitmap selected in the context as width times height pixels, the top row first; pixels that
 /// it does not have are 0. Null for a null context, a context without a bitmap, a size below 1 by
-/// 1, a failed read, and when out of memory. The caller frees the array, with the C library's free.
+/// 1, a failed read, and when out of memory. The caller frees the array with FreeDllBuf
+/// (runtime/base/dll_buf.h).
 [[nodiscard]] TESSALY_API GDI_BGR* GetDibBits(HDC hdc, int width, int height);
 
 /// Turns the picture of the source by a quarter and copies it to the target at prc. With W and H

@@ -3,7 +3,10 @@
 #include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <atomic>
+#include <iterator>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -201,6 +204,28 @@ TEST_F(CoreWndTest, PropertyIsTakenWithoutComparingTheHandle) {
     wnd.hWnd = hwnd;
     ::RemovePropW(plain, L"COREWND");
     ::DestroyWindow(hwnd);
+}
+
+TEST_F(CoreWndTest, PropertyThatNamesNoObjectIsNotBelieved) {
+    CoreProbe wnd(record);
+    ASSERT_EQ(1, wnd.Make());
+    void* pUnmapped = ::VirtualAlloc(nullptr, 0x10000, MEM_RESERVE, PAGE_NOACCESS);
+    HWND handles[64];
+    std::fill(std::begin(handles), std::end(handles), wnd.hWnd);
+    CoreRecord recordGone;
+    auto pGone = std::make_unique<CoreProbe>(recordGone);
+    void* pFreed = static_cast<CoreWnd*>(pGone.get());
+    pGone.reset();
+    for (void* p : {reinterpret_cast<void*>(1), pUnmapped, static_cast<void*>(handles), pFreed}) {
+        ::SetPropW(wnd.hWnd, L"COREWND", p);
+        EXPECT_EQ(0, ::SendMessageW(wnd.hWnd, WM_GETTEXTLENGTH, 0, 0)) << p;
+    }
+    EXPECT_EQ(0, record.Count(WM_GETTEXTLENGTH));
+    ::SetPropW(wnd.hWnd, L"COREWND", static_cast<CoreWnd*>(&wnd));
+    EXPECT_EQ(4, ::SendMessageW(wnd.hWnd, WM_GETTEXTLENGTH, 0, 0)) << "the object is back";
+    ::DestroyWindow(wnd.hWnd);
+    EXPECT_EQ(nullptr, wnd.hWnd);
+    ::VirtualFree(pUnmapped, 0, MEM_RELEASE);
 }
 
 TEST_F(CoreWndTest, PropertyOutlivesTheLastMessage) {

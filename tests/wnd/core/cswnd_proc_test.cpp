@@ -2,6 +2,7 @@
 #include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 
 namespace {
 struct CSWndProc : testing::Test {
@@ -152,6 +153,8 @@ INSTANTIATE_TEST_SUITE_P(
                     NotifyCase{"Enabled", WM_ENABLE, 1, 0, "OnEnable 1"},
                     NotifyCase{"Disabled", WM_ENABLE, 0, 0, "OnEnable 0"},
                     NotifyCase{"EnableValueAsItIs", WM_ENABLE, 7, 0, "OnEnable 7"},
+                    NotifyCase{"EnableValueIsAnInt", WM_ENABLE, 0xFFFFFFFF, 0, "OnEnable -1"},
+                    NotifyCase{"EnableHighHalfIsCutOff", WM_ENABLE, 1ull << 32, 0, "OnEnable 0"},
                     NotifyCase{"Setting", WM_SETTINGCHANGE, 47, 0, "setting 47 0"}),
     [](const auto& row) { return std::string(row.param.pszName); });
 
@@ -166,6 +169,31 @@ TEST_F(CSWndNotify, EnableWindowIsToldToTheWindow) {
         if (s.starts_with("OnEnable")) enables.push_back(s);
     EXPECT_EQ((std::vector<std::string>{"OnEnable 0", "OnEnable 1"}), enables);
     wnd.Destroy();
+}
+
+TEST_F(CSWndNotify, DefaultOfOnEnableDoesNothing) {
+    struct Noting : CSWnd {
+        LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override {
+            messages.push_back(uMsg);
+            return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+        }
+        std::vector<UINT> messages;
+    };
+    Noting wnd;
+    ASSERT_EQ(1, wnd.Create(kProbeClass, L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr));
+    wnd.messages.clear();
+    wnd.OnEnable(0);
+    EXPECT_TRUE(::IsWindowEnabled(wnd)) << "it is told of a change and makes none";
+    wnd.Enable(0);
+    EXPECT_EQ(1, std::count(wnd.messages.begin(), wnd.messages.end(), UINT{WM_ENABLE}));
+    EXPECT_FALSE(::IsWindowEnabled(wnd));
+    wnd.messages.clear();
+    wnd.OnEnable(1);
+    EXPECT_FALSE(::IsWindowEnabled(wnd));
+    EXPECT_TRUE(wnd.messages.empty());
+    wnd.Destroy();
+    CSWnd untied;
+    untied.OnEnable(1); // also without a window
 }
 
 TEST_F(CSWndNotify, SettingChangeReachesObjectsBelowObjects) {

@@ -383,6 +383,96 @@ TEST_P(CSWndSubclass, SecondObjectEndsWithTheWindowAndTheFirstDoesNot) {
     EXPECT_EQ(nullptr, second.hWnd);
 }
 
+TEST_P(CSWndSubclass, SecondObjectOnACreatedWindowTakesTheFirstsPlace) {
+    ProbeRecord recordSecond;
+    ProbeWnd first(record), second(recordSecond);
+    ASSERT_EQ(1, first.Make());
+    HWND hwnd = first;
+    record.messages.clear();
+    ASSERT_EQ(1, second.Subclass(hwnd));
+    EXPECT_EQ(&second, CSWnd::FromHandle(hwnd));
+    EXPECT_EQ(L"probe", TextOf(hwnd)) << "the default processing, as the first has it";
+    EXPECT_EQ(1, recordSecond.Count(WM_GETTEXT));
+    EXPECT_EQ(0, ::SendMessageW(hwnd, kMsg, 0, 0));
+    EXPECT_EQ(1, recordSecond.Count(kMsg));
+    ::SendMessageW(hwnd, WM_CLOSE, 0, 0); // more messages come while its default runs
+    EXPECT_FALSE(::IsWindow(hwnd));
+    EXPECT_EQ(1, recordSecond.Count(WM_DESTROY));
+    EXPECT_EQ(1, recordSecond.nPostNcDestroys);
+    EXPECT_EQ(nullptr, second.hWnd);
+    EXPECT_TRUE(record.messages.empty());
+    EXPECT_EQ(0, record.nPostNcDestroys);
+}
+
+TEST_P(CSWndSubclass, ThirdObjectOnACreatedWindow) {
+    ProbeRecord recordSecond, recordThird;
+    ProbeWnd first(record), second(recordSecond), third(recordThird);
+    ASSERT_EQ(1, first.Make());
+    HWND hwnd = first;
+    ASSERT_EQ(1, second.Subclass(hwnd));
+    ASSERT_EQ(1, third.Subclass(hwnd));
+    recordSecond.messages.clear();
+    EXPECT_EQ(L"probe", TextOf(hwnd));
+    EXPECT_EQ(1, recordThird.Count(WM_GETTEXT));
+    EXPECT_TRUE(recordSecond.messages.empty());
+    third.Destroy();
+    EXPECT_EQ(1, recordThird.nPostNcDestroys);
+}
+
+TEST_P(CSWndSubclass, ObjectOnTheWindowThatItCreatedItself) {
+    ProbeWnd wnd(record);
+    ASSERT_EQ(1, wnd.Make());
+    HWND hwnd = wnd;
+    ASSERT_EQ(1, wnd.Subclass(nullptr));
+    EXPECT_EQ(L"probe", TextOf(hwnd));
+    EXPECT_EQ(1, record.Count(WM_GETTEXT)) << "it sees each message once";
+    ASSERT_EQ(1, wnd.Subclass(hwnd));
+    EXPECT_EQ(L"probe", TextOf(hwnd));
+    EXPECT_EQ(2, record.Count(WM_GETTEXT));
+    wnd.Destroy();
+    EXPECT_EQ(1, record.nPostNcDestroys);
+    EXPECT_EQ(nullptr, wnd.hWnd);
+}
+
+TEST_P(CSWndSubclass, ObjectOnAWindowThatNobodyOwnsAnyMore) {
+    HWND hwnd = nullptr;
+    {
+        ProbeWnd gone(record);
+        ASSERT_EQ(1, gone.Make());
+        hwnd = gone;
+    }
+    ProbeRecord recordNext;
+    ProbeWnd wnd(recordNext);
+    ASSERT_EQ(1, wnd.Subclass(hwnd));
+    EXPECT_EQ(L"probe", TextOf(hwnd));
+    EXPECT_EQ(1, recordNext.Count(WM_GETTEXT));
+    wnd.Destroy();
+    EXPECT_EQ(1, recordNext.nPostNcDestroys);
+}
+
+TEST_P(CSWndSubclass, NextWindowInTheHandlerOfOneThatIsGone) {
+    Target target, next;
+    ProbeWnd wnd(record);
+    ASSERT_EQ(1, wnd.Subclass(target));
+    wnd.onMessage = [&](ProbeWnd& w, UINT uMsg, WPARAM, LPARAM) {
+        if (uMsg != kMsg || w.hWnd != target) return ProbeWnd::Answer();
+        w.Destroy();
+        EXPECT_EQ(1, w.Subclass(next));
+        return ProbeWnd::Answer(4);
+    };
+    EXPECT_EQ(4, target.Send());
+    EXPECT_FALSE(::IsWindow(target));
+    EXPECT_EQ(1, record.nPostNcDestroys);
+    EXPECT_EQ(static_cast<HWND>(next), wnd.hWnd);
+    EXPECT_EQ(&wnd, CSWnd::FromHandle(next));
+    EXPECT_EQ(kPlainResult, next.Send());
+    EXPECT_EQ(2, record.Count(kMsg));
+    EXPECT_NE(0, wnd.Unsubclass());
+    EXPECT_EQ(&PlainProc, next.Proc());
+    EXPECT_EQ(kPlainResult, next.Send());
+    EXPECT_EQ(2, record.Count(kMsg));
+}
+
 TEST_F(CSWndSubclassChain, FirstOfTwoTakesTheSharedEntryOff) {
     Target target;
     ProbeRecord recordSecond;

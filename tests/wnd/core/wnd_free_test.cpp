@@ -171,6 +171,36 @@ TEST_F(WndFree, OffsetOfATopLevelWindow) {
     EXPECT_TRUE(::EqualRect(&rcBefore, &rcAfter));
 }
 
+TEST_F(WndFree, OffsetOfAnOwnedPopupIsOfTheScreen) {
+    // It has an owner and no parent. (The owner stands where mapping through it would show.)
+    ::SetWindowPos(parent, nullptr, 140, 150, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    HWND hwndPopup = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 200, 210, 40, 30, parent,
+                                       nullptr, nullptr, nullptr);
+    ASSERT_EQ(parent.hWnd, ::GetParent(hwndPopup)) << "which gives the owner";
+    EXPECT_NE(0, OffsetWnd(hwndPopup, 5, -6));
+    RECT rc{};
+    ::GetWindowRect(hwndPopup, &rc);
+    EXPECT_EQ(205, rc.left);
+    EXPECT_EQ(204, rc.top);
+    EXPECT_EQ(40, rc.right - rc.left);
+    EXPECT_EQ(30, rc.bottom - rc.top);
+    ::DestroyWindow(hwndPopup);
+}
+
+TEST_F(WndFree, OffsetOfAPopupThatGotAParent) {
+    HWND hwndPopup = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 30, 40, 20, 20, nullptr,
+                                       nullptr, nullptr, nullptr);
+    ASSERT_NE(nullptr, ::SetParent(hwndPopup, parent));
+    RECT rcBefore{}, rcAfter{};
+    ::GetWindowRect(hwndPopup, &rcBefore);
+    EXPECT_NE(0, OffsetWnd(hwndPopup, 5, -6));
+    ::GetWindowRect(hwndPopup, &rcAfter);
+    ::OffsetRect(&rcBefore, 5, -6);
+    EXPECT_EQ(rcBefore.left, rcAfter.left);
+    EXPECT_EQ(rcBefore.top, rcAfter.top);
+    ::DestroyWindow(hwndPopup);
+}
+
 TEST_F(WndFree, ResizeByDeltas) {
     UINT uFlags = FlagsOf([&] { EXPECT_NE(0, ResizeWnd(wnd, 5, -6)); });
     EXPECT_EQ(22u, uFlags);

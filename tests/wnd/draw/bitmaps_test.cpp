@@ -1,3 +1,4 @@
+#include "runtime/base/dll_buf.h"
 #include "support/gui_objects.h"
 #include "support/memory_picture.h"
 #include "support/replace_import.h"
@@ -7,7 +8,6 @@
 #include "wnd/draw/draw_util.h"
 
 #include <gtest/gtest.h>
-#include <cstdlib>
 
 extern "C" FARPROC __imp_SetDIBits;
 
@@ -277,7 +277,7 @@ TEST(GetDibBits, GivesTheTopRowFirst) {
     EXPECT_EQ(3, p[2].b);
     EXPECT_EQ(4, p[3].r);
     EXPECT_EQ(255, p[0].g);
-    std::free(p);
+    FreeDllBuf(p);
 }
 
 TEST(GetDibBits, ConvertsABitmapOfOtherDepth) {
@@ -291,7 +291,7 @@ TEST(GetDibBits, ConvertsABitmapOfOtherDepth) {
     EXPECT_EQ(0, p[1].r);
     EXPECT_EQ(0, p[2].r);
     EXPECT_EQ(255, p[3].b);
-    std::free(p);
+    FreeDllBuf(p);
     ::SelectObject(hdc, hbmBefore);
     ::DeleteObject(hbm);
     ::DeleteDC(hdc);
@@ -321,13 +321,13 @@ TEST(GetDibBits, HasNothingBeyondTheBitmap) {
     EXPECT_EQ(9, p[0].r);
     EXPECT_EQ(0, p[1].r);
     EXPECT_EQ(0, p[2].r);
-    std::free(p);
+    FreeDllBuf(p);
     p = GetDibBits(picture, 3, 1);
     ASSERT_NE(nullptr, p);
     EXPECT_EQ(9, p[0].r);
     EXPECT_EQ(0, p[1].r);
     EXPECT_EQ(0, p[2].r);
-    std::free(p);
+    FreeDllBuf(p);
 }
 
 using Turn = int(HDC, const RECT*, HDC);
