@@ -500,6 +500,19 @@ TEST_F(IniFileWrite, FullDiskGivesOne) {
     EXPECT_EQ(1, Writer(strFull.c_str()).WriteData());
 }
 
+TEST_F(IniFileWrite, DiskThatFillsUpKeepsWhatFits) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    std::wstring strOnDisk = disk.MakeFile(L"a.ini", "old");
+    ASSERT_TRUE(disk.Fill());
+    EXPECT_EQ(1, Writer(strOnDisk.c_str()).WriteData()); // its old cluster is room enough
+    std::string strWhole = disk.ReadFile(L"a.ini");
+    EXPECT_EQ("\xFF\xFE", strWhole.substr(0, 2));
+    EXPECT_GT(strWhole.size(), 2u);
+    EXPECT_EQ(1, Writer(disk.File(L"b.ini").c_str()).WriteData());
+    EXPECT_EQ("", disk.ReadFile(L"b.ini"));
+}
+
 TEST_F(IniFileWrite, MoreThanABlockCanHoldGivesZeroAndTouchesNothing) {
     struct Boaster : IniFile {
         using IniFile::IniFile;
