@@ -2,6 +2,7 @@
 #include "runtime/text/str_copy.h"
 #include "store/ini/ini_file.h"
 #include "support/guard_page.h"
+#include "support/registry.h"
 #include "support/replace_import.h"
 #include "support/temp_folder.h"
 
@@ -560,8 +561,7 @@ class BootFileTest : public testing::Test {
         std::ofstream(std::filesystem::path(strPath)) << "x";
     }
     void SetFolder(const std::wstring& str, bool bTerminated = true) {
-        ::RegSetValueExW(hkey, L"BootDir", 0, REG_SZ, reinterpret_cast<const BYTE*>(str.c_str()),
-                         static_cast<DWORD>((str.size() + bTerminated) * sizeof(wchar_t)));
+        SetRegBytes(hkey, L"BootDir", REG_SZ, BytesOf(str, bTerminated));
     }
     /// The path found; empty if none.
     std::wstring Find(const wchar_t* pszName) {
