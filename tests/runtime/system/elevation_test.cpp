@@ -1,6 +1,7 @@
 #include "runtime/system/elevation.h"
 #include "support/replace_import.h"
 #include "support/runtime_lookup.h"
+#include "support/told_version.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -112,6 +113,12 @@ TEST(EnablePrivilege, TurnsOnAndOff) {
     EXPECT_FALSE(HasPrivilege(L"SeShutdownPrivilege"));
     EXPECT_EQ(1, SetupExitToken());
     EXPECT_TRUE(HasPrivilege(L"SeShutdownPrivilege"));
+}
+
+TEST(EnablePrivilege, OutsideTheFamilyOnlyTheExitNeedsNone) {
+    ToldVersion told(Version(1, 4, 10, 1));
+    EXPECT_EQ(0, EnablePrivilege(L"SeChangeNotifyPrivilege", 1));
+    EXPECT_EQ(1, SetupExitToken());
 }
 
 TEST(EnablePrivilege, FailsForWhatTheProcessDoesNotHave) {

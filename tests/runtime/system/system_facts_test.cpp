@@ -3,6 +3,7 @@
 #include "support/other_windows.h"
 #include "support/replace_import.h"
 #include "support/runtime_lookup.h"
+#include "support/told_version.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -16,7 +17,6 @@
 #include <string>
 #include <utility>
 
-extern "C" FARPROC __imp_GetVersionExW;
 extern "C" FARPROC __imp_GetLocaleInfoW;
 extern "C" FARPROC __imp_GetDriveTypeW;
 
@@ -77,39 +77,6 @@ INSTANTIATE_TEST_SUITE_P(
                     VersionCase{"win10", "WinXP WinServer2003 WinVista Win7 Win8 Win81 Win10",
                                 "10.0.18362", "00000000", "1"}),
     [](const auto& row) { return std::string(row.param.pszVersion); });
-
-/// A platform that tells of any Windows, or of none.
-class ToldVersion {
-  public:
-    explicit ToldVersion(const OSVERSIONINFOEXW& toldInfo) {
-        info = toldInfo;
-        bTells = TRUE;
-    }
-    ToldVersion() { bTells = FALSE; }
-
-  private:
-    static BOOL WINAPI Tell(OSVERSIONINFOW* pInfo) {
-        // The size stays the caller's, and what lies beyond it is not told.
-        DWORD cb = std::min<DWORD>(pInfo->dwOSVersionInfoSize, sizeof(info));
-        info.dwOSVersionInfoSize = pInfo->dwOSVersionInfoSize;
-        if (bTells) std::memcpy(pInfo, &info, cb);
-        return bTells;
-    }
-    static inline OSVERSIONINFOEXW info;
-    static inline BOOL bTells;
-    ReplaceImport replaced{__imp_GetVersionExW, &Tell};
-};
-
-OSVERSIONINFOEXW Version(DWORD nPlatform, DWORD nMajor, DWORD nMinor, BYTE nProductType,
-                         WORD nSuites = 0) {
-    OSVERSIONINFOEXW info{};
-    info.dwPlatformId = nPlatform;
-    info.dwMajorVersion = nMajor;
-    info.dwMinorVersion = nMinor;
-    info.wProductType = nProductType;
-    info.wSuiteMask = nSuites;
-    return info;
-}
 
 struct ToldCase {
     const char* pszName;

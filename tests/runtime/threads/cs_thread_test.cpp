@@ -133,7 +133,7 @@ TEST(CSThread, DestroyWithTimeZeroCancelsLooksOnceAndClosesTheHandle) {
     EXPECT_FALSE(latchCanceled.Wait(50));
     DWORD dwStart = ::GetTickCount();
     EXPECT_EQ(0, pThread->Destroy(0));
-    EXPECT_LT(::GetTickCount() - dwStart, 1000u);
+    EXPECT_LT(::GetTickCount() - dwStart, 3000u); // half of what the destructor gives it
     EXPECT_EQ(nullptr, static_cast<HANDLE>(worker));
     EXPECT_TRUE(latchCanceled.Wait(5000));
     EXPECT_EQ(1, bCanceled.load());
