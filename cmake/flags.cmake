@@ -18,6 +18,12 @@ target_compile_options(tessaly_product_flags INTERFACE
     # (A section for each datum would take zero buffers out of .bss: the file would hold their zeros.)
     -ffunction-sections)
 
+# The product counts which of its lines run (scripts/coverage); not optimised, as each line is to be told.
+if(TESSALY_COVERAGE)
+    target_compile_options(tessaly_product_flags INTERFACE "$<$<NOT:$<COMPILE_LANGUAGE:RC>>:--coverage;-O0>")
+    target_link_libraries(tessaly_product_flags INTERFACE gcov)
+endif()
+
 # The image of everything that must load on Windows XP x64.
 add_library(tessaly_image_flags INTERFACE)
 target_link_options(tessaly_image_flags INTERFACE

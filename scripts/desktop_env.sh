@@ -3,12 +3,18 @@
 #
 #   desktop_env_start [BASE]   makes it; BASE is a prefix made by desktop_env_template, if given
 #   desktop_env_stop           ends every process of it and removes it
+#   desktop_env_own_mounts COMMAND...
+#                              to be called first, if the environment shall have two small disks:
+#                              starts the script anew, as COMMAND, where what it mounts is seen by
+#                              nobody else and goes with its last process
 #
 #   desktop_env_processes VALUE  lists the processes whose TESSALY_RUN is that value
 #   desktop_env_kill VALUE       ends them
 #
 # After the start DESKTOP_ENV is its folder, and HOME, WINEPREFIX and DISPLAY belong to it.
-# With DESKTOP_ENV_DISPLAY set, that display is used and no virtual one is started.
+# With DESKTOP_ENV_DISPLAY set, that display is used and no virtual one is started. Of the disks tell,
+# as Wine spells them, TESSALY_SMALL_DISK (256 KiB, empty) and TESSALY_READ_ONLY_DISK (holds a file
+# "file" with "old" in it); they are not set where this user may not mount.
 
 desktop_env_variables() {
     export HOME="$1/home" WINEPREFIX="$1/prefix"
@@ -47,6 +53,29 @@ desktop_env_template() {
     echo "$version" >"$stamp"
 }
 
+# The first call notes the mounts that everybody sees; later ones find the note and do nothing.
+desktop_env_own_mounts() {
+    [ -z "${DESKTOP_ENV_COMMON_MOUNTS:-}" ] || return 0
+    DESKTOP_ENV_COMMON_MOUNTS=$(readlink /proc/self/ns/mnt) || return 0
+    export DESKTOP_ENV_COMMON_MOUNTS
+    unshare -m true 2>/dev/null || return 0
+    exec unshare -m -- "$@"
+}
+
+desktop_env_mount_disks() {
+    local small=$DESKTOP_ENV/small-disk read_only=$DESKTOP_ENV/read-only-disk
+    unset TESSALY_SMALL_DISK TESSALY_READ_ONLY_DISK
+    [ "${DESKTOP_ENV_COMMON_MOUNTS:-}" ] || return 0
+    [ "$(readlink /proc/self/ns/mnt)" != "$DESKTOP_ENV_COMMON_MOUNTS" ] || return 0
+    mkdir "$small" "$read_only"
+    mount -t tmpfs -o size=256k tessaly "$small" 2>/dev/null || return 0
+    export TESSALY_SMALL_DISK="Z:${small//\//\\}"
+    mount -t tmpfs -o size=256k tessaly "$read_only" 2>/dev/null || return 0
+    printf old >"$read_only/file"
+    mount -o remount,ro "$read_only" || return 0
+    export TESSALY_READ_ONLY_DISK="Z:${read_only//\//\\}"
+}
+
 desktop_env_start() {
     DESKTOP_ENV=$(mktemp -d --suffix=.tessaly)
     if [ -n "${1:-}" ]; then
@@ -55,6 +84,7 @@ desktop_env_start() {
         desktop_env_make_prefix "$DESKTOP_ENV"
     fi
     desktop_env_variables "$DESKTOP_ENV"
+    desktop_env_mount_disks
     if [ -n "${DESKTOP_ENV_DISPLAY:-}" ]; then
         export DISPLAY="$DESKTOP_ENV_DISPLAY"
     else
@@ -97,6 +127,7 @@ desktop_env_stop() {
         wait "$DESKTOP_ENV_XVFB" 2>/dev/null || true
         DESKTOP_ENV_XVFB=
     fi
+    umount -l "$DESKTOP_ENV/small-disk" "$DESKTOP_ENV/read-only-disk" 2>/dev/null || true
     rm -rf "$DESKTOP_ENV"
     DESKTOP_ENV=
 }

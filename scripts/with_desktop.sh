@@ -4,6 +4,7 @@
 set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 . "$root/scripts/desktop_env.sh"
+desktop_env_own_mounts "$root/scripts/with_desktop.sh" "$@"
 template=${TESSALY_TEMPLATE:-$root/build/wine-template}
 desktop_env_template "$template" || exit 1
 trap desktop_env_stop EXIT

@@ -52,8 +52,7 @@ class RegTree {
         HKEY hkey = nullptr;
         ::RegCreateKeyExW(hkeyRoot, PathOf(strBelow).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
                           nullptr, &hkey, nullptr);
-        ::RegSetValueExW(hkey, strName.c_str(), 0, dwType, bytes.data(),
-                         static_cast<DWORD>(bytes.size()));
+        SetRegBytes(hkey, strName, dwType, bytes);
         ::RegCloseKey(hkey);
     }
     void PutStr(const std::wstring& strName, const std::wstring& strText,

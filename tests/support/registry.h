@@ -23,6 +23,14 @@ struct RegContent {
     bool operator==(const RegContent&) const = default;
 };
 
+/// Stores just these bytes. (Text without a terminator would be stored with one, should a zero
+/// stand behind it in memory: the platform looks there.)
+inline LSTATUS SetRegBytes(HKEY hkey, const std::wstring& strName, DWORD dwType, RegBytes bytes) {
+    const std::size_t cb = bytes.size();
+    bytes.insert(bytes.end(), 2 * sizeof(wchar_t), 0xEE);
+    return ::RegSetValueExW(hkey, strName.c_str(), 0, dwType, bytes.data(), static_cast<DWORD>(cb));
+}
+
 /// Deletes a key with all below it; links as such, which RegDeleteKey would follow.
 inline void DeleteRegTree(HKEY hkeyRoot, const std::wstring& strPath) {
     HKEY hkeyTree = nullptr;
@@ -51,8 +59,7 @@ inline bool PlantDeadLink(HKEY hkeyRoot, const std::wstring& strPath) {
         return false;
     }
     RegBytes target = BytesOf(L"\\Registry\\User\\NoSuchUser\\Nowhere", false);
-    LSTATUS status = ::RegSetValueExW(hkeyLink, L"SymbolicLinkValue", 0, REG_LINK, target.data(),
-                                      static_cast<DWORD>(target.size()));
+    LSTATUS status = SetRegBytes(hkeyLink, L"SymbolicLinkValue", REG_LINK, target);
     ::RegCloseKey(hkeyLink);
     return status == ERROR_SUCCESS;
 }
@@ -93,8 +100,7 @@ class TestKey {
         HKEY hkeyBelow = nullptr;
         ::RegCreateKeyExW(hkey, strBelow.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
                           &hkeyBelow, nullptr);
-        ::RegSetValueExW(hkeyBelow, strName.c_str(), 0, dwType, bytes.data(),
-                         static_cast<DWORD>(bytes.size()));
+        SetRegBytes(hkeyBelow, strName, dwType, bytes);
         ::RegCloseKey(hkeyBelow);
     }
     void PutStr(const std::wstring& strName, const std::wstring& strText,

@@ -107,8 +107,11 @@ int RegKey::DelValuesStartingWith(const wchar_t* pszPrefix, int bNoCase) {
 int RegKey::CopyValueTo(RegKey& target, const wchar_t* pszName) const {
     unsigned cb = GetBinSize(pszName);
     if (!cb) return 0;
-    HeapArray<BYTE> bytes(cb);
+    // The platform looks behind a text that has no terminator, and stores one that it finds there:
+    // so that the copy has what the value has, none stands there.
+    HeapArray<BYTE> bytes(std::size_t{cb} + sizeof(wchar_t));
     if (!bytes.IsReady()) return 0;
+    std::fill(bytes.begin() + cb, bytes.end(), BYTE{0xFF});
     DWORD dwType = REG_NONE;
     if (!GetBin(pszName, bytes.Get(), cb, &dwType)) return 0; // it grew or went away meanwhile
     return target.PutBin(pszName, bytes.Get(), cb, dwType);

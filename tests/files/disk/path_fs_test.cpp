@@ -265,9 +265,10 @@ TEST_F(FileInUse, FoldersAndMissingFilesAreNot) {
 }
 
 TEST_F(FileInUse, ReadOnlyFileCountsAsInUse) {
-    ReadOnlyFile file(strFile);
+    ProtectedFile file(folder);
     SKIP_UNLESS_PROTECTED(file);
-    EXPECT_EQ(1, IsFileInUse(strFile.c_str()));
+    EXPECT_EQ(1, IsFileInUse(file.Path().c_str()));
+    EXPECT_EQ("old", file.Content());
 }
 
 TEST_F(FileInUse, TimesAndContentsStay) {

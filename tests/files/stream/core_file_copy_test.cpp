@@ -252,12 +252,12 @@ TEST_F(CoreFileCopy, TargetThatCannotBeOpenedStaysAsItIs) {
 
 TEST_F(CoreFileCopy, ReadOnlyTargetStaysAsItIs) {
     folder.MakeFile(L"source", "abc");
-    folder.MakeFile(L"target", "old");
-    ReadOnlyFile readOnly(strTarget);
-    SKIP_UNLESS_PROTECTED(readOnly);
+    ProtectedFile target(folder, L"target");
+    SKIP_UNLESS_PROTECTED(target);
+    strTarget = target.Path();
     EXPECT_EQ(0, Copy());
     EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
-    EXPECT_EQ("old", Content(L"target"));
+    EXPECT_EQ("old", target.Content());
 }
 
 TEST_F(CoreFileCopy, TargetThatTheSystemProtectsStaysAsItIs) {
@@ -268,6 +268,22 @@ TEST_F(CoreFileCopy, TargetThatTheSystemProtectsStaysAsItIs) {
     EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
     EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED), CoreIOObj::GetLastHRESULT());
     EXPECT_TRUE(Exists(strTarget));
+}
+
+TEST_F(CoreFileCopy, DiskThatFillsUpKeepsNoPartOfTheTarget) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    folder.MakeFile(L"source", Pattern(SmallDisk::kSize + 1));
+    strTarget = disk.File(L"target");
+    EXPECT_EQ(0, Copy(1));
+    EXPECT_FALSE(Exists(strTarget));
+    disk.MakeFile(L"target", "old");
+    ASSERT_TRUE(disk.Fill(2));
+    EXPECT_EQ(0, Copy(1));
+    EXPECT_FALSE(Exists(strTarget)); // an old target too
+    folder.MakeFile(L"source", Pattern(2 * SmallDisk::kCluster));
+    EXPECT_EQ(1, Copy()); // fits exactly
+    EXPECT_EQ(Pattern(2 * SmallDisk::kCluster), disk.ReadFile(L"target"));
 }
 
 TEST_F(CoreFileCopy, OntoItselfIsRefused) {
@@ -345,6 +361,18 @@ TEST_F(CoreFileCopySafe, CopyThatBreaksOffLeavesTheOldTarget) {
     EXPECT_EQ(0, CopySafe());
     EXPECT_EQ("old", Content(L"target"));
     EXPECT_FALSE(Exists(strBackup));
+}
+
+TEST_F(CoreFileCopySafe, DiskThatFillsUpLeavesTheOldTargetWithTheCopysError) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    folder.MakeFile(L"source", "new");
+    strTarget = disk.MakeFile(L"target", "old");
+    ASSERT_TRUE(disk.Fill());
+    EXPECT_EQ(0, CopySafe());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), ::GetLastError());
+    EXPECT_EQ("old", disk.ReadFile(L"target"));
+    EXPECT_FALSE(Exists(disk.File(L"target.temp")));
 }
 
 TEST_F(CoreFileCopySafe, FailedCopyWithoutATargetLeavesNone) {

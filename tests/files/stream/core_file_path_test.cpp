@@ -198,6 +198,23 @@ TEST_F(CoreFileStatic, WriteFileGivesZeroOnAFullDisk) {
     EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), ::GetLastError());
 }
 
+TEST_F(CoreFileStatic, WriteFileThatFillsTheDiskLeavesTheFileAsItStands) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    std::wstring strOnDisk = disk.MakeFile(L"file", std::string(SmallDisk::kCluster, 'o') + "old");
+    ASSERT_TRUE(disk.Fill());
+    // The old file has two clusters: so much is written anew, the third finds no room.
+    std::string str(3 * SmallDisk::kCluster, 'n');
+    EXPECT_EQ(
+        0, CoreFile::WriteFile(strOnDisk.c_str(), str.data(), static_cast<unsigned>(str.size())));
+    EXPECT_EQ(str.substr(0, 2 * SmallDisk::kCluster), disk.ReadFile(L"file"));
+    EXPECT_EQ(0, CoreFile::WriteFile(disk.File(L"other").c_str(), "new", 3));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), ::GetLastError());
+    EXPECT_EQ("", disk.ReadFile(L"other"));
+    EXPECT_EQ(1, CoreFile::WriteFile(strOnDisk.c_str(), "new", 3)); // this still fits
+    EXPECT_EQ("new", disk.ReadFile(L"file"));
+}
+
 TEST_F(CoreFileStatic, WriteFileRefusesWhatTheSystemProtects) {
     std::wstring strProtected = UnwritableFile();
     if (strProtected.empty()) GTEST_SKIP() << "no file here that nobody may write";
@@ -207,9 +224,9 @@ TEST_F(CoreFileStatic, WriteFileRefusesWhatTheSystemProtects) {
 }
 
 TEST_F(CoreFileStatic, WriteFileRefusesReadOnlyFiles) {
-    ReadOnlyFile readOnly(strFile);
-    SKIP_UNLESS_PROTECTED(readOnly);
-    EXPECT_EQ(0, CoreFile::WriteFile(strFile.c_str(), "new", 3));
-    EXPECT_EQ("abc", folder.ReadFile(L"file"));
+    ProtectedFile file(folder);
+    SKIP_UNLESS_PROTECTED(file);
+    EXPECT_EQ(0, CoreFile::WriteFile(file.Path().c_str(), "new", 3));
+    EXPECT_EQ("old", file.Content());
 }
 } // namespace

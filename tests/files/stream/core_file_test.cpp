@@ -159,9 +159,12 @@ TEST_F(CoreFileOpen, ForWritingRefusesAReadOnlyFile) {
     CoreFile file;
     EXPECT_EQ(1, file.Open(Path().c_str(), 0));
     file.Close();
-    SKIP_UNLESS_PROTECTED(readOnly);
-    EXPECT_EQ(0, file.Open(Path().c_str(), 1));
+    ProtectedFile protectedFile(folder);
+    SKIP_UNLESS_PROTECTED(protectedFile);
+    EXPECT_EQ(0, file.Open(protectedFile.Path().c_str(), 1));
     EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
+    EXPECT_EQ(0, file.IsReady());
+    EXPECT_EQ(1, file.Open(protectedFile.Path().c_str(), 0));
 }
 
 TEST_F(CoreFileOpen, ForWritingRefusesWhatTheSystemProtects) {
@@ -419,6 +422,53 @@ TEST_F(CoreFileTransfer, FullDiskGivesZeroAndCountsNothing) {
     EXPECT_EQ(1, io.IsReady());
     EXPECT_EQ(0, io.Write(5));
     EXPECT_EQ(0, io.WriteStr("abc"));
+}
+
+TEST_F(CoreFileTransfer, DiskThatFillsUpTakesWhatFitsAndGivesZero) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    CoreFile file(disk.File(L"file").c_str(), 1);
+    ASSERT_TRUE(disk.Fill(1));
+    std::string str(SmallDisk::kCluster + 10, 'x');
+    DWORD cbDone = 77;
+    EXPECT_EQ(0, file.WriteBin(str.data(), static_cast<DWORD>(str.size()), &cbDone));
+    EXPECT_EQ(SmallDisk::kCluster, cbDone);
+    EXPECT_EQ(SmallDisk::kCluster, file.GetSize(nullptr));
+    cbDone = 77;
+    EXPECT_EQ(0, file.WriteBin("y", 1, &cbDone));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), ::GetLastError());
+    EXPECT_EQ(0u, cbDone);
+    EXPECT_EQ(0, file.puts("y"));
+    EXPECT_EQ(0, file.puts(L"y"));
+    // What is there already takes no new room.
+    EXPECT_EQ(0, file.MoveTo64(0, FILE_BEGIN));
+    EXPECT_EQ(1, file.WriteBin("new", 3, &cbDone));
+    EXPECT_EQ(3u, cbDone);
+    file.Close();
+    EXPECT_EQ("new" + str.substr(3, SmallDisk::kCluster - 3), disk.ReadFile(L"file"));
+}
+
+TEST_F(CoreFileTransfer, TypedWritesGiveZeroOnAFullDisk) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    CoreIO io(CoreIO::CreateFileObject(disk.File(L"file").c_str(), 1));
+    ASSERT_EQ(1, io.IsReady());
+    ASSERT_TRUE(disk.Fill());
+    EXPECT_EQ(0, io.Write(static_cast<unsigned char>(5)));
+    EXPECT_EQ(0, io.Write(static_cast<unsigned short>(5)));
+    EXPECT_EQ(0, io.Write(5));
+    EXPECT_EQ(0, io.WriteStr("abc"));
+    EXPECT_EQ(0u, io.GetSize64());
+}
+
+TEST_F(CoreFileTransfer, MarkersGiveZeroOnAFullDisk) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    CoreFile file(disk.File(L"file").c_str(), 1);
+    ASSERT_TRUE(disk.Fill());
+    EXPECT_EQ(0, file.WriteUnicodeMarker());
+    EXPECT_EQ(0, file.WriteUTF8Marker());
+    EXPECT_EQ(0u, file.GetSize64());
 }
 
 TEST_F(CoreFileTransfer, CopyBinFromMovesWholeSizes) {

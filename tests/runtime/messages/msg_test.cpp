@@ -4,6 +4,7 @@
 #include "support/message_box_driver.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"
+#include "support/told_version.h"
 #include "support/window_thread.h"
 #include <gtest/gtest.h>
 
@@ -312,5 +313,10 @@ TEST(WinProNotSupported, TellsTheUserOnAProfessionalEdition) {
     EXPECT_EQ(L"This command is not available on this edition of Windows.", boxes[0].strText);
     EXPECT_EQ(1, boxes[0].bHasIcon);
     EXPECT_EQ(std::vector<int>{IDOK}, boxes[0].buttons);
+}
+
+TEST(WinProNotSupported, GivesOneWithoutABoxOnAHomeEdition) {
+    ToldVersion told(Version(2, 5, 1, 1, 0x200));
+    EXPECT_EQ(1, WinProNotSupported(nullptr)); // a box would wait for ever
 }
 } // namespace

@@ -1,8 +1,13 @@
 #include "runtime/system/dll_loader.h"
 #include "support/program_folder.h"
+#include "support/replace_import.h"
+#include "support/runtime_lookup.h"
 
+#include <shlwapi.h>
 #include <gtest/gtest.h>
 #include <string>
+
+extern "C" FARPROC __imp_GetProcAddress;
 
 namespace {
 std::wstring SystemFolder() {
@@ -104,6 +109,56 @@ TEST(GetVerDll, TellsMajorMinorAndBuild) {
     EXPECT_NE(99u, dwBuild);
     EXPECT_EQ(n, GetVerDll(L"COMCTL32"));
     EXPECT_EQ(n, GetVerDll_ComCtl32());
+    EXPECT_EQ(n, GetVerDll_ComCtl32());
+}
+
+HRESULT WINAPI TellSixteen(DLLVERSIONINFO* pInfo) {
+    pInfo->dwMajorVersion = 6;
+    pInfo->dwMinorVersion = 16;
+    pInfo->dwBuildNumber = 0x12345;
+    return S_OK;
+}
+HRESULT WINAPI TellAndFail(DLLVERSIONINFO* pInfo) {
+    TellSixteen(pInfo);
+    return E_INVALIDARG;
+}
+
+/// Every library has that DllGetVersion.
+class VersionFunction {
+  public:
+    explicit VersionFunction(DLLGETVERSIONPROC pfnVersion) {
+        pfn = pfnVersion;
+        pReplaced = &replaced;
+    }
+
+  private:
+    static FARPROC WINAPI Find(HMODULE hmod, LPCSTR pszName) {
+        if (std::string("DllGetVersion") == pszName) return AsProc(pfn);
+        return pReplaced->Original<decltype(Find)>()(hmod, pszName);
+    }
+    static inline DLLGETVERSIONPROC pfn;
+    static inline ReplaceImport* pReplaced;
+    ReplaceImport replaced{__imp_GetProcAddress, &Find};
+};
+
+TEST(GetVerDll, MajorIsInTheHighByteAndMinorInTheLow) {
+    DWORD dwMajor = 99, dwMinor = 99, dwBuild = 99;
+    VersionFunction function(&TellSixteen);
+    EXPECT_EQ(0x0610, GetVerDll(L"COMCTL32", &dwMajor, &dwMinor, &dwBuild));
+    EXPECT_EQ(6u, dwMajor);
+    EXPECT_EQ(16u, dwMinor);
+    EXPECT_EQ(0x12345u, dwBuild);
+}
+
+TEST(GetVerDll, FunctionThatFailsIsAsNone) {
+    VersionFunction function(&TellAndFail);
+    EXPECT_EQ(0x0400, GetVerDll(L"COMCTL32"));
+}
+
+TEST(GetVerDll, OfTheCommonControlsIsAskedForOnce) {
+    unsigned short n = GetVerDll_ComCtl32();
+    VersionFunction function(&TellSixteen);
+    ASSERT_NE(n, GetVerDll(L"COMCTL32"));
     EXPECT_EQ(n, GetVerDll_ComCtl32());
 }
 

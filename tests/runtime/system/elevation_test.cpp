@@ -1,8 +1,12 @@
 #include "runtime/system/elevation.h"
+#include "support/replace_import.h"
 #include "support/runtime_lookup.h"
+#include "support/told_version.h"
 
 #include <gtest/gtest.h>
 #include <string>
+
+extern "C" FARPROC __imp_GetTokenInformation;
 
 namespace {
 DWORD ReadToken(int nInfoClass) {
@@ -32,8 +36,13 @@ TEST(AccessToken, OpensAndGivesTheHandle) {
     AccessToken token;
     EXPECT_EQ(nullptr, static_cast<HANDLE>(token));
     ASSERT_EQ(1, token.OpenProcess(TOKEN_QUERY));
-    EXPECT_NE(nullptr, static_cast<HANDLE>(token));
+    HANDLE hFirst = token;
+    EXPECT_NE(nullptr, hFirst);
+    DWORD dwFlags = 0;
+    EXPECT_TRUE(::GetHandleInformation(hFirst, &dwFlags));
     ASSERT_EQ(1, token.OpenProcess(TOKEN_QUERY)); // again: the first is closed
+    EXPECT_TRUE(token == hFirst || !::GetHandleInformation(hFirst, &dwFlags));
+    EXPECT_TRUE(::GetHandleInformation(token, &dwFlags));
 }
 
 TEST(Elevation, TellsWhatTheTokenTells) {
@@ -41,6 +50,40 @@ TEST(Elevation, TellsWhatTheTokenTells) {
     EXPECT_EQ(static_cast<int>(dwType), GetElevationType());
     EXPECT_EQ(dwType != 1, IsSplitToken() == 1);
     EXPECT_EQ(ReadToken(20) != 0, IsElevated() == 1);
+}
+
+DWORD nToldType, nToldElevation;
+BOOL bTokenTells;
+BOOL WINAPI TellOfToken(HANDLE, TOKEN_INFORMATION_CLASS nClass, LPVOID p, DWORD cb, DWORD* pcb) {
+    bool bKnown = nClass == static_cast<TOKEN_INFORMATION_CLASS>(18) ||
+                  nClass == static_cast<TOKEN_INFORMATION_CLASS>(20);
+    if (!bTokenTells || !bKnown || cb < sizeof(DWORD)) return FALSE;
+    *static_cast<DWORD*>(p) =
+        nClass == static_cast<TOKEN_INFORMATION_CLASS>(18) ? nToldType : nToldElevation;
+    *pcb = sizeof(DWORD);
+    return TRUE;
+}
+
+TEST(Elevation, TypeAndElevationAreToldApart) {
+    ReplaceImport replaced(__imp_GetTokenInformation, &TellOfToken);
+    bTokenTells = TRUE;
+    for (DWORD nType : {1u, 2u, 3u}) { // default, full, limited
+        for (DWORD nElevation : {0u, 1u, 5u}) {
+            nToldType = nType;
+            nToldElevation = nElevation;
+            EXPECT_EQ(static_cast<int>(nType), GetElevationType());
+            EXPECT_EQ(nType != 1 ? 1 : 0, IsSplitToken());
+            EXPECT_EQ(nElevation ? 1 : 0, IsElevated());
+        }
+    }
+}
+
+TEST(Elevation, TokenThatCannotBeReadIsOfTheDefaultType) {
+    ReplaceImport replaced(__imp_GetTokenInformation, &TellOfToken);
+    bTokenTells = FALSE;
+    EXPECT_EQ(1, GetElevationType());
+    EXPECT_EQ(0, IsSplitToken());
+    EXPECT_EQ(0, IsElevated());
 }
 
 BOOL WINAPI SaysNo() { return FALSE; }
@@ -70,6 +113,12 @@ TEST(EnablePrivilege, TurnsOnAndOff) {
     EXPECT_FALSE(HasPrivilege(L"SeShutdownPrivilege"));
     EXPECT_EQ(1, SetupExitToken());
     EXPECT_TRUE(HasPrivilege(L"SeShutdownPrivilege"));
+}
+
+TEST(EnablePrivilege, OutsideTheFamilyOnlyTheExitNeedsNone) {
+    ToldVersion told(Version(1, 4, 10, 1));
+    EXPECT_EQ(0, EnablePrivilege(L"SeChangeNotifyPrivilege", 1));
+    EXPECT_EQ(1, SetupExitToken());
 }
 
 TEST(EnablePrivilege, FailsForWhatTheProcessDoesNotHave) {

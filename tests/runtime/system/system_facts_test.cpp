@@ -1,13 +1,24 @@
 #include "runtime/messages/msg.h"
 #include "runtime/system/system_facts.h"
 #include "support/other_windows.h"
+#include "support/replace_import.h"
 #include "support/runtime_lookup.h"
+#include "support/told_version.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <cstring>
 #include <ctime>
+#include <cwchar>
+#include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
+#include <utility>
+
+extern "C" FARPROC __imp_GetLocaleInfoW;
+extern "C" FARPROC __imp_GetDriveTypeW;
 
 namespace {
 // Versions and editions
@@ -16,7 +27,8 @@ struct VersionCase {
     const char* pszVersion; // the platform's name for it
     const char* pszTrue;    // the tests that say yes, beside WinNT, Win2K, WinPro and WinServer
     const char* pszNumber;
-    const char* pszProductType = nullptr; // what the name must bring, if it does
+    const char* pszServicePack; // major and minor
+    const char* pszProductType; // null: not the same on every platform
 };
 class VersionTest : public testing::TestWithParam<VersionCase> {};
 
@@ -38,41 +50,119 @@ TEST_P(VersionTest, EachTestAnswersForThisWindows) {
         EXPECT_EQ(bWanted ? "1" : "0", answers[pszName]) << pszName;
     }
     EXPECT_EQ(row.pszNumber, answers["GetWinVersion"]);
+    EXPECT_EQ(row.pszServicePack, answers["ServicePack"]);
     // The kind of product is not always that of the name: win7 shows itself as a server here.
-    EXPECT_EQ(answers["ProductType"] == "1" ? "0" : "1", answers["WinServer"]);
-    if (row.pszProductType) {
-        EXPECT_EQ(row.pszProductType, answers["ProductType"]);
-    }
-    // The locale's name from Vista on, its English name before.
+    std::string strType = row.pszProductType ? row.pszProductType : answers["ProductType"];
+    EXPECT_EQ(strType, answers["ProductType"]);
+    EXPECT_EQ(strType == "1" ? "0" : "1", answers["WinServer"]);
+    // The locale's name from Vista on, its English name before; the environment's is American.
     bool bHasName = strTrue.find(" WinVista ") != std::string::npos;
-    EXPECT_EQ(bHasName, answers["Language"].find('-') != std::string::npos) << answers["Language"];
+    EXPECT_EQ(bHasName ? "en-US" : "English", answers["Language"]);
 }
 INSTANTIATE_TEST_SUITE_P(
     Windows, VersionTest,
-    testing::Values(
-        VersionCase{"win2k", "Win2K_only", "5.0.2195"},
-        VersionCase{"winxp64", "WinXP WinServer2003", "5.2.3790", "1"},
-        VersionCase{"win2003", "WinXP WinServer2003", "5.2.3790", "3"},
-        VersionCase{"vista", "WinXP WinServer2003 WinVista WinVista_only", "6.0.6002"},
-        VersionCase{"win2008", "WinXP WinServer2003 WinVista WinVista_only", "6.0.6002"},
-        VersionCase{"win7", "WinXP WinServer2003 WinVista Win7 Win7_only", "6.1.7601"},
-        VersionCase{"win8", "WinXP WinServer2003 WinVista Win7 Win8", "6.2.9200"},
-        VersionCase{"win81", "WinXP WinServer2003 WinVista Win7 Win8 Win81", "6.3.9600"},
-        VersionCase{"win10", "WinXP WinServer2003 WinVista Win7 Win8 Win81 Win10", "10.0.18362"}),
+    testing::Values(VersionCase{"win2k", "Win2K_only", "5.0.2195", "00040000", "1"},
+                    VersionCase{"winxp64", "WinXP WinServer2003", "5.2.3790", "00020000", "1"},
+                    VersionCase{"win2003", "WinXP WinServer2003", "5.2.3790", "00020000", "3"},
+                    VersionCase{"vista", "WinXP WinServer2003 WinVista WinVista_only", "6.0.6002",
+                                "00020000", "1"},
+                    VersionCase{"win2008", "WinXP WinServer2003 WinVista WinVista_only", "6.0.6002",
+                                "00020000", "3"},
+                    VersionCase{"win7", "WinXP WinServer2003 WinVista Win7 Win7_only", "6.1.7601",
+                                "00010000", nullptr},
+                    VersionCase{"win8", "WinXP WinServer2003 WinVista Win7 Win8", "6.2.9200",
+                                "00000000", "1"},
+                    VersionCase{"win81", "WinXP WinServer2003 WinVista Win7 Win8 Win81", "6.3.9600",
+                                "00000000", "1"},
+                    VersionCase{"win10", "WinXP WinServer2003 WinVista Win7 Win8 Win81 Win10",
+                                "10.0.18362", "00000000", "1"}),
     [](const auto& row) { return std::string(row.param.pszVersion); });
 
-TEST(GetWinVersion, PacksNumbersAsThePlatformTellsThem) {
-    OSVERSIONINFOEXW info{};
-    info.dwOSVersionInfoSize = sizeof(info);
-    ASSERT_TRUE(::GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&info)));
+struct ToldCase {
+    const char* pszName;
+    OSVERSIONINFOEXW info;
+    const char* pszTrue;
+};
+class ToldVersionTest : public testing::TestWithParam<ToldCase> {};
+
+TEST_P(ToldVersionTest, EachTestAnswersForTheWindowsThatIsTold) {
+    const std::map<std::string, int (*)()> kTests = {
+        {"WinNT", &WinNT},
+        {"Win2K", &Win2K},
+        {"WinXP", &WinXP},
+        {"WinServer2003", &WinServer2003},
+        {"WinVista", &WinVista},
+        {"Win7", &Win7},
+        {"Win8", &Win8},
+        {"Win81", &Win81},
+        {"Win10", &Win10},
+        {"Win2K_only", &Win2K_only},
+        {"WinXP_only", &WinXP_only},
+        {"WinVista_only", &WinVista_only},
+        {"Win7_only", &Win7_only},
+        {"WinServer", &WinServer},
+        {"WinPro", &WinPro},
+    };
+    ToldVersion told(GetParam().info);
+    std::istringstream stream(GetParam().pszTrue);
+    std::set<std::string> wanted{std::istream_iterator<std::string>(stream), {}};
+    for (const auto& [strName, pfn] : kTests) {
+        EXPECT_EQ(wanted.contains(strName), pfn() == 1) << strName;
+        EXPECT_EQ(!wanted.contains(strName), pfn() == 0) << strName;
+    }
+}
+INSTANTIATE_TEST_SUITE_P(
+    Windows, ToldVersionTest,
+    testing::Values(
+        ToldCase{"Windows98", Version(1, 4, 10, 1), ""},
+        ToldCase{"NewerThanAnyOutsideTheFamily", Version(1, 10, 0, 3), ""},
+        ToldCase{"NT4WithTheHomeBit", Version(2, 4, 0, 1, 0x200), "WinNT WinPro"},
+        ToldCase{"NT4OfANewMinor", Version(2, 4, 99, 3), "WinNT WinPro WinServer"},
+        ToldCase{"Server2000", Version(2, 5, 0, 3), "WinNT Win2K Win2K_only WinServer WinPro"},
+        ToldCase{"XP", Version(2, 5, 1, 1), "WinNT Win2K WinXP WinXP_only WinPro"},
+        ToldCase{"XPHome", Version(2, 5, 1, 1, 0x200), "WinNT Win2K WinXP WinXP_only"},
+        ToldCase{"XPHomeWithMore", Version(2, 5, 1, 1, 0x300), "WinNT Win2K WinXP WinXP_only"},
+        ToldCase{"OtherSuitesAreNoHome", Version(2, 5, 1, 1, 0xFDFF),
+                 "WinNT Win2K WinXP WinXP_only WinPro"},
+        ToldCase{"DomainController", Version(2, 5, 2, 2),
+                 "WinNT Win2K WinXP WinServer2003 WinServer WinPro"},
+        ToldCase{"UnknownProduct", Version(2, 5, 2, 4),
+                 "WinNT Win2K WinXP WinServer2003 WinServer"},
+        ToldCase{"NoProduct", Version(2, 5, 2, 0), "WinNT Win2K WinXP WinServer2003 WinServer"},
+        ToldCase{"VistaHome", Version(2, 6, 0, 1, 0x200),
+                 "WinNT Win2K WinXP WinServer2003 WinVista WinVista_only"},
+        ToldCase{"SixDotFour", Version(2, 6, 4, 1),
+                 "WinNT Win2K WinXP WinServer2003 WinVista Win7 Win8 Win81 WinPro"},
+        ToldCase{"SevenDotZero", Version(2, 7, 0, 1),
+                 "WinNT Win2K WinXP WinServer2003 WinVista Win7 Win8 Win81 WinPro"},
+        ToldCase{"AfterTen", Version(2, 11, 0, 3),
+                 "WinNT Win2K WinXP WinServer2003 WinVista Win7 Win8 Win81 Win10 WinServer "
+                 "WinPro"}),
+    [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(VersionTests, AllAreZeroWhereThePlatformTellsNothing) {
+    ToldVersion none;
+    for (auto* pfn :
+         {&WinNT, &Win2K, &WinXP, &WinServer2003, &WinVista, &Win7, &Win8, &Win81, &Win10,
+          &Win2K_only, &WinXP_only, &WinVista_only, &Win7_only, &WinServer, &WinPro}) {
+        EXPECT_EQ(0, pfn());
+    }
     DWORD dwServicePack = 0xDEADBEEF;
-    unsigned long long qw = GetWinVersion(&dwServicePack);
-    EXPECT_EQ(info.dwBuildNumber, static_cast<DWORD>(qw));
-    EXPECT_EQ(info.dwMinorVersion, static_cast<DWORD>(qw >> 32 & 0xFFFF));
-    EXPECT_EQ(info.dwMajorVersion, static_cast<DWORD>(qw >> 48));
-    EXPECT_EQ(info.wServicePackMajor, HIWORD(dwServicePack));
-    EXPECT_EQ(info.wServicePackMinor, LOWORD(dwServicePack));
-    EXPECT_EQ(qw, GetWinVersion());
+    EXPECT_EQ(0u, GetWinVersion(&dwServicePack));
+    EXPECT_EQ(0u, dwServicePack);
+    EXPECT_EQ(0u, GetWinVersion());
+}
+
+TEST(GetWinVersion, PacksTheNumbers) {
+    OSVERSIONINFOEXW info = Version(2, 0x1234, 0x5678, 1);
+    info.dwBuildNumber = 0x9ABCDEF0;
+    info.wServicePackMajor = 0x1357;
+    info.wServicePackMinor = 0x2468;
+    ToldVersion told(info);
+    DWORD dwServicePack = 0xDEADBEEF;
+    EXPECT_EQ(0x123456789ABCDEF0u, GetWinVersion(&dwServicePack));
+    EXPECT_EQ(0x13572468u, dwServicePack);
+    EXPECT_EQ(0x123456789ABCDEF0u, GetWinVersion());
 }
 
 BOOL WINAPI SaysWow64(HANDLE, BOOL* pb) {
@@ -99,10 +189,27 @@ TEST(IsWow64, SaysWhatThePlatformSaysAndZeroWithoutTheFunction) {
 
 // Drives, users, language
 
+UINT nTypeOfA, nTypeOfB;
+UINT WINAPI TellDriveType(LPCWSTR pszRoot) {
+    if (!pszRoot) return DRIVE_UNKNOWN;
+    wchar_t ch = static_cast<wchar_t>(pszRoot[0] | 0x20);
+    return ch == L'a' ? nTypeOfA : ch == L'b' ? nTypeOfB : UINT{DRIVE_REMOVABLE};
+}
 TEST(SingleFloppy, IsOneUnlessBothDrivesAreRemovable) {
-    bool bBoth =
-        ::GetDriveTypeW(L"A:\\") == DRIVE_REMOVABLE && ::GetDriveTypeW(L"B:\\") == DRIVE_REMOVABLE;
-    EXPECT_EQ(bBoth ? 0 : 1, SingleFloppy());
+    ReplaceImport replaced(__imp_GetDriveTypeW, &TellDriveType);
+    constexpr UINT kOthers[] = {DRIVE_UNKNOWN, DRIVE_NO_ROOT_DIR, DRIVE_FIXED,
+                                DRIVE_REMOTE,  DRIVE_CDROM,       DRIVE_RAMDISK};
+    nTypeOfA = nTypeOfB = DRIVE_REMOVABLE;
+    EXPECT_EQ(0, SingleFloppy());
+    for (UINT nOther : kOthers) {
+        nTypeOfA = nOther;
+        nTypeOfB = DRIVE_REMOVABLE;
+        EXPECT_EQ(1, SingleFloppy()) << nOther;
+        std::swap(nTypeOfA, nTypeOfB);
+        EXPECT_EQ(1, SingleFloppy()) << nOther;
+        nTypeOfA = nTypeOfB = nOther;
+        EXPECT_EQ(1, SingleFloppy()) << nOther;
+    }
 }
 
 /// The system's switch as it was, put back at the end.
@@ -141,11 +248,38 @@ TEST(IsFastUserSwitchingEnabled, IsTheSystemsSwitchAndZeroWithoutIt) {
     EXPECT_EQ(0, IsFastUserSwitchingEnabled());
 }
 
-TEST(GetWinLanguage, IsTheSystemsLocale) {
-    wchar_t szWanted[85], sz[85];
-    ASSERT_NE(0, ::GetLocaleInfoW(2048, WinVista() ? 92 : 4097, szWanted, 85));
-    ASSERT_EQ(1, GetWinLanguage(sz, 85));
-    EXPECT_STREQ(szWanted, sz);
+/// The locale of a system in Switzerland; the user's is another one.
+int WINAPI TellLocale(LCID nLocale, LCTYPE nWhat, LPWSTR psz, int cch) {
+    const wchar_t* pszTold = nLocale != 2048 ? L"other"
+                             : nWhat == 92   ? L"de-CH"
+                             : nWhat == 4097 ? L"German"
+                                             : L"something else";
+    int cchTold = static_cast<int>(std::wcslen(pszTold)) + 1;
+    if (cch < cchTold) return cch ? 0 : cchTold;
+    std::wmemcpy(psz, pszTold, static_cast<std::size_t>(cchTold));
+    return cchTold;
+}
+
+TEST(GetWinLanguage, IsTheNameOfTheSystemsLocaleFromVistaOn) {
+    ReplaceImport replaced(__imp_GetLocaleInfoW, &TellLocale);
+    for (DWORD nMinor : {0u, 3u}) {
+        ToldVersion told(Version(2, 6, nMinor, 1));
+        wchar_t sz[6] = L"?";
+        EXPECT_EQ(1, GetWinLanguage(sz, 6));
+        EXPECT_STREQ(L"de-CH", sz);
+        EXPECT_EQ(0, GetWinLanguage(sz, 5));
+        EXPECT_STREQ(L"", sz);
+    }
+}
+
+TEST(GetWinLanguage, IsTheEnglishNameOfItBefore) {
+    ReplaceImport replaced(__imp_GetLocaleInfoW, &TellLocale);
+    ToldVersion told(Version(2, 5, 2, 1));
+    wchar_t sz[7] = L"?";
+    EXPECT_EQ(1, GetWinLanguage(sz, 7));
+    EXPECT_STREQ(L"German", sz);
+    EXPECT_EQ(0, GetWinLanguage(sz, 6));
+    EXPECT_STREQ(L"", sz);
 }
 
 TEST(GetWinLanguage, FitsExactlyOrNotAtAll) {

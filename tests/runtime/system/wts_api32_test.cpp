@@ -1,10 +1,13 @@
 #include "app/start/library_start.h"
 #include "runtime/system/wts_api32.h"
+#include "support/replace_import.h"
 #include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+extern "C" FARPROC __imp_WTSEnumerateSessionsW;
 
 namespace {
 // A terminal server of the tests: what is asked and freed is noted.
@@ -134,6 +137,39 @@ TEST_F(WtsApi32Test, RealFunctionsAreFoundWhileAnObjectLives) {
     DWORD dwOwn = 0;
     ASSERT_TRUE(::ProcessIdToSessionId(::GetCurrentProcessId(), &dwOwn));
     EXPECT_EQ(dwOwn, WtsApi32::WTSGetActiveConsoleSessionId());
+}
+
+std::vector<WTS_SESSION_INFOW> enumerated;
+BOOL bEnumerates;
+BOOL WINAPI FakeEnumerate(HANDLE, DWORD, DWORD, PWTS_SESSION_INFOW* pp, DWORD* pn) {
+    if (!bEnumerates) return FALSE;
+    *pp = enumerated.data();
+    *pn = static_cast<DWORD>(enumerated.size());
+    return TRUE;
+}
+
+TEST_F(WtsApi32Test, CountsAndSearchesTheSessions) {
+    WtsApi32 api;
+    FakeFunctions fake;
+    ReplaceImport replaced(__imp_WTSEnumerateSessionsW, &FakeEnumerate);
+    wchar_t szName[] = L"";
+    enumerated = {{7, szName, WTSActive},
+                  {8, szName, WTSDisconnected},
+                  {9, szName, WTSActive},
+                  {10, szName, WTSListen}};
+    bEnumerates = TRUE;
+    EXPECT_EQ(4u, WtsApi32::GetSessionCount());
+    EXPECT_EQ(1, server.nFreed);
+    EXPECT_EQ(2u, WtsApi32::GetActiveSessionID()); // the place, not the session's id
+    EXPECT_EQ(2, server.nFreed);
+    enumerated.pop_back();
+    enumerated.pop_back();
+    EXPECT_EQ(2u, WtsApi32::GetSessionCount());
+    EXPECT_EQ(0u, WtsApi32::GetActiveSessionID());
+    bEnumerates = FALSE;
+    EXPECT_EQ(0u, WtsApi32::GetSessionCount());
+    EXPECT_EQ(0xFFFFFFFFu, WtsApi32::GetActiveSessionID());
+    EXPECT_EQ(4, server.nFreed);
 }
 
 TEST_F(WtsApi32Test, CountsAndSearchesTheRealSessions) {

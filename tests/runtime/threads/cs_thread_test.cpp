@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <optional>
 
 namespace {
 struct Latch { // a manual event for the tests' own signals
@@ -110,21 +111,32 @@ TEST(CSThread, CreateReturnsAfterFiveSecondsWithoutReady) {
 }
 
 TEST(CSThread, DestroyWithTimeZeroCancelsLooksOnceAndClosesTheHandle) {
-    Latch latchGo, latchEnd;
-    CSThread* pThread = nullptr;
+    Latch latchInWait, latchCanceled, latchGo, latchEnd;
+    std::atomic<int> bCanceled{-1};
     Worker worker([&](Worker& self) {
-        latchGo.Wait();
-        // With no thread handle the answer is always yes; the event itself was set as well.
-        EXPECT_EQ(1, self.IsCanceled());
+        // Handled inside the wait: it began while there was a thread handle, so that the event
+        // alone ends it. Without a handle every question is answered with yes.
+        TestWindow wnd([&](UINT uMsg, WPARAM, LPARAM) -> std::optional<LRESULT> {
+            if (uMsg == WM_APP) latchInWait.Set();
+            return std::nullopt;
+        });
+        ::PostMessageW(wnd, WM_APP, 0, 0);
+        bCanceled = self.WaitForCancel(10000);
+        latchCanceled.Set();
+        latchGo.Wait(); // not done yet
         latchEnd.Set();
         return 0u;
     });
-    pThread = &worker;
+    CSThread* pThread = &worker;
     ASSERT_EQ(1, worker.Start());
+    ASSERT_TRUE(latchInWait.Wait());
+    EXPECT_FALSE(latchCanceled.Wait(50));
     DWORD dwStart = ::GetTickCount();
     EXPECT_EQ(0, pThread->Destroy(0));
-    EXPECT_LT(::GetTickCount() - dwStart, 1000u);
+    EXPECT_LT(::GetTickCount() - dwStart, 3000u); // half of what the destructor gives it
     EXPECT_EQ(nullptr, static_cast<HANDLE>(worker));
+    EXPECT_TRUE(latchCanceled.Wait(5000));
+    EXPECT_EQ(1, bCanceled.load());
     latchGo.Set();
     ASSERT_TRUE(latchEnd.Wait());
 }
@@ -335,5 +347,52 @@ TEST(CSThreadEx, WorkerThatOutlivesTheObjectTouchesNothing) {
     ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(hKept, 10000));
     ::CloseHandle(hKept);
     for (unsigned char b : abRoom) ASSERT_EQ(0xCC, b);
+}
+
+/// Counts its messages WM_APP.
+struct CountingWindow : TestWindow {
+    CountingWindow()
+        : TestWindow([this](UINT uMsg, WPARAM, LPARAM) -> std::optional<LRESULT> {
+              if (uMsg != WM_APP) return std::nullopt;
+              ++nSeen;
+              return 0;
+          }) {}
+    int nSeen = 0;
+};
+
+TEST(CSThread, ProcessAllMessagesOfAWindowLeavesTheOthersWaiting) {
+    CSThread thread; // none need run: the messages are the caller's
+    CountingWindow wnd, wndOther;
+    for (int i = 0; i < 3; ++i) ::PostMessageW(wnd, WM_APP, 0, 0);
+    ::PostMessageW(wndOther, WM_APP, 0, 0);
+    EXPECT_EQ(1, thread.ProcessAllMessages(wnd));
+    EXPECT_EQ(3, wnd.nSeen);
+    EXPECT_EQ(0, wndOther.nSeen);
+    EXPECT_EQ(1, thread.ProcessAllMessages(wndOther));
+    EXPECT_EQ(1, wndOther.nSeen);
+}
+
+TEST(CSThread, ProcessAllMessagesWithoutAWindowTakesAllOfTheThread) {
+    CSThread thread;
+    CountingWindow wnd, wndOther;
+    ::PostMessageW(wnd, WM_APP, 0, 0);
+    ::PostMessageW(wndOther, WM_APP, 0, 0);
+    ::PostThreadMessageW(::GetCurrentThreadId(), WM_APP + 1, 0, 0);
+    EXPECT_EQ(1, thread.ProcessAllMessages());
+    EXPECT_EQ(1, wnd.nSeen);
+    EXPECT_EQ(1, wndOther.nSeen);
+    MSG msg;
+    EXPECT_EQ(FALSE, ::PeekMessageW(&msg, nullptr, WM_APP + 1, WM_APP + 1, PM_REMOVE));
+    EXPECT_EQ(1, thread.ProcessAllMessages());
+}
+
+TEST(CSThread, ProcessAllMessagesGivesZeroIfQuitWasAmongThem) {
+    CSThread thread;
+    CountingWindow wnd;
+    ::PostMessageW(wnd, WM_APP, 0, 0);
+    ::PostQuitMessage(3);
+    EXPECT_EQ(0, thread.ProcessAllMessages());
+    EXPECT_EQ(1, wnd.nSeen);
+    EXPECT_EQ(1, thread.ProcessAllMessages());
 }
 } // namespace

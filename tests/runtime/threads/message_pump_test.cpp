@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <thread>
 
 namespace {
 /// Counts its messages WM_APP and posts itself as many more as each says.
@@ -58,6 +59,22 @@ TEST(WaitPumpingMessages, DispatchesWhileItWaits) {
     EXPECT_EQ(3, wnd.nSeen);
     ::SetEvent(hEvent);
     EXPECT_TRUE(WaitPumpingMessages(hEvent, 20));
+    ::CloseHandle(hEvent);
+}
+
+TEST(WaitPumpingMessages, EachRoundOfMessagesStartsTheTimeAnew) {
+    constexpr DWORD kTimeoutMs = 1000;
+    HANDLE hEvent = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    DWORD nThreadId = ::GetCurrentThreadId();
+    std::thread other([=] {
+        for (DWORD nPassed = 0; nPassed < 2 * kTimeoutMs; nPassed += 50) {
+            ::PostThreadMessageW(nThreadId, WM_APP, 0, 0);
+            ::Sleep(50);
+        }
+        ::SetEvent(hEvent);
+    });
+    EXPECT_TRUE(WaitPumpingMessages(hEvent, kTimeoutMs));
+    other.join();
     ::CloseHandle(hEvent);
 }
 

@@ -1,10 +1,16 @@
 #include "runtime/threads/synch.h"
+#include "support/replace_import.h"
+#include "support/told_version.h"
 
 #include <aclapi.h>
 #include <sddl.h>
 #include <gtest/gtest.h>
+#include <array>
 #include <string>
 #include <thread>
+#include <vector>
+
+extern "C" FARPROC __imp_CreateMutexW;
 
 namespace {
 // Objects that are opened by name, and events
@@ -193,6 +199,8 @@ TEST(Event, CreateNewForUserGivesTheDescriptor) {
         ::LocalFree(pszSid);
         if (i == 0) {
             EXPECT_EQ(0x100002u, pAllowed->Mask);
+        } else { // all, as it was asked for or as what that is for an event
+            EXPECT_TRUE(pAllowed->Mask == GENERIC_ALL || pAllowed->Mask == EVENT_ALL_ACCESS);
         }
     }
     ::LocalFree(pDescriptor);
@@ -333,6 +341,28 @@ TEST(MyMutex, NameSpacesAreApart) {
     local.Release();
     ::CloseHandle(hLocal);
     ::CloseHandle(hGlobal);
+}
+
+std::vector<std::wstring> mutexNames;
+HANDLE WINAPI NoteMutex(SECURITY_ATTRIBUTES*, BOOL bOwned, LPCWSTR pszName) {
+    mutexNames.push_back((bOwned ? L"owned " : L"") + std::wstring(pszName ? pszName : L"none"));
+    return nullptr;
+}
+
+TEST(MyMutex, OnlySystemsWithNameSpacesGetOne) {
+    ReplaceImport replaced(__imp_CreateMutexW, &NoteMutex);
+    const std::array<DWORD, 3> kSystems[] = {
+        {1, 4, 10}, {2, 4, 0}, {2, 5, 0}, {2, 5, 1}, {2, 10, 0}};
+    for (auto [nPlatform, nMajor, nMinor] : kSystems) {
+        ToldVersion told(Version(nPlatform, nMajor, nMinor, 1));
+        mutexNames.clear();
+        MyMutex local(0, L"name"), global(1, L"name"), unnamed(1, nullptr);
+        bool bHas = nPlatform == 2 && nMajor >= 5;
+        EXPECT_EQ((std::vector<std::wstring>{bHas ? L"Local\\name" : L"name",
+                                             bHas ? L"Global\\name" : L"name", L"none"}),
+                  mutexNames)
+            << nMajor;
+    }
 }
 
 TEST(MyMutex, DestructorClosesTheHandle) {

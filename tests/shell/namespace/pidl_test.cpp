@@ -1,11 +1,15 @@
 #include "shell/namespace/pidl.h"
+#include "support/replace_import.h"
 #include "support/temp_folder.h"
 
 #include <shlobj.h>
 #include <gtest/gtest.h>
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
+
+extern "C" FARPROC __imp_SHGetMalloc;
 
 namespace {
 // Item id lists
@@ -57,6 +61,90 @@ TEST(ShellMalloc, IsAskedForAgainAfterItWasReleased) {
     ReleaseShellMalloc();
     ReleaseShellMalloc();
     EXPECT_NE(nullptr, GetShellMalloc());
+}
+
+/// An allocator that counts.
+struct CountingMalloc : IMalloc {
+    LONG nReferences = 0;
+    std::atomic<int> nAskedFor{0};
+    std::vector<void*> freed;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        return static_cast<ULONG>(::InterlockedIncrement(&nReferences));
+    }
+    ULONG STDMETHODCALLTYPE Release() override {
+        return static_cast<ULONG>(::InterlockedDecrement(&nReferences));
+    }
+    void* STDMETHODCALLTYPE Alloc(SIZE_T) override { return nullptr; }
+    void* STDMETHODCALLTYPE Realloc(void*, SIZE_T) override { return nullptr; }
+    void STDMETHODCALLTYPE Free(void* p) override { freed.push_back(p); }
+    SIZE_T STDMETHODCALLTYPE GetSize(void*) override { return 0; }
+    int STDMETHODCALLTYPE DidAlloc(void*) override { return -1; }
+    void STDMETHODCALLTYPE HeapMinimize() override {}
+};
+CountingMalloc* pCounting = nullptr;
+HRESULT WINAPI GiveCounting(LPMALLOC* pp) {
+    ++pCounting->nAskedFor;
+    pCounting->AddRef();
+    *pp = pCounting;
+    return S_OK;
+}
+HRESULT WINAPI GiveNothing(LPMALLOC* pp) {
+    *pp = nullptr;
+    return E_FAIL;
+}
+
+/// The shell's allocator is the test's own, and the platform's again at the end.
+class ShellMallocCalls : public testing::Test {
+  protected:
+    ShellMallocCalls() {
+        ReleaseShellMalloc();
+        pCounting = &counting;
+    }
+    ~ShellMallocCalls() override { ReleaseShellMalloc(); }
+    CountingMalloc counting;
+    ReplaceImport replaced{__imp_SHGetMalloc, &GiveCounting};
+};
+
+TEST_F(ShellMallocCalls, IsAskedForOnceAndGivenBackOnce) {
+    EXPECT_EQ(&counting, GetShellMalloc());
+    EXPECT_EQ(&counting, GetShellMalloc());
+    EXPECT_EQ(1, counting.nAskedFor.load());
+    EXPECT_EQ(1, counting.nReferences);
+    ReleaseShellMalloc();
+    EXPECT_EQ(0, counting.nReferences);
+    ReleaseShellMalloc();
+    EXPECT_EQ(0, counting.nReferences);
+    EXPECT_EQ(&counting, GetShellMalloc());
+    EXPECT_EQ(2, counting.nAskedFor.load());
+}
+
+TEST_F(ShellMallocCalls, FreeIsTheAllocators) {
+    int nBlock = 0;
+    ShellFree(&nBlock);
+    EXPECT_EQ(std::vector<void*>{&nBlock}, counting.freed);
+    ShellFree(nullptr);
+    EXPECT_EQ(1u, counting.freed.size());
+}
+
+TEST_F(ShellMallocCalls, WithoutOneNothingIsFreed) {
+    ReplaceImport none(__imp_SHGetMalloc, &GiveNothing);
+    int nBlock = 0;
+    EXPECT_EQ(nullptr, GetShellMalloc());
+    ShellFree(&nBlock);
+    EXPECT_TRUE(counting.freed.empty());
+}
+
+TEST_F(ShellMallocCalls, ThreadsAtOnceHoldOneReference) {
+    for (int nRound = 0; nRound < 20; ++nRound) {
+        std::vector<std::thread> threads;
+        for (int n = 0; n < 4; ++n) threads.emplace_back([] { GetShellMalloc(); });
+        for (auto& thread : threads) thread.join();
+        EXPECT_EQ(1, counting.nReferences);
+        ReleaseShellMalloc();
+        EXPECT_EQ(0, counting.nReferences);
+    }
 }
 
 TEST(ShellMalloc, ThreadsGetTheSameOne) {

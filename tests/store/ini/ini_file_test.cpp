@@ -2,6 +2,7 @@
 #include "runtime/text/str_copy.h"
 #include "store/ini/ini_file.h"
 #include "support/guard_page.h"
+#include "support/registry.h"
 #include "support/replace_import.h"
 #include "support/temp_folder.h"
 
@@ -500,6 +501,19 @@ TEST_F(IniFileWrite, FullDiskGivesOne) {
     EXPECT_EQ(1, Writer(strFull.c_str()).WriteData());
 }
 
+TEST_F(IniFileWrite, DiskThatFillsUpKeepsWhatFits) {
+    SmallDisk disk;
+    SKIP_WITHOUT_SMALL_DISK(disk);
+    std::wstring strOnDisk = disk.MakeFile(L"a.ini", "old");
+    ASSERT_TRUE(disk.Fill());
+    EXPECT_EQ(1, Writer(strOnDisk.c_str()).WriteData()); // its old cluster is room enough
+    std::string strWhole = disk.ReadFile(L"a.ini");
+    EXPECT_EQ("\xFF\xFE", strWhole.substr(0, 2));
+    EXPECT_GT(strWhole.size(), 2u);
+    EXPECT_EQ(1, Writer(disk.File(L"b.ini").c_str()).WriteData());
+    EXPECT_EQ("", disk.ReadFile(L"b.ini"));
+}
+
 TEST_F(IniFileWrite, MoreThanABlockCanHoldGivesZeroAndTouchesNothing) {
     struct Boaster : IniFile {
         using IniFile::IniFile;
@@ -547,8 +561,7 @@ class BootFileTest : public testing::Test {
         std::ofstream(std::filesystem::path(strPath)) << "x";
     }
     void SetFolder(const std::wstring& str, bool bTerminated = true) {
-        ::RegSetValueExW(hkey, L"BootDir", 0, REG_SZ, reinterpret_cast<const BYTE*>(str.c_str()),
-                         static_cast<DWORD>((str.size() + bTerminated) * sizeof(wchar_t)));
+        SetRegBytes(hkey, L"BootDir", REG_SZ, BytesOf(str, bTerminated));
     }
     /// The path found; empty if none.
     std::wstring Find(const wchar_t* pszName) {

@@ -31,8 +31,8 @@ class RegKeyWrite : public RegKeyOpen {
 class NoWrite {
   public:
     explicit NoWrite(TestKey& keyToWatch) : raw(keyToWatch), qwBefore(raw.LastWrite()) {
-        DWORD dwEnd = ::GetTickCount() + 5000;
-        for (FILETIME ft{}; ::GetTickCount() < dwEnd; ::Sleep(1)) {
+        DWORD dwStart = ::GetTickCount();
+        for (FILETIME ft{}; ::GetTickCount() - dwStart < 5000; ::Sleep(1)) {
             ::GetSystemTimeAsFileTime(&ft);
             unsigned long long qw = static_cast<unsigned long long>(ft.dwHighDateTime) << 32;
             if ((qw | ft.dwLowDateTime) > qwBefore) break;
@@ -460,10 +460,13 @@ TEST_F(RegKeyWrite, DwordIsWrittenAsFourBytes) {
 TEST_F(RegKeyWrite, EqualDwordIsNotWrittenIfCompared) {
     raw.PutDword(L"n", 5);
     raw.Put(L"bin", REG_BINARY, {5, 0, 0, 0});
+    raw.Put(L"ones", REG_BINARY, {255, 255, 255, 255});
     NoWrite watch(raw);
     EXPECT_EQ(1, key.PutDword(L"n", 5, 1));
     EXPECT_EQ(1, key.PutInt(L"n", 5));
     EXPECT_EQ(1, key.PutDword(L"bin", 5, 1));
+    EXPECT_EQ(1, key.PutInt(L"bin", 5));
+    EXPECT_EQ(1, key.PutInt(L"ones", -1));
     EXPECT_TRUE(watch.Holds());
     EXPECT_EQ(1, key.PutDword(L"bin", 5, 0));
     EXPECT_FALSE(watch.Holds());
@@ -485,13 +488,20 @@ TEST_F(RegKeyWrite, EqualStrIsNotWrittenIfCompared) {
     raw.PutStr(L"long", strLong);
     raw.Put(L"open", REG_SZ, BytesOf(L"ab", false));
     raw.Put(L"bin", REG_BINARY, BytesOf(L"Text"));
+    raw.Put(L"empty bin", REG_BINARY, BytesOf(L""));
+    raw.Put(L"long bin", REG_BINARY, BytesOf(strLong));
+    raw.Put(L"open bin", REG_BINARY, BytesOf(L"ab", false));
     NoWrite watch(raw);
     EXPECT_EQ(1, key.PutStr(L"s", L"Text", 1));
     EXPECT_EQ(1, key.PutStr(L"e", L"", 1));
     EXPECT_EQ(1, key.PutStr(L"long", strLong.c_str(), 1));
     EXPECT_EQ(1, key.PutStr(L"open", L"ab", 1));
     EXPECT_EQ(1, key.PutStr(L"bin", L"Text", 1)); // the type is not compared
+    EXPECT_EQ(1, key.PutStr(L"empty bin", L"", 1));
+    EXPECT_EQ(1, key.PutStr(L"long bin", strLong.c_str(), 1));
+    EXPECT_EQ(1, key.PutStr(L"open bin", L"ab", 1));
     EXPECT_EQ(1, key.PutStrOrDelEmpty(L"s", L"Text", 1));
+    EXPECT_EQ(1, key.PutStrOrDelEmpty(L"bin", L"Text", 1));
     EXPECT_TRUE(watch.Holds());
     EXPECT_EQ(1, key.PutStr(L"bin", L"Text", 0));
     EXPECT_FALSE(watch.Holds());

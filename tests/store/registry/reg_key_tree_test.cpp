@@ -37,6 +37,7 @@ class RegKeyTree : public testing::Test {
             std::wstring strName = L"type " + std::to_wstring(dwType);
             raw.Put(strName, dwType, BytesOf(strName), strBelow);
             raw.Put(strName + L" odd", dwType, {0, 0xFF, 0}, strBelow);
+            raw.Put(strName + L" open", dwType, BytesOf(strName, false), strBelow);
         }
     }
 };
