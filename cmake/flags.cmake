@@ -9,12 +9,13 @@ target_compile_options(tessaly_flags INTERFACE
     -fno-delete-null-pointer-checks -Wno-nonnull-compare)
 target_include_directories(tessaly_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 
-# What ships: no exceptions, no RTTI, no guards of the C++ runtime around local statics. Only what is
-# declared inline, small or called once is inlined: more makes the library 5% larger and nothing faster.
+# What ships: no exceptions, no RTTI, no guards of the C++ runtime around local statics. Small before
+# fast, but for the sources that src/CMakeLists.txt names: most of the rest waits for the platform.
+# Only what is declared inline, small or called once is inlined: more makes nothing faster.
 add_library(tessaly_product_flags INTERFACE)
 target_link_libraries(tessaly_product_flags INTERFACE tessaly_flags)
 target_compile_options(tessaly_product_flags INTERFACE
-    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-inline-functions
+    -fno-exceptions -fno-rtti -fno-threadsafe-statics -Os -fno-inline-functions
     # (A section for each datum would take zero buffers out of .bss: the file would hold their zeros.)
     -ffunction-sections)
 
