@@ -9,12 +9,14 @@ target_compile_options(tessaly_flags INTERFACE
     -fno-delete-null-pointer-checks -Wno-nonnull-compare)
 target_include_directories(tessaly_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 
-# What ships: no exceptions, no RTTI, no guards of the C++ runtime around local statics. Only what is
-# declared inline, small or called once is inlined: more makes the library 5% larger and nothing faster.
+# What ships: no exceptions, no RTTI, no guards of the C++ runtime around local statics. Small before
+# fast, but for the sources that src/CMakeLists.txt names: most of the rest waits for the platform.
+# Only what is declared inline, small or called once is inlined: more makes nothing faster.
 add_library(tessaly_product_flags INTERFACE)
 target_link_libraries(tessaly_product_flags INTERFACE tessaly_flags)
 target_compile_options(tessaly_product_flags INTERFACE
-    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-inline-functions
+    -fno-exceptions -fno-rtti -fno-threadsafe-statics -Os -fno-inline-functions
+    -fstack-protector-strong # runtime/base/stack_guard.cpp
     # (A section for each datum would take zero buffers out of .bss: the file would hold their zeros.)
     -ffunction-sections)
 
@@ -30,11 +32,24 @@ target_link_options(tessaly_image_flags INTERFACE
     -static -static-libgcc -s
     -Wl,--gc-sections -Wl,--major-os-version,5 -Wl,--minor-os-version,2
     -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+# Makes read-only what only the loader writes: the functions that run at start and end (.CRT), and with
+# IMPORTS the addresses of imports; a program with delayed imports writes those itself. GNU's tools
+# insist that a section ".idata" can be written; by another name it is found as well.
+function(tessaly_protect_image target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "IMPORTS" "" "")
+    set(read_only contents,alloc,load,readonly,data)
+    set(renaming "")
+    if(arg_IMPORTS)
+        set(renaming --rename-section .idata=.imports,${read_only})
+    endif()
+    add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_OBJCOPY} --set-section-flags .CRT=${read_only} ${renaming} $<TARGET_FILE:${target}>
+        VERBATIM)
+endfunction()
 
 # Undefined behaviour ends a checked program with an illegal instruction. Null objects are left
 # out: calling some members on them is defined here.
 add_library(tessaly_checked_flags INTERFACE)
 target_compile_options(tessaly_checked_flags INTERFACE
     -fsanitize=undefined -fsanitize-undefined-trap-on-error
-    -fno-sanitize=vptr,null,nonnull-attribute,returns-nonnull-attribute
-    -fstack-protector-strong)
+    -fno-sanitize=vptr,null,nonnull-attribute,returns-nonnull-attribute)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws src/resources/tessaly.ico anew from the SVGs beside it. The result is kept in the tree, since
-# a build on Windows has no such tools. Needs rsvg-convert (librsvg2-bin) and icotool (icoutils).
+# Draws src/resources/tessaly.ico and tessaly_small.ico, the library's, anew from the SVGs beside them.
+# The results are kept in the tree, since a build on Windows has no such tools. Needs rsvg-convert (librsvg2-bin) and icotool (icoutils).
 set -eu
 cd "$(dirname "$0")/../src/resources"
 pngs=$(mktemp -d)
@@ -15,3 +15,4 @@ for size in 32 48 64 128 256; do
 done
 # Windows XP reads no PNG inside an icon: only the largest, which it does not use, is one.
 icotool -c -b 32 -o tessaly.ico "$pngs"/{16,20,24,32,48,64,128}.png --raw="$pngs/256.png"
+icotool -c -b 32 -o tessaly_small.ico "$pngs"/{16,20,24,32,48,64}.png

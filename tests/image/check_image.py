@@ -15,7 +15,14 @@ SCN_EXECUTE, SCN_WRITE, SCN_READ, SCN_SHARED = 0x20000000, 0x80000000, 0x4000000
 DYNAMIC_BASE, NX_COMPAT, HIGH_ENTROPY_VA = 0x40, 0x100, 0x20
 VERSION = (1, 1, 0, 2409)
 ICON_ID = 101
-ICON_SIZES = [16, 20, 24, 32, 48, 64, 128, 256]
+# The library shows no larger picture than 64 pixels; the shell shows the program's in every size.
+ICON_SIZES = {"TSDLL64.dll": [16, 20, 24, 32, 48, 64], "TSEXE64.exe": [16, 20, 24, 32, 48, 64, 128, 256]}
+LIBRARY_LIMIT = 400_000
+# What __stack_chk_fail begins with (src/runtime/base/stack_guard.cpp): mov ecx, 2; int 0x29; ud2.
+STACK_CHECK_FAILS = bytes.fromhex("b902000000cd290f0b")
+# Functions with buffers in their frames that an image has at least; half of what they were once.
+GUARDED_FUNCTIONS = {"TSDLL64.dll": 150, "TSEXE64.exe": 3}
+IMPORT_ADDRESSES = 12 # the directory of the addresses that the loader writes
 SUPPORTED_SYSTEMS = {
     "Vista": "e2011457-1546-43c5-a5fe-008deee3d3f0",
     "7": "35138b9a-5d96-4fbd-8e2d-a2440225f93a",
@@ -63,6 +70,20 @@ class Image:
             if start <= rva < start + size:
                 return rva - start + raw_at
         raise ValueError(f"address {rva:#x} lies in no section")
+
+    def section_at(self, rva):
+        """(name, address, bytes, characteristics) of the section in which the address lies."""
+        for name, start, size, raw_at, flags in self.sections:
+            if start <= rva < start + size:
+                return name, start, self.data[raw_at : raw_at + size], flags
+        raise ValueError(f"address {rva:#x} lies in no section")
+
+    def section(self, name):
+        """The same of the section of that name."""
+        return self.section_at(next((s[1] for s in self.sections if s[0] == name), 0))
+
+    def base(self):
+        return struct.unpack_from("<Q", self.data, self.optional + 24)[0]
 
     def text(self, rva):
         at = self.offset(rva)
@@ -156,6 +177,52 @@ def check_imports(report, name, image, allowed):
     report.check(f"{name} imports only what is allowed", not foreign, "; ".join(foreign))
 
 
+def check_read_only(report, name, image, directories):
+    """What only the loader writes can be read alone once it has."""
+    for what, section in [("functions for start and end", image.section(".CRT"))] + [
+        (what, image.section_at(image.directory(index)[0])) for index, what in directories
+    ]:
+        report.check(f"{name} cannot write its {what}", not section[3] & SCN_WRITE, section[0])
+
+
+def find_relative(code, address, pattern):
+    """(where the instruction begins, what it means) of each that matches the pattern, which ends before
+    the four bytes of a distance, counted from the instruction's end."""
+    # (A look-ahead: a match may begin inside of one that is none.)
+    for match in re.finditer(rb"(?=(" + pattern + rb")(.{4}))", code, re.DOTALL):
+        end = address + match.end(2)
+        yield address + match.start(), end + struct.unpack("<i", match[2])[0]
+
+
+def check_stack_guard(report, name, image):
+    """Functions compare the guard and call our handler, and one that runs at the start sets the guard."""
+    _, at, code, _ = image.section(".text")
+    handler = code.find(STACK_CHECK_FAILS)
+    calls = [to for _, to in find_relative(code, at, rb"\xe8") if handler >= 0 and to == at + handler]
+    least = GUARDED_FUNCTIONS[name]
+    report.check(f"{name} has {least} functions or more with a stack guard", len(calls) >= least, str(len(calls)))
+
+    _, _, starts, _ = image.section(".CRT")
+    base, guards = image.base(), {}
+    for (start,) in struct.iter_unpack("<Q", starts[: len(starts) // 8 * 8]):
+        if not at <= start - base < at + len(code):
+            continue
+        body = code[start - base - at :].split(b"\xc3\x90", 1)[0] # up to its return and the gap
+        counter = b"\x0f\x31" in body # rdtsc
+        for _, word in find_relative(body, start - base, rb"\x48\x89\x05"): # mov [word], rax
+            guards[word] = counter
+    # The other sources reach the guard through its address, which lies in a word of its own.
+    constants = image.section(".rdata")
+    loads = {}
+    for _, slot in find_relative(code, at, rb"[\x48\x4c]\x8b[\x05\x0d\x15\x1d\x25\x2d\x35\x3d]"):
+        inside = slot - constants[1]
+        if 0 <= inside <= len(constants[2]) - 8:
+            word = struct.unpack_from("<Q", constants[2], inside)[0] - base
+            loads[word] = loads.get(word, 0) + 1
+    used = max((loads.get(word, 0) for word, counter in guards.items() if counter), default=0)
+    report.check(f"{name} sets at its start the guard that they compare", used >= least, str(used))
+
+
 def check_version(report, name, image):
     data = image.resources(RT_VERSION).get(1, b"")
     at = data.find(struct.pack("<I", 0xFEEF04BD))
@@ -185,10 +252,13 @@ def check_icon(report, name, image):
         is_png = parts.get(part, b"")[:8] == b"\x89PNG\r\n\x1a\n"
         # XP reads no PNG inside an icon; of 256 pixels it asks for none.
         report.check(f"{name}'s icon of {width or 256} pixels is whole", good and is_png == (width == 0))
-    report.check(f"{name}'s icon has all sizes", sorted(sizes) == ICON_SIZES, str(sizes))
+    report.check(f"{name}'s icon has all sizes", sorted(sizes) == ICON_SIZES[name], str(sizes))
 
 
 def check_library(report, image):
+    check_read_only(report, "TSDLL64.dll", image, [(IMPORT_ADDRESSES, "imports' addresses")])
+    report.check(f"TSDLL64.dll has at most {LIBRARY_LIMIT:,} bytes", len(image.data) <= LIBRARY_LIMIT,
+                 f"{len(image.data):,}")
     exports = image.exports()
     for function in ("DoMonitor", "CalcMD5", "SHA1_Init", "SHA1_Update", "SHA1_Final", "SHA1_Calc"):
         report.check(f"TSDLL64.dll exports {function} under its plain name", function in exports)
@@ -201,6 +271,8 @@ def check_library(report, image):
 
 
 def check_program(report, image):
+    # Its delayed imports are written when they are first called, and lie beside the others.
+    check_read_only(report, "TSEXE64.exe", image, [])
     report.check("TSEXE64.exe is a window program", image.subsystem == 2, str(image.subsystem))
     shared = [s[0] for s in image.sections if s[4] & SCN_SHARED]
     report.check("TSEXE64.exe shares no section", not shared, str(shared))
@@ -235,6 +307,7 @@ def main():
             image = Image(folder / name)
             check_header(report, name, image)
             check_imports(report, name, image, allowed)
+            check_stack_guard(report, name, image)
             check_version(report, name, image)
             check_icon(report, name, image)
             check_own(report, image)
