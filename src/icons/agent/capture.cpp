@@ -1,11 +1,8 @@
 #include "icons/agent/capture.h"
-#include "runtime/base/ownership.h"
 
 #include <commctrl.h>
 #include <cstring>
 #include <cwchar>
-#include <new>
-#include <span>
 
 namespace {
 constexpr unsigned kCchIconText = 260; // longer texts are cut by the list view, terminator included
@@ -19,33 +16,25 @@ unsigned GetItemCount(HWND hwndListView) {
 unsigned MeasureText(const wchar_t* psz) {
     return static_cast<unsigned>(wcsnlen(psz, kCchIconText - 1));
 }
-
-/// Zeroed, so that a record that is never filled matches no icon. Null when out of memory.
-IconRecord* AllocateRecords(unsigned nCount) { return new (std::nothrow) IconRecord[nCount](); }
-
-/// The records that have not yet served an item. Those at the front that have are skipped for
-/// good: a restore of an unchanged order then looks at each once.
-class RecordMatcher {
-  public:
-    explicit RecordMatcher(std::span<IconRecord> recordsStored) : records(recordsStored) {}
-
-    /// The first record of that name, null if there is none. It serves no second item.
-    const POINT* Take(unsigned __int64 qwNameKey) {
-        while (nServed < records.size() && records[nServed].qwNameKey == kServed) ++nServed;
-        for (IconRecord& record : records.subspan(nServed)) {
-            if (record.qwNameKey != qwNameKey || qwNameKey == kServed) continue;
-            record.qwNameKey = kServed;
-            return &record.pt;
-        }
-        return nullptr;
-    }
-
-  private:
-    static constexpr unsigned __int64 kServed = 0;
-    std::span<IconRecord> records;
-    std::size_t nServed = 0;
-};
 } // namespace
+
+unsigned __int64 MakeIconKey(const wchar_t* pszText, unsigned* pcchTaken) {
+    unsigned cch = MeasureText(pszText);
+    if (pcchTaken) *pcchTaken = cch;
+    return MakeNameKey(pszText, cch);
+}
+
+const POINT* RecordMatcher::Take(unsigned __int64 qwNameKey) {
+    // Those at the front that have served are skipped for good: a restore of an unchanged order
+    // then looks at each once.
+    while (nServed < records.size() && records[nServed].qwNameKey == kServed) ++nServed;
+    for (IconRecord& record : records.subspan(nServed)) {
+        if (record.qwNameKey != qwNameKey || qwNameKey == kServed) continue;
+        record.qwNameKey = kServed;
+        return &record.pt;
+    }
+    return nullptr;
+}
 
 unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) {
     if (nCount == 0) return GetItemCount(hwndListView);
@@ -65,8 +54,7 @@ unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) 
         szText[kCchIconText - 1] = 0;
         const wchar_t* pszText =
             item.pszText && item.pszText != LPSTR_TEXTCALLBACKW ? item.pszText : szText;
-        record.cchName = MeasureText(pszText);
-        record.qwNameKey = MakeNameKey(pszText, record.cchName);
+        record.qwNameKey = MakeIconKey(pszText, &record.cchName);
     }
     return nCount;
 }
@@ -74,34 +62,37 @@ unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) 
 void SendCapture(HWND hwndListView, HWND hwndMonitor, HWND hwndSender) {
     unsigned nCount = CaptureIcons(hwndListView, nullptr, 0);
     if (nCount == 0 || nCount > kMaxCapturedIcons) return;
-    IconRecord* pRecords = AllocateRecords(nCount);
-    if (!pRecords) return;
-    ScopeExit release([&] { delete[] pRecords; });
-    CaptureIcons(hwndListView, pRecords, nCount);
-    COPYDATASTRUCT data{nCount, static_cast<DWORD>(nCount * sizeof(IconRecord)), pRecords};
+    HeapArray<IconRecord> records(nCount);
+    if (!records.IsReady()) return;
+    CaptureIcons(hwndListView, records.Get(), nCount);
+    COPYDATASTRUCT data{nCount, static_cast<DWORD>(records.GetByteCount()), records.Get()};
     ::SendMessageW(hwndMonitor, WM_COPYDATA, reinterpret_cast<WPARAM>(hwndSender),
                    reinterpret_cast<LPARAM>(&data));
 }
 
-void RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
+HeapArray<IconRecord> RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
     // Any program can send this. Dividing first keeps a huge count from wrapping round.
-    if (data.dwData > data.cbData / sizeof(IconRecord)) return;
-    if (data.dwData * sizeof(IconRecord) != data.cbData || !data.lpData) return;
-    unsigned nStored = static_cast<unsigned>(data.dwData);
+    if (data.dwData > data.cbData / sizeof(IconRecord)) return {};
+    if (data.dwData * sizeof(IconRecord) != data.cbData || !data.lpData) return {};
     unsigned nItems = CaptureIcons(hwndListView, nullptr, 0);
-    if (nItems == 0 || nStored == 0) return;
-    IconRecord* pItems = AllocateRecords(nItems);
-    ScopeExit releaseItems([&] { delete[] pItems; });
-    IconRecord* pStored = AllocateRecords(nStored); // the sender's data are not ours to write to
-    ScopeExit releaseStored([&] { delete[] pStored; });
-    if (!pItems || !pStored) return;
+    if (nItems == 0 || data.dwData == 0) return {};
+    // Zeroed, so that a record that is never filled matches no icon.
+    HeapArray<IconRecord> items(nItems);
+    HeapArray<IconRecord> stored(data.dwData); // the sender's data are not ours to write to
+    if (!items.IsReady() || !stored.IsReady()) return {};
 
-    std::memcpy(pStored, data.lpData, data.cbData); // it need not be aligned
-    CaptureIcons(hwndListView, pItems, nItems);     // for the names as they are now
-    RecordMatcher matcher({pStored, nStored});
+    std::memcpy(stored.Get(), data.lpData, data.cbData); // it need not be aligned
+    CaptureIcons(hwndListView, items.Get(), nItems);     // for the names as they are now
+    RecordMatcher matcher({stored.Get(), stored.GetCount()});
+    unsigned nMoved = 0;
     for (unsigned i = 0; i < nItems; ++i) {
-        const POINT* ppt = matcher.Take(pItems[i].qwNameKey);
+        const POINT* ppt = matcher.Take(items[i].qwNameKey);
         if (!ppt) continue;
         ::SendMessageW(hwndListView, LVM_SETITEMPOSITION32, i, reinterpret_cast<LPARAM>(ppt));
+        items[nMoved] = items[i];
+        items[nMoved++].pt = *ppt;
     }
+    HeapArray<IconRecord> moved(nMoved);
+    if (moved.IsReady()) std::memcpy(moved.Get(), items.Get(), moved.GetByteCount());
+    return moved;
 }

@@ -1,27 +1,9 @@
-// The monitor's half of a restore: the question, the data for the shell side, the mark.
+// The monitor's half of a restore: the data for the shell side, the mark.
 
 #include "icons/agent/desktop_shared_data.h"
+#include "icons/snapshots/auto_arrange.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "runtime/base/cs_buf.h"
-#include "runtime/messages/msg.h"
-
-#include <commctrl.h> // LVS_AUTOARRANGE
-
-namespace {
-constexpr const wchar_t* kAutoArrangeQuestion =
-    L"Your Desktop is currently set to auto arrange the icons. In order to restore the icons, the "
-    L"auto arrange option needs to be cleared.\n\nOK to clear this option? (If you select No, the "
-    L"icons will NOT be restored.)";
-
-/// 1 if the list view leaves its icons where they are put, after the user's yes if need be.
-int ClearAutoArrange(HWND hwndListView) {
-    LONG_PTR dwStyle = ::GetWindowLongPtrW(hwndListView, GWL_STYLE);
-    if (!(dwStyle & LVS_AUTOARRANGE)) return 1;
-    if (Msg(nullptr, MB_YESNO | MB_ICONEXCLAMATION, kAutoArrangeQuestion) != IDYES) return 0;
-    ::SetWindowLongPtrW(hwndListView, GWL_STYLE, dwStyle & ~static_cast<LONG_PTR>(LVS_AUTOARRANGE));
-    return 1;
-}
-} // namespace
 
 void RestoreSnapshot(unsigned __int64 qwTime) {
     HWND hwndListView = desktopSharedData.hwndListView;

@@ -9,13 +9,6 @@
 #include <cstring>
 
 namespace {
-template <class Interface>
-void ReleaseInterface(Interface* p) {
-    p->Release();
-}
-template <class Interface>
-using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
-
 constexpr WORD kBitCount = 32;
 constexpr unsigned kBytesPerPixel = kBitCount / 8;
 
