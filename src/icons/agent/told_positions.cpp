@@ -72,8 +72,8 @@ void FindItems(IFolderView* pView, HeapArray<IconRecord>& moved, ItemPlaces& pla
 } // namespace
 
 bool ToldPositions::Keep(HWND hwndMovedIn, HeapArray<IconRecord> recordsMoved) {
-    Drop();
     if (!recordsMoved.IsReady() || !IsFolderViewInCharge()) return false;
+    ++nChanges;
     hwndListView = hwndMovedIn;
     moved = std::move(recordsMoved);
     return true;
@@ -101,10 +101,13 @@ void ToldPositions::TellOnce() {
     OwnedInterface<IFolderView> view = FindDesktopFolderView(::GetParent(hwndListView));
     HeapArray<IconRecord> telling = std::move(moved);
     if (!view || !telling.IsReady()) return;
+    HWND hwndTellingOf = hwndListView;
     unsigned nChangesBefore = nChanges;
     ItemPlaces places(telling.GetCount());
     if (!places.IsReady()) return;
     FindItems(view.Get(), telling, places);
     if (places.IsEmpty() || nChanges != nChangesBefore) return;
+    // The end of a window whose message is being handled is dealt with after that message.
+    if (!::IsWindow(hwndTellingOf)) return;
     places.PutInto(view.Get());
 }

@@ -17,9 +17,9 @@ class ToldPositions {
     ToldPositions(const ToldPositions&) = delete; // owns the records
     ToldPositions& operator=(const ToldPositions&) = delete;
 
-    /// Takes what a restore moved, in the list view's order, in place of what was kept before. True
-    /// if there is now something to tell; false if nothing was moved or this Windows needs no
-    /// telling.
+    /// Takes what a restore moved, in the list view's order, in place of what was kept before, and
+    /// returns true. False, without a change, if nothing was moved (recordsMoved is not ready) or
+    /// this Windows needs no telling.
     [[nodiscard]] bool Keep(HWND hwndMovedIn, HeapArray<IconRecord> recordsMoved);
     /// Forgets it: the agent leaves the list view, or the list view has gone.
     void Drop();
