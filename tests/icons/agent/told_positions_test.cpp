@@ -261,7 +261,10 @@ INSTANTIATE_TEST_SUITE_P(Steps, ToldPositionsMeanwhile,
 
 TEST_F(ToldPositionsTest, RestoreDuringThePositioningIsToldAfterIt) {
     SetNames({L"a", L"b"});
-    shell->onStep[Step::Position] = [&] { SendRestore({{L"b", {2, 2}}}); };
+    shell->onStep[Step::Position] = [&] {
+        SendRestore({{L"b", {2, 2}}});
+        PumpAll(); // its own code comes while the telling is on, and is made up for
+    };
     Restore({{L"a", {1, 1}}});
     ExpectTold({{{L"a", {1, 1}}}, {{L"b", {2, 2}}}});
 }
