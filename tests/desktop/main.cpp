@@ -99,9 +99,9 @@ void CreateDesktop(Desktop& desktop) {
     if (desktop.strMode == L"workerw") {
         desktop.hwndHost = CreateHost(L"WorkerW", desktop.hwndProgman);
     }
-    if (desktop.strMode == L"inside") CreateWallpaperWindow(desktop.hwndProgman);
     bool bReal = desktop.strMode == L"real";
     desktop.view = bReal ? CreateShellView(desktop.hwndHost) : CreatePlainView(desktop.hwndHost);
+    if (desktop.strMode == L"inside") CreateWallpaperWindow(desktop.hwndProgman);
     InstallDragging(desktop.view->View(), desktop.view->List(),
                     bReal ? DragSource::PlatformView : DragSource::PlainView);
     if (!CreateCommandWindow(desktop)) throw std::runtime_error("no command window");

@@ -160,7 +160,9 @@ TEST(AutoArrangeBefore1809, DoesNotLookAtTheFolderView) {
         FakeBuild build(dwBuild);
         FakeFolderView shell(view.wndView);
         shell.dwFlags = kFlags;
+        MessageBoxDriver driverOff({IDNO});
         EXPECT_TRUE(ClearAutoArrange(view.hwndListView));
+        EXPECT_TRUE(driverOff.Finish().empty());
         ::SetWindowLongPtrW(view.hwndListView, GWL_STYLE,
                             ::GetWindowLongPtrW(view.hwndListView, GWL_STYLE) | kStyle);
         MessageBoxDriver driver({IDYES});
