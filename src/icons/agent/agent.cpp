@@ -113,6 +113,7 @@ void AgentWnd::DetachFrom() {
     AgentFrame frame;
     CommonUnsubclass();
     bAttached = false;
+    OnDetached();
 }
 
 void AgentWnd::OnPostNcDestroy() {
@@ -126,9 +127,16 @@ LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         DetachFrom();
         return 0;
     }
+    // Anybody can post or send this: without a restore before it, or within a message that was
+    // sent, where COM refuses the calls, it is one code of many.
+    if (IsEngineCode(uMsg, wParam, kCodeTellFolderView) && toldPositions.IsPendingFor(hWnd) &&
+        !::InSendMessage()) {
+        toldPositions.TellFolderView();
+        return 0; // the window may have gone meanwhile
+    }
     switch (uMsg) {
     case WM_COPYDATA:
-        if (lParam) RestoreFrom(hWnd, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+        if (lParam) OnRestore(*reinterpret_cast<const COPYDATASTRUCT*>(lParam));
         break;
     case WM_MOUSEMOVE:
         // The drag's own loop keeps the mouse: the first movement that comes here is after the
@@ -139,6 +147,13 @@ LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         break;
     }
     return CSWnd::OnWndMessage(uMsg, wParam, lParam);
+}
+
+void MySysLVWnd::OnRestore(const COPYDATASTRUCT& data) {
+    if (!toldPositions.Keep(hWnd, RestoreFrom(hWnd, data))) return;
+    UINT uCompanyMsg = static_cast<UINT>(desktopSharedData.nCompanyMsg);
+    if (uCompanyMsg && ::PostMessageW(hWnd, uCompanyMsg, kCodeTellFolderView, 0)) return;
+    toldPositions.Drop(); // nothing would ask for it
 }
 
 LRESULT MyShellWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {

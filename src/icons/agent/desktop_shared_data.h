@@ -14,6 +14,7 @@ constexpr WPARAM kCodeOpenMenu = 371;   // tray icon to monitor window: open the
 constexpr WPARAM kCodeCapture = 372;    // posted to the list view: capture now
 constexpr WPARAM kCodeAttach = 373;     // to list view and view; lParam 1: subclass, 0: undo it
 constexpr WPARAM kCodeIconsMoved = 374; // agent to monitor window: icons may have moved
+constexpr WPARAM kCodeTellFolderView = 375; // agent to its own list view: after a restore
 
 /// Lies in a section of the library whose pages every process that maps the library shares. All
 /// zero until a monitor runs. The monitor's thread alone writes it.
