@@ -3,9 +3,10 @@
 
 // The road between the monitor and the agent: putting the agent into the shell and taking it out,
 // and letting its messages through to the monitor window. Monitor's thread only; the desktop's
-// windows are those of desktopSharedData.
+// windows are those of GetDesktopSharedData.
 
 /// Sets the hook on the list view's thread and has it subclass both windows, unless a hook is set.
+/// Nothing if there is no room for this session's words.
 void InstallDesktopHook();
 /// Detaches both windows and then removes the hook, if one is set. Returns after the shell's
 /// windows are its own again.

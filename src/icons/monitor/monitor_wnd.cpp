@@ -38,7 +38,7 @@ constinit UINT uTaskbarCreated = 0;
 constinit bool RestartFlag = true; // the first round is one too
 
 /// Posted, because the hook sees only what passes through the queue of the list view's thread.
-void RequestCapture() { PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0); }
+void RequestCapture() { PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0); }
 } // namespace
 
 void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {

@@ -167,7 +167,7 @@ void DeleteAllSnapshots() {
 // The monitor's half of a restore: the data for the shell side, the mark.
 
 void RestoreSnapshot(unsigned __int64 qwTime) {
-    HWND hwndListView = desktopSharedData.hwndListView;
+    HWND hwndListView = GetDesktopSharedData().hwndListView;
     if (!ClearAutoArrange(hwndListView)) return;
     RegKey key;
     if (!OpenSnapshotKey(key, 1)) return;

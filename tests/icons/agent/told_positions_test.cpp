@@ -342,9 +342,9 @@ TEST_F(ToldPositionsTest, CodeThatAnotherThreadSendsDoesNotStartTheTelling) {
 
 TEST_F(ToldPositionsTest, WithoutTheCompanyMessageNothingIsKept) {
     SetNames({L"a"});
-    desktopSharedData.nCompanyMsg = 0;
+    GetDesktopSharedData().nCompanyMsg = 0;
     SendRestore({{L"a", {1, 1}}});
-    desktopSharedData.nCompanyMsg = GetTestCompanyMsg();
+    GetDesktopSharedData().nCompanyMsg = GetTestCompanyMsg();
     SendCode();
     EXPECT_EQ(0, shell->CountOf(Step::Create));
 }
@@ -468,9 +468,9 @@ TEST(ToldPositionsOfAShell, SenderOfTheRestoreDoesNotWait) {
     shell.onStep[Step::FindWindow] = [&] {
         bHeldUp = ::WaitForSingleObject(hGoOn, 10000) == WAIT_OBJECT_0;
     };
-    desktopSharedData.nCompanyMsg = GetTestCompanyMsg();
-    desktopSharedData.hwndListView = desktop.GetListView();
-    desktopSharedData.hwndView = desktop.GetView();
+    GetDesktopSharedData().nCompanyMsg = GetTestCompanyMsg();
+    GetDesktopSharedData().hwndListView = desktop.GetListView();
+    GetDesktopSharedData().hwndView = desktop.GetView();
     auto hook = [&](LPARAM lAttach) {
         MSG msg{};
         msg.message = GetTestCompanyMsg();
@@ -493,6 +493,6 @@ TEST(ToldPositionsOfAShell, SenderOfTheRestoreDoesNotWait) {
     EXPECT_EQ((std::vector<Places>{{{L"a", {5, 5}}}}), shell.placements);
     desktop.End();
     ::CloseHandle(hGoOn);
-    desktopSharedData = {};
+    GetDesktopSharedData() = {};
 }
 } // namespace

@@ -18,7 +18,7 @@ class DesktopHook : public EngineTest {
         Share(view, nullptr);
     }
     void TearDown() override {
-        if (desktopSharedData.hhook == kBogusHook) desktopSharedData.hhook = nullptr;
+        if (GetDesktopSharedData().hhook == kBogusHook) GetDesktopSharedData().hhook = nullptr;
         RemoveDesktopHook();
         EngineTest::TearDown();
     }
@@ -28,7 +28,7 @@ class DesktopHook : public EngineTest {
 
 TEST_F(DesktopHook, InstallSetsAHookAndAttachesByThePostedCode) {
     InstallDesktopHook();
-    EXPECT_NE(nullptr, desktopSharedData.hhook);
+    EXPECT_NE(nullptr, GetDesktopSharedData().hhook);
     EXPECT_FALSE(AgentListView().IsAttached()); // the code is still in the queue
     auto sent = view.spyView.GetCode(kCodeAttach);
     ASSERT_EQ(1u, sent.size()); // the view got it at once
@@ -42,19 +42,19 @@ TEST_F(DesktopHook, InstallSetsAHookAndAttachesByThePostedCode) {
 }
 
 TEST_F(DesktopHook, InstallDoesNothingWhileAHookIsSet) {
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hhook = kBogusHook;
     InstallDesktopHook();
     PumpAll();
-    EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
     EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeAttach));
     EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
 }
 
 TEST_F(DesktopHook, InstallTwiceSetsOneHook) {
     InstallDesktopHook();
-    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hhook = GetDesktopSharedData().hhook;
     InstallDesktopHook();
-    EXPECT_EQ(hhook, desktopSharedData.hhook);
+    EXPECT_EQ(hhook, GetDesktopSharedData().hhook);
     PumpAll();
     EXPECT_EQ(1, view.spyListView.CountOfCode(kCodeAttach));
 }
@@ -70,7 +70,7 @@ TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
     InstallDesktopHook();
     PumpAll();
     RemoveDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     EXPECT_FALSE(AgentListView().IsAttached());
     EXPECT_FALSE(AgentView().IsAttached());
     // No hook sees the thread's messages any more.
@@ -81,10 +81,10 @@ TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
 
 TEST_F(DesktopHook, RemoveDetachesTheListViewThenTheViewThenUnhooks) {
     InstallDesktopHook(); // nothing attached yet: the windows themselves see the codes
-    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hhook = GetDesktopSharedData().hhook;
     HHOOK hSeenByView = nullptr;
     view.spyView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
-        if (uMsg == GetTestCompanyMsg()) hSeenByView = desktopSharedData.hhook;
+        if (uMsg == GetTestCompanyMsg()) hSeenByView = GetDesktopSharedData().hhook;
         return 0;
     };
     view.spyView.Clear();
@@ -123,35 +123,35 @@ TEST_F(DesktopHook, RemoveWithoutAHookSendsNothing) {
 }
 
 TEST_F(DesktopHook, OfAMonitorThatHasGoneIsForgotten) {
-    desktopSharedData.hhook = kBogusHook;
-    desktopSharedData.hwndMonitor = nullptr;
+    GetDesktopSharedData().hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = nullptr;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 
     TestWindow wndGone;
-    desktopSharedData.hwndMonitor = wndGone;
+    GetDesktopSharedData().hwndMonitor = wndGone;
     wndGone.Destroy();
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 }
 
 TEST_F(DesktopHook, OfAHandleThatIsSomebodyElsesWindowNowIsForgotten) {
     TestWindow wndOther;
-    desktopSharedData.hwndMonitor = wndOther;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = wndOther;
+    GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 }
 
 TEST_F(DesktopHook, OfAMonitorThatLivesIsLeftAlone) {
     FakeFrontEnd frontEnd;
     MyMonitor_Wnd monitor(frontEnd);
     ASSERT_TRUE(monitor.CreateHidden(nullptr));
-    desktopSharedData.hwndMonitor = monitor;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = monitor;
+    GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
     monitor.Destroy();
 }
 
