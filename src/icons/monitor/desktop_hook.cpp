@@ -44,9 +44,12 @@ void InstallDesktopHook() {
     DesktopSharedData& shared = GetDesktopSharedData();
     if (shared.hhook) return;
     DWORD dwThread = ::GetWindowThreadProcessId(shared.hwndListView, nullptr);
-    // A hook that is refused is not reported: no capture comes then, and the monitor sits idle.
-    shared.hhook =
-        ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetLibraryInstance(), dwThread);
+    // A hook that is refused is not reported: no capture comes then, and the monitor sits idle. The
+    // same where the list view has gone: without a thread it would be a hook on all of them.
+    if (dwThread) {
+        shared.hhook =
+            ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetLibraryInstance(), dwThread);
+    }
     // Posted, because the hook sees only what passes through the thread's queue.
     // QUIRK: the view is sent the same, which has no effect: the hook attaches it too.
     // Test: AgentRoute.ASentAttachDoesNotAttach

@@ -6,7 +6,8 @@
 // windows are those of GetDesktopSharedData.
 
 /// Sets the hook on the list view's thread and has it subclass both windows, unless a hook is set.
-/// Nothing if there is no room for this session's words.
+/// No hook is set for a list view that has gone; nothing is done if there is no room for this
+/// session's words.
 void InstallDesktopHook();
 /// Detaches both windows and then removes the hook, if one is set. Returns after the shell's
 /// windows are its own again.

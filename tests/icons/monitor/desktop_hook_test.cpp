@@ -3,9 +3,12 @@
 #include "icons/icons_test_support.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/monitor_wnd.h"
+#include "support/replace_import.h"
 #include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
+
+extern "C" FARPROC __imp_SetWindowsHookExW;
 
 namespace {
 
@@ -64,6 +67,35 @@ TEST_F(DesktopHook, InstallSurvivesAWindowThatIsGone) {
     InstallDesktopHook();
     PumpAll();
     EXPECT_FALSE(AgentListView().IsAttached());
+}
+
+std::vector<DWORD> hookedThreads;
+
+HHOOK WINAPI NoteHook(int, HOOKPROC, HINSTANCE, DWORD dwThread) {
+    hookedThreads.push_back(dwThread);
+    return kBogusHook;
+}
+
+TEST_F(DesktopHook, IsForTheListViewsThread) {
+    ReplaceImport hook(__imp_SetWindowsHookExW, &NoteHook);
+    hookedThreads.clear();
+    InstallDesktopHook();
+    EXPECT_EQ(std::vector<DWORD>{::GetCurrentThreadId()}, hookedThreads);
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
+}
+
+// Thread 0 would be every thread of the desktop.
+TEST_F(DesktopHook, IsNotSetWhereTheListViewHasNoThread) {
+    ReplaceImport hook(__imp_SetWindowsHookExW, &NoteHook);
+    hookedThreads.clear();
+    HWND hwndGone = view.hwndListView;
+    ::DestroyWindow(hwndGone);
+    for (HWND hwnd : {hwndGone, static_cast<HWND>(nullptr)}) {
+        GetDesktopSharedData().hwndListView = hwnd;
+        InstallDesktopHook();
+        EXPECT_TRUE(hookedThreads.empty());
+        EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
+    }
 }
 
 TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
