@@ -2,16 +2,7 @@
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "runtime/base/current_product.h"
-#include "runtime/system/runtime_func.h"
 #include "wnd/core/company_msg.h"
-
-// winuser.h has these from Vista and Windows 7 on.
-#ifndef MSGFLT_ADD
-#define MSGFLT_ADD 1
-#endif
-#ifndef MSGFLT_ALLOW
-#define MSGFLT_ALLOW 1
-#endif
 
 namespace {
 constexpr LPARAM kAttach = 1, kDetach = 0;
@@ -23,19 +14,6 @@ bool IsMarked(HWND hwnd) { return ::GetPropW(hwnd, L"CSWND") != nullptr; }
 void SendDetach(const DesktopSharedData& shared) {
     SendMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
     SendMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
-}
-
-void LetIn(HWND hwnd, UINT uMsg) {
-    static constinit RuntimeFunc<BOOL WINAPI(HWND, UINT, DWORD, void*)> funcOfWindow(
-        L"user32.dll", "ChangeWindowMessageFilterEx");
-    static constinit RuntimeFunc<BOOL WINAPI(UINT, DWORD)> funcOfProcess(
-        L"user32.dll", "ChangeWindowMessageFilter");
-    if (!uMsg) return; // not registered
-    if (auto* pfn = funcOfWindow.Get()) {
-        pfn(hwnd, uMsg, MSGFLT_ALLOW, nullptr);
-    } else if (auto* pfnVista = funcOfProcess.Get()) {
-        pfnVista(uMsg, MSGFLT_ADD); // Vista knows no single windows
-    }
 }
 } // namespace
 
@@ -74,11 +52,4 @@ void RemoveDesktopHook() {
 void ForgetStaleDesktopHook() {
     DesktopSharedData& shared = GetDesktopSharedData();
     if (!IsMonitorWindow(shared.hwndMonitor)) shared.hhook = nullptr;
-}
-
-void LetShellMessagesIn(HWND hwnd, UINT uTaskbarCreatedMsg) {
-    // Anybody may send these from now on: their handlers trust nothing in them.
-    LetIn(hwnd, GetMyCompanyMsgId());
-    LetIn(hwnd, WM_COPYDATA);
-    LetIn(hwnd, uTaskbarCreatedMsg);
 }

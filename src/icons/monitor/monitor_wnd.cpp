@@ -3,6 +3,7 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/front_end.h"
+#include "icons/monitor/message_gate.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "runtime/system/system_facts.h"
 #include "runtime/system/wts_api32.h"

@@ -4,7 +4,6 @@
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "support/replace_import.h"
-#include "support/runtime_lookup.h"
 
 #include <gtest/gtest.h>
 
@@ -184,80 +183,6 @@ TEST_F(DesktopHook, OfAMonitorThatLivesIsLeftAlone) {
     GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
     EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
-    monitor.Destroy();
-}
-
-// What the shell may send
-
-struct LetInCall {
-    HWND hwnd; // null: for the whole process
-    UINT uMsg;
-    DWORD dwAction;
-    bool operator==(const LetInCall&) const = default;
-};
-
-std::vector<LetInCall> letIn;
-
-BOOL WINAPI FilterOfWindow(HWND hwnd, UINT uMsg, DWORD dwAction, void*) {
-    letIn.push_back({hwnd, uMsg, dwAction});
-    return TRUE;
-}
-
-BOOL WINAPI FilterOfProcess(UINT uMsg, DWORD dwAction) {
-    letIn.push_back({nullptr, uMsg, dwAction});
-    return TRUE;
-}
-
-constexpr DWORD kAllow = 1; // MSGFLT_ALLOW and MSGFLT_ADD of winuser.h
-
-class MessageGate : public EngineTest {
-  protected:
-    void SetUp() override {
-        EngineTest::SetUp();
-        letIn.clear();
-    }
-};
-
-TEST_F(MessageGate, OpensTheMonitorWindowForTheShellsMessages) {
-    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", AsProc(&FilterOfWindow)},
-                            {"ChangeWindowMessageFilter", AsProc(&FilterOfProcess)}});
-    RegisterTaskbarCreated();
-    FakeFrontEnd frontEnd;
-    MyMonitor_Wnd monitor(frontEnd);
-    ASSERT_TRUE(monitor.CreateHidden(nullptr));
-    HWND hwnd = monitor;
-    EXPECT_EQ((std::vector<LetInCall>{{hwnd, GetTestCompanyMsg(), kAllow},
-                                      {hwnd, WM_COPYDATA, kAllow},
-                                      {hwnd, GetTestTaskbarCreated(), kAllow}}),
-              letIn);
-    monitor.Destroy();
-}
-
-TEST_F(MessageGate, OpensTheProcessWhereWindowsHaveNoFilter) {
-    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", nullptr},
-                            {"ChangeWindowMessageFilter", AsProc(&FilterOfProcess)}});
-    TestWindow wnd;
-    LetShellMessagesIn(wnd, GetTestTaskbarCreated());
-    EXPECT_EQ((std::vector<LetInCall>{{nullptr, GetTestCompanyMsg(), kAllow},
-                                      {nullptr, WM_COPYDATA, kAllow},
-                                      {nullptr, GetTestTaskbarCreated(), kAllow}}),
-              letIn);
-}
-
-TEST_F(MessageGate, NeverOpensForTheNullMessage) {
-    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", AsProc(&FilterOfWindow)}});
-    TestWindow wnd;
-    LetShellMessagesIn(wnd, 0);
-    for (const LetInCall& call : letIn) EXPECT_NE(static_cast<UINT>(WM_NULL), call.uMsg);
-    EXPECT_EQ(2u, letIn.size());
-}
-
-TEST_F(MessageGate, IsNotThereOnOlderSystems) {
-    HideFunctions hidden{"ChangeWindowMessageFilterEx", "ChangeWindowMessageFilter"};
-    FakeFrontEnd frontEnd;
-    MyMonitor_Wnd monitor(frontEnd);
-    EXPECT_TRUE(monitor.CreateHidden(nullptr));
-    EXPECT_TRUE(letIn.empty());
     monitor.Destroy();
 }
 
