@@ -114,7 +114,7 @@ int main(int argc, char** argv) {
     ::SendMessageW(hwnd, WM_CLOSE, 0, 0);
     ::WaitForSingleObject(hProcess, 5000);
 
-    desktopSharedData.nCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
+    GetDesktopSharedData().nCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
     bOk &= Report("foreign message through the hook / through an empty hook",
                   Compare(
                       41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),

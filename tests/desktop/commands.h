@@ -6,7 +6,7 @@
 
 /// The desktop as its commands see it. All of it belongs to the shell's one thread.
 struct Desktop {
-    std::wstring strMode; // "real", "plain" or "workerw"
+    std::wstring strMode; // "real", "plain", "workerw" or "inside"
     HWND hwndProgman = nullptr;
     HWND hwndHost = nullptr; // the view's parent: Progman, or the WorkerW above it
     std::unique_ptr<DesktopView> view;

@@ -1,8 +1,9 @@
 // The shell of the tests: a window "Progman" with a view of the desktop in it, that does what it is
-// told. Arguments: [real|plain|workerw] [/SILENT]
+// told. Arguments: [real|plain|workerw|inside] [/SILENT]
 //   real     the platform's own view over the files of the profile's desktop folder
 //   plain    the same window classes over a list of any items
 //   workerw  plain, but the view lies in a "WorkerW" above an empty Progman
+//   inside   plain, with a "WorkerW" in Progman behind the view, as Windows 11 24H2 has it
 //   /SILENT  no "TaskbarCreated" at the start
 
 #include "desktop/commands.h"
@@ -75,6 +76,22 @@ HWND CreateHost(const wchar_t* pszClass, HWND hwndBelow) {
     return hwnd;
 }
 
+/// The window that the wallpaper is painted on where the view lies in Progman beside it.
+void CreateWallpaperWindow(HWND hwndProgman) {
+    WNDCLASSW wc{};
+    wc.lpfnWndProc = ::DefWindowProcW;
+    wc.hInstance = ::GetModuleHandleW(nullptr);
+    wc.hbrBackground = ::CreateSolidBrush(kDesktopColor);
+    wc.lpszClassName = L"WorkerW";
+    ::RegisterClassW(&wc);
+    RECT rc{};
+    ::GetClientRect(hwndProgman, &rc);
+    HWND hwnd = ::CreateWindowExW(0, L"WorkerW", L"", WS_CHILD | WS_VISIBLE, 0, 0, rc.right,
+                                  rc.bottom, hwndProgman, nullptr, wc.hInstance, nullptr);
+    if (!hwnd) throw std::runtime_error("the wallpaper's window could not be made");
+    ::SetWindowPos(hwnd, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
 void CreateDesktop(Desktop& desktop) {
     // The test platform has an empty Progman of its own; who looks for a Progman finds the upper.
     HWND hwndPlatforms = ::FindWindowW(L"Progman", nullptr);
@@ -84,6 +101,7 @@ void CreateDesktop(Desktop& desktop) {
     }
     bool bReal = desktop.strMode == L"real";
     desktop.view = bReal ? CreateShellView(desktop.hwndHost) : CreatePlainView(desktop.hwndHost);
+    if (desktop.strMode == L"inside") CreateWallpaperWindow(desktop.hwndProgman);
     InstallDragging(desktop.view->View(), desktop.view->List(),
                     bReal ? DragSource::PlatformView : DragSource::PlainView);
     if (!CreateCommandWindow(desktop)) throw std::runtime_error("no command window");
@@ -107,10 +125,11 @@ int wmain(int argc, wchar_t** argv) {
         std::wstring_view strArg = argv[n];
         if (strArg == L"/SILENT") {
             bSilent = true;
-        } else if (strArg == L"real" || strArg == L"plain" || strArg == L"workerw") {
+        } else if (strArg == L"real" || strArg == L"plain" || strArg == L"workerw" ||
+                   strArg == L"inside") {
             desktop.strMode = strArg;
         } else {
-            fprintf(stderr, "usage: test_desktop [real|plain|workerw] [/SILENT]\n");
+            fprintf(stderr, "usage: test_desktop [real|plain|workerw|inside] [/SILENT]\n");
             return 2;
         }
     }

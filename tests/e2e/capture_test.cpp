@@ -46,7 +46,7 @@ TEST_P(CaptureOnEveryDesktop, IsStoredWhenAnIconHasMovedByOnePixel) {
 
 INSTANTIATE_TEST_SUITE_P(Modes, CaptureOnEveryDesktop,
                          testing::Values(DesktopMode::Real, DesktopMode::Plain,
-                                         DesktopMode::WorkerW),
+                                         DesktopMode::WorkerW, DesktopMode::WorkerWInside),
                          ModeName);
 
 struct CountCase {

@@ -183,7 +183,7 @@ TEST(PlainDesktop, RefusesWhatCannotBeDone) {
 }
 
 std::string ModeName(const testing::TestParamInfo<DesktopMode>& row) {
-    constexpr const char* kNames[] = {"Real", "Plain", "WorkerW"};
+    constexpr const char* kNames[] = {"Real", "Plain", "WorkerW", "WorkerWInside"};
     return kNames[static_cast<int>(row.param)];
 }
 
@@ -246,7 +246,7 @@ TEST_P(EveryDesktop, HangsForTheTimeAsked) {
 
 INSTANTIATE_TEST_SUITE_P(Modes, EveryDesktop,
                          testing::Values(DesktopMode::Real, DesktopMode::Plain,
-                                         DesktopMode::WorkerW),
+                                         DesktopMode::WorkerW, DesktopMode::WorkerWInside),
                          ModeName);
 
 TEST(WorkerWDesktop, HasTheViewAboveAnEmptyProgman) {
@@ -256,6 +256,16 @@ TEST(WorkerWDesktop, HasTheViewAboveAnEmptyProgman) {
     EXPECT_EQ(desktop.Progman(), ::FindWindowW(L"Progman", nullptr));
     EXPECT_EQ(nullptr, ::FindWindowExW(desktop.Progman(), nullptr, L"SHELLDLL_DefView", nullptr));
     EXPECT_TRUE(IsAbove(hwndHost, desktop.Progman()));
+}
+
+TEST(WorkerWInsideDesktop, HasTheViewInProgmanBeforeAWorkerW) {
+    TestDesktop desktop(DesktopMode::WorkerWInside);
+    EXPECT_EQ(desktop.Progman(), ::GetParent(desktop.View()));
+    EXPECT_EQ(desktop.View(), ::GetParent(desktop.List()));
+    HWND hwndWorker = ::FindWindowExW(desktop.Progman(), nullptr, L"WorkerW", nullptr);
+    ASSERT_NE(nullptr, hwndWorker);
+    EXPECT_EQ(nullptr, ::FindWindowExW(hwndWorker, nullptr, nullptr, nullptr));
+    EXPECT_TRUE(IsAbove(desktop.View(), hwndWorker));
 }
 
 /// A window that counts the message.

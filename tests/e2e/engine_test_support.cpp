@@ -158,6 +158,6 @@ std::wstring NameBeforeNow(uint64_t nSeconds) {
 uint64_t TimeOfName(const std::wstring& strName) { return std::stoull(strName, nullptr, 16); }
 
 std::string ModeName(const testing::TestParamInfo<DesktopMode>& row) {
-    constexpr const char* kNames[] = {"Real", "Plain", "WorkerW"};
+    constexpr const char* kNames[] = {"Real", "Plain", "WorkerW", "WorkerWInside"};
     return kNames[static_cast<int>(row.param)];
 }

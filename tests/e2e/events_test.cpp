@@ -3,6 +3,7 @@
 
 #include "e2e/engine_test_support.h"
 #include "e2e/support/mouse.h"
+#include "support/test_window.h"
 
 #include <commctrl.h>
 
@@ -14,13 +15,14 @@ struct Heard {
     LPARAM lParam;
 };
 
-/// Stands where the agent believes the monitor window, and hears what the agent says.
+/// Stands where the agent believes the monitor window, whose class it has, and hears what the agent
+/// says.
 class Spy {
   public:
     Spy() : hwndMonitor(library.Words().hwndMonitor) {
         uCompanyMsg = CompanyMsg();
-        hwnd = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr,
-                                 nullptr);
+        hwnd = ::CreateWindowExW(0, kMonitorClass, L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                                 ::GetModuleHandleW(nullptr), nullptr);
         ::SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         ::SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Proc));
         library.Words().hwndMonitor = hwnd;
@@ -54,6 +56,7 @@ class Spy {
         return ::DefWindowProcW(hwnd, uMsg, wParam, lParam);
     }
     ProductLibrary library;
+    TestClass monitorClass{kMonitorClass};
     HWND hwndMonitor;
     HWND hwnd = nullptr;
     UINT uCompanyMsg = 0;

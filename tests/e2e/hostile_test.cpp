@@ -2,6 +2,7 @@
 // lost, and captures go on.
 
 #include "e2e/engine_test_support.h"
+#include "support/test_window.h"
 
 #include <commctrl.h>
 #include <algorithm>
@@ -242,6 +243,42 @@ TEST_F(Hostile, MessagesOfNoMeaning) {
     SendTo(monitor.Window(), WM_NULL, 0, 0);
     SendTo(monitor.Window(), WM_USER + 1, ~WPARAM{0}, -1);
     SendTo(monitor.Window(), WM_APP + 1, ~WPARAM{0}, -1);
+    ExpectUntouched();
+}
+
+// Pages of a section that is shared are everybody's who maps the library.
+TEST_F(Hostile, SharedWordsThatSomebodyElseWrites) {
+    ProductLibrary library;
+    volatile ProductLibrary::SharedWords& words = library.Words();
+    HWND hwndMonitor = words.hwndMonitor, hwndList = words.hwndList;
+    int nSeen = 0; // of what the shell would send or post to a third program
+    TestWindow wndVictim([&](UINT uMsg, WPARAM, LPARAM) -> std::optional<LRESULT> {
+        if (uMsg == LVM_GETITEMCOUNT || uMsg == LVM_GETITEMPOSITION || uMsg == LVM_GETITEMW ||
+            uMsg == WM_CLOSE || uMsg == WM_COPYDATA || uMsg == uCompanyMsg) {
+            ++nSeen;
+            return uMsg == LVM_GETITEMCOUNT;
+        }
+        return {};
+    });
+    auto nothingComes = [&] {
+        desktop->Notify(LVN_SETDISPINFOW);
+        ::PostMessageW(desktop->List(), uCompanyMsg, kCodeCapture, 0);
+        FlushShell();
+        MSG msg;
+        while (::PeekMessageW(&msg, wndVictim, 0, 0, PM_REMOVE)) ::DispatchMessageW(&msg);
+        return nSeen == 0;
+    };
+
+    words.hwndMonitor = wndVictim;
+    EXPECT_TRUE(nothingComes());
+    words.nCompanyMsg = WM_CLOSE;
+    EXPECT_TRUE(nothingComes());
+    words.hwndMonitor = hwndMonitor;
+    EXPECT_TRUE(nothingComes()); // the monitor is not closed by it either
+    words.nCompanyMsg = uCompanyMsg;
+    words.hwndList = wndVictim;
+    EXPECT_TRUE(nothingComes());
+    words.hwndList = hwndList;
     ExpectUntouched();
 }
 

@@ -46,7 +46,7 @@ TEST_P(RestoreOnEveryDesktop, PutsEveryIconBackAndMarksTheSnapshot) {
 }
 INSTANTIATE_TEST_SUITE_P(Modes, RestoreOnEveryDesktop,
                          testing::Values(DesktopMode::Real, DesktopMode::Plain,
-                                         DesktopMode::WorkerW),
+                                         DesktopMode::WorkerW, DesktopMode::WorkerWInside),
                          ModeName);
 
 TEST_F(Restore, GivesIconsOfTheSameNameTheStoredPlacesInTheirOrder) {

@@ -337,15 +337,16 @@ struct AgentObjects {
 
 /// Has the agent attach itself to two windows, and reads the objects off them.
 AgentObjects FindAgentObjects() {
-    DesktopSharedData saved = desktopSharedData;
+    DesktopSharedData saved = GetDesktopSharedData();
     TestView view;
-    desktopSharedData = {GetTestCompanyMsg(), view.hwndListView, nullptr, view.wndView, nullptr};
+    GetDesktopSharedData() = {GetTestCompanyMsg(), view.hwndListView, nullptr, view.wndView,
+                              nullptr};
     PassThroughHook(kCodeAttach, 1);
     auto objectOf = [](HWND hwnd) { return static_cast<CSWnd*>(::GetPropW(hwnd, L"CSWND")); };
     AgentObjects found{static_cast<MySysLVWnd*>(objectOf(view.hwndListView)),
                        static_cast<MyShellWnd*>(objectOf(view.wndView))};
     PassThroughHook(kCodeAttach, 0);
-    desktopSharedData = saved;
+    GetDesktopSharedData() = saved;
     return found;
 }
 
@@ -365,7 +366,8 @@ void ResetEngine() {
     ShellSubclass::ReInitialize();
     MakeNew(AgentListView());
     MakeNew(AgentView());
-    desktopSharedData = {};
+    ClaimDesktopSharedData();
+    GetDesktopSharedData() = {};
     SetRestartFlag(true);
     DeleteStoredSnapshots();
     PumpAll();
@@ -379,13 +381,13 @@ MyShellWnd& AgentView() { return *GetAgentObjects().pView; }
 void EngineTest::SetUp() { ResetEngine(); }
 
 void EngineTest::TearDown() {
-    if (desktopSharedData.hhook) ::UnhookWindowsHookEx(desktopSharedData.hhook);
+    if (GetDesktopSharedData().hhook) ::UnhookWindowsHookEx(GetDesktopSharedData().hhook);
     ResetEngine();
 }
 
 void EngineTest::Share(const TestView& view, HWND hwndMonitor) {
-    desktopSharedData.nCompanyMsg = GetTestCompanyMsg();
-    desktopSharedData.hwndListView = view.hwndListView;
-    desktopSharedData.hwndView = view.wndView;
-    desktopSharedData.hwndMonitor = hwndMonitor;
+    GetDesktopSharedData().nCompanyMsg = GetTestCompanyMsg();
+    GetDesktopSharedData().hwndListView = view.hwndListView;
+    GetDesktopSharedData().hwndView = view.wndView;
+    GetDesktopSharedData().hwndMonitor = hwndMonitor;
 }

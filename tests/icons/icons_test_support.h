@@ -123,13 +123,14 @@ struct ReceivedCapture {
     std::vector<IconRecord> records;
 };
 
-/// Stands in for the monitor window: keeps the captures that come.
+/// Stands in for the monitor window, whose class it has: keeps the captures that come.
 class CaptureReceiver {
   public:
     CaptureReceiver();
     operator HWND() const { return wnd; }
 
-    TestWindow wnd;
+    TestClass monitorClass{L"TessalyWnd"};
+    TestWindow wnd{L"TessalyWnd"};
     std::vector<ReceivedCapture> captures;
     ProcSpy spy;
 };

@@ -145,7 +145,9 @@ void Serve(const CWPSTRUCT& msg) {
     if (!uMsg || msg.message != uMsg) return;
     HandOverData request = handOverData;
     std::atomic_signal_fence(std::memory_order_seq_cst); // no second look at the section
-    handOverData = HandOverData{.hhook = request.hhook};
+    HandOverData taken{};
+    taken.hhook = request.hhook;
+    handOverData = taken;
     Seal seal = SealOf(request);
     if (seal.wParam != msg.wParam || seal.lParam != msg.lParam) return;
     if (!IsTerminated(request.szVerb) || !IsTerminated(request.szFile) ||

@@ -24,18 +24,41 @@ DWORD WINAPI GiveBack(void* hmod) {
     ::FreeLibraryAndExitThread(static_cast<HMODULE>(hmod), 0); // never returns to this code
 }
 
-UINT GetSharedCompanyMsg() { return static_cast<UINT>(desktopSharedData.nCompanyMsg); }
+// Ids of registered messages (RegisterWindowMessageW).
+constexpr UINT kFirstRegisteredMsg = 0xC000, kLastRegisteredMsg = 0xFFFF;
 
-/// The company message with that code? Its id is 0 until a monitor has registered it, which is
-/// WM_NULL, a message that everybody sends.
+/// One of the shared words, looked at once: what is checked must be what is used, and whoever can
+/// map the library can change it at any time.
+template <class Word>
+Word ReadOnce(const Word& word) {
+    return *const_cast<const volatile Word*>(&word);
+}
+
+/// The company message's id; 0 unless it is that of a registered message. Any other would have the
+/// shell post whatever somebody has written there.
+UINT GetSharedCompanyMsg() {
+    UINT uMsg = static_cast<UINT>(ReadOnce(GetDesktopSharedData().nCompanyMsg));
+    return uMsg >= kFirstRegisteredMsg && uMsg <= kLastRegisteredMsg ? uMsg : 0;
+}
+
+/// The company message with that code? Without an id no message is: 0 is WM_NULL, a message that
+/// everybody sends.
 bool IsEngineCode(UINT uMsg, WPARAM wParam, WPARAM wCode) {
     UINT uCompanyMsg = GetSharedCompanyMsg();
     return uMsg == uCompanyMsg && uCompanyMsg != 0 && wParam == wCode;
 }
 
+/// The monitor window; null if what is shared as such is another window.
+HWND GetSharedMonitor() {
+    HWND hwnd = ReadOnce(GetDesktopSharedData().hwndMonitor);
+    return IsMonitorWindow(hwnd) ? hwnd : nullptr;
+}
+
 /// Posted and never sent: the monitor may be waiting for the shell at this moment.
 void ReportIconsMoved() {
-    ::PostMessageW(desktopSharedData.hwndMonitor, GetSharedCompanyMsg(), kCodeIconsMoved, 0);
+    UINT uMsg = GetSharedCompanyMsg();
+    HWND hwndMonitor = GetSharedMonitor(); // a post to null would go to this thread
+    if (uMsg && hwndMonitor) ::PostMessageW(hwndMonitor, uMsg, kCodeIconsMoved, 0);
 }
 
 /// Stands for a frame of the agent on the shell's stack. A menu or a drag keeps such frames waiting
@@ -59,8 +82,8 @@ constinit int AgentFrame::nFrames = 0;
 /// Each for itself: where one window has gone the other is attached all the same.
 void AttachBoth() {
     libraryHold.Take(); // given back by the frame if neither window is there any more
-    agentListView.AttachTo(desktopSharedData.hwndListView);
-    agentView.AttachTo(desktopSharedData.hwndView);
+    agentListView.AttachTo(ReadOnce(GetDesktopSharedData().hwndListView));
+    agentView.AttachTo(ReadOnce(GetDesktopSharedData().hwndView));
 }
 
 void DetachBoth() {
@@ -68,11 +91,25 @@ void DetachBoth() {
     agentView.DetachFrom();
 }
 
+bool IsOfThisThread(HWND hwnd) {
+    return ::GetWindowThreadProcessId(hwnd, nullptr) == ::GetCurrentThreadId();
+}
+
+/// The list view's messages carry pointers of this process: in another one they would be written
+/// through all the same.
+void CaptureFor(HWND hwndSender) {
+    HWND hwndListView = ReadOnce(GetDesktopSharedData().hwndListView);
+    HWND hwndMonitor = GetSharedMonitor();
+    if (hwndMonitor && IsOfThisThread(hwndListView))
+        SendCapture(hwndListView, hwndMonitor, hwndSender);
+}
+
 /// Kept out of the hook procedure: the path of foreign messages stays short.
-__attribute__((noinline)) void OnEngineMessage(const MSG& msg) {
+__attribute__((noinline)) void OnRegisteredMessage(const MSG& msg) {
+    if (msg.message != GetSharedCompanyMsg()) return;
     AgentFrame frame;
     if (IsEngineCode(msg.message, msg.wParam, kCodeCapture)) {
-        SendCapture(desktopSharedData.hwndListView, desktopSharedData.hwndMonitor, msg.hwnd);
+        CaptureFor(msg.hwnd);
     } else if (IsEngineCode(msg.message, msg.wParam, kCodeAttach)) {
         if (msg.lParam) {
             AttachBoth();
@@ -85,12 +122,13 @@ __attribute__((noinline)) void OnEngineMessage(const MSG& msg) {
 
 LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     // Every message of the shell's desktop thread comes through here: one null test and one
-    // comparison for those that are not ours.
+    // comparison for those that can't be ours. Only the others are compared with what is shared,
+    // the first of them after this process's session has been looked up.
     // QUIRK: neither nCode nor the remove flag is looked at, so that a program that peeks first and
     // takes then is served twice. Test: Agent.LooksNeitherAtTheHookCodeNorAtTheRemoveFlag
     const MSG* pMsg = reinterpret_cast<const MSG*>(lParam);
-    if (pMsg && pMsg->message == GetSharedCompanyMsg()) OnEngineMessage(*pMsg);
-    return ::CallNextHookEx(desktopSharedData.hhook, nCode, wParam, lParam);
+    if (pMsg && pMsg->message >= kFirstRegisteredMsg) OnRegisteredMessage(*pMsg);
+    return ::CallNextHookEx(GetSharedHook(), nCode, wParam, lParam);
 }
 
 AgentWnd::~AgentWnd() {
@@ -100,7 +138,7 @@ AgentWnd::~AgentWnd() {
 bool AgentWnd::AttachTo(HWND hwndTarget) {
     // Handles that were left over from a shell that is gone must not be marked with our objects.
     HWND hwndReal = hwndTarget ? hwndTarget : hWnd;
-    if (::GetWindowThreadProcessId(hwndReal, nullptr) != ::GetCurrentThreadId()) return false;
+    if (!IsOfThisThread(hwndReal)) return false;
     // A window that this object left behind would go on calling it, with the new one's handle.
     if (bAttached && hwndReal != hWnd) CommonUnsubclass();
     // The property "CSWND" would be no measure of it later: another copy of the library can take
@@ -113,6 +151,7 @@ void AgentWnd::DetachFrom() {
     AgentFrame frame;
     CommonUnsubclass();
     bAttached = false;
+    OnDetached();
 }
 
 void AgentWnd::OnPostNcDestroy() {
@@ -126,9 +165,16 @@ LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         DetachFrom();
         return 0;
     }
+    // Anybody can post or send this: without a restore before it, or within a message that was
+    // sent, where COM refuses the calls, it is one code of many.
+    if (IsEngineCode(uMsg, wParam, kCodeTellFolderView) && toldPositions.IsPendingFor(hWnd) &&
+        !::InSendMessage()) {
+        toldPositions.TellFolderView();
+        return 0; // the window may have gone meanwhile
+    }
     switch (uMsg) {
     case WM_COPYDATA:
-        if (lParam) RestoreFrom(hWnd, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+        if (lParam) OnRestore(*reinterpret_cast<const COPYDATASTRUCT*>(lParam));
         break;
     case WM_MOUSEMOVE:
         // The drag's own loop keeps the mouse: the first movement that comes here is after the
@@ -141,6 +187,13 @@ LRESULT MySysLVWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     return CSWnd::OnWndMessage(uMsg, wParam, lParam);
 }
 
+void MySysLVWnd::OnRestore(const COPYDATASTRUCT& data) {
+    if (!toldPositions.Keep(hWnd, RestoreFrom(hWnd, data))) return;
+    UINT uCompanyMsg = GetSharedCompanyMsg();
+    if (uCompanyMsg && ::PostMessageW(hWnd, uCompanyMsg, kCodeTellFolderView, 0)) return;
+    toldPositions.Drop(); // nothing would ask for it
+}
+
 LRESULT MyShellWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     AgentFrame frame;
     if (IsEngineCode(uMsg, wParam, kCodeAttach) && lParam == 0) {
@@ -149,7 +202,7 @@ LRESULT MyShellWnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     }
     if (uMsg == WM_NOTIFY && lParam) {
         const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
-        if (header.hwndFrom == desktopSharedData.hwndListView) {
+        if (header.hwndFrom == GetDesktopSharedData().hwndListView) {
             switch (header.code) {
             case LVN_SETDISPINFOW: ReportIconsMoved(); break;
             case LVN_BEGINDRAG:

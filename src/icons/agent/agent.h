@@ -1,4 +1,5 @@
 #pragma once
+#include "icons/agent/told_positions.h"
 #include "wnd/core/cswnd.h"
 #include <windows.h>
 
@@ -26,11 +27,15 @@ class AgentWnd : public CSWnd {
     bool IsAttached() const { return bAttached; }
     void OnPostNcDestroy() override;
 
+  protected:
+    /// The window is no longer attached, and may have gone.
+    virtual void OnDetached() {}
+
   private:
     bool bAttached = false;
 };
 
-/// The desktop's list view: performs restores and sees a drag's end.
+/// The desktop's list view: performs restores, tells the folder view of them and sees a drag's end.
 class MySysLVWnd : public AgentWnd {
   public:
     constexpr MySysLVWnd() noexcept = default;
@@ -38,8 +43,14 @@ class MySysLVWnd : public AgentWnd {
     /// A drag has begun: the mouse's next movement over the list view is to be reported.
     void SetDragBegun() { bDragBegun = 1; }
 
+  protected:
+    void OnDetached() override { toldPositions.Drop(); }
+
   private:
+    void OnRestore(const COPYDATASTRUCT& data);
+
     int bDragBegun = 0;
+    ToldPositions toldPositions;
 };
 
 /// The desktop's view, the list view's parent: hears of drags and renames.

@@ -1,12 +1,10 @@
 #include "icons/agent/icon_record.h"
 #include "runtime/base/digest.h"
-#include "runtime/base/heap_array.h"
 
 #include <windows.h>
 #include <commctrl.h>
 #include <cstring>
 #include <cwchar>
-#include <span>
 
 namespace {
 constexpr unsigned kCchIconText = 260; // longer texts are cut by the list view, terminator included
@@ -27,29 +25,6 @@ HeapArray<IconRecord> CaptureToHeap(HWND hwndListView, unsigned nCount) {
     if (records.IsReady()) CaptureIcons(hwndListView, records.Get(), nCount);
     return records;
 }
-
-/// The records of a restore that have not yet served an item. Those at the front that have are
-/// skipped for good, so that a restore of an unchanged order looks at each record once.
-class RecordMatcher {
-  public:
-    explicit RecordMatcher(std::span<IconRecord> recordsStored) : records(recordsStored) {}
-
-    /// The first record of that name, null if there is none. It serves no second item.
-    const POINT* Take(unsigned __int64 qwNameKey) {
-        while (nServed < records.size() && records[nServed].qwNameKey == kServed) ++nServed;
-        for (IconRecord& record : records.subspan(nServed)) {
-            if (record.qwNameKey != qwNameKey || qwNameKey == kServed) continue;
-            record.qwNameKey = kServed;
-            return &record.pt;
-        }
-        return nullptr;
-    }
-
-  private:
-    static constexpr unsigned __int64 kServed = 0;
-    std::span<IconRecord> records;
-    std::size_t nServed = 0;
-};
 } // namespace
 
 unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
@@ -63,6 +38,24 @@ unsigned __int64 MakeNameKey(const wchar_t* psz, unsigned int cch) {
     unsigned __int64 qwKey;
     std::memcpy(&qwKey, digest, sizeof(qwKey));
     return qwKey;
+}
+
+unsigned __int64 MakeIconKey(const wchar_t* pszText, unsigned* pcchTaken) {
+    unsigned cch = MeasureText(pszText);
+    if (pcchTaken) *pcchTaken = cch;
+    return MakeNameKey(pszText, cch);
+}
+
+const POINT* RecordMatcher::Take(unsigned __int64 qwNameKey) {
+    // Those at the front that have served are skipped for good: a restore of an unchanged order
+    // then looks at each once.
+    while (nServed < records.size() && records[nServed].qwNameKey == kServed) ++nServed;
+    for (IconRecord& record : records.subspan(nServed)) {
+        if (record.qwNameKey != qwNameKey || qwNameKey == kServed) continue;
+        record.qwNameKey = kServed;
+        return &record.pt;
+    }
+    return nullptr;
 }
 
 unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) {
@@ -83,8 +76,7 @@ unsigned CaptureIcons(HWND hwndListView, IconRecord* pRecords, unsigned nCount) 
         szText[kCchIconText - 1] = 0;
         const wchar_t* pszText =
             item.pszText && item.pszText != LPSTR_TEXTCALLBACKW ? item.pszText : szText;
-        record.cchName = MeasureText(pszText);
-        record.qwNameKey = MakeNameKey(pszText, record.cchName);
+        record.qwNameKey = MakeIconKey(pszText, &record.cchName);
     }
     return nCount;
 }
@@ -99,21 +91,27 @@ void SendCapture(HWND hwndListView, HWND hwndMonitor, HWND hwndSender) {
                    reinterpret_cast<LPARAM>(&data));
 }
 
-void RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
+HeapArray<IconRecord> RestoreFrom(HWND hwndListView, const COPYDATASTRUCT& data) {
     // Any program can send this. Dividing first keeps a huge count from wrapping round.
-    if (data.dwData > data.cbData / sizeof(IconRecord)) return;
-    if (data.dwData * sizeof(IconRecord) != data.cbData || !data.lpData) return;
+    if (data.dwData > data.cbData / sizeof(IconRecord)) return {};
+    if (data.dwData * sizeof(IconRecord) != data.cbData || !data.lpData) return {};
     unsigned nItems = CaptureIcons(hwndListView, nullptr, 0);
-    if (nItems == 0 || data.dwData == 0) return;
+    if (nItems == 0 || data.dwData == 0) return {};
     HeapArray<IconRecord> stored(data.dwData); // the sender's data are not ours to write to
     HeapArray<IconRecord> items = CaptureToHeap(hwndListView, nItems); // for the present names
-    if (!items.IsReady() || !stored.IsReady()) return;
+    if (!items.IsReady() || !stored.IsReady()) return {};
 
     std::memcpy(stored.Get(), data.lpData, data.cbData); // it need not be aligned
     RecordMatcher matcher({stored.Get(), stored.GetCount()});
+    unsigned nMoved = 0;
     for (unsigned i = 0; i < nItems; ++i) {
         const POINT* ppt = matcher.Take(items[i].qwNameKey);
         if (!ppt) continue;
         ::SendMessageW(hwndListView, LVM_SETITEMPOSITION32, i, reinterpret_cast<LPARAM>(ppt));
+        items[nMoved] = items[i];
+        items[nMoved++].pt = *ppt;
     }
+    HeapArray<IconRecord> moved(nMoved);
+    if (moved.IsReady()) std::memcpy(moved.Get(), items.Get(), moved.GetByteCount());
+    return moved;
 }

@@ -20,9 +20,8 @@ void RunMessageLoop() {
 
 /// Also ends a restart: a program whose shell is too slow to have its windows ready says so.
 bool FindDesktop(HWND hwndParent) {
-    if (FindDesktopShellWnd(&desktopSharedData.hwndView, &desktopSharedData.hwndListView)) {
-        return true;
-    }
+    DesktopSharedData& shared = GetDesktopSharedData();
+    if (FindDesktopShellWnd(&shared.hwndView, &shared.hwndListView)) return true;
     // The blank at the end is part of the text.
     Msg(hwndParent, MB_ICONERROR,
         L"Cannot obtain the desktop properties. Please report this error to technical support. ");
@@ -31,11 +30,11 @@ bool FindDesktop(HWND hwndParent) {
 
 /// From the window that stands to the end of the message loop.
 void Watch(MyMonitor_Wnd& monitor, MonitorFrontEnd& frontEnd, bool bAnnounce) {
-    desktopSharedData.hwndMonitor = monitor; // before the first capture is asked for
+    GetDesktopSharedData().hwndMonitor = monitor; // before the first capture is asked for
     monitor.RegisterNotification();
     if (bAnnounce) monitor.SetSnapshotAnnounce(0);
     frontEnd.OnRoundStart(monitor, bAnnounce);
-    PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
+    PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
     RunMessageLoop();
     monitor.EndNotification();
     frontEnd.OnRoundEnd();
@@ -61,7 +60,8 @@ void DoMonitor(HWND hwndParent, int quiet) {
 }
 
 void RunMonitor(MonitorFrontEnd& frontEnd, HWND hwndParent, int quiet) {
-    desktopSharedData.nCompanyMsg = GetMyCompanyMsgId();
+    ClaimDesktopSharedData(); // without, no hook is set either
+    GetDesktopSharedData().nCompanyMsg = GetMyCompanyMsgId();
     RegisterTaskbarCreated();
     ForgetStaleDesktopHook();
     frontEnd.OnMonitorStart();
@@ -69,5 +69,5 @@ void RunMonitor(MonitorFrontEnd& frontEnd, HWND hwndParent, int quiet) {
         SetRestartFlag(false);
         if (!RunRound(frontEnd, hwndParent, quiet)) break;
     }
-    desktopSharedData.hwndMonitor = nullptr;
+    GetDesktopSharedData().hwndMonitor = nullptr;
 }

@@ -3,6 +3,7 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/front_end.h"
+#include "icons/monitor/message_gate.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "runtime/system/system_facts.h"
 #include "runtime/system/wts_api32.h"
@@ -38,7 +39,7 @@ constinit UINT uTaskbarCreated = 0;
 constinit bool RestartFlag = true; // the first round is one too
 
 /// Posted, because the hook sees only what passes through the queue of the list view's thread.
-void RequestCapture() { PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0); }
+void RequestCapture() { PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0); }
 } // namespace
 
 void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {

@@ -1,15 +1,14 @@
 #include "icons/snapshots/snapshot_store.h"
 #include "app/identity/product_info.h"
 #include "icons/agent/desktop_shared_data.h"
+#include "icons/snapshots/auto_arrange.h"
 #include "runtime/base/digest.h"
 #include "runtime/base/heap_array.h"
 #include "runtime/base/ownership.h"
-#include "runtime/messages/msg.h"
 #include "runtime/text/encoding.h"
 #include "runtime/text/str_format.h"
 
 #include <windows.h>
-#include <commctrl.h> // LVS_AUTOARRANGE
 #include <cstring>
 #include <cwchar>
 #include <new>
@@ -17,11 +16,6 @@
 namespace {
 constexpr int kNameSize = 256; // longer value names are none of a snapshot
 constexpr std::size_t kPathSize = 260;
-
-constexpr const wchar_t* kAutoArrangeQuestion =
-    L"Your Desktop is currently set to auto arrange the icons. In order to restore the icons, the "
-    L"auto arrange option needs to be cleared.\n\nOK to clear this option? (If you select No, the "
-    L"icons will NOT be restored.)";
 
 /// The size of the value of so many records; 0 if it is more than the registry can be told.
 unsigned GetValueSize(unsigned nRecords) {
@@ -47,15 +41,6 @@ void TrimSnapshots(RegKey& key) {
         FormatSnapshotName(szName, GetSnapshotTime(list, list.GetTailPos()));
         key.DelValue(szName);
     }
-}
-
-/// Whether the list view leaves its icons where they are put, after the user's yes if need be.
-bool ClearAutoArrange(HWND hwndListView) {
-    LONG_PTR dwStyle = ::GetWindowLongPtrW(hwndListView, GWL_STYLE);
-    if (!(dwStyle & LVS_AUTOARRANGE)) return true;
-    if (Msg(nullptr, MB_YESNO | MB_ICONEXCLAMATION, kAutoArrangeQuestion) != IDYES) return false;
-    ::SetWindowLongPtrW(hwndListView, GWL_STYLE, dwStyle & ~static_cast<LONG_PTR>(LVS_AUTOARRANGE));
-    return true;
 }
 } // namespace
 
@@ -179,10 +164,10 @@ void DeleteAllSnapshots() {
     if (OpenSnapshotKey(key, 1)) key.DelAll();
 }
 
-// The monitor's half of a restore: the question, the data for the shell side, the mark.
+// The monitor's half of a restore: the data for the shell side, the mark.
 
 void RestoreSnapshot(unsigned __int64 qwTime) {
-    HWND hwndListView = desktopSharedData.hwndListView;
+    HWND hwndListView = GetDesktopSharedData().hwndListView;
     if (!ClearAutoArrange(hwndListView)) return;
     RegKey key;
     if (!OpenSnapshotKey(key, 1)) return;

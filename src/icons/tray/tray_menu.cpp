@@ -72,7 +72,7 @@ void RestoreChosen(MyMonitor_Wnd& monitor, const CSMenu& sub, unsigned nId) {
 
 void RememberNow(MyMonitor_Wnd& monitor) {
     monitor.SetSnapshotAnnounce(1);
-    PostMyCompanyMsg(desktopSharedData.hwndListView, kCodeCapture, 0);
+    PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
 }
 
 void DeleteAllAfterQuestion() {

@@ -41,6 +41,14 @@ using OwnedHandle = OwnedHandleOf<HANDLE, &::CloseHandle>;
 using OwnedModule = OwnedHandleOf<HMODULE, &::FreeLibrary>;
 using OwnedLocal = OwnedHandleOf<HLOCAL, &::LocalFree>;
 
+template <class Interface>
+void ReleaseInterface(Interface* p) {
+    p->Release();
+}
+/// Owns one reference to a COM object.
+template <class Interface>
+using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
+
 /// Runs fnAtEnd at the end of the scope unless dismissed.
 template <class Fn>
 class ScopeExit {

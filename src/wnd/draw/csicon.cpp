@@ -19,13 +19,6 @@ SIZE GetIconSize(int isSmall, int systemSize) {
 
 // An icon as a bitmap with alpha, by the platform's imaging component
 
-template <class Interface>
-void ReleaseInterface(Interface* p) {
-    p->Release();
-}
-template <class Interface>
-using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
-
 constexpr unsigned kBytesPerPixel = 4;
 
 // By value (wincodec.h): the library that defines their names is none of those linked.

@@ -6,7 +6,7 @@
 namespace {
 constexpr DWORD kStartMs = 30000; // the first program of an environment waits for its services
 
-constexpr const wchar_t* kModeNames[] = {L"real", L"plain", L"workerw"};
+constexpr const wchar_t* kModeNames[] = {L"real", L"plain", L"workerw", L"inside"};
 
 std::string Narrow(const std::wstring& str) {
     std::string strOut;

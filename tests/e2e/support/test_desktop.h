@@ -12,7 +12,7 @@ struct DesktopItem {
     std::wstring strName;
 };
 
-enum class DesktopMode { Real, Plain, WorkerW };
+enum class DesktopMode { Real, Plain, WorkerW, WorkerWInside };
 enum class Announce { Yes, No }; // "TaskbarCreated" at the start
 
 /// The test desktop, running in a process of its own. Every operation throws std::runtime_error

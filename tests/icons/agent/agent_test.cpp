@@ -115,7 +115,7 @@ TEST_F(Agent, PassesForeignMessagesOn) {
 }
 
 TEST_F(Agent, TakesNoMessageForItsOwnBeforeTheIdIsShared) {
-    desktopSharedData.nCompanyMsg = 0;
+    GetDesktopSharedData().nCompanyMsg = 0;
     Hook(WM_NULL, kCodeCapture, 0);
     Hook(WM_NULL, kCodeAttach, 1);
     Hook(GetTestCompanyMsg(), kCodeCapture, 0);
@@ -176,7 +176,7 @@ TEST_F(Agent, GivesTheNextHooksResultAndPassesItsArgumentsOn) {
         ::UnhookWindowsHookEx(hAgent);
         ::UnhookWindowsHookEx(hNext);
     });
-    desktopSharedData.hhook = hAgent;
+    GetDesktopSharedData().hhook = hAgent;
     for (UINT uMsg : {kForeignMsg, GetTestCompanyMsg()}) {
         nextHookCalls.clear();
         lAgentResult = 0;
@@ -192,7 +192,7 @@ TEST_F(Agent, GivesTheNextHooksResultAndPassesItsArgumentsOn) {
         EXPECT_EQ(kCodeIconsMoved, msg.wParam);
         EXPECT_EQ(7, msg.lParam);
     }
-    desktopSharedData.hhook = nullptr; // the guard above removes it
+    GetDesktopSharedData().hhook = nullptr; // the guard above removes it
 }
 
 TEST_F(Agent, DoesNotAttachToWindowsOfAnotherThread) {
@@ -205,7 +205,7 @@ TEST_F(Agent, DoesNotAttachToWindowsOfAnotherThread) {
 
 TEST_F(Agent, AttachesOneWindowWhenTheOtherIsGone) {
     TestWindow wndGone;
-    desktopSharedData.hwndView = wndGone;
+    GetDesktopSharedData().hwndView = wndGone;
     wndGone.Destroy();
     Hook(GetTestCompanyMsg(), kCodeAttach, 1);
     EXPECT_TRUE(AgentListView().IsAttached());
@@ -213,7 +213,7 @@ TEST_F(Agent, AttachesOneWindowWhenTheOtherIsGone) {
 }
 
 TEST_F(Agent, WithoutAnyWindowAttachesNothing) {
-    desktopSharedData.hwndView = desktopSharedData.hwndListView = nullptr;
+    GetDesktopSharedData().hwndView = GetDesktopSharedData().hwndListView = nullptr;
     Hook(GetTestCompanyMsg(), kCodeAttach, 1);
     EXPECT_TRUE(NothingHappened());
     Hook(GetTestCompanyMsg(), kCodeAttach, 0);
@@ -360,7 +360,7 @@ TEST_P(AgentRoute, AttachesAgainAfterADetach) {
 TEST_P(AgentRoute, AttachesToTheWindowHeldBeforeWhenNoneIsShared) {
     Attach();
     Hook(GetTestCompanyMsg(), kCodeAttach, 0);
-    desktopSharedData.hwndListView = nullptr;
+    GetDesktopSharedData().hwndListView = nullptr;
     Hook(GetTestCompanyMsg(), kCodeAttach, 1);
     EXPECT_NE(nullptr, ::GetPropW(view.hwndListView, L"CSWND"));
     EXPECT_TRUE(AgentListView().IsAttached());
@@ -524,7 +524,7 @@ TEST_F(Agent, ReportsInVainToAMonitorThatIsNotThere) {
     HWND hwndStale = wndGone;
     wndGone.Destroy();
     for (HWND hwndMonitor : {static_cast<HWND>(nullptr), hwndStale}) {
-        desktopSharedData.hwndMonitor = hwndMonitor;
+        GetDesktopSharedData().hwndMonitor = hwndMonitor;
         ClearSpies();
         Notify(0xFFFFFF4E, view.hwndListView);
         Notify(0xFFFFFF93, view.hwndListView);
@@ -535,6 +535,58 @@ TEST_F(Agent, ReportsInVainToAMonitorThatIsNotThere) {
         EXPECT_EQ(0, view.spyListView.CountOfCode(374)); // nor to the thread's own windows
         EXPECT_EQ(0, view.spyView.CountOfCode(374));
     }
+}
+
+// The shared words, as any program can write them that maps the library
+
+TEST_F(Agent, ActsOnNoIdThatIsNoneOfARegisteredMessage) {
+    Attach();
+    for (unsigned long long nId : {0ull, 16ull, 0xBFFFull, 0x10000ull, 0xFFFFFFFFull}) {
+        auto uMsg = static_cast<UINT>(nId);
+        GetDesktopSharedData().nCompanyMsg = nId;
+        ClearSpies();
+        Notify(0xFFFFFF4E, view.hwndListView);
+        Notify(0xFFFFFF93, view.hwndListView);
+        ::SendMessageW(view.hwndListView, WM_MOUSEMOVE, 0, 0);
+        Hook(uMsg, kCodeCapture, 0);
+        Hook(uMsg, kCodeAttach, 0);
+        PumpAll();
+        EXPECT_EQ(0, receiver.spy.CountOfAll()) << nId;
+        EXPECT_TRUE(receiver.captures.empty()) << nId;
+        ExpectAttached(1);
+    }
+}
+
+TEST_F(Agent, ActsOnTheIdsOfRegisteredMessages) {
+    for (UINT uMsg : {0xC000u, 0xFFFFu}) {
+        GetDesktopSharedData().nCompanyMsg = uMsg;
+        Hook(uMsg, kCodeCapture, 0);
+    }
+    EXPECT_EQ(2u, receiver.captures.size());
+}
+
+TEST_F(Agent, TellsNothingToAWindowThatIsNotTheMonitors) {
+    Attach();
+    TestWindow wndOther;
+    ProcSpy spyOther(wndOther);
+    GetDesktopSharedData().hwndMonitor = wndOther;
+    Hook(GetTestCompanyMsg(), kCodeCapture, 0);
+    Notify(0xFFFFFF4E, view.hwndListView);
+    Notify(0xFFFFFF93, view.hwndListView);
+    ::SendMessageW(view.hwndListView, WM_MOUSEMOVE, 0, 0);
+    PumpAll();
+    EXPECT_EQ(0, spyOther.CountOf(WM_COPYDATA));
+    EXPECT_EQ(0, spyOther.CountOfCode(kCodeIconsMoved));
+}
+
+TEST_F(Agent, ReadsNoListViewOfAnotherThread) {
+    DesktopThread other({{L"other", {3, 3}}});
+    other.SpyListView().Clear();
+    GetDesktopSharedData().hwndListView = other.GetListView();
+    Hook(GetTestCompanyMsg(), kCodeCapture, 0);
+    for (UINT uMsg : {UINT{LVM_GETITEMCOUNT}, UINT{LVM_GETITEMPOSITION}, UINT{LVM_GETITEMW}})
+        EXPECT_EQ(0, other.SpyListView().CountOf(uMsg));
+    EXPECT_TRUE(receiver.captures.empty());
 }
 
 /// The references to this program's own module that were taken and are not yet to be given back,
@@ -650,7 +702,7 @@ TEST_F(AgentLifetime, LibraryGoesAfterThePostedDetach) {
 }
 
 TEST_F(AgentLifetime, LibraryIsNotHeldWhenNoWindowCouldBeAttached) {
-    desktopSharedData.hwndListView = desktopSharedData.hwndView = nullptr;
+    GetDesktopSharedData().hwndListView = GetDesktopSharedData().hwndView = nullptr;
     view.wndView.Destroy();
     PassThroughHook(kCodeAttach, 1);
     EXPECT_FALSE(library.IsHeld());

@@ -41,7 +41,7 @@ class DoMonitorTest : public EngineTest {
         EXPECT_FALSE(bHung.load());
         PumpAll();
     }
-    static void Close() { ::PostMessageW(desktopSharedData.hwndMonitor, WM_CLOSE, 0, 0); }
+    static void Close() { ::PostMessageW(GetDesktopSharedData().hwndMonitor, WM_CLOSE, 0, 0); }
     /// The round ends as soon as it has begun.
     void CloseAtOnce() {
         frontEnd.fnRoundStart = [](MyMonitor_Wnd&) { Close(); };
@@ -53,8 +53,8 @@ class DoMonitorTest : public EngineTest {
     void ExpectNothingLeftIn(DesktopThread& desktop) {
         EXPECT_EQ(nullptr, ::GetPropW(desktop.GetListView(), L"CSWND"));
         EXPECT_EQ(nullptr, ::GetPropW(desktop.GetView(), L"CSWND"));
-        EXPECT_EQ(nullptr, desktopSharedData.hhook);
-        EXPECT_EQ(nullptr, desktopSharedData.hwndMonitor);
+        EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
+        EXPECT_EQ(nullptr, GetDesktopSharedData().hwndMonitor);
         EXPECT_EQ(nullptr, MyMonitor_Wnd::GetCurrent());
         EXPECT_EQ(nullptr, ::FindWindowW(kMonitorClass, nullptr));
         // The thread's messages go past the agent.
@@ -90,11 +90,11 @@ TEST_F(DoMonitorTest, HasEverythingInPlaceWhenARoundStarts) {
     TestWindow wndParent;
     frontEnd.fnRoundStart = [&](MyMonitor_Wnd& monitor) {
         HWND hwnd = monitor;
-        EXPECT_EQ(GetTestCompanyMsg(), desktopSharedData.nCompanyMsg);
-        EXPECT_EQ(desktop.GetListView(), desktopSharedData.hwndListView);
-        EXPECT_EQ(desktop.GetView(), desktopSharedData.hwndView);
-        EXPECT_EQ(hwnd, desktopSharedData.hwndMonitor);
-        EXPECT_NE(nullptr, desktopSharedData.hhook);
+        EXPECT_EQ(GetTestCompanyMsg(), GetDesktopSharedData().nCompanyMsg);
+        EXPECT_EQ(desktop.GetListView(), GetDesktopSharedData().hwndListView);
+        EXPECT_EQ(desktop.GetView(), GetDesktopSharedData().hwndView);
+        EXPECT_EQ(hwnd, GetDesktopSharedData().hwndMonitor);
+        EXPECT_NE(nullptr, GetDesktopSharedData().hhook);
         EXPECT_EQ(hwnd, ::FindWindowW(kMonitorClass, kMonitorClass));
         EXPECT_EQ(static_cast<HWND>(wndParent), ::GetWindow(hwnd, GW_OWNER));
         EXPECT_EQ(&monitor, MyMonitor_Wnd::GetCurrent());
@@ -146,12 +146,14 @@ TEST_F(DoMonitorTest, EndsTheRoundBeforeItTakesTheAgentOut) {
     DesktopThread desktop(kIcons);
     CloseAtOnce();
     int bHookAtEnd = -1, bAttachedAtEnd = -1, bWindowAtEnd = -1, bWindowAtClose = -1;
-    frontEnd.fnMonitorClose = [&] { bWindowAtClose = ::IsWindow(desktopSharedData.hwndMonitor); };
+    frontEnd.fnMonitorClose = [&] {
+        bWindowAtClose = ::IsWindow(GetDesktopSharedData().hwndMonitor);
+    };
     frontEnd.fnRoundEnd = [&] {
-        bHookAtEnd = desktopSharedData.hhook != nullptr;
+        bHookAtEnd = GetDesktopSharedData().hhook != nullptr;
         WaitUntil([&] { return ::GetPropW(desktop.GetListView(), L"CSWND") != nullptr; });
         bAttachedAtEnd = ::GetPropW(desktop.GetListView(), L"CSWND") != nullptr;
-        bWindowAtEnd = ::IsWindow(desktopSharedData.hwndMonitor);
+        bWindowAtEnd = ::IsWindow(GetDesktopSharedData().hwndMonitor);
     };
     Run(nullptr, 1);
     EXPECT_EQ(1, bWindowAtClose);
@@ -211,7 +213,7 @@ TEST_F(DoMonitorTest, HearsOfADragThroughTheAgent) {
             ::SendMessageW(desktop.GetView(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notify));
         });
         ::PostMessageW(desktop.GetListView(), WM_MOUSEMOVE, 0, 0);
-        bPending = WaitUntil([] { return IsCapturePending(desktopSharedData.hwndMonitor); });
+        bPending = WaitUntil([] { return IsCapturePending(GetDesktopSharedData().hwndMonitor); });
         Close();
     });
     EXPECT_TRUE(bPending);
@@ -221,7 +223,7 @@ TEST_F(DoMonitorTest, ClosesOnTheProductsCloseCode) {
     DesktopThread desktop(kIcons);
     Run(nullptr, 1, [] {
         WaitForSnapshots(1);
-        ::PostMessageW(desktopSharedData.hwndMonitor, GetTestCompanyMsg(), 1, 16738);
+        ::PostMessageW(GetDesktopSharedData().hwndMonitor, GetTestCompanyMsg(), 1, 16738);
     });
     EXPECT_EQ((Calls{"monitor start", "round start", "monitor close", "round end"}),
               frontEnd.calls);
@@ -265,7 +267,7 @@ TEST_F(DoMonitorTest, TakesUpTheNextShell) {
         bFirst = WaitForSnapshots(1);
         first->End();
         second = std::make_unique<DesktopThread>(std::vector<TestIcon>{{L"three", {50, 60}}});
-        ::PostMessageW(desktopSharedData.hwndMonitor, GetTestTaskbarCreated(), 0, 0);
+        ::PostMessageW(GetDesktopSharedData().hwndMonitor, GetTestTaskbarCreated(), 0, 0);
         bSecond = WaitForSnapshots(2);
         bAttached = ::GetPropW(second->GetListView(), L"CSWND") != nullptr;
         Close();
@@ -284,11 +286,11 @@ TEST_F(DoMonitorTest, TakesUpTheNextShell) {
 TEST_F(DoMonitorTest, DoesNothingWhenNoRoundIsWanted) {
     DesktopThread desktop(kIcons);
     SetRestartFlag(false);
-    desktopSharedData.hwndMonitor = desktop.GetView();
+    GetDesktopSharedData().hwndMonitor = desktop.GetView();
     Run(nullptr, 0);
     EXPECT_EQ(Calls{"monitor start"}, frontEnd.calls); // the day counter comes before
-    EXPECT_EQ(nullptr, desktopSharedData.hwndMonitor);
-    EXPECT_EQ(GetTestCompanyMsg(), desktopSharedData.nCompanyMsg);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hwndMonitor);
+    EXPECT_EQ(GetTestCompanyMsg(), GetDesktopSharedData().nCompanyMsg);
 }
 
 TEST_F(DoMonitorTest, EndsSilentlyWhenItsWindowCannotBeCreated) {
@@ -317,7 +319,7 @@ TEST_F(DoMonitorTest, TellsThatTheDesktopCannotBeFound) {
     Run(nullptr, 1);
     ExpectDesktopMessage(box.Finish());
     EXPECT_EQ(Calls{"monitor start"}, frontEnd.calls);
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 }
 
 TEST_F(DoMonitorTest, TellsItOnTopOfTheGivenParent) {
@@ -334,12 +336,12 @@ TEST_F(DoMonitorTest, TellsItWhenTheNextShellHasNoDesktopYet) {
     Run(nullptr, 1, [&] {
         WaitForSnapshots(1);
         desktop->End();
-        ::PostMessageW(desktopSharedData.hwndMonitor, GetTestTaskbarCreated(), 0, 0);
+        ::PostMessageW(GetDesktopSharedData().hwndMonitor, GetTestTaskbarCreated(), 0, 0);
     });
     ExpectDesktopMessage(box.Finish());
     EXPECT_EQ((Calls{"monitor start", "round start", "monitor close", "round end"}),
               frontEnd.calls);
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     EXPECT_EQ(nullptr, MyMonitor_Wnd::GetCurrent());
 }
 
@@ -360,30 +362,30 @@ class DoMonitorStale : public DoMonitorTest {
 };
 
 TEST_F(DoMonitorStale, HookOfNoMonitorIsNotTakenForItsOwn) {
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hhook = kBogusHook;
     ExpectWorks();
 }
 
 TEST_F(DoMonitorStale, HookOfADeadMonitorIsNotTakenForItsOwn) {
     TestWindow wndGone;
-    desktopSharedData.hwndMonitor = wndGone;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = wndGone;
+    GetDesktopSharedData().hhook = kBogusHook;
     wndGone.Destroy();
     ExpectWorks();
 }
 
 TEST_F(DoMonitorStale, HookIsForgottenWhenTheHandleIsSomebodyElsesNow) {
     TestWindow wndOther;
-    desktopSharedData.hwndMonitor = wndOther;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = wndOther;
+    GetDesktopSharedData().hhook = kBogusHook;
     ExpectWorks();
 }
 
 TEST_F(DoMonitorStale, DesktopWordsAreReplaced) {
     TestWindow wndOther;
-    desktopSharedData.nCompanyMsg = 1;
-    desktopSharedData.hwndListView = wndOther;
-    desktopSharedData.hwndView = wndOther;
+    GetDesktopSharedData().nCompanyMsg = 1;
+    GetDesktopSharedData().hwndListView = wndOther;
+    GetDesktopSharedData().hwndView = wndOther;
     ExpectWorks();
 }
 
@@ -396,17 +398,17 @@ TEST_F(DoMonitorStale, HookOfALivingMonitorStandsUntilTheRoundEnds) {
         other = std::make_unique<MyMonitor_Wnd>(otherFrontEnd);
         ASSERT_TRUE(other->CreateHidden(nullptr));
     });
-    desktopSharedData.hwndMonitor = *other;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = *other;
+    GetDesktopSharedData().hhook = kBogusHook;
     HHOOK hhookSeen = nullptr;
     frontEnd.fnRoundStart = [&](MyMonitor_Wnd&) {
-        hhookSeen = desktopSharedData.hhook;
+        hhookSeen = GetDesktopSharedData().hhook;
         Close();
     };
     Run(nullptr, 1);
     EXPECT_EQ(kBogusHook, hhookSeen);
     EXPECT_EQ(1, desktop.SpyView().CountOfCode(kCodeAttach)); // the detach alone
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     desktop.Run([&] {
         other->Destroy();
         other.reset();

@@ -13,7 +13,7 @@ class CaptureOutcome : public EngineTest {
     void SetUp() override {
         EngineTest::SetUp();
         ASSERT_TRUE(monitor.CreateHidden(nullptr));
-        desktopSharedData.hwndMonitor = monitor;
+        GetDesktopSharedData().hwndMonitor = monitor;
     }
     void TearDown() override {
         monitor.Destroy();

@@ -14,6 +14,9 @@ class DesktopDiscovery : public testing::Test {
   protected:
     HWND AddTop(const wchar_t* pszClass) { return Add(pszClass, nullptr, WS_POPUP); }
     HWND AddView(HWND hwndParent) { return Add(L"SHELLDLL_DefView", hwndParent, WS_CHILD); }
+    HWND AddChild(const wchar_t* pszClass, HWND hwndParent) {
+        return Add(pszClass, hwndParent, WS_CHILD);
+    }
     HWND AddListView(HWND hwndParent) { return CreateTestListView(hwndParent); }
 
     void ExpectFound(HWND hwndView, HWND hwndListView) {
@@ -135,6 +138,45 @@ TEST(DesktopDiscoveryRace, WindowsThatGoDuringTheWalkDoNotEndIt) {
     bEnd = true;
     EXPECT_EQ(0, nMissed);
     EXPECT_GT(nMade, 20);
+}
+
+// The trees of the real shells, window by window.
+
+TEST_F(DesktopDiscovery, FindsTheViewOfTheFirstSystems) { // Windows XP; 7 and later at their start
+    HWND hwndProgman = AddTop(L"Progman");
+    HWND hwndView = AddView(hwndProgman);
+    HWND hwndListView = AddListView(hwndView);
+    AddTop(L"STATIC"); // a program's window
+    ExpectFound(hwndView, hwndListView);
+}
+
+// Windows 7 to 11 23H2, once something has asked Progman to part from the icons, as a slide show
+// of wallpapers does: one WorkerW has the view, the other, below it, the wallpaper.
+TEST_F(DesktopDiscovery, FindsTheViewThatHasLeftProgmanForAWorkerW) {
+    AddTop(L"Progman");
+    AddTop(L"WorkerW");
+    HWND hwndView = AddView(AddTop(L"WorkerW"));
+    HWND hwndListView = AddListView(hwndView);
+    AddTop(L"STATIC");
+    AddTop(L"WorkerW"); // hidden ones of other threads lie anywhere
+    ExpectFound(hwndView, hwndListView);
+}
+
+// Windows 11 24H2: Progman has both, the view and the WorkerW of the wallpaper, in either order.
+TEST_F(DesktopDiscovery, FindsTheViewBesideAWorkerWInProgman) {
+    HWND hwndProgman = AddTop(L"Progman");
+    AddChild(L"WorkerW", hwndProgman);
+    HWND hwndView = AddView(hwndProgman);
+    AddChild(L"WorkerW", hwndProgman);
+    HWND hwndListView = AddListView(hwndView);
+    AddTop(L"WorkerW");
+    ExpectFound(hwndView, hwndListView);
+}
+
+TEST_F(DesktopDiscovery, DoesNotLookIntoAWorkerWInProgman) {
+    HWND hwndWorker = AddChild(L"WorkerW", AddTop(L"Progman"));
+    AddListView(AddView(hwndWorker));
+    ExpectNotFound();
 }
 
 } // namespace

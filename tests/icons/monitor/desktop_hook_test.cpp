@@ -3,9 +3,11 @@
 #include "icons/icons_test_support.h"
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/monitor_wnd.h"
-#include "support/runtime_lookup.h"
+#include "support/replace_import.h"
 
 #include <gtest/gtest.h>
+
+extern "C" FARPROC __imp_SetWindowsHookExW;
 
 namespace {
 
@@ -18,7 +20,7 @@ class DesktopHook : public EngineTest {
         Share(view, nullptr);
     }
     void TearDown() override {
-        if (desktopSharedData.hhook == kBogusHook) desktopSharedData.hhook = nullptr;
+        if (GetDesktopSharedData().hhook == kBogusHook) GetDesktopSharedData().hhook = nullptr;
         RemoveDesktopHook();
         EngineTest::TearDown();
     }
@@ -28,7 +30,7 @@ class DesktopHook : public EngineTest {
 
 TEST_F(DesktopHook, InstallSetsAHookAndAttachesByThePostedCode) {
     InstallDesktopHook();
-    EXPECT_NE(nullptr, desktopSharedData.hhook);
+    EXPECT_NE(nullptr, GetDesktopSharedData().hhook);
     EXPECT_FALSE(AgentListView().IsAttached()); // the code is still in the queue
     auto sent = view.spyView.GetCode(kCodeAttach);
     ASSERT_EQ(1u, sent.size()); // the view got it at once
@@ -42,19 +44,19 @@ TEST_F(DesktopHook, InstallSetsAHookAndAttachesByThePostedCode) {
 }
 
 TEST_F(DesktopHook, InstallDoesNothingWhileAHookIsSet) {
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hhook = kBogusHook;
     InstallDesktopHook();
     PumpAll();
-    EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
     EXPECT_EQ(0, view.spyListView.CountOfCode(kCodeAttach));
     EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
 }
 
 TEST_F(DesktopHook, InstallTwiceSetsOneHook) {
     InstallDesktopHook();
-    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hhook = GetDesktopSharedData().hhook;
     InstallDesktopHook();
-    EXPECT_EQ(hhook, desktopSharedData.hhook);
+    EXPECT_EQ(hhook, GetDesktopSharedData().hhook);
     PumpAll();
     EXPECT_EQ(1, view.spyListView.CountOfCode(kCodeAttach));
 }
@@ -66,11 +68,40 @@ TEST_F(DesktopHook, InstallSurvivesAWindowThatIsGone) {
     EXPECT_FALSE(AgentListView().IsAttached());
 }
 
+std::vector<DWORD> hookedThreads;
+
+HHOOK WINAPI NoteHook(int, HOOKPROC, HINSTANCE, DWORD dwThread) {
+    hookedThreads.push_back(dwThread);
+    return kBogusHook;
+}
+
+TEST_F(DesktopHook, IsForTheListViewsThread) {
+    ReplaceImport hook(__imp_SetWindowsHookExW, &NoteHook);
+    hookedThreads.clear();
+    InstallDesktopHook();
+    EXPECT_EQ(std::vector<DWORD>{::GetCurrentThreadId()}, hookedThreads);
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
+}
+
+// Thread 0 would be every thread of the desktop.
+TEST_F(DesktopHook, IsNotSetWhereTheListViewHasNoThread) {
+    ReplaceImport hook(__imp_SetWindowsHookExW, &NoteHook);
+    hookedThreads.clear();
+    HWND hwndGone = view.hwndListView;
+    ::DestroyWindow(hwndGone);
+    for (HWND hwnd : {hwndGone, static_cast<HWND>(nullptr)}) {
+        GetDesktopSharedData().hwndListView = hwnd;
+        InstallDesktopHook();
+        EXPECT_TRUE(hookedThreads.empty());
+        EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
+    }
+}
+
 TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
     InstallDesktopHook();
     PumpAll();
     RemoveDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     EXPECT_FALSE(AgentListView().IsAttached());
     EXPECT_FALSE(AgentView().IsAttached());
     // No hook sees the thread's messages any more.
@@ -81,10 +112,10 @@ TEST_F(DesktopHook, RemoveDetachesBothWindowsAndTakesTheHookAway) {
 
 TEST_F(DesktopHook, RemoveDetachesTheListViewThenTheViewThenUnhooks) {
     InstallDesktopHook(); // nothing attached yet: the windows themselves see the codes
-    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hhook = GetDesktopSharedData().hhook;
     HHOOK hSeenByView = nullptr;
     view.spyView.handler = [&](UINT uMsg, WPARAM, LPARAM, LRESULT*) {
-        if (uMsg == GetTestCompanyMsg()) hSeenByView = desktopSharedData.hhook;
+        if (uMsg == GetTestCompanyMsg()) hSeenByView = GetDesktopSharedData().hhook;
         return 0;
     };
     view.spyView.Clear();
@@ -123,109 +154,35 @@ TEST_F(DesktopHook, RemoveWithoutAHookSendsNothing) {
 }
 
 TEST_F(DesktopHook, OfAMonitorThatHasGoneIsForgotten) {
-    desktopSharedData.hhook = kBogusHook;
-    desktopSharedData.hwndMonitor = nullptr;
+    GetDesktopSharedData().hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = nullptr;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 
     TestWindow wndGone;
-    desktopSharedData.hwndMonitor = wndGone;
+    GetDesktopSharedData().hwndMonitor = wndGone;
     wndGone.Destroy();
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 }
 
 TEST_F(DesktopHook, OfAHandleThatIsSomebodyElsesWindowNowIsForgotten) {
     TestWindow wndOther;
-    desktopSharedData.hwndMonitor = wndOther;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = wndOther;
+    GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 }
 
 TEST_F(DesktopHook, OfAMonitorThatLivesIsLeftAlone) {
     FakeFrontEnd frontEnd;
     MyMonitor_Wnd monitor(frontEnd);
     ASSERT_TRUE(monitor.CreateHidden(nullptr));
-    desktopSharedData.hwndMonitor = monitor;
-    desktopSharedData.hhook = kBogusHook;
+    GetDesktopSharedData().hwndMonitor = monitor;
+    GetDesktopSharedData().hhook = kBogusHook;
     ForgetStaleDesktopHook();
-    EXPECT_EQ(kBogusHook, desktopSharedData.hhook);
-    monitor.Destroy();
-}
-
-// What the shell may send
-
-struct LetInCall {
-    HWND hwnd; // null: for the whole process
-    UINT uMsg;
-    DWORD dwAction;
-    bool operator==(const LetInCall&) const = default;
-};
-
-std::vector<LetInCall> letIn;
-
-BOOL WINAPI FilterOfWindow(HWND hwnd, UINT uMsg, DWORD dwAction, void*) {
-    letIn.push_back({hwnd, uMsg, dwAction});
-    return TRUE;
-}
-
-BOOL WINAPI FilterOfProcess(UINT uMsg, DWORD dwAction) {
-    letIn.push_back({nullptr, uMsg, dwAction});
-    return TRUE;
-}
-
-constexpr DWORD kAllow = 1; // MSGFLT_ALLOW and MSGFLT_ADD of winuser.h
-
-class MessageGate : public EngineTest {
-  protected:
-    void SetUp() override {
-        EngineTest::SetUp();
-        letIn.clear();
-    }
-};
-
-TEST_F(MessageGate, OpensTheMonitorWindowForTheShellsMessages) {
-    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", AsProc(&FilterOfWindow)},
-                            {"ChangeWindowMessageFilter", AsProc(&FilterOfProcess)}});
-    RegisterTaskbarCreated();
-    FakeFrontEnd frontEnd;
-    MyMonitor_Wnd monitor(frontEnd);
-    ASSERT_TRUE(monitor.CreateHidden(nullptr));
-    HWND hwnd = monitor;
-    EXPECT_EQ((std::vector<LetInCall>{{hwnd, GetTestCompanyMsg(), kAllow},
-                                      {hwnd, WM_COPYDATA, kAllow},
-                                      {hwnd, GetTestTaskbarCreated(), kAllow}}),
-              letIn);
-    monitor.Destroy();
-}
-
-TEST_F(MessageGate, OpensTheProcessWhereWindowsHaveNoFilter) {
-    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", nullptr},
-                            {"ChangeWindowMessageFilter", AsProc(&FilterOfProcess)}});
-    TestWindow wnd;
-    LetShellMessagesIn(wnd, GetTestTaskbarCreated());
-    EXPECT_EQ((std::vector<LetInCall>{{nullptr, GetTestCompanyMsg(), kAllow},
-                                      {nullptr, WM_COPYDATA, kAllow},
-                                      {nullptr, GetTestTaskbarCreated(), kAllow}}),
-              letIn);
-}
-
-TEST_F(MessageGate, NeverOpensForTheNullMessage) {
-    ReplaceFunctions funcs({{"ChangeWindowMessageFilterEx", AsProc(&FilterOfWindow)}});
-    TestWindow wnd;
-    LetShellMessagesIn(wnd, 0);
-    for (const LetInCall& call : letIn) EXPECT_NE(static_cast<UINT>(WM_NULL), call.uMsg);
-    EXPECT_EQ(2u, letIn.size());
-}
-
-TEST_F(MessageGate, IsNotThereOnOlderSystems) {
-    HideFunctions hidden{"ChangeWindowMessageFilterEx", "ChangeWindowMessageFilter"};
-    FakeFrontEnd frontEnd;
-    MyMonitor_Wnd monitor(frontEnd);
-    EXPECT_TRUE(monitor.CreateHidden(nullptr));
-    EXPECT_TRUE(letIn.empty());
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
     monitor.Destroy();
 }
 

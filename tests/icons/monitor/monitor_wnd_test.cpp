@@ -415,9 +415,9 @@ TEST_F(MonitorWnd, LeavesTheShellCleanBeforeTheSessionMayEnd) {
     monitor->SetHook(1);
     PumpAll();
     ASSERT_TRUE(AgentListView().IsAttached());
-    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hhook = GetDesktopSharedData().hhook;
     EXPECT_NE(0, Send(WM_QUERYENDSESSION, 0, 0)); // the base agrees
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     EXPECT_FALSE(AgentListView().IsAttached());
     EXPECT_FALSE(AgentView().IsAttached());
     EXPECT_FALSE(::UnhookWindowsHookEx(hhook));
@@ -439,7 +439,7 @@ TEST_F(MonitorWnd, HooksAgainWhenTheSessionsEndIsCancelled) {
     Send(WM_QUERYENDSESSION, 0, 0);
     Send(WM_ENDSESSION, 0, 0);
     PumpAll();
-    EXPECT_NE(nullptr, desktopSharedData.hhook);
+    EXPECT_NE(nullptr, GetDesktopSharedData().hhook);
     EXPECT_TRUE(AgentListView().IsAttached());
     EXPECT_TRUE(AgentView().IsAttached());
     EXPECT_EQ(0, TakeCloses());
@@ -450,7 +450,7 @@ TEST_F(MonitorWnd, ClosesWhenTheSessionEnds) {
     Send(WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(::IsWindow(Wnd()));
     EXPECT_EQ(1, TakeCloses());
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     EXPECT_EQ(1, base.counts[WM_ENDSESSION]);
 }
 
@@ -458,14 +458,14 @@ TEST_F(MonitorWnd, SetsAndRemovesTheHook) {
     monitor->SetHook(0);
     EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach));
     monitor->SetHook(7);
-    HHOOK hhook = desktopSharedData.hhook;
+    HHOOK hhook = GetDesktopSharedData().hhook;
     EXPECT_NE(nullptr, hhook);
     PumpAll();
     EXPECT_TRUE(AgentListView().IsAttached());
     monitor->SetHook(1);
-    EXPECT_EQ(hhook, desktopSharedData.hhook);
+    EXPECT_EQ(hhook, GetDesktopSharedData().hhook);
     monitor->SetHook(0);
-    EXPECT_EQ(nullptr, desktopSharedData.hhook);
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
     EXPECT_FALSE(AgentListView().IsAttached());
     EXPECT_FALSE(AgentView().IsAttached());
 }

@@ -503,13 +503,13 @@ class SnapshotRestore : public testing::Test {
     };
 
     void SetUp() override {
-        desktopSharedData.hwndListView = view.hwndListView;
+        GetDesktopSharedData().hwndListView = view.hwndListView;
         view.spyListView.handler = [this](UINT uMsg, WPARAM wParam, LPARAM lParam,
                                           LRESULT* plResult) {
             return Keep(uMsg, wParam, lParam, plResult);
         };
     }
-    void TearDown() override { desktopSharedData.hwndListView = nullptr; }
+    void TearDown() override { GetDesktopSharedData().hwndListView = nullptr; }
     int Keep(UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
         if (uMsg != WM_COPYDATA) return 0;
         const auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
@@ -624,7 +624,7 @@ TEST_F(SnapshotRestore, WithoutAutoArrangeNothingIsAsked) {
 }
 
 TEST_F(SnapshotRestore, WithoutAListViewOnlyTheMarkIsSet) {
-    desktopSharedData.hwndListView = nullptr;
+    GetDesktopSharedData().hwndListView = nullptr;
     raw.Plant(kTime, MakeLayout(2));
     RestoreSnapshot(kTime);
     EXPECT_EQ(NameOf(kTime), GetMark());

@@ -217,7 +217,7 @@ class TrayFrontEndTest : public EngineTest {
         EngineTest::SetUp();
         ASSERT_TRUE(tray.IsInFront());
         ASSERT_TRUE(monitor.CreateHidden(nullptr));
-        desktopSharedData.hwndMonitor = monitor;
+        GetDesktopSharedData().hwndMonitor = monitor;
     }
     void TearDown() override {
         frontEnd.OnRoundEnd();
@@ -310,11 +310,11 @@ class TrayOfTheMonitor : public EngineTest {
     void Run(int bQuiet, std::function<void()> fnDriver) {
         std::jthread driver([&] {
             bool bStands = WaitUntil([] {
-                return desktopSharedData.hwndMonitor && ::FindWindowW(kTrayIconClass, nullptr);
+                return GetDesktopSharedData().hwndMonitor && ::FindWindowW(kTrayIconClass, nullptr);
             });
             EXPECT_TRUE(bStands);
             if (bStands) fnDriver();
-            ::PostMessageW(desktopSharedData.hwndMonitor, WM_CLOSE, 0, 0);
+            ::PostMessageW(GetDesktopSharedData().hwndMonitor, WM_CLOSE, 0, 0);
         });
         DoMonitor(nullptr, bQuiet);
     }
@@ -343,10 +343,10 @@ TEST_F(TrayOfTheMonitor, IsThereWithoutABalloonWhenQuiet) {
 TEST_F(TrayOfTheMonitor, TellsTheOutcomeOfARequestedCapture) {
     Run(1, [] {
         EXPECT_TRUE(WaitUntil([] { return ReadStoredSnapshots().size() == 1; }));
-        ::SendMessageTimeoutW(desktopSharedData.hwndMonitor, WM_NULL, 0, 0, 0, kTestDeadlineMs,
+        ::SendMessageTimeoutW(GetDesktopSharedData().hwndMonitor, WM_NULL, 0, 0, 0, kTestDeadlineMs,
                               nullptr);
         MyMonitor_Wnd::GetCurrent()->SetSnapshotAnnounce(1);
-        ::PostMessageW(desktopSharedData.hwndListView, GetTestCompanyMsg(), 372, 0);
+        ::PostMessageW(GetDesktopSharedData().hwndListView, GetTestCompanyMsg(), 372, 0);
         EXPECT_TRUE(WaitUntil([] { return !MyMonitor_Wnd::GetCurrent()->GetSnapshotAnnounce(); }));
     });
     ASSERT_EQ(3u, tray.calls.size());
@@ -358,10 +358,10 @@ TEST_F(TrayOfTheMonitor, IsReplacedWhenTheShellRestarts) {
     HWND hwndFirst = nullptr, hwndSecond = nullptr;
     Run(0, [&] {
         hwndFirst = ::FindWindowW(kTrayIconClass, nullptr);
-        HWND hwndMonitor = desktopSharedData.hwndMonitor;
+        HWND hwndMonitor = GetDesktopSharedData().hwndMonitor;
         ::PostMessageW(hwndMonitor, GetTestTaskbarCreated(), 0, 0);
         EXPECT_TRUE(WaitUntil([&] {
-            HWND hwnd = desktopSharedData.hwndMonitor;
+            HWND hwnd = GetDesktopSharedData().hwndMonitor;
             return hwnd && hwnd != hwndMonitor && !::IsWindow(hwndFirst);
         }));
         EXPECT_TRUE(WaitUntil([&] {
@@ -380,7 +380,7 @@ TEST_F(TrayOfTheMonitor, GoesAtTheProductsCloseRequestToAll) {
         HWND hwndIcon = ::FindWindowW(kTrayIconClass, nullptr);
         ::PostMessageW(hwndIcon, GetTestCompanyMsg(), 1, kProductId);
         EXPECT_TRUE(WaitUntil([&] { return !::IsWindow(hwndIcon); }));
-        ::PostMessageW(desktopSharedData.hwndMonitor, GetTestCompanyMsg(), 1, kProductId);
+        ::PostMessageW(GetDesktopSharedData().hwndMonitor, GetTestCompanyMsg(), 1, kProductId);
     });
     DoMonitor(nullptr, 1);
     EXPECT_EQ("add delete", tray.TakeNames());

@@ -72,6 +72,8 @@ class Bare : public CSThreadEx {
     unsigned DoThreadEx() override { return 1; }
 };
 
+// The compiler takes the operator for one that frees the pointer that it is given.
+#pragma GCC diagnostic ignored "-Wfree-nonheap-object"
 /// A thread that is not the beginning of its object.
 struct Other {
     virtual ~Other() = default;

@@ -1,0 +1,13 @@
+#pragma once
+#include <windows.h>
+
+/// Lets what the shell sends to the monitor window through to it: the company message, captures
+/// (WM_COPYDATA) and "TaskbarCreated", whose id is given (0: it is not registered). Only where the
+/// monitor runs at a higher integrity level than the shell of GetDesktopSharedData, as one does
+/// that was started as administrator: from Vista on it would otherwise get none of them. A shell
+/// whose level can't be asked counts as one of the level that shells have by default. Monitor's
+/// thread only.
+///
+/// The platform knows no single senders: while the gate is open, every program of the shell's level
+/// and of those below it can send these to the window (on Vista to every window of the process).
+void LetShellMessagesIn(HWND hwnd, UINT uTaskbarCreatedMsg);

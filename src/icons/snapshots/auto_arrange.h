@@ -1,0 +1,8 @@
+#pragma once
+#include <windows.h>
+
+/// Makes the desktop leave its icons where they are put, as a restore needs it. If it arranges them
+/// by itself, which the list view's style or, where the folder view is in charge, that one's flags
+/// can say, the user is asked once; after a yes both are cleared. False after any other answer:
+/// nothing has been changed then. For the monitor's thread; COM is used for the length of the call.
+[[nodiscard]] bool ClearAutoArrange(HWND hwndListView);
