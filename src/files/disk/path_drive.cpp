@@ -11,6 +11,7 @@
 #include <windows.h>
 #include <winnetwk.h>
 #include <cwchar>
+#include <iterator>
 #include <utility>
 
 namespace {
