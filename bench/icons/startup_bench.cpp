@@ -15,7 +15,7 @@
 
 namespace {
 constexpr int kStarts = 15, kDesktopIcons = 100;
-constexpr double kLimit = 3.0;
+constexpr double kLimit = 2.0;
 
 double SecondsToFirstSnapshot(TestDesktop& desktop, SIZE_T& cbWorkingSet) {
     SnapshotReader reader;
