@@ -1,45 +1,55 @@
-// What the engine's work on 999 icons costs beside the bare list-view messages, and what the hook
-// costs beside one that does nothing. `bench_engine`; starts a second process of itself that owns
-// the list view.
+// What capture and restore of 999 icons cost in the shell beside the bare list-view messages, and
+// what the hook costs beside one that does nothing. `bench_engine`; starts a second process of
+// itself that owns the list view.
 
 #include "../measure.h"
 #include "icons/agent/agent.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/agent/icon_record.h"
 #include "list_view_owner.h"
+#include "support/replace_import.h"
 
 #include <commctrl.h>
+#include <cstdlib>
 #include <string>
 
+extern "C" FARPROC __imp_CallNextHookEx; // where the import's address lies
+
 namespace {
-HWND StartOwner(HANDLE& hProcess) {
-    wchar_t szPath[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, szPath, MAX_PATH);
-    std::wstring strCommand = L"\"" + std::wstring(szPath) + L"\" --owner";
-    STARTUPINFOW si{};
-    si.cb = sizeof(si);
-    PROCESS_INFORMATION pi{};
-    if (!::CreateProcessW(szPath, strCommand.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                          &si, &pi)) {
-        return nullptr;
-    }
-    ::CloseHandle(pi.hThread);
-    hProcess = pi.hProcess;
-    for (int i = 0; i < 500; ++i) {
-        HWND hwnd = ::FindWindowW(kOwnerClass, nullptr);
-        if (hwnd && ::IsWindowVisible(hwnd)) return hwnd;
-        ::Sleep(20);
-    }
-    return nullptr;
+constexpr UINT kMsgCapture = kMsgOwnWork;         // CaptureIcons of all items
+constexpr UINT kMsgRestore = kMsgOwnWork + 1;     // RestoreFrom with records of all items
+constexpr UINT kMsgBareRestore = kMsgOwnWork + 2; // the list-view messages of it
+
+std::vector<IconRecord> CaptureAll(HWND hwndList) {
+    std::vector<IconRecord> records(kIcons);
+    CaptureIcons(hwndList, records.data(), kIcons);
+    return records;
 }
 
-/// Medians of what the owner itself measured, in turn.
-Comparison CompareInOwner(HWND hwnd, int nTurns, UINT uFirst, UINT uSecond) {
-    auto turnOf = [hwnd](UINT uMsg) {
-        return static_cast<double>(::SendMessageW(hwnd, uMsg, 0, 0)) / 1e6;
-    };
-    return CompareTimed(
-        nTurns, [&] { return turnOf(uFirst); }, [&] { return turnOf(uSecond); });
+LRESULT DoOwnWork(HWND hwndList, UINT uMsg, WPARAM, LPARAM) {
+    static std::vector<IconRecord> records = CaptureAll(hwndList), scratch = records;
+    switch (uMsg) {
+    case kMsgCapture:
+        return Microseconds([hwndList] { CaptureIcons(hwndList, scratch.data(), kIcons); });
+    case kMsgRestore:
+        return TimeRestore(hwndList, [hwndList] {
+            COPYDATASTRUCT data{kIcons, static_cast<DWORD>(kIcons * sizeof(IconRecord)),
+                                records.data()};
+            RestoreFrom(hwndList, data);
+        });
+    case kMsgBareRestore: return TimeRestore(hwndList, [hwndList] { RestoreBare(hwndList); });
+    }
+    return 0;
+}
+
+/// A turn that the owner itself measures, in seconds.
+double TurnInOwner(HWND hwnd, UINT uMsg) {
+    LRESULT nMicroseconds = ::SendMessageW(hwnd, uMsg, 0, 0);
+    if (nMicroseconds < 0) {
+        std::puts("the restore did not put the icons back");
+        std::exit(1);
+    }
+    return static_cast<double>(nMicroseconds) / 1e6;
 }
 
 /// Reads the list from this process, item by item, through memory allocated in the owner's.
@@ -72,6 +82,9 @@ LRESULT CALLBACK EmptyHook(int nCode, WPARAM wParam, LPARAM lParam) {
     return ::CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
 
+/// Stands for the platform's function, which costs far more than either procedure.
+LRESULT CALLBACK NoNextHook(HHOOK, int, WPARAM, LPARAM) { return 0; }
+
 /// Sends messages of this thread through its queue, with that hook on it.
 void PumpThrough(HOOKPROC pfnHook) {
     HHOOK hhook = ::SetWindowsHookExW(WH_GETMESSAGE, pfnHook, nullptr, ::GetCurrentThreadId());
@@ -83,44 +96,72 @@ void PumpThrough(HOOKPROC pfnHook) {
     ::UnhookWindowsHookEx(hhook);
 }
 
-/// The two procedures themselves, without the queue, which costs far more than either.
+constexpr int kCalls = 10'000;
+
+/// The procedure called directly, without the queue.
 void CallMany(HOOKPROC pfnHook) {
     MSG msg{};
     msg.message = WM_MOUSEMOVE;
-    for (int i = 0; i < 10'000; ++i) pfnHook(HC_ACTION, PM_REMOVE, reinterpret_cast<LPARAM>(&msg));
+    for (int i = 0; i < kCalls; ++i) pfnHook(HC_ACTION, PM_REMOVE, reinterpret_cast<LPARAM>(&msg));
 }
-} // namespace
 
-int main(int argc, char** argv) {
-    if (argc > 1 && std::string(argv[1]) == "--owner") return RunOwner();
+Comparison CompareCalls() {
+    return Compare(
+        41, [] { CallMany(&DesktopHookProc); }, [] { CallMany(&EmptyHook); });
+}
+
+/// What a foreign message costs in the procedure itself, where a ratio to next to nothing says
+/// nothing.
+bool ReportProcedureAlone() {
+    ReplaceImport replaced(__imp_CallNextHookEx, &NoNextHook);
+    constexpr double kLimitNs = 20;
+    Comparison c = CompareCalls();
+    double dOurs = c.dFirst / kCalls * 1e9, dEmpty = c.dSecond / kCalls * 1e9;
+    bool bOk = dOurs - dEmpty <= kLimitNs;
+    std::printf("%-58s %8.2f ns / %8.2f ns (at most %.0f ns more) spread %2.0f%% %s\n",
+                "hook's procedure alone / empty one, without the next hook", dOurs, dEmpty,
+                kLimitNs, c.dSpread * 100, bOk ? "ok" : "MISSED");
+    return bOk;
+}
+
+bool MeasureCapture() {
     HANDLE hProcess = nullptr;
     HWND hwnd = StartOwner(hProcess);
     if (!hwnd) {
         std::puts("the process that owns the list view did not start");
-        return 2;
+        return false;
     }
-    HWND hwndList = ::GetWindow(hwnd, GW_CHILD);
-    bool bOk = true;
-    bOk &= Report("capture of 999 icons / bare messages",
-                  CompareInOwner(hwnd, 41, kMsgCapture, kMsgBareRead), 1.15, true);
-    bOk &= Report("restore of 999 icons / capture and bare moves",
-                  CompareInOwner(hwnd, 41, kMsgRestore, kMsgBareRestore), 1.25, true);
+    HWND hwndList = ListOf(hwnd);
+    bool bOk = Report("capture of 999 icons / bare messages",
+                      CompareTimed(
+                          41, [&] { return TurnInOwner(hwnd, kMsgCapture); },
+                          [&] { return TurnInOwner(hwnd, kMsgBareRead); }),
+                      1.15, true);
+    bOk &= Report("restore of 999 icons / bare messages",
+                  CompareTimed(
+                      41, [&] { return TurnInOwner(hwnd, kMsgRestore); },
+                      [&] { return TurnInOwner(hwnd, kMsgBareRestore); }),
+                  1.20, true);
     bOk &= Report("reading from outside / capture in the owner's process",
-                  {Compare(
-                       5, [&] { ReadFromOutside(hwndList, hProcess); }, [] {})
-                       .dFirst,
-                   CompareInOwner(hwnd, 21, kMsgCapture, kMsgCapture).dFirst, 0},
+                  CompareTimed(
+                      15, [&] { return Seconds([&] { ReadFromOutside(hwndList, hProcess); }); },
+                      [&] { return TurnInOwner(hwnd, kMsgCapture); }),
                   8, false);
     ::SendMessageW(hwnd, WM_CLOSE, 0, 0);
     ::WaitForSingleObject(hProcess, 5000);
+    return bOk;
+}
+} // namespace
 
+int main(int argc, char** argv) {
+    if (argc > 1 && std::string(argv[1]) == "--owner") return RunOwner(&DoOwnWork);
+    bool bOk = MeasureCapture();
     GetDesktopSharedData().nCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
-    bOk &= Report("foreign message through the hook / through an empty hook",
-                  Compare(
-                      41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),
-                  1.05, true);
-    Comparison bare = Compare(
-        41, [] { CallMany(&DesktopHookProc); }, [] { CallMany(&EmptyHook); });
-    bOk &= Report("10,000 calls of the hook / of an empty hook", bare, 1.05, true);
-    return bOk ? 0 : 1;
+bOk &= Report("foreign message through the hook / through an empty hook",
+              Compare(
+                  41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),
+              1.05, true);
+bOk &= Report("10,000 calls of the hook / of an empty hook", CompareCalls(), 1.05, true);
+bOk &= ReportProcedureAlone();
+return bOk ? 0 : 1;
 }

@@ -6,8 +6,10 @@
 #include <cstdint>
 
 // Calls of both are made by the compiler, which knows these names.
+// NOLINTBEGIN(bugprone-reserved-identifier): they are the compiler's to choose
 extern "C" std::uintptr_t __stack_chk_guard;
 extern "C" [[noreturn]] void __stack_chk_fail();
+// NOLINTEND(bugprone-reserved-identifier)
 
 // Never zero, even before the start has set it.
 constinit std::uintptr_t __stack_chk_guard = 0x9E3779B97F4A7C00;
