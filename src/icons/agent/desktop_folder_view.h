@@ -24,7 +24,7 @@
 
 // What shobjidl_core.h declares from Windows Vista on and the headers leave out for older systems.
 #ifndef __IFolderView2_INTERFACE_DEFINED__
-#define __IFolderView2_INTERFACE_DEFINED__
+#define __IFolderView2_INTERFACE_DEFINED__ // NOLINT(bugprone-reserved-identifier): the platform's
 /// The folder view from Windows 7 on: the methods as far as those that are called here, in the
 /// order of the platform's declaration; more follow, which nobody may call through this one.
 struct IFolderView2 : public IFolderView {

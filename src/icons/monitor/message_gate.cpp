@@ -35,7 +35,7 @@ std::optional<DWORD> ReadLevel(HANDLE hProcess) {
     DWORD cb = 0;
     if (!::GetTokenInformation(token.Get(), kTokenIntegrityLevel, &told, sizeof(told), &cb))
         return {};
-    auto* pSid = static_cast<const SID*>(told.label.Sid);
+    const auto* pSid = static_cast<const SID*>(told.label.Sid);
     if (!pSid || !pSid->SubAuthorityCount) return {};
     return pSid->SubAuthority[pSid->SubAuthorityCount - 1];
 }
