@@ -317,6 +317,8 @@ TEST(WinProNotSupported, TellsTheUserOnAProfessionalEdition) {
 
 TEST(WinProNotSupported, GivesOneWithoutABoxOnAHomeEdition) {
     ToldVersion told(Version(2, 5, 1, 1, 0x200));
-    EXPECT_EQ(1, WinProNotSupported(nullptr)); // a box would wait for ever
+    MessageBoxDriver driver({IDOK});
+    EXPECT_EQ(1, WinProNotSupported(nullptr));
+    EXPECT_TRUE(driver.Finish().empty());
 }
 } // namespace

@@ -19,6 +19,7 @@
 
 extern "C" FARPROC __imp_GetLocaleInfoW;
 extern "C" FARPROC __imp_GetDriveTypeW;
+extern "C" FARPROC __imp_RegOpenKeyExW;
 
 namespace {
 // Versions and editions
@@ -245,6 +246,15 @@ TEST(IsFastUserSwitchingEnabled, IsTheSystemsSwitchAndZeroWithoutIt) {
     keep.Put(0);
     EXPECT_EQ(0, IsFastUserSwitchingEnabled());
     ::RegDeleteValueW(keep.hkey, KeepSwitch::kName);
+    EXPECT_EQ(0, IsFastUserSwitchingEnabled());
+}
+
+LSTATUS WINAPI RefuseKey(HKEY, LPCWSTR, DWORD, REGSAM, HKEY*) { return ERROR_ACCESS_DENIED; }
+
+TEST(IsFastUserSwitchingEnabled, IsZeroWhereTheKeyCannotBeRead) {
+    KeepSwitch keep;
+    if (keep.hkey) keep.Put(1);
+    ReplaceImport replaced(__imp_RegOpenKeyExW, &RefuseKey);
     EXPECT_EQ(0, IsFastUserSwitchingEnabled());
 }
 

@@ -90,6 +90,16 @@ HRESULT WINAPI GiveCounting(LPMALLOC* pp) {
     *pp = pCounting;
     return S_OK;
 }
+IMalloc* pOfQuicker = nullptr;
+HRESULT WINAPI GiveCountingLate(LPMALLOC* pp) {
+    // While the first asks, another thread comes and goes.
+    if (++pCounting->nAskedFor == 1) {
+        std::thread([] { pOfQuicker = GetShellMalloc(); }).join();
+    }
+    pCounting->AddRef();
+    *pp = pCounting;
+    return S_OK;
+}
 HRESULT WINAPI GiveNothing(LPMALLOC* pp) {
     *pp = nullptr;
     return E_FAIL;
@@ -134,6 +144,15 @@ TEST_F(ShellMallocCalls, WithoutOneNothingIsFreed) {
     EXPECT_EQ(nullptr, GetShellMalloc());
     ShellFree(&nBlock);
     EXPECT_TRUE(counting.freed.empty());
+}
+
+TEST_F(ShellMallocCalls, SlowerThreadGivesItsReferenceBack) {
+    pOfQuicker = nullptr;
+    ReplaceImport slow(__imp_SHGetMalloc, &GiveCountingLate);
+    EXPECT_EQ(&counting, GetShellMalloc());
+    EXPECT_EQ(&counting, pOfQuicker);
+    EXPECT_EQ(2, counting.nAskedFor.load());
+    EXPECT_EQ(1, counting.nReferences);
 }
 
 TEST_F(ShellMallocCalls, ThreadsAtOnceHoldOneReference) {

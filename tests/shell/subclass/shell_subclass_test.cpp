@@ -1,4 +1,5 @@
 #include "shell/subclass/shell_subclass.h"
+#include "support/replace_import.h"
 #include "support/runtime_lookup.h"
 #include "support/test_window.h"
 
@@ -6,6 +7,8 @@
 #include <memory>
 #include <thread>
 #include <vector>
+
+extern "C" FARPROC __imp_SetWindowLongPtrW;
 
 namespace {
 // The platform's chain
@@ -378,6 +381,24 @@ TEST_F(FallbackTest, WindowThatIsGoneGivesZeroAndChangesNothing) {
     EXPECT_EQ(0, subclasser.Subclass(hwndGone));
     EXPECT_EQ(nullptr, subclasser.GetWindow());
     EXPECT_EQ(9u, subclasser.GetFirstField());
+}
+
+LONG_PTR WINAPI RefuseLong(HWND, int, LONG_PTR) { return 0; }
+
+TEST_F(FallbackTest, ProcedureThatIsNotTakenLeavesNothingBehind) {
+    TestWindow window;
+    UINT_PTR nBefore = ProcedureOf(window);
+    Subclasser subclasser(9);
+    {
+        ReplaceImport replaced(__imp_SetWindowLongPtrW, &RefuseLong);
+        EXPECT_EQ(0, subclasser.Subclass(window));
+    }
+    EXPECT_EQ(nBefore, ProcedureOf(window));
+    EXPECT_EQ(nullptr, ::GetPropW(window, ShellSubclass::GetTag()));
+    EXPECT_EQ(nullptr, subclasser.GetWindow());
+    EXPECT_EQ(9u, subclasser.GetFirstField());
+    EXPECT_EQ(1, subclasser.Subclass(window));
+    EXPECT_EQ(1, subclasser.Unsubclass());
 }
 
 TEST_F(FallbackTest, WindowOfAnotherProcessGivesZeroAndIsLeftAlone) {
