@@ -157,11 +157,11 @@ int main(int argc, char** argv) {
     if (argc > 1 && std::string(argv[1]) == "--owner") return RunOwner(&DoOwnWork);
     bool bOk = MeasureCapture();
     GetDesktopSharedData().nCompanyMsg = ::RegisterWindowMessageW(L"OrvantaMessage");
-bOk &= Report("foreign message through the hook / through an empty hook",
-              Compare(
-                  41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),
-              1.05, true);
-bOk &= Report("10,000 calls of the hook / of an empty hook", CompareCalls(), 1.05, true);
-bOk &= ReportProcedureAlone();
-return bOk ? 0 : 1;
+    bOk &= Report("foreign message through the hook / through an empty hook",
+                  Compare(
+                      41, [] { PumpThrough(&DesktopHookProc); }, [] { PumpThrough(&EmptyHook); }),
+                  1.05, true);
+    bOk &= Report("10,000 calls of the hook / of an empty hook", CompareCalls(), 1.05, true);
+    bOk &= ReportProcedureAlone();
+    return bOk ? 0 : 1;
 }
