@@ -16,6 +16,7 @@ class HeapArray {
     explicit HeapArray(std::size_t nWanted) noexcept {
         // Beyond that size the compiler's own test would raise an exception in programs that have
         // them.
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers may be elements too
         if (nWanted && nWanted <= PTRDIFF_MAX / sizeof(T)) p = new (std::nothrow) T[nWanted]();
         if (p) n = nWanted;
     }

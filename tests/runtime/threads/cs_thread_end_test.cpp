@@ -18,9 +18,10 @@ constexpr DWORD kChildMs = 120000;
 DWORD RunInChild(const wchar_t* pszName) {
     wchar_t szProgram[MAX_PATH];
     ::GetModuleFileNameW(nullptr, szProgram, MAX_PATH);
-    std::wstring strLine =
-        std::wstring(L"\"") + szProgram +
-        L"\" --gtest_also_run_disabled_tests --gtest_filter=CSThreadExChild.DISABLED_" + pszName;
+    std::wstring strLine = std::wstring(L"\"") + szProgram +
+                           L"\" --gtest_brief=1 --gtest_also_run_disabled_tests "
+                           L"--gtest_filter=CSThreadExChild.DISABLED_" +
+                           pszName;
     STARTUPINFOW start{};
     start.cb = sizeof(start);
     PROCESS_INFORMATION process{};
