@@ -255,7 +255,7 @@ TEST(WorkerWDesktop, HasTheViewAboveAnEmptyProgman) {
     EXPECT_EQ(L"WorkerW", ClassOf(hwndHost));
     EXPECT_EQ(desktop.Progman(), ::FindWindowW(L"Progman", nullptr));
     EXPECT_EQ(nullptr, ::FindWindowExW(desktop.Progman(), nullptr, L"SHELLDLL_DefView", nullptr));
-    EXPECT_TRUE(IsAbove(hwndHost, desktop.Progman()));
+    EXPECT_TRUE(WaitUntil([&] { return IsAbove(hwndHost, desktop.Progman()); }));
 }
 
 TEST(WorkerWInsideDesktop, HasTheViewInProgmanBeforeAWorkerW) {
@@ -265,7 +265,7 @@ TEST(WorkerWInsideDesktop, HasTheViewInProgmanBeforeAWorkerW) {
     HWND hwndWorker = ::FindWindowExW(desktop.Progman(), nullptr, L"WorkerW", nullptr);
     ASSERT_NE(nullptr, hwndWorker);
     EXPECT_EQ(nullptr, ::FindWindowExW(hwndWorker, nullptr, nullptr, nullptr));
-    EXPECT_TRUE(IsAbove(desktop.View(), hwndWorker));
+    EXPECT_TRUE(WaitUntil([&] { return IsAbove(desktop.View(), hwndWorker); }));
 }
 
 /// A window that counts the message.
