@@ -184,6 +184,8 @@ void SetMyProductAsCurrent() {
         [] { return myProductInfo.GetAppInstance(); },
         [] { return myProductInfo.GetName(); },
         [] { return myProductInfo.GetID(); },
+        [] { return myProductInfo.GetHelpFile(); },
+        [] { return myProductInfo.GetAppRootKey(); },
     });
 }
 

@@ -6,6 +6,8 @@ constinit CurrentProduct currentProduct = {
     [] { return hinstLibrary; },
     []() -> const wchar_t* { return L""; },
     []() -> unsigned short { return 0; },
+    []() -> const wchar_t* { return L""; },
+    []() -> const wchar_t* { return L""; },
 };
 } // namespace
 

@@ -15,12 +15,14 @@ void SetLibraryInstance(HINSTANCE hinst);
 
 /// How the product is asked. Nothing is remembered here: module and name can change at any time.
 struct CurrentProduct {
-    HINSTANCE (*pfnGetModule)();    // of the current application, or the library
-    const wchar_t* (*pfnGetName)(); // the title of message boxes; borrowed, never null
-    unsigned short (*pfnGetId)();   // the number by which the maker's programs know each other
+    HINSTANCE (*pfnGetModule)();        // of the current application, or the library
+    const wchar_t* (*pfnGetName)();     // the title of message boxes; borrowed, never null
+    unsigned short (*pfnGetId)();       // the number by which the maker's programs know each other
+    const wchar_t* (*pfnGetHelpFile)(); // the name of the file; borrowed, never null
+    const wchar_t* (*pfnGetRootKey)();  // the path of the settings' key; borrowed, never null
 };
 
-/// The product as it was set; until then its module is the library, its name is empty and its
+/// The product as it was set; until then its module is the library, its texts are empty and its
 /// number is 0.
 const CurrentProduct& GetCurrentProduct();
 

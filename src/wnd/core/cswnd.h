@@ -78,6 +78,8 @@ class TESSALY_API CSWnd {
     operator HWND() const;
     /// Whether the object is of the class "CSDlg", as IsKindOf has it.
     int IsDlg();
+    /// Whether the object is a control's: it can be taken for a CSCtrl.
+    int IsCtrl() const { return isCtrl; }
 
     /// Ties the object to a window that exists (null: the one that hWnd names). 1 on success. In a
     /// handler of a window that is gone as Create.

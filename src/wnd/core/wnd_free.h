@@ -49,3 +49,11 @@ TESSALY_API LRESULT SendMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
 /// The size of one line of text in pixels, in the window's font (the system's if it has none). 0,
 /// and *psize as it was, for a null text or size and for what is no window.
 TESSALY_API int GetTextSizeForWindow(HWND hwnd, LPCWSTR pszText, SIZE* psize);
+/// The same on the window's own context. 0 also for a window without a font of its own.
+TESSALY_API int GetWndTextSize(HWND hwnd, LPCWSTR pszText, SIZE* psize);
+/// The width of that, or 0.
+TESSALY_API int GetWndTextWidth(HWND hwnd, LPCWSTR pszText);
+
+/// The first window with WS_POPUP from this one upward, or the last one that there is. Null for
+/// null.
+TESSALY_API HWND GetPopupParent(HWND hwnd);

@@ -36,14 +36,20 @@ TEST_F(CurrentProductTest, LibraryStartSetsItsOwn) {
     EXPECT_EQ(::GetModuleHandleW(nullptr), GetLibraryInstance());
     EXPECT_STREQ(L"Tessaly", GetCurrentProduct().pfnGetName());
     EXPECT_EQ(GetLibraryInstance(), GetCurrentProduct().pfnGetModule());
+    EXPECT_STREQ(L"Tessaly.chm", GetCurrentProduct().pfnGetHelpFile());
+    EXPECT_STREQ(L"HKCU\\SOFTWARE\\Orvanta\\Tessaly", GetCurrentProduct().pfnGetRootKey());
 }
 
-TEST_F(CurrentProductTest, SetReplacesAllThree) {
+TEST_F(CurrentProductTest, SetReplacesAll) {
     SetCurrentProduct({[] { return kOther; }, []() -> const wchar_t* { return L"other"; },
-                       []() -> unsigned short { return 7; }});
+                       []() -> unsigned short { return 7; },
+                       []() -> const wchar_t* { return L"other.chm"; },
+                       []() -> const wchar_t* { return L"HKCU\\Other"; }});
     EXPECT_EQ(kOther, GetCurrentProduct().pfnGetModule());
     EXPECT_STREQ(L"other", GetCurrentProduct().pfnGetName());
     EXPECT_EQ(7, GetCurrentProduct().pfnGetId());
+    EXPECT_STREQ(L"other.chm", GetCurrentProduct().pfnGetHelpFile());
+    EXPECT_STREQ(L"HKCU\\Other", GetCurrentProduct().pfnGetRootKey());
     EXPECT_EQ(hinstBefore, GetLibraryInstance()) << "the library is what it was";
 }
 

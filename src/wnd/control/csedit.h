@@ -1,0 +1,69 @@
+#pragma once
+#include "runtime/base/export.h"
+#include "wnd/control/csctrl.h"
+#include <windows.h>
+
+/// An edit control. Results that are not told are those of the message that is sent; positions
+/// count characters from 0.
+class TESSALY_API CSEdit : public CSCtrl {
+  public:
+    CSEdit() = default;
+    ~CSEdit() override;
+
+    LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
+    int OnCtlColor(unsigned int uMsg, HDC hdc, HBRUSH* phbr) override;
+
+    void Clear(); ///< the empty text
+    void GetSel(int& nStart, int& nEnd);
+    void SetSel(int nStart, int nEnd);
+    /// bUndo: the user can undo it.
+    void ReplaceSel(LPCWSTR pszText, int bUndo);
+    LRESULT PosFromChar(int nChar);
+    void SetMaxTextLimit(unsigned int cch);
+    int IsModified();
+    void SetModified(int bModified);
+    wchar_t GetPasswordChar();
+    void SetPasswordChar(wchar_t ch);
+
+    /// Lets the next select-all pass by, as the dialog sends it to an edit that gets the focus.
+    void BlockNextSelAll(int bBlock) { blockSelAll = bBlock; }
+    /// The soft read-only mode: the user can select, scroll and copy, and the colours stay.
+    // QUIRK: WM_CLEAR and EM_REPLACESEL get through. Test:
+    // CSEdit.SoftReadOnlyLetsClearAndReplaceThrough
+    void SetReadOnly(int bReadOnly) { readOnly = bReadOnly; }
+    int GetReadOnly() const { return readOnly; }
+
+    /// The background, 0x00BBGGRR.
+    void SetBkgColor(unsigned long cr);
+    void ClearBkgColor();
+
+    /// A balloon at the edit; icon is a TTI_ value (commctrl.h). 0 before Windows XP, and where the
+    /// platform shows none.
+    int ShowBalloon(LPCWSTR pszTitle, LPCWSTR pszText, int nIcon);
+    int HideBalloon();
+
+  protected:
+    int readOnly = 0;
+    int blockSelAll = 0;
+    HBRUSH editBrush = nullptr; // owned
+};
+
+class TESSALY_API CSMultiLineEdit : public CSEdit {
+  public:
+    int GetLineCount();
+    int LineFromChar(int nChar);
+};
+
+// Edit controls by their handle
+
+/// Characters of a line, with its line end unless it is the last one; 0 if there is no such line.
+TESSALY_API int EditCtrl_GetLineSize(HWND hwnd, unsigned int nLine);
+/// Reads a line without its end into cch characters (of which the low 16 bits count), and
+/// terminates it. Returns the characters read; with 0 the buffer holds no text.
+TESSALY_API int EditCtrl_GetLine(HWND hwnd, unsigned int nLine, wchar_t* pszBuffer,
+                                 unsigned int cch);
+
+/// 1 if the shell can complete paths in an edit. Found out once.
+TESSALY_API int CanAutoComplete();
+/// SHAutoComplete, found at run time: E_NOTIMPL without it, S_OK for a null window.
+TESSALY_API HRESULT MySHAutoComplete(HWND hwndEdit, unsigned long dwFlags);

@@ -1,0 +1,323 @@
+#pragma once
+#include "runtime/base/cs_list.h"
+#include "runtime/base/export.h"
+#include "runtime/threads/message_pump.h"
+#include "wnd/core/cswnd.h"
+#include "wnd/dialog/dlg_hooks.h"
+#include "wnd/dialog/dlg_layout_data.h"
+#include <windows.h>
+
+class CSCtrl;
+
+/// The flag word of a dialog.
+enum CSDlgFlag : unsigned long {
+    kDlgResizeWidth = 0x1,
+    kDlgResizeHeight = 0x2,
+    kDlgNoCorner = 0x4,              // no resizing corner is drawn
+    kDlgShowsItself = 0x8,           // not hidden during initialisation and not shown afterwards
+    kDlgFixedWidth = 0x10,           // not resizable: the width is held at the first one seen
+    kDlgFixedHeight = 0x20,          // likewise the height
+    kDlgResizeEdges = 0x100,         // the edges of the client area resize too, not just the corner
+    kDlgTopmostAtStart = 0x400,      // until it has been active
+    kDlgKeepBodyCursor = 0x40000000, // the dragger leaves the cursor over the body alone
+    kDlgStartHidden = 0x80000000,
+};
+
+/// Where a dialog comes up, see CSDlg::alignMode.
+enum CSDlgAlign { kDlgCentered = 1, kDlgCascaded = 2, kDlgAtMouse = 3 };
+
+/// A dialog: runs a template modally, modelessly, or modelessly with a message loop of its own, and
+/// turns its messages into virtual operations. Each control of it that has an id gets a CSCtrl
+/// object. The object outlives its window and can be run again; isClosed, the mark of the first
+/// show and that of collected data stay set until a derived class clears them.
+///
+/// All of it belongs to the thread that runs the dialog. A negative template id, as a negative
+/// string id, names a resource of this library by its absolute value. Where a result is not told it
+/// is the platform's; an item that does not exist is nothing to do.
+class TESSALY_API CSDlg : public CSWnd {
+  public:
+    explicit CSDlg(void* pUnused = nullptr);
+    ~CSDlg() override;
+
+    int IsKindOf(LPCWSTR pszClass) override;
+    LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
+    void OnPostNcDestroy() override;
+    void OnActivate(int bActive) override;
+    void OnSystemSettingChange(WPARAM wParam, LPARAM lParam) override;
+
+    // The virtual operations of a dialog; their order is fixed.
+
+    /// Once, when the dialog is first shown: derived dialogs fill their controls. 1.
+    virtual int UpdateControls();
+    /// Derived dialogs check and collect what was entered; 0 keeps the dialog open. The default
+    /// gives 1 and remembers that, so that OnOK asks no second time.
+    virtual int UpdateData();
+    /// Size and place, then OnInitDone. The result is WM_INITDIALOG's.
+    virtual __int64 OnInitDialog(unsigned __int64 wParam, __int64 lParam);
+    virtual void OnShowWindow(int bShow, unsigned long dwStatus);
+    /// The control that the notification comes from is asked first, then a tooltip gets its text.
+    virtual __int64 OnNotify(int nId, NMHDR* pHdr);
+    /// Every message of the dialog procedure: asks the dialog's hooks.
+    virtual __int64 OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam);
+    /// The company message (wnd/core/company_msg.h); non-zero: it was handled here.
+    virtual int OnMyCompanyMsg(unsigned __int64 qwCode, __int64 qwData, __int64* pqwResult);
+    /// Shows the help page of this dialog, or that which a dialog above names. pInfo may be null.
+    virtual void OnHelp(HELPINFO* pInfo);
+    virtual __int64 OnOK();
+    virtual __int64 OnCancel();
+    /// WM_COMMAND: the control's object first. Code 0 is a click, of IDOK, IDCANCEL and IDHELP too.
+    virtual __int64 OnCommand(unsigned short nId, unsigned short nCode, HWND hwndCtl);
+    /// Non-zero swallows the system command; the low four bits of nCmd are 0.
+    virtual int OnSysCommand(unsigned short nCmd, unsigned short x, unsigned short y);
+    virtual void OnButtonClicked(unsigned short nId);
+    virtual void OnComboSelChanged(unsigned short nId);
+    virtual void OnDeleteItem(unsigned int nId, void* pItem);
+    /// WM_CTLCOLOR...: non-zero, and *phbr is the answer.
+    virtual int OnCtlColor(unsigned int uMsg, HDC hdc, HWND hwndCtl, HBRUSH* phbr);
+    // A derived class that overrides one of the two brings the other in with a using declaration.
+    /// The text of a tooltip into cch characters; 0 for none.
+    virtual int GetTootTip(unsigned int nId, wchar_t* pszText, unsigned int cch);
+    /// The same as a string of a module; asked first, and 0 or string 0 is none.
+    virtual int GetTootTip(unsigned int nId, HINSTANCE& hinst, unsigned short& nStringId);
+    /// The help page for a help id (0: of this dialog); null for none.
+    virtual LPCWSTR GetHtmlPage(unsigned int nId);
+    virtual void OnHtmlHelpError(LPCWSTR pszPage);
+    /// 0 keeps the dialog open.
+    virtual int CanClose(int nResult);
+    virtual void DoClose(int nResult);
+    /// The size has changed by so many pixels: derived dialogs move their controls.
+    virtual void OnResize(int dw, int dh);
+    virtual void OnInitDone();
+    /// May change the size that the template gave, which is the smallest one too.
+    virtual void OnInitRect(RECT& rc);
+    virtual void OnWindowPosChanging(WINDOWPOS* pPos);
+    virtual void OnWindowPosChanged(WINDOWPOS* pPos);
+    /// x is -1 when the mouse has left the dialog.
+    virtual void OnMouseMove(unsigned __int64 qwFlags, int x, int y);
+    /// Dialogs that scroll bring the item into view.
+    virtual void EnsureDlgItemVisible(HWND hwndItem);
+    /// What DelayAction has put off. The default ends the waiting: derived dialogs call it.
+    virtual void OnDelayedAction(unsigned long dwCode);
+
+    // Running. A null module is this library; what went wrong the platform tells, nothing is shown.
+
+    /// Returns what CloseDialog was given; -1 or 0 for a template that can't be had.
+    __int64 Modal(int nTemplateId, HINSTANCE hinst, HWND hwndParent);
+    /// The window, null for none. nShow non-zero shows it (unless it starts hidden).
+    HWND Modeless(int nTemplateId, HINSTANCE hinst, HWND hwndParent, int nShow);
+    /// Runs until the dialog's window is gone, with WM_QUIT left to the outer loop. With
+    /// bDisableOwner the owner is disabled meanwhile; one that was before stays so. Returns what
+    /// CloseDialog was given; -1 if there was no window. *phwndCreated may be null.
+    int ModelessWithLoop(int bDisableOwner, int nTemplateId, HINSTANCE hinst, HWND hwndParent,
+                         HWND* phwndCreated);
+    /// As Modeless, from a template in memory; not shown. 1 on success.
+    int CreateIndirect(const DLGTEMPLATE* pTemplate, HWND hwndParent);
+    /// Ends the dialog if CanClose lets it. nOkControls: whether the controls' OnOK is called; -1:
+    /// unless nResult is IDCANCEL. 1, also if it stays open.
+    int CloseDialog(int nResult, int nOkControls);
+    /// The platform's.
+    int EndDialog(int nResult);
+    int IsInitialized() const { return isInitialized; }
+    int IsClosed() const { return isClosed; }
+    int IsClosing() const { return isClosing; }
+    int WereControlsUpdated() const { return controlsUpdated; }
+    /// Initialised, shown once, not closed.
+    int IsValid() const { return isInitialized && !isClosed && controlsUpdated; }
+    int IsSkinSet() const { return 0; }
+    /// Whether it is a page of another dialog.
+    int IsChildDlg() const { return isChildDlg; }
+    void SetFlags(unsigned long dwMask, int bOn);
+    /// Whether any of the bits is set.
+    int IsFlag(unsigned long dwMask) const { return (flags & dwMask) != 0; }
+
+    // The second chain of hooks, for the dialog procedure's messages; as that of CSWnd.
+
+    void AddDlgHook(WMHook* pHook);
+    void RemoveDlgHook(WMHook* pHook);
+    void RemoveAllDlgHooks();
+    __int64 DoDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam,
+                         WMHook* pAfter);
+
+    // Items, by id or handle.
+
+    HWND GetDlgItem(int nId);
+    LRESULT SendDlgItemMsg(int nId, UINT uMsg, WPARAM wParam, LPARAM lParam);
+    /// The item's control object; null if it has none.
+    CSCtrl* GetDlgCtrl(int nId);
+    CSCtrl* GetDlgCtrl(HWND hwndCtl);
+    /// 0xFFFFFFFF for an item without an id.
+    unsigned int GetDlgItemID(HWND hwndItem);
+    /// Makes another button the default one. 1.
+    int SetDlgDefaulButton(unsigned int nId);
+    int EnableDlgItem(int nId, int bOn);
+    int ShowDlgItem(int nId, int bOn);
+    int HideDlgItem(int nId);          ///< disables and hides
+    int TurnDlgItem(int nId, int bOn); ///< enables and shows, or HideDlgItem
+    void SetDlgItemFocus(unsigned int nId);
+    int SimulateButton(unsigned short nId); ///< posts a click
+    int IsDlgItemEnabled(int nId);
+    int IsDlgItemVisible(int nId); ///< of itself, whatever its parents are
+    unsigned int IsDlgButtonChecked(int nId);
+    int CheckDlgButton(int nId, unsigned int uCheck);
+    int CheckRadioButton(int nFirst, int nLast, int nChecked);
+    unsigned int GetDlgButtonState(int nId);
+    void SetDlgButtonState(int nId, unsigned int uState);
+    /// The first checked id; 0 for none.
+    int GetCheckedRadioButton(int nFirst, int nLast);
+    int GetDlgItemTextLength(int nId);
+    int GetDlgItemTextW(int nId, LPWSTR pszText, int cch);
+    int SetDlgItemTextW(int nId, LPCWSTR pszText);
+    /// A string of up to 511 characters. A null module: the library for a negative id, otherwise
+    /// the module that owns the dialog.
+    int SetDlgItemTextW(int nId, int nStringId, HINSTANCE hinst);
+    /// pbOk may be null.
+    unsigned int GetDlgItemInt(int nId, int* pbOk, int bSigned);
+    int SetDlgItemInt(int nId, unsigned int uValue, int bSigned);
+    /// The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
+    int SetDlgItemTextFmt(int nId, LPCWSTR pszFormat, ...);
+    int SetDlgItemTextFmt(int nId, HINSTANCE hinst, int nStringId, ...);
+    int SetDlgItemTextFmt(int nId, int nStringId, ...);
+    /// With the text that the control had at first as the format, so again and again.
+    int SetDlgItemTextFmtCtrl(int nId, ...);
+    /// In the dialog's client pixels.
+    int GetDlgItemRect(unsigned int nId, RECT* prc);
+    HWND GetNextDlgTabItem(HWND hwndCtl);
+    HWND GetPrevDlgTabItem(HWND hwndCtl);
+    void NextDlgCtrl(); ///< moves the focus
+    void PrevDlgCtrl();
+    void SetSpinRange(unsigned int nId, unsigned int uLow, unsigned int uHigh);
+    /// 0xFFFFFFFF (CLR_INVALID) is no colour; without a background the controls are asked.
+    void SetDlgColors(unsigned long crBkg, unsigned long crText, unsigned long crThird);
+    /// Redraws what of the dialog lies under the control.
+    void EraseCtrlBkg(HDC hdcUnused, unsigned int nId);
+    void EraseCtrlBkg(HDC hdcUnused, HWND hwndCtl);
+    void ValidateDlgItem(unsigned int nId);
+    /// From item to item in the order of siblings. EnableDlgItems takes the first child for 0.
+    void EnableDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
+    void ShowDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
+    /// OnDelayedAction in that many milliseconds, in place of an action that still waits; 0 only
+    /// drops that. 1; 0 when the platform refused.
+    int DelayAction(unsigned long dwCode, unsigned long dwMs);
+    /// Hides a button above the dialog's top edge, where it still takes its key, or brings it back.
+    void ShiftNavButton(unsigned int nId, int bVisible);
+
+    // Place and size (wnd/layout).
+
+    /// Before the dialog runs. The record is the caller's and lives longer than the run; null: the
+    /// place is not kept.
+    void EnableResizing(unsigned long dwFlags, MyWindowPlacement* pPlacement);
+    void DisableResizing();
+    void StoreResizingInfo();
+    /// OnResize by what the size differs from the previous one.
+    void Resize();
+    /// By how much the dialog is larger than its smallest size.
+    SIZE GetResizeData();
+    /// x and y in client pixels; the corner is a triangle.
+    int IsPtInResizingCorner(int x, int y, RECT& rcClient);
+    void DrawResizingCorner(HDC hdc);
+    void DrawResizingItem(HDC hdc, int x, int y); ///< one dot of it
+    void SetResizingCursor();
+    /// Whether the dialog can be dragged by its body, as it can be by default.
+    void EnableFullDrag(int bOn);
+    int IsFullDrag() const { return dragger != nullptr; }
+    /// Places the dialog by alignMode.
+    void AlignDlg();
+    int CenterWindow(HWND hwndOther);
+    int CascadeWindow(HWND hwndOther); ///< null: the desktop
+    // Controls, by the functions of wnd/layout/ctrl_place.h.
+    void CenterCtrl(unsigned int nId, int bHorizontal, unsigned int nRefId); ///< 0: in the dialog
+    void MoveCtrl(unsigned int nId, int dx, int dy, int bRedraw);
+    void ResizeCtrl(unsigned int nId, int dw, int dh, int bRedraw);
+    void MoveResizeCtrl(unsigned int nId, int dx, int dy, int dw, int dh, int bRedraw);
+    /// To the place of another control, mostly a hidden one.
+    void MoveCtrlToSlot(unsigned int nId, unsigned int nSlotId);
+    void MoveButtonToSlot(unsigned int nId, unsigned int nSlotId);
+    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId); ///< and to its size
+    /// Gives the control the other one's right or left edge; the opposite edge stays.
+    void MoveCtrlEdge(unsigned int nId, unsigned int nRefId, int bRightEdge);
+    /// Into the middle of nFrom and nTo (client pixels; both -1: the client area). In the vertical
+    /// case what does not fit is cut.
+    void CenterDlgItem(unsigned int nId, int bHorizontal, int nFrom, int nTo);
+    /// A run of siblings as one block into the middle of the client area.
+    void AlignDlgItems(unsigned int nFirst, unsigned int nLast, int bHorizontal);
+    /// Makes the dialog grow until the control's text fits.
+    void AdjustHeight(unsigned int nId);
+    /// A run of siblings that can be folded away. 1; 0 when out of memory.
+    int AddCtrlGroup(unsigned int nFirst, unsigned int nLast, unsigned int nContainer,
+                     unsigned int nParentGroup);
+    /// The first group with that first control, or with that container; null for none.
+    CSCtrlGroup* FindCtrlGroup(unsigned int nFirst, unsigned int nContainer);
+    /// Folds or unfolds; what stands below moves. Returns by how much, 0 if nothing was to do.
+    /// bNested is for the groups within.
+    int ShowCtrlGroup(unsigned int nFirst, int bShow, int bNested);
+
+    /// The only procedure that the platform's dialog functions get.
+    static INT_PTR CALLBACK ModalProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+  private:
+    friend class CSDlgMsgHandler;
+    friend class FullWndDragger;
+    friend class CSDlgMain;
+    friend class CSDlgChild;
+    class LifeMark; // tells a function on the stack that the object has gone
+
+    void Prepare(int& nTemplateId, HINSTANCE& hinst, HWND hwndParentNew);
+    void SubclassDlg(HWND hwnd);
+    void PostInitDialog();
+    void OKControls();
+    void MeasureCtrlGroups();
+
+  protected:
+    HBRUSH bkgBrush = nullptr; // owned
+    unsigned long bkgColor = CLR_INVALID;
+    unsigned long textColor = CLR_INVALID;
+    unsigned long thirdColor = CLR_INVALID; // stored only
+    int isModeless = 0;                     // how CloseDialog ends the dialog
+    int hasOwnLoop = 0;
+
+  public:
+    int alignMode = kDlgCentered; // a CSDlgAlign
+
+  protected:
+    __int64 modalResult = 0;
+    HINSTANCE hResources = nullptr; // where the template came from
+    unsigned int dlgId = 0;         // the template's; 0 for one in memory
+
+  public:
+    unsigned int helpId = 0; // 0: dlgId serves
+    /// With which another instance can ask for this dialog (code 121 of the company message); 0:
+    /// it can't.
+    unsigned short activationTag = 0;
+
+  protected:
+    int controlsUpdated = 0; // after the first UpdateControls
+    int isChildDlg = 0;
+    int inUpdateControls = 0;
+    int isInitialized = 0; // set just before OnInitDone
+    int ctrlGroupsMeasured = 1;
+    int isClosing = 0;
+    int isClosed = 0;
+    HWND hParent = nullptr;
+    FullWndDragger* dragger = nullptr; // owned
+    CSDlgMsgHandler msgHandler;
+    int result = -1;
+    unsigned long flags = 0;                // CSDlgFlag
+    MyWindowPlacement* placement = nullptr; // not owned
+    // The size fields, in pixels of the whole window.
+    int originX = 0, originY = 0; // written at initialisation, read by nothing
+    int curWidth = 0, curHeight = 0;
+    int minWidth = 0, minHeight = 0; // the template's, after OnInitRect
+    int prevWidth = 0, prevHeight = 0;
+    CSList dlgHooks; // of WMHook; an entry taken off during a dispatch is null
+    int dlgMsgDepth = 0;
+    int dlgHooksRemovalPending = 0;
+    CSList ctrlGroups; // of CSCtrlGroup, owned
+    unsigned long delayedAction = 0;
+    CSTimer delayTimer{1};
+    int dataUpdated = 0;
+
+  private:
+    LifeMark* pLifeMark = nullptr;
+};
+
+// WMHook::AddToDlg and RemoveFromDlg are AddDlgHook and RemoveDlgHook.
