@@ -188,6 +188,9 @@ class TESSALY_API CSDlg : public CSWnd {
     void SetSpinRange(unsigned int nId, unsigned int uLow, unsigned int uHigh);
     /// 0xFFFFFFFF (CLR_INVALID) is no colour; without a background the controls are asked.
     void SetDlgColors(unsigned long crBkg, unsigned long crText, unsigned long crThird);
+    unsigned long GetDlgBkgColor() const { return bkgColor; }
+    unsigned long GetDlgTextColor() const { return textColor; }
+    unsigned long GetDlgThirdColor() const { return thirdColor; }
     /// Redraws what of the dialog lies under the control.
     void EraseCtrlBkg(HDC hdcUnused, unsigned int nId);
     void EraseCtrlBkg(HDC hdcUnused, HWND hwndCtl);
