@@ -5,6 +5,17 @@
 // Icons, 101 to 199
 #define IDI_TESSALY 101
 
+// Icons of captions and buttons, 20070 to 20099
+#define IDI_DLG_CLOSE 20074
+#define IDI_DLG_CLOSE_HOVER 20075
+#define IDI_DLG_MINIMIZE 20076
+#define IDI_DLG_MINIMIZE_HOVER 20077
+
+// Bitmaps, 21530 to 21539
+#define IDB_BUTTON_STRIP_1 21530
+#define IDB_BUTTON_STRIP_2 21531
+#define IDB_BUTTON_STRIP_3 21532
+
 // Strings, 20000 to 22999: in groups of the subsystem that shows them
 #define IDS_REGISTRY_NOT_WRITTEN 20001
 #define IDS_OPEN_WEB_PAGE 20007

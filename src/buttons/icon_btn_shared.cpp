@@ -1,0 +1,101 @@
+// What all icon buttons share: colours, pens, brushes, fonts.
+
+#include "buttons/icon_btn.h"
+#include "wnd/draw/draw_util.h"
+#include "wnd/draw/font_util.h"
+
+namespace {
+/// Every other pixel, whatever the pen's start: unlike a dotted pen also on a printer's scale.
+HPEN CreateAlternatePen(COLORREF rgb) {
+    const LOGBRUSH brush{BS_SOLID, rgb, 0};
+    return ::ExtCreatePen(PS_COSMETIC | PS_ALTERNATE, 1, &brush, 0, nullptr);
+}
+
+template <class Handle>
+void DeleteAndForget(Handle& h) {
+    if (h) ::DeleteObject(h);
+    h = nullptr;
+}
+} // namespace
+
+long IconBtn::dwRefCount = 0;
+unsigned long IconBtn::dwCommonFlags = kIconCenterVertically | kIconCenterHorizontally;
+int IconBtn::dxCommon = 0, IconBtn::dyCommon = 0;
+COLORREF IconBtn::rgbBk[2] = {};
+HBRUSH IconBtn::hbr[2] = {};
+COLORREF IconBtn::rgbHover = RGB(187, 0, 0);
+COLORREF IconBtn::rgbGray = 0;
+COLORREF IconBtn::rgbText[2] = {};
+COLORREF IconBtn::rgbLink[2] = {RGB(0, 0, 187), 0xFFFFFF};
+HFONT IconBtn::hFontText = nullptr, IconBtn::hFontLink = nullptr;
+SIZE IconBtn::sizeIcon{};
+SIZE IconBtn::sizeGap{2, 2};
+HCURSOR IconBtn::hCursorHand = nullptr;
+HPEN IconBtn::penHoverDotted = nullptr, IconBtn::penHoverDashed = nullptr;
+HPEN IconBtn::penHoverSolid = nullptr, IconBtn::penLinkDotted = nullptr;
+HPEN IconBtn::penLinkDashed = nullptr, IconBtn::penLinkSolid = nullptr;
+HPEN IconBtn::penGrayDotted = nullptr, IconBtn::penGrayDashed = nullptr;
+HPEN IconBtn::penBkg = nullptr, IconBtn::penFocusText = nullptr;
+HPEN IconBtn::penFocusLink = nullptr, IconBtn::penFocusBkg = nullptr;
+HBRUSH IconBtn::hbrBkg = nullptr;
+
+void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
+    if (::InterlockedIncrement(&dwRefCount) != 1) return;
+    dwCommonFlags = flags;
+    dxCommon = dx;
+    dyCommon = dy;
+    rgbBk[0] = ::GetSysColor(COLOR_BTNFACE);
+    rgbBk[1] = ::GetSysColor(COLOR_BTNHIGHLIGHT);
+    for (int n : {0, 1}) hbr[n] = ::CreateSolidBrush(rgbBk[n]);
+    rgbGray = ::GetSysColor(COLOR_GRAYTEXT);
+    rgbText[0] = rgbText[1] = ::GetSysColor(COLOR_BTNTEXT);
+    auto hfontGui = static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
+    if (!hFontText) hFontText = hfontGui;
+    if (!hFontLink) hFontLink = hfontGui;
+    sizeIcon = {::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON)};
+    penHoverDotted = CreateAlternatePen(rgbHover);
+    penHoverDashed = CreateDashedPen(rgbHover);
+    penHoverSolid = CreateSolidPen(rgbHover);
+    penLinkDotted = CreateAlternatePen(rgbLink[0]);
+    penLinkDashed = CreateDashedPen(rgbLink[0]);
+    penLinkSolid = CreateSolidPen(rgbLink[0]);
+    penGrayDotted = CreateAlternatePen(rgbGray);
+    penGrayDashed = CreateDashedPen(rgbGray);
+    penBkg = CreateSolidPen(rgbBk[0]);
+    penFocusText = CreateAlternatePen(rgbText[0]);
+    penFocusLink = CreateSolidPen(rgbText[0]);
+    penFocusBkg = CreateAlternatePen(rgbBk[0]);
+    hbrBkg = ::CreateSolidBrush(rgbBk[0]);
+}
+
+void IconBtn::Uninitialize() {
+    if (::InterlockedDecrement(&dwRefCount) >= 1) return;
+    for (HPEN* ppen : {&penHoverDotted, &penHoverDashed, &penHoverSolid, &penLinkDotted,
+                       &penLinkDashed, &penLinkSolid, &penGrayDotted, &penGrayDashed, &penBkg,
+                       &penFocusText, &penFocusLink, &penFocusBkg}) {
+        DeleteAndForget(*ppen);
+    }
+    for (HBRUSH* phbr : {&hbr[0], &hbr[1], &hbrBkg}) DeleteAndForget(*phbr);
+}
+
+void IconBtn::SetTextFontProperties(int addHeight, long weight, int italic, int strikeOut,
+                                    const wchar_t* faceName) {
+    DoSetFontProperties(hFontText, hFontText, addHeight, weight, italic, strikeOut, faceName);
+}
+
+void IconBtn::SetLinkFontProperties(int addHeight, long weight, int italic, int strikeOut,
+                                    const wchar_t* faceName) {
+    DoSetFontProperties(hFontLink, hFontLink, addHeight, weight, italic, strikeOut, faceName);
+}
+
+void IconBtn::DoSetFontProperties(HFONT& target, HFONT& source, int addHeight, long weight,
+                                  int italic, int strikeOut, const wchar_t* faceName) {
+    LOGFONTW lf{};
+    if (!source || !::GetObjectW(source, sizeof(lf), &lf)) return;
+    AddToFontHeight(lf, addHeight);
+    if (weight) lf.lfWeight = weight;
+    if (italic) lf.lfItalic = TRUE;
+    if (strikeOut) lf.lfStrikeOut = TRUE;
+    DeleteAndForget(target); // may be the source, whose description is read
+    target = CreateFontWithFace(lf, faceName);
+}
