@@ -38,6 +38,9 @@ class TESSALY_API IconBtn : public CSCtrl {
     /// flags and place. Each has its Uninitialize; the last one frees pens and brushes.
     static void Initialize(unsigned long flags, int dx, int dy);
     static void Uninitialize();
+    /// Initialize without making anything yet, as it is not allowed to at the library's start: the
+    /// first button does.
+    static void ReserveCommon(unsigned long flags, int dx, int dy);
     /// 0x00BBGGRR, of a link and of a pressed one. Pens that were made before keep their colour.
     static void SetLinkColor(COLORREF rgb) { rgbLink[0] = rgb; }
     static void SetActiveLinkColor(COLORREF rgb) { rgbLink[1] = rgb; }
@@ -87,6 +90,8 @@ class TESSALY_API IconBtn : public CSCtrl {
   private:
     struct Look;
 
+    static bool CountReference(unsigned long flags, int dx, int dy);
+    static void MakeShared();
     static HICON LoadSmallIcon(unsigned icon, SIZE& size);
     bool IsLink() const { return (dwFlags & kIconLink) != 0; }
     void SetHover(int bOn);

@@ -5,12 +5,6 @@
 #include "wnd/draw/font_util.h"
 
 namespace {
-/// Every other pixel, whatever the pen's start: unlike a dotted pen also on a printer's scale.
-HPEN CreateAlternatePen(COLORREF rgb) {
-    const LOGBRUSH brush{BS_SOLID, rgb, 0};
-    return ::ExtCreatePen(PS_COSMETIC | PS_ALTERNATE, 1, &brush, 0, nullptr);
-}
-
 template <class Handle>
 void DeleteAndForget(Handle& h) {
     if (h) ::DeleteObject(h);
@@ -39,11 +33,22 @@ HPEN IconBtn::penBkg = nullptr, IconBtn::penFocusText = nullptr;
 HPEN IconBtn::penFocusLink = nullptr, IconBtn::penFocusBkg = nullptr;
 HBRUSH IconBtn::hbrBkg = nullptr;
 
-void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
-    if (::InterlockedIncrement(&dwRefCount) != 1) return;
+bool IconBtn::CountReference(unsigned long flags, int dx, int dy) {
+    if (::InterlockedIncrement(&dwRefCount) != 1) return false;
     dwCommonFlags = flags;
     dxCommon = dx;
     dyCommon = dy;
+    return true;
+}
+
+void IconBtn::ReserveCommon(unsigned long flags, int dx, int dy) { CountReference(flags, dx, dy); }
+
+void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
+    CountReference(flags, dx, dy);
+    if (!hbrBkg) MakeShared();
+}
+
+void IconBtn::MakeShared() {
     rgbBk[0] = ::GetSysColor(COLOR_BTNFACE);
     rgbBk[1] = ::GetSysColor(COLOR_BTNHIGHLIGHT);
     for (int n : {0, 1}) hbr[n] = ::CreateSolidBrush(rgbBk[n]);
@@ -53,18 +58,18 @@ void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
     if (!hFontText) hFontText = hfontGui;
     if (!hFontLink) hFontLink = hfontGui;
     sizeIcon = {::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON)};
-    penHoverDotted = CreateAlternatePen(rgbHover);
+    penHoverDotted = CreateDottedPen(rgbHover);
     penHoverDashed = CreateDashedPen(rgbHover);
     penHoverSolid = CreateSolidPen(rgbHover);
-    penLinkDotted = CreateAlternatePen(rgbLink[0]);
+    penLinkDotted = CreateDottedPen(rgbLink[0]);
     penLinkDashed = CreateDashedPen(rgbLink[0]);
     penLinkSolid = CreateSolidPen(rgbLink[0]);
-    penGrayDotted = CreateAlternatePen(rgbGray);
+    penGrayDotted = CreateDottedPen(rgbGray);
     penGrayDashed = CreateDashedPen(rgbGray);
     penBkg = CreateSolidPen(rgbBk[0]);
-    penFocusText = CreateAlternatePen(rgbText[0]);
+    penFocusText = CreateDottedPen(rgbText[0]);
     penFocusLink = CreateSolidPen(rgbText[0]);
-    penFocusBkg = CreateAlternatePen(rgbBk[0]);
+    penFocusBkg = CreateDottedPen(rgbBk[0]);
     hbrBkg = ::CreateSolidBrush(rgbBk[0]);
 }
 

@@ -5,6 +5,25 @@
 // Icons, 101 to 199
 #define IDI_TESSALY 101
 
+// Dialogs, 200 to 299 and 20100 to 20199: ids of their items behind them
+#define IDD_SIMPLE_ABOUT 203
+#define IDC_ABOUT_PICTURE 1001
+#define IDC_ABOUT_WEB 1002
+#define IDC_ABOUT_VERSION 1003 // %s: the version
+#define IDC_ABOUT_NOTICE 1004  // %s: the year
+#define IDD_ABOUT 20100
+#define IDC_ABOUT_NAME 20101
+#define IDC_ABOUT_FULL_VERSION 20102
+#define IDC_ABOUT_PRODUCT_ICON 20103
+#define IDC_ABOUT_WEB_LINK 20104
+#define IDC_ABOUT_RATE 20105
+#define IDC_ABOUT_TRANSLATE 20106
+#define IDC_ABOUT_IMPROVE 20107
+#define IDC_ABOUT_SHOW_NOTICE 20108
+#define IDC_ABOUT_COPY 20114 // a command alone
+#define IDC_ABOUT_DETAILS 20117
+#define IDC_ABOUT_TITLE 20118
+
 // Icons of captions and buttons, 20070 to 20099
 #define IDI_DLG_CLOSE 20074
 #define IDI_DLG_CLOSE_HOVER 20075
@@ -27,5 +46,6 @@
 #define IDS_HELP_FILE_MISSING 20015 // %s: the file's path
 #define IDS_ABOUT 20022
 #define IDS_NO_UPDATES 20102
+#define IDS_COPY 20114
 #define IDS_REGISTRY_NEEDS_ADMIN 21651
 #define IDS_WEB_PAGE_NOT_OPENED 22022

@@ -1,5 +1,6 @@
 #include "app/start/library_start.h"
 #include "app/identity/product_info.h"
+#include "buttons/icon_btn.h"
 #include "runtime/base/current_product.h"
 #include "runtime/base/ownership.h"
 #include "runtime/system/wts_api32.h"
@@ -20,6 +21,7 @@ constinit ManualObject<WtsApi32> wtsApi32;
 } // namespace
 
 void LibraryStart(HINSTANCE hinst) {
+    IconBtn::ReserveCommon(kIconCenterVertically | kIconLink, 2, 0);
     wtsApi32.Start(); // the library imports the module: it is mapped already
     ShellSubclass::StartLock();
     AppInstance::StartLock();
@@ -36,4 +38,5 @@ void LibraryStop() {
     ReleaseShellMalloc();
     wtsApi32.Stop();
     GetMyProductInfo().PopAppRootKey();
+    IconBtn::Uninitialize();
 }
