@@ -151,11 +151,20 @@ LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
-    --procDepth;
     hwndOfFrame = hwndOfFrameBefore;
     hwndInChain = hwndInChainBefore;
-    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(true);
+    ReleaseLife(true);
     return lResult; // the object may be gone
+}
+
+void CSWnd::ReleaseLife(bool bMayDelete) {
+    --procDepth;
+    if (!ncDestroyed) return;
+    if (!bMayDelete) {
+        EndLife(false);
+    } else if (msgDepth == 0 && procDepth == 0) {
+        EndLife(true);
+    }
 }
 
 void CSWnd::EndLife(bool bMayDelete) {

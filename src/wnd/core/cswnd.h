@@ -149,6 +149,13 @@ class TESSALY_API CSWnd {
     int CommonSubclass(HWND hwndTarget);
     int CommonUnsubclass();
 
+    /// For handlers that run without the window procedure below them, as those of the first message
+    /// of a dialog: between the two the object does not delete itself.
+    void HoldLife() noexcept { ++procDepth; }
+    /// The object may be gone after it. Without bMayDelete the window was one of a creation that
+    /// has failed: the object's life with it ends at once, and the object stays its owner's.
+    void ReleaseLife(bool bMayDelete);
+
   private:
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
 
@@ -181,7 +188,7 @@ class TESSALY_API CSWnd {
     int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal
 
   private:
-    int procDepth = 0;              // frames of the window procedure and of CreateEx under way
+    int procDepth = 0;              // frames of the window procedure, and others that hold the life
     HWND hwndOfFrame = nullptr;     // which window's message the innermost frame handles
     HWND hwndInChain = nullptr;     // whose message the innermost frame has handed to the chain
     WNDPROC chainEndProc = nullptr; // where the chain of a window ends whose procedure is WndProc
@@ -204,4 +211,7 @@ class TESSALY_API WMHook {
     /// AddWndHook and RemoveWndHook of the window object, which must not be null.
     void AddToWnd(CSWnd* pWnd);
     void RemoveFromWnd(CSWnd* pWnd);
+    /// AddDlgHook and RemoveDlgHook of the dialog, which must not be null (defined with it).
+    void AddToDlg(CSDlg* pDlg);
+    void RemoveFromDlg(CSDlg* pDlg);
 };
