@@ -13,6 +13,7 @@ class CSCtrl;
 enum CSDlgFlag : unsigned long {
     kDlgResizeWidth = 0x1,
     kDlgResizeHeight = 0x2,
+    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight,
     kDlgNoCorner = 0x4,              // no resizing corner is drawn
     kDlgShowsItself = 0x8,           // not hidden during initialisation and not shown afterwards
     kDlgFixedWidth = 0x10,           // not resizable: the width is held at the first one seen
@@ -265,6 +266,9 @@ class TESSALY_API CSDlg : public CSWnd {
     void SubclassDlg(HWND hwnd);
     void PostInitDialog();
     void OKControls();
+    void PlaceFirst(const RECT& rc);
+    int PlaceAsStored();
+    void ReadZoomedSize();
     void MeasureCtrlGroups();
 
   protected:
