@@ -9,7 +9,7 @@ int ChangeCtrl(HWND hwndDlg, HWND hwndCtl, const RECT& rcChange, DWORD nKept, in
     if (!GetCtrlRect(hwndDlg, hwndCtl, &rc)) return 0;
     DWORD nFlags = nKept | SWP_NOZORDER | SWP_NOACTIVATE;
     if (bRedraw && ::IsWindowVisible(hwndCtl)) {
-        SetWndShow(hwndCtl, 0, 0); // not ShowWindow, which would take the focus from it
+        SetWndShow(hwndCtl, 0, 0); // not ShowWindow, which may pass its focus on
         nFlags |= SWP_SHOWWINDOW;
     }
     return ::SetWindowPos(hwndCtl, nullptr, AddCoordinates(rc.left, rcChange.left),
