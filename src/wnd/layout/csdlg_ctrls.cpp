@@ -81,21 +81,22 @@ void CSDlg::MoveCtrlEdge(unsigned int nId, unsigned int nRefId, int bRightEdge) 
 
 void CSDlg::CenterDlgItem(unsigned int nId, int bHorizontal, int nFrom, int nTo) {
     RECT rc, rcClient;
+    HWND hwndDlg = hWnd; // what the control does when it is moved may end the dialog
     HWND hwndCtl = GetDlgItem(static_cast<int>(nId));
-    if (!::GetCtrlRect(hWnd, hwndCtl, &rc)) return;
+    if (!::GetCtrlRect(hwndDlg, hwndCtl, &rc)) return;
     if (nFrom == -1 && nTo == -1) {
-        if (!::GetClientRect(hWnd, &rcClient)) return;
+        if (!::GetClientRect(hwndDlg, &rcClient)) return;
         nFrom = bHorizontal ? rcClient.left : rcClient.top;
         nTo = bHorizontal ? rcClient.right : rcClient.bottom;
     }
     if (bHorizontal) {
         int x = GetCenteredStart(nFrom, nTo, GetWidth(rc));
-        ::MoveCtrl(hWnd, hwndCtl, GetDistance(rc.left, x), 0, 1);
+        ::MoveCtrl(hwndDlg, hwndCtl, GetDistance(rc.left, x), 0, 1);
         return;
     }
     int y = GetCenteredStart(nFrom, nTo, GetHeight(rc));
-    ::MoveCtrl(hWnd, hwndCtl, 0, GetDistance(rc.top, y), 1);
-    if (!::GetCtrlRect(hWnd, hwndCtl, &rc) || (rc.top >= nFrom && rc.bottom <= nTo)) return;
+    ::MoveCtrl(hwndDlg, hwndCtl, 0, GetDistance(rc.top, y), 1);
+    if (!::GetCtrlRect(hwndDlg, hwndCtl, &rc) || (rc.top >= nFrom && rc.bottom <= nTo)) return;
     rc.top = std::max<int>(rc.top, nFrom);
     rc.bottom = std::min<int>(rc.bottom, nTo);
     ::SetWndPos(hwndCtl, rc.left, rc.top, GetWidth(rc), GetHeight(rc), 0);

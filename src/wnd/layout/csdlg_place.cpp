@@ -105,7 +105,9 @@ int CSDlg::PlaceAsStored() {
     int nShowCmd = GetUsefulShowCmd(placement->showCmd);
     placement->showCmd = SW_HIDE;
     MyWindowPlacement stored = *placement; // the caller's may go with the dialog meanwhile
-    ::SetWindowPlacement(hWnd, &stored);
+    HWND hwnd = hWnd;
+    ::SetWindowPlacement(hwnd, &stored);
+    ::EnsureWindowVisible(hwnd, nullptr); // a damaged record may be beyond what the platform mends
     return nShowCmd;
 }
 
