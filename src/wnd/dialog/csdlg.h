@@ -14,6 +14,7 @@ struct ResourceRef;
 enum CSDlgFlag : unsigned long {
     kDlgResizeWidth = 0x1,
     kDlgResizeHeight = 0x2,
+    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight,
     kDlgNoCorner = 0x4,              // no resizing corner is drawn
     kDlgShowsItself = 0x8,           // not hidden during initialisation and not shown afterwards
     kDlgFixedWidth = 0x10,           // not resizable: the width is held at the first one seen
@@ -290,6 +291,9 @@ class TESSALY_API CSDlg : public CSWnd {
     void OnDeleteCtrlItem(unsigned int nId, DELETEITEMSTRUCT* pItem);
     void PostInitDialog();
     void OKControls();
+    void PlaceFirst(const RECT& rc);
+    int PlaceAsStored();
+    void ReadZoomedSize();
     void MeasureCtrlGroups();
 
   protected:
