@@ -148,6 +148,10 @@ class TESSALY_API CSWnd {
     /// CommonSubclass that succeeds with shellSubclassed clear, the caller replaces the procedure.
     int CommonSubclass(HWND hwndTarget);
     int CommonUnsubclass();
+    /// Takes the object that the window has, if any, off it, before this one is tied to it: undoes
+    /// its subclassing, and deletes it if autoDelete is set. One whose handlers are running goes on
+    /// with the window until the outermost of them has returned, and is deleted then.
+    void ReplaceObjectOf(HWND hwndTarget);
 
   private:
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
@@ -184,6 +188,7 @@ class TESSALY_API CSWnd {
     int procDepth = 0;              // frames of the window procedure and of CreateEx under way
     HWND hwndOfFrame = nullptr;     // which window's message the innermost frame handles
     HWND hwndInChain = nullptr;     // whose message the innermost frame has handed to the chain
+    int replaced = 0;               // ReplaceObjectOf came while handlers ran
     WNDPROC chainEndProc = nullptr; // where the chain of a window ends whose procedure is WndProc
 };
 
