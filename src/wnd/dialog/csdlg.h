@@ -265,6 +265,10 @@ class TESSALY_API CSDlg : public CSWnd {
     void SubclassDlg(HWND hwnd);
     void PostInitDialog();
     void OKControls();
+    // To the object of the control with that id, if it has one.
+    void OnDrawItem(unsigned int nId, DRAWITEMSTRUCT* pItem);
+    void OnMeasureItem(unsigned int nId, MEASUREITEMSTRUCT* pItem);
+    void OnDeleteCtrlItem(unsigned int nId, DELETEITEMSTRUCT* pItem);
     void MeasureCtrlGroups();
 
   protected:
