@@ -102,6 +102,7 @@ void CSStaticHTML::MakeHtml(const wchar_t* pszFormat) {
 // Painting
 
 int CSStaticHTML::CalcHeight(HDC hdc, RECT* prc) {
+    if (!pszHTML.IsReady()) UpdateText(nullptr); // nothing was painted yet
     return drawHTML.Draw(DrawMeasure, hdc, prc, pszHTML.Get(), nHTMLLength, &links, &tools);
 }
 

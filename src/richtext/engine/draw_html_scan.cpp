@@ -1,7 +1,6 @@
 // Characters and words: what stands at the cursor.
 
 #include "richtext/engine/draw_html.h"
-#include "runtime/text/str_chars.h"
 
 #include <cwchar>
 

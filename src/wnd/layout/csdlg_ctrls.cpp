@@ -1,5 +1,6 @@
 // The members of CSDlg that place its controls.
 
+#include "richtext/control/cs_static_html.h"
 #include "runtime/base/ownership.h"
 #include "wnd/core/wnd_free.h"
 #include "wnd/dialog/csdlg.h"
@@ -12,6 +13,7 @@
 namespace {
 constexpr int kCchMeasuredText = 1024; // with the terminator
 constexpr int kRoomBelowText = 20;     // what a dialog grows by besides the text's height
+constexpr int kTallEnough = 1000;      // the height of the rectangle that rich text is laid out in
 constexpr UINT kMeasureFlags = DT_CALCRECT | DT_WORDBREAK | DT_NOFULLWIDTHCHARBREAK;
 
 /// The size of a text with its words wrapped to the width of the client area, in the font of the
@@ -26,6 +28,13 @@ SIZE MeasureWrappedText(HWND hwndCtl, const wchar_t* pszText, const RECT& rcClie
     RECT rc = rcClient;
     ::DrawTextExW(dc, const_cast<wchar_t*>(pszText), -1, &rc, kMeasureFlags, nullptr);
     return {GetWidth(rc), GetHeight(rc)};
+}
+
+/// The same for rich text, which has no width of its own.
+SIZE MeasureRichText(CSStaticHTML& control, const RECT& rcClient) {
+    ClientDC dc(control);
+    RECT rc{rcClient.left, rcClient.top, rcClient.right, rcClient.top + kTallEnough};
+    return {GetWidth(rcClient), control.CalcHeight(dc, &rc)};
 }
 } // namespace
 
@@ -127,13 +136,18 @@ void CSDlg::AlignDlgItems(unsigned int nFirst, unsigned int nLast, int bHorizont
 }
 
 void CSDlg::AdjustHeight(unsigned int nId) {
-    wchar_t szText[kCchMeasuredText];
-    szText[0] = L'\0';
     HWND hwndCtl = GetDlgItem(static_cast<int>(nId));
-    if (hwndCtl) ::GetWindowTextW(hwndCtl, szText, kCchMeasuredText);
     RECT rcCtl{}, rcDlg{};
     if (hwndCtl) ::GetClientRect(hwndCtl, &rcCtl);
-    SIZE sizeText = MeasureWrappedText(hwndCtl, szText, rcCtl);
+    SIZE sizeText;
+    CSCtrl* pCtrl = GetDlgCtrl(hwndCtl);
+    if (pCtrl && pCtrl->IsKindOf(L"CSStaticHTML")) {
+        sizeText = MeasureRichText(*static_cast<CSStaticHTML*>(pCtrl), rcCtl);
+    } else {
+        wchar_t szText[kCchMeasuredText] = {};
+        if (hwndCtl) ::GetWindowTextW(hwndCtl, szText, kCchMeasuredText);
+        sizeText = MeasureWrappedText(hwndCtl, szText, rcCtl);
+    }
     int dw = sizeText.cx - GetWidth(rcCtl), dh = sizeText.cy - GetHeight(rcCtl);
     if ((dw <= 0 && dh <= 0) || !::GetWindowRect(hWnd, &rcDlg)) return;
     // The height may get its room also when the text is only too wide.
