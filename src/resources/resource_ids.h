@@ -30,10 +30,10 @@
 #define IDI_DLG_MINIMIZE 20076
 #define IDI_DLG_MINIMIZE_HOVER 20077
 
-// Bitmaps, 21530 to 21539
-#define IDB_BUTTON_STRIP_1 21530
-#define IDB_BUTTON_STRIP_2 21531
-#define IDB_BUTTON_STRIP_3 21532
+// Bitmaps, 21530 to 21539: strips of an ImageBtn's five frames, of 48 by 48 pixels each
+#define IDB_BUTTON_STRIP_1 21530 // continue: an arrow
+#define IDB_BUTTON_STRIP_2 21531 // restore a layout: an arrow that turns back, around tiles
+#define IDB_BUTTON_STRIP_3 21532 // the web: a globe
 
 // Strings, 20000 to 22999: in groups of the subsystem that shows them
 #define IDS_REGISTRY_NOT_WRITTEN 20001
