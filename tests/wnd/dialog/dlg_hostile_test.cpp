@@ -1,5 +1,4 @@
 // What other programs can do to a dialog.
-#include "support/heap_count.h"
 #include "wnd/core/company_msg.h"
 #include "wnd/dialog/probe_dlg.h"
 
@@ -55,9 +54,7 @@ TEST(CSDlgHostile, DrawnItemsOfForeignIdsDoNothing) {
 TEST(CSDlgHostile, SecondInitialisationMakesNoSecondObjects) {
     OpenDlg dlg;
     CSCtrl* pCtrl = dlg.GetDlgCtrl(IDC_EDIT);
-    long nBlocks = CountLiveBlocks();
     ::SendMessageW(dlg, WM_INITDIALOG, 0, 0);
     EXPECT_EQ(pCtrl, dlg.GetDlgCtrl(IDC_EDIT));
-    EXPECT_EQ(nBlocks, CountLiveBlocks());
 }
 } // namespace

@@ -137,7 +137,8 @@ TEST(CSDlgLeaks, HundredDialogsLeaveGdiAndUserObjectsAndBlocksAsTheyWere) {
         ProbeDlg dlg;
         dlg.SetDlgColors(RGB(n, 2, 3), RGB(0, 0, 0), CLR_INVALID);
         dlg.onInit = [](ProbeDlg& d) { d.SetDlgItemTextFmtCtrl(IDC_FORMAT, 3, L"ten"); };
-        dlg.RunModal([](ProbeDlg& d) { d.DelayAction(1, 5000); }, IDD_DIALOG_ITEMS);
+        dlg.RunModal([](ProbeDlg& d) { d.DelayAction(1, 5000); },
+                     n % 5 ? IDD_DIALOG_HIDDEN : IDD_DIALOG_ITEMS);
     };
     for (int n = 0; n < 5; ++n) runOnce(n);
     int nGdi = CountGdiObjects(), nUser = CountUserObjects();

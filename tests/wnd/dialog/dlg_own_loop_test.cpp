@@ -226,7 +226,7 @@ BOOL WINAPI FailingGetMessage(MSG* pMsg, HWND hwnd, UINT uMin, UINT uMax) {
 TEST_F(CSDlgOwnLoop, FailureOfTheQueueEndsTheLoop) {
     TestWindow owner;
     ProbeDlg dlg;
-    nFailAfter = 2;
+    nFailAfter = 0;
     {
         ReplaceImport replaced(__imp_GetMessageW, &FailingGetMessage);
         pfnRealGetMessage = replaced.Original<decltype(GetMessageW)>();

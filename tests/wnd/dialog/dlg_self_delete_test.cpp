@@ -97,7 +97,13 @@ TEST_P(CSDlgDestroyedIn, ObjectGoesWhenItsFramesAreOver) {
             pDlg->bStayOpen = true;
             GetParam().fnArrange(*pDlg);
             switch (nWay) {
-            case 0: pDlg->Modal(nTemplate, nullptr, nullptr); break;
+            case 0: {
+                // The platform's loop looks whether its window lives when a message has come.
+                UINT_PTR uTimer = ::SetTimer(nullptr, 0, 20, nullptr);
+                pDlg->Modal(nTemplate, nullptr, nullptr);
+                ::KillTimer(nullptr, uTimer);
+                break;
+            }
             case 1: {
                 HWND hwnd = pDlg->Modeless(nTemplate, nullptr, nullptr, 1);
                 PumpUntil([&] { return record.nDeletes > 0; }, 2000);
@@ -116,7 +122,6 @@ void DestroyIt(ProbeDlg& d) { ::DestroyWindow(d); }
 INSTANTIATE_TEST_SUITE_P(
     Handlers, CSDlgDestroyedIn,
     testing::Values(
-        DestroyingCase{"PreInit", [](MortalDlg& d) { d.onPreInit = DestroyIt; }},
         DestroyingCase{"OnInitDialog", [](MortalDlg& d) { d.onInit = DestroyIt; }},
         DestroyingCase{"OnInitDone", [](MortalDlg& d) { d.onInitDone = DestroyIt; }},
         DestroyingCase{"UpdateControls", [](MortalDlg& d) { d.onUpdateControls = DestroyIt; }},
@@ -142,6 +147,28 @@ INSTANTIATE_TEST_SUITE_P(
                            d.onInside = [](ProbeDlg& p) { p.DelayAction(1, 10); };
                        }}),
     [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(CSDlgSelfDelete, ObjectOfAWindowThatGoesBeforeItsInitialisationIsItsOwners) {
+    for (int nWay = 0; nWay < 3; ++nWay) {
+        DlgRecord record;
+        auto* pDlg = new MortalDlg(record);
+        pDlg->onPreInit = DestroyIt;
+        switch (nWay) {
+        case 0: EXPECT_GE(0, pDlg->Modal(IDD_DIALOG_PLAIN, nullptr, nullptr)); break;
+        case 1:
+            EXPECT_FALSE(::IsWindow(pDlg->Modeless(IDD_DIALOG_PLAIN, nullptr, nullptr, 1)));
+            break;
+        case 2:
+            EXPECT_EQ(-1, pDlg->ModelessWithLoop(0, IDD_DIALOG_PLAIN, nullptr, nullptr, nullptr));
+            break;
+        }
+        ASSERT_EQ(0, record.nDeletes);
+        EXPECT_EQ(nullptr, pDlg->hWnd);
+        EXPECT_EQ(1, record.Count("OnPostNcDestroy"));
+        delete pDlg;
+        EXPECT_FALSE(TakeThreadMessage(kLoopEnd));
+    }
+}
 
 TEST(CSDlgSelfDelete, HookThatDestroysTheWindow) {
     struct DestroyingHook : WMHook {

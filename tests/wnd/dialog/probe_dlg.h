@@ -89,9 +89,10 @@ class ProbeDlg : public CSDlg {
         onInside = nullptr;
         HWND hwnd = hWnd;
         bool bStay = bStayOpen;
-        int nResult = nCloseWith;
+        int nResult = nCloseWith, nBefore = nCloses;
         fn(*this);
-        if (!bStay && ::IsWindow(hwnd) && CSWnd::FromHandle(hwnd) == this) CloseDialog(nResult, 0);
+        bool bOpen = ::IsWindow(hwnd) && CSWnd::FromHandle(hwnd) == this && nCloses == nBefore;
+        if (!bStay && bOpen) CloseDialog(nResult, 0);
         return 0;
     }
     int OnMyCompanyMsg(unsigned __int64 qwCode, __int64 qwData, __int64* pqwResult) override {
@@ -168,6 +169,7 @@ class ProbeDlg : public CSDlg {
     }
     void DoClose(int nResult) override {
         Note("DoClose", nResult);
+        ++nCloses;
         Run(onDoClose);
         CSDlg::DoClose(nResult);
     }
@@ -256,6 +258,7 @@ class ProbeDlg : public CSDlg {
     std::function<void(ProbeDlg&, unsigned short)> onButton;
     std::function<int(MSG*)> onPreTranslate;
     bool bStayOpen = false; // after onInside
+    int nCloses = 0;
     int nCloseWith = 7;
     int nUpdateData = -1, nCanClose = -1, nSysCommand = -1;
     bool bQuietHelp = false;
