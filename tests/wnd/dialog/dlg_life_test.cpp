@@ -97,6 +97,19 @@ TEST(CSDlgLife, ObjectRunsInEveryWayAfterAnother) {
     while (TakeThreadMessage(kLoopEnd)) continue;
 }
 
+TEST(CSDlgLife, ModalRunAfterAModelessOneIsClosedByItsWindowsEnd) {
+    ProbeDlg dlg;
+    dlg.Modeless(IDD_DIALOG_HIDDEN, nullptr, nullptr, 0);
+    dlg.CloseDialog(1, 0);
+    dlg.RunModal([](ProbeDlg& d) {
+        HWND hwnd = d;
+        d.CloseDialog(5, 0);
+        EXPECT_FALSE(::IsWindow(hwnd));
+    });
+    EXPECT_EQ(5, dlg.result);
+    EXPECT_EQ(nullptr, dlg.hWnd);
+}
+
 TEST(CSDlgLife, MemberControlsAreTiedAnewInEachRun) {
     ProbeDlg dlg;
     for (int n = 0; n < 2; ++n) {

@@ -291,14 +291,16 @@ TEST(CSDlgIndirect, ComesFromMemoryWithoutAnIdAndWithoutBeingModeless) {
     EXPECT_EQ(nullptr, dlg.hWnd);
 }
 
-TEST(CSDlgIndirect, CloseDialogEndsItTheModalWaySoTheWindowStays) {
+TEST(CSDlgRun, DialogFromMemoryIsOnlyHiddenByCloseDialog) {
     ProbeDlg dlg;
     ASSERT_EQ(1, dlg.CreateIndirect(TemplateInMemory(IDD_DIALOG_HIDDEN), nullptr));
     HWND hwnd = dlg;
+    ::ShowWindow(hwnd, SW_SHOW);
     EXPECT_EQ(1, dlg.CloseDialog(5, 0));
     EXPECT_EQ(5, dlg.result);
     EXPECT_EQ(1, dlg.isClosed);
     EXPECT_TRUE(::IsWindow(hwnd));
+    EXPECT_FALSE(::IsWindowVisible(hwnd));
     ::DestroyWindow(hwnd);
     EXPECT_EQ(nullptr, dlg.hWnd);
 }
