@@ -178,6 +178,40 @@ TEST_F(CSDlgOwnLoop, EndOfTheOuterDialogEndsTheLoopsOfBoth) {
               }));
 }
 
+TEST_F(CSDlgOwnLoop, OuterDialogThatEndsFirstLeavesTheInnerOneRunning) {
+    ProbeDlg outer, inner;
+    outer.bStayOpen = true;
+    inner.nCloseWith = 22;
+    EXPECT_EQ(33, Run(outer, [&](ProbeDlg& d) {
+                  EXPECT_EQ(
+                      22,
+                      Run(inner, [&](ProbeDlg& di) { // no owner: it does not go with the outer one
+                          HWND hwndOuter = d;
+                          d.CloseDialog(33, 0);
+                          EXPECT_FALSE(::IsWindow(hwndOuter));
+                          PumpUntil([] { return true; });
+                          EXPECT_TRUE(::IsWindow(di));
+                      }));
+              }));
+}
+
+TEST_F(CSDlgOwnLoop, EndMessageOfTheThreadEndsTheLoopAndOneOfAWindowDoesNot) {
+    ProbeDlg dlg;
+    dlg.bStayOpen = true;
+    EXPECT_EQ(-1, Run(dlg, [](ProbeDlg& d) {
+        d.PostMsg(kLoopEnd, 0, 0);
+        d.PostMsg(kOtherMsg, 0, 0);
+        ::PostThreadMessageW(::GetCurrentThreadId(), kLoopEnd, 0, 0);
+        ::PostThreadMessageW(::GetCurrentThreadId(), WM_APP, 0, 0);
+    }));
+    EXPECT_EQ(1, dlg.record.CountWnd(kLoopEnd));
+    EXPECT_EQ(1, dlg.record.CountWnd(kOtherMsg));
+    EXPECT_TRUE(::IsWindow(dlg));
+    EXPECT_TRUE(TakeThreadMessage(WM_APP)) << "what stood behind the end is left";
+    dlg.Destroy();
+    TakeThreadMessage(kLoopEnd);
+}
+
 TEST_F(CSDlgOwnLoop, ModalDialogRunsWithin) {
     ProbeDlg outer, inner;
     outer.nCloseWith = 11;

@@ -73,6 +73,52 @@ TEST(CSDlgSelfDelete, CommandFromOutsideSurvivesIt) {
     EXPECT_EQ(1, record.nDeletes);
 }
 
+TEST(CSDlgSelfDelete, CommandFromOutsideWhoseButtonDestroysTheWindowSurvivesIt) {
+    for (int nId : {IDOK, IDCANCEL, IDC_BUTTON}) {
+        DlgRecord record;
+        auto* pDlg = new MortalDlg(record);
+        ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_HIDDEN, nullptr, nullptr, 0));
+        pDlg->onButton = [](ProbeDlg& d, unsigned short) { ::DestroyWindow(d); };
+        pDlg->OnDlgMessage(WM_COMMAND, static_cast<WPARAM>(nId), 0);
+        EXPECT_EQ(1, record.nDeletes);
+    }
+}
+
+TEST(CSDlgSelfDelete, MessageFromOutsideWhoseHookDestroysTheWindowSurvivesIt) {
+    struct DestroyingHook : WMHook {
+        int OnDlgMessage(CSDlg* pDlg, UINT uMsg, WPARAM, LPARAM, LRESULT*) override {
+            if (uMsg == kActMsg) ::DestroyWindow(*pDlg);
+            return 0; // those behind are asked, if there is anybody to ask for
+        }
+    } hook, behind;
+    DlgRecord record;
+    auto* pDlg = new MortalDlg(record);
+    ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_HIDDEN, nullptr, nullptr, 0));
+    pDlg->AddDlgHook(&behind);
+    pDlg->AddDlgHook(&hook);
+    pDlg->OnDlgMessage(kActMsg, 0, 0);
+    EXPECT_EQ(1, record.nDeletes);
+}
+
+TEST(CSDlgSelfDelete, HookThatDeletesTheObjectItselfEndsTheMessage) {
+    struct DeletingHook : WMHook {
+        int OnDlgMessage(CSDlg* pDlg, UINT uMsg, WPARAM, LPARAM, LRESULT*) override {
+            if (uMsg == kActMsg) delete static_cast<MortalDlg*>(pDlg);
+            return 0;
+        }
+    } hook;
+    DlgRecord record;
+    auto* pDlg = new MortalDlg(record);
+    ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_HIDDEN, nullptr, nullptr, 0));
+    HWND hwnd = *pDlg;
+    pDlg->AddDlgHook(&hook);
+    pDlg->OnDlgMessage(kActMsg, 0, 0);
+    EXPECT_EQ(1, record.nDeletes);
+    EXPECT_TRUE(::IsWindow(hwnd)) << "a destructor destroys no window";
+    ::SendMessageW(hwnd, WM_COMMAND, IDOK, 0);
+    ::DestroyWindow(hwnd);
+}
+
 TEST(CSDlgSelfDelete, ClickOnAButtonThatDestroysTheWindow) {
     DlgRecord record;
     auto* pDlg = new MortalDlg(record);
