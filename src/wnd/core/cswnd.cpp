@@ -150,7 +150,8 @@ LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
     HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
-    CSWnd* pHolder = lifeHolder;
+    // (A dialog that was deleted before its window is no holder any more.)
+    CSWnd* pHolder = csWnds.Has(lifeHolder) ? lifeHolder : nullptr;
     if (pHolder) pHolder->HoldLife();
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
     hwndOfFrame = hwndOfFrameBefore;

@@ -7,6 +7,8 @@
 #define IDD_DIALOG_TABS 303    // visible, for the walk with the keyboard
 #define IDD_DIALOG_NO_FONT 304 // so that WM_INITDIALOG is the first message of its procedure
 #define IDD_DIALOG_PAGE 305    // a child window
+#define IDD_DIALOG_BROKEN 307  // an item of a class that nobody registers
+#define IDD_DIALOG_FEW 306     // a few items that cost little; not visible by itself
 
 // The items of IDD_DIALOG_ITEMS in their order, between a label and the buttons IDOK, IDCANCEL and
 // IDHELP.

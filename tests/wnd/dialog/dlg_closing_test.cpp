@@ -11,10 +11,10 @@ struct CSDlgClose : testing::Test {
     CSDlgClose() {
         dlg.onInit = [this](ProbeDlg& d) {
             edit.Init(&d, IDC_EDIT, nullptr, 0);
-            check.Init(&d, IDC_CHECK, nullptr, 0);
+            check.Init(&d, IDC_NUMBER, nullptr, 0);
             EXPECT_NE(nullptr, edit.hWnd);
         };
-        EXPECT_NE(nullptr, dlg.Modeless(IDD_DIALOG_ITEMS, nullptr, nullptr, 0));
+        EXPECT_NE(nullptr, dlg.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
         hwnd = dlg;
         dlg.record.log.clear();
     }
@@ -80,7 +80,7 @@ TEST_F(CSDlgClose, OnlyDirectChildrenThatAreControlsAreTold) {
     CSWnd plain; // an object that is no control's
     plain.Subclass(::GetDlgItem(dlg, IDC_BUTTON));
     HWND hwndDeep =
-        ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, ::GetDlgItem(dlg, IDC_FRAME),
+        ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, ::GetDlgItem(dlg, IDC_FORMAT),
                           reinterpret_cast<HMENU>(UINT_PTR{1700}), nullptr, nullptr);
     ProbeCtrl deep(dlg.record);
     deep.Subclass(hwndDeep);
@@ -97,7 +97,7 @@ TEST_F(CSDlgClose, ControlIsToldWhileItsWindowLives) {
         int nStores = 0;
         bool bLives = false;
     } ctrl;
-    ctrl.Init(&dlg, IDC_NUMBER, nullptr, 0);
+    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
     dlg.CloseDialog(1, -1);
     EXPECT_EQ(1, ctrl.nStores);
     EXPECT_TRUE(ctrl.bLives);

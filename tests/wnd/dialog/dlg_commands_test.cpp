@@ -4,7 +4,7 @@
 
 namespace {
 struct CSDlgCommands : testing::Test {
-    OpenDlg dlg;
+    OpenDlg dlg{IDD_DIALOG_FEW};
 };
 
 struct CSDlgColors : CSDlgCommands {

@@ -146,7 +146,7 @@ struct CSDlgNotify : testing::Test {
         return dlg.OnNotify(static_cast<int>(nId), &hdr);
     }
     std::string Asked() { return dlg.record.Only({"ctrl.OnNotify", "TipString", "TipText"}); }
-    OpenDlg dlg;
+    OpenDlg dlg{IDD_DIALOG_FEW};
     ProbeCtrl ctrl{dlg.record};
 };
 
@@ -157,7 +157,7 @@ TEST_F(CSDlgNotify, WithoutASourceIsNothing) {
 }
 
 TEST_F(CSDlgNotify, SourcesControlIsAsked) {
-    ctrl.Init(&dlg, IDC_LIST_VIEW, nullptr, 0);
+    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
     EXPECT_EQ(0, Notify(ctrl.hWnd, NM_CLICK));
     ctrl.qwNotify = 0x200000001;
     EXPECT_EQ(0x200000001, Notify(ctrl.hWnd, NM_CLICK));
@@ -165,7 +165,7 @@ TEST_F(CSDlgNotify, SourcesControlIsAsked) {
 }
 
 TEST_F(CSDlgNotify, ControlOfTheSourcesParentIsAskedIfTheSourceHasNone) {
-    ctrl.Init(&dlg, IDC_LIST_VIEW, nullptr, 0);
+    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
     TestWindow inner(L"STATIC", ctrl.hWnd, WS_CHILD);
     ctrl.qwNotify = 5;
     EXPECT_EQ(5, Notify(inner, NM_CLICK));
@@ -175,7 +175,7 @@ TEST_F(CSDlgNotify, ControlOfTheSourcesParentIsAskedIfTheSourceHasNone) {
 }
 
 TEST_F(CSDlgNotify, SourcesOwnControlGoesBeforeItsParents) {
-    ctrl.Init(&dlg, IDC_LIST_VIEW, nullptr, 0);
+    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
     ctrl.qwNotify = 5;
     TestWindow inner(L"STATIC", ctrl.hWnd, WS_CHILD);
     ProbeCtrl ctrlInner(dlg.record);
@@ -185,8 +185,8 @@ TEST_F(CSDlgNotify, SourcesOwnControlGoesBeforeItsParents) {
 }
 
 TEST_F(CSDlgNotify, OnlyTooltipsAskForTexts) {
-    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_LIST_VIEW), NM_CLICK));
-    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_LIST_VIEW), TTN_SHOW));
+    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_FORMAT), NM_CLICK));
+    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_FORMAT), TTN_SHOW));
     EXPECT_EQ("", Asked());
     EXPECT_EQ(-530, static_cast<int>(TTN_NEEDTEXTW));
     EXPECT_EQ(-520, static_cast<int>(TTN_NEEDTEXTA));

@@ -72,7 +72,7 @@ TEST(CSDlgHostile, PropertyOfTheDialogMayHoldAnything) {
 }
 
 TEST(CSDlgHostile, MessagesAsAnyProgramMaySendThem) {
-    OpenDlg dlg;
+    OpenDlg dlg(IDD_DIALOG_FEW);
     dlg.nCanClose = 0;
     dlg.bQuietHelp = true;
     for (WPARAM w : {WPARAM{0}, WPARAM{1}, WPARAM{0xFFFF}, WPARAM{0xFFFFFFFFFFFFFFFF}}) {
@@ -92,7 +92,7 @@ TEST(CSDlgHostile, MessagesAsAnyProgramMaySendThem) {
 }
 
 TEST(CSDlgHostile, DrawnItemsOfForeignIdsDoNothing) {
-    OpenDlg dlg;
+    OpenDlg dlg(IDD_DIALOG_FEW);
     DRAWITEMSTRUCT draw{};
     for (WPARAM w : {WPARAM{0}, WPARAM{IDC_NO_ITEM}, WPARAM{0xFFFF}, WPARAM{0xFFFFFFFFFFFFFFFF},
                      WPARAM{0x100000000 + IDC_BUTTON}}) {
@@ -103,7 +103,7 @@ TEST(CSDlgHostile, DrawnItemsOfForeignIdsDoNothing) {
 }
 
 TEST(CSDlgHostile, SecondInitialisationMakesNoSecondObjects) {
-    OpenDlg dlg;
+    OpenDlg dlg(IDD_DIALOG_FEW);
     CSCtrl* pCtrl = dlg.GetDlgCtrl(IDC_EDIT);
     ::SendMessageW(dlg, WM_INITDIALOG, 0, 0);
     EXPECT_EQ(pCtrl, dlg.GetDlgCtrl(IDC_EDIT));

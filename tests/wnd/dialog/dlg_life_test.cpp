@@ -149,9 +149,9 @@ TEST(CSDlgLeaks, HundredDialogsLeaveGdiAndUserObjectsAndBlocksAsTheyWere) {
     auto runOnce = [](int n) {
         ProbeDlg dlg;
         dlg.SetDlgColors(RGB(n, 2, 3), RGB(0, 0, 0), CLR_INVALID);
-        dlg.onInit = [](ProbeDlg& d) { d.SetDlgItemTextFmtCtrl(IDC_FORMAT, 3, L"ten"); };
+        dlg.onInit = [](ProbeDlg& d) { d.SetDlgItemTextFmtCtrl(IDOK, 3, L"ten"); };
         dlg.RunModal([](ProbeDlg& d) { d.DelayAction(1, 5000); },
-                     n % 5 ? IDD_DIALOG_HIDDEN : IDD_DIALOG_ITEMS);
+                     n % 25 ? IDD_DIALOG_HIDDEN : IDD_DIALOG_ITEMS);
     };
     for (int n = 0; n < 5; ++n) runOnce(n);
     int nGdi = CountGdiObjects(), nUser = CountUserObjects();
@@ -167,12 +167,12 @@ TEST(CSDlgLeaks, VisibleOnesAndOwnLoopsLeaveNothingEither) {
     auto runOnce = [&] {
         ProbeDlg dlg;
         dlg.onInside = [](ProbeDlg& d) { ::UpdateWindow(d); };
-        EXPECT_EQ(7, dlg.ModelessWithLoop(1, IDD_DIALOG_ITEMS, nullptr, owner, nullptr));
+        EXPECT_EQ(7, dlg.ModelessWithLoop(1, IDD_DIALOG_FEW, nullptr, owner, nullptr));
     };
     for (int n = 0; n < 3; ++n) runOnce();
     int nGdi = CountGdiObjects(), nUser = CountUserObjects();
     long nBlocks = CountLiveBlocks();
-    for (int n = 0; n < 15; ++n) runOnce();
+    for (int n = 0; n < 10; ++n) runOnce();
     EXPECT_EQ(nGdi, CountGdiObjects());
     EXPECT_EQ(nUser, CountUserObjects());
     EXPECT_EQ(nBlocks, CountLiveBlocks());

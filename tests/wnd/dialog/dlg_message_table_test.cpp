@@ -9,7 +9,7 @@ extern "C" FARPROC __imp_TrackMouseEvent;
 
 namespace {
 struct CSDlgMessages : testing::Test {
-    OpenDlg dlg;
+    OpenDlg dlg{IDD_DIALOG_FEW};
     LRESULT lResult = 0;
 };
 
@@ -96,7 +96,7 @@ TEST_F(CSDlgMessages, RealOwnerDrawnButtonDrawsThroughItsObject) {
     ProbeDlg shown;
     ProbeCtrl ctrl(shown.record);
     shown.onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_OWNER_DRAWN, nullptr, 0); };
-    ASSERT_NE(nullptr, shown.Modeless(IDD_DIALOG_ITEMS, nullptr, nullptr, 1));
+    ASSERT_NE(nullptr, shown.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 1));
     ::RedrawWindow(::GetDlgItem(shown, IDC_OWNER_DRAWN), nullptr, nullptr,
                    RDW_INVALIDATE | RDW_UPDATENOW);
     EXPECT_LT(0, shown.record.Count("ctrl.OnDrawItem 1017 0"));
@@ -114,15 +114,15 @@ TEST_F(CSDlgMessages, WindowPositionsAreTold) {
 }
 
 TEST_F(CSDlgMessages, NotificationsResultIsTheDialogs) {
-    NMHDR hdr{::GetDlgItem(dlg, IDC_LIST_VIEW), IDC_LIST_VIEW, static_cast<UINT>(NM_CLICK)};
+    NMHDR hdr{::GetDlgItem(dlg, IDC_FORMAT), IDC_FORMAT, static_cast<UINT>(NM_CLICK)};
     LPARAM lHdr = reinterpret_cast<LPARAM>(&hdr);
-    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_LIST_VIEW, lHdr, &lResult));
+    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_FORMAT, lHdr, &lResult));
     EXPECT_EQ(0, lResult);
-    EXPECT_EQ("OnNotify 1015 -2", dlg.record.Only({"OnNotify"}));
+    EXPECT_EQ("OnNotify 1007 -2", dlg.record.Only({"OnNotify"}));
     dlg.qwNotify = 0x10000005B;
-    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_LIST_VIEW, lHdr, &lResult));
+    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_FORMAT, lHdr, &lResult));
     EXPECT_EQ(0x10000005B, lResult);
-    EXPECT_EQ(0x10000005B, ::SendMessageW(dlg, WM_NOTIFY, IDC_LIST_VIEW, lHdr));
+    EXPECT_EQ(0x10000005B, ::SendMessageW(dlg, WM_NOTIFY, IDC_FORMAT, lHdr));
 }
 
 TEST_F(CSDlgMessages, HelpKeyIsHelp) {
@@ -139,13 +139,14 @@ TEST_F(CSDlgMessages, InitialisationIsFollowedByThatOfTheControls) {
     ProbeDlg other;
     ProbeCtrl ctrl(other.record);
     other.onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_EDIT, nullptr, 0); };
-    ASSERT_NE(nullptr, other.Modeless(IDD_DIALOG_ITEMS, nullptr, nullptr, 0));
+    ASSERT_NE(nullptr, other.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
     EXPECT_EQ("OnInitDialog; OnInitDone; ctrl.PostInitDialog",
               other.record.Only({"OnInitDialog", "OnInitDone", "ctrl.PostInitDialog"}));
     other.Destroy();
 }
 
-TEST_F(CSDlgMessages, EveryControlWithAnIdGetsAnObject) {
+TEST(CSDlgInit, EveryControlWithAnIdGetsAnObject) {
+    OpenDlg dlg(IDD_DIALOG_ITEMS);
     for (int nId = IDC_EDIT; nId <= IDC_MULTI_LINE; ++nId) {
         EXPECT_NE(nullptr, dlg.GetDlgCtrl(nId)) << nId;
     }
@@ -162,7 +163,7 @@ TEST_F(CSDlgMessages, ChildWithAnotherKindOfObjectKeepsIt) {
     CSWnd plain;
     ProbeDlg other;
     other.onInit = [&](ProbeDlg& d) { plain.Subclass(::GetDlgItem(d, IDC_BUTTON)); };
-    ASSERT_NE(nullptr, other.Modeless(IDD_DIALOG_ITEMS, nullptr, nullptr, 0));
+    ASSERT_NE(nullptr, other.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
     EXPECT_EQ(&plain, CSWnd::FromHandle(::GetDlgItem(other, IDC_BUTTON)));
     EXPECT_EQ(nullptr, other.GetDlgCtrl(IDC_BUTTON));
     EXPECT_NE(nullptr, other.GetDlgCtrl(IDC_FORMAT));

@@ -67,6 +67,17 @@ TEST_F(CSDlgOwnLoop, MissingTemplateGivesMinusOneAndLeavesTheOwnerAlone) {
     EXPECT_TRUE(::IsWindowEnabled(owner));
 }
 
+TEST_F(CSDlgOwnLoop, TemplateThatBreaksOffGivesMinusOneAndLeavesNoEndBehind) {
+    TestWindow owner;
+    ProbeDlg dlg;
+    HWND hwndCreated = nullptr;
+    EXPECT_EQ(-1, dlg.ModelessWithLoop(1, IDD_DIALOG_BROKEN, nullptr, owner, &hwndCreated));
+    EXPECT_EQ(nullptr, hwndCreated);
+    EXPECT_EQ(nullptr, dlg.hWnd);
+    EXPECT_TRUE(::IsWindowEnabled(owner));
+    EXPECT_EQ(7, Run(dlg, [](ProbeDlg&) {}));
+}
+
 TEST_F(CSDlgOwnLoop, OwnerIsDisabledMeanwhileAndInFrontAgainAfterwards) {
     TestWindow owner;
     ::ShowWindow(owner, SW_SHOW);

@@ -152,6 +152,18 @@ TEST(CSDlgModal, MissingTemplateGivesThePlatformsResultAndShowsNothing) {
     EXPECT_TRUE(dlg.record.log.empty());
 }
 
+TEST(CSDlgModal, TemplateThatBreaksOffLeavesTheObjectForAnotherRun) {
+    ProbeDlg dlg;
+    EXPECT_GE(0, dlg.Modal(IDD_DIALOG_BROKEN, nullptr, nullptr));
+    EXPECT_EQ(nullptr, dlg.hWnd);
+    EXPECT_EQ(nullptr, dlg.Modeless(IDD_DIALOG_BROKEN, nullptr, nullptr, 1));
+    EXPECT_EQ(nullptr, dlg.hWnd);
+    EXPECT_EQ(0, dlg.record.Count("OnInitDialog"));
+    dlg.isModeless = 0;
+    EXPECT_EQ(7, dlg.RunModal([](ProbeDlg& d) { ::SendMessageW(d, WM_COMMAND, IDC_BUTTON, 0); }));
+    EXPECT_EQ(1, dlg.record.Count("OnButtonClicked 1006"));
+}
+
 TEST(CSDlgModal, ObjectOfAFailedRunIsNotTiedToTheNextWindow) {
     ProbeDlg dlg;
     dlg.Modal(999, nullptr, nullptr);

@@ -38,6 +38,20 @@ TEST(CSDlgSelfDelete, OwnLoopEndsAlsoWhenTheObjectGoesWithinAnotherLoop) {
     while (TakeThreadMessage(kLoopEnd)) continue;
 }
 
+TEST(CSDlgSelfDelete, ObjectThatGotNoDialogIsItsOwners) {
+    for (int nTemplate : {999, IDD_DIALOG_BROKEN}) {
+        DlgRecord record;
+        auto* pDlg = new MortalDlg(record);
+        EXPECT_GE(0, pDlg->Modal(nTemplate, nullptr, nullptr));
+        EXPECT_EQ(nullptr, pDlg->Modeless(nTemplate, nullptr, nullptr, 1));
+        EXPECT_EQ(-1, pDlg->ModelessWithLoop(0, nTemplate, nullptr, nullptr, nullptr));
+        EXPECT_EQ(0, pDlg->CreateIndirect(nullptr, nullptr));
+        ASSERT_EQ(0, record.nDeletes);
+        delete pDlg;
+        EXPECT_FALSE(TakeThreadMessage(kLoopEnd));
+    }
+}
+
 TEST(CSDlgSelfDelete, ModelessGoesWithItsWindow) {
     DlgRecord record;
     auto* pDlg = new MortalDlg(record);
@@ -241,7 +255,7 @@ TEST(CSDlgSelfDelete, ControlsOKMayDestroyTheDialog) {
     DlgRecord record;
     auto* pDlg = new MortalDlg(record);
     pDlg->onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_EDIT, nullptr, 0); };
-    ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_ITEMS, nullptr, nullptr, 0));
+    ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
     pDlg->CloseDialog(1, 1);
     EXPECT_EQ(1, record.nDeletes);
 }

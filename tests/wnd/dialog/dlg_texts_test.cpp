@@ -10,7 +10,7 @@ HINSTANCE OtherModule() { return ::GetModuleHandleW(L"user32.dll"); }
 
 struct CSDlgTexts : testing::Test {
     std::wstring Text(int nId) { return ItemText(dlg, nId); }
-    OpenDlg dlg;
+    OpenDlg dlg{IDD_DIALOG_FEW};
 };
 
 TEST_F(CSDlgTexts, SetGetAndLength) {

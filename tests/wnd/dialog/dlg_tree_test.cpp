@@ -5,7 +5,7 @@
 
 namespace {
 TEST(GetTopDlg, ClimbsFromTheWindowsParentToADialogThatIsNoPage) {
-    OpenDlg top(IDD_DIALOG_ITEMS);
+    OpenDlg top(IDD_DIALOG_HIDDEN);
     ProbeDlg page;
     page.isChildDlg = 1;
     ASSERT_NE(nullptr, page.Modeless(IDD_DIALOG_PAGE, nullptr, top, 0));
