@@ -8,12 +8,16 @@
 
 namespace {
 std::atomic<long> nLive{0};
+thread_local int nUntilFailure = 0;
 } // namespace
 
 long CountLiveBlocks() { return nLive; }
 
+void FailBlock(int n) { nUntilFailure = n; }
+
 void* operator new(std::size_t cb) {
-    void* p = std::malloc(cb ? cb : 1);
+    bool bFails = nUntilFailure && --nUntilFailure == 0;
+    void* p = bFails ? nullptr : std::malloc(cb ? cb : 1);
     if (!p) throw std::bad_alloc();
     ++nLive;
     return p;
