@@ -11,6 +11,7 @@
 #include <commdlg.h>
 #include <gtest/gtest.h>
 #include <climits>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -135,7 +136,6 @@ struct PrintTextTest : testing::Test {
         pCalls = &calls;
         hwndRoot = root;
         hwndOther = hwndChild;
-        pszPrinter = printer.GetName();
         pStartDoc = &startDoc;
         pStartPage = &startPage;
         pEndPage = &endPage;
@@ -145,7 +145,15 @@ struct PrintTextTest : testing::Test {
         pCaps = &caps;
         pGlobalFree = &globalFree;
     }
-    void SetUp() override { ASSERT_TRUE(printer.IsReady()); }
+    static void SetUpTestSuite() {
+        pPrinter = std::make_unique<TestPrinter>();
+        pszPrinter = pPrinter->GetName();
+    }
+    static void TearDownTestSuite() { pPrinter.reset(); }
+    void SetUp() override {
+        ASSERT_TRUE(pPrinter->IsReady());
+        pPrinter->ForgetPrinted();
+    }
     ~PrintTextTest() override { pCalls = nullptr; }
 
     int Print(LPCWSTR pszText = L"some text", int bFixed = 0, int nLeft = 5, int nTop = 6,
@@ -162,7 +170,7 @@ struct PrintTextTest : testing::Test {
         EXPECT_EQ(1u, calls.freed.count(calls.asked.hDevNames));
     }
 
-    TestPrinter printer;
+    static inline std::unique_ptr<TestPrinter> pPrinter;
     PrintCalls calls;
     TestWindow root;
     HWND hwndChild = ::CreateWindowExW(0, L"STATIC", L"child", WS_CHILD, 0, 0, 50, 50, root,
@@ -193,7 +201,7 @@ TEST_F(PrintTextTest, PrintsOnePageThroughThePlatformsDialog) {
     EXPECT_EQ(1, PrintText(root, L"a report", L"first line\nsecond line", 0, 0, 10, 10, 10, 10));
     ASSERT_EQ(1u, driver.Finish().size());
     EXPECT_EQ(root, driver.Finish()[0].hwndOwner);
-    std::string strPrinted = printer.Printed();
+    std::string strPrinted = pPrinter->Printed();
     EXPECT_EQ(0u, strPrinted.find("%!PS-Adobe"));
     EXPECT_EQ(1, CountOf(strPrinted, "%%Title: a report"));
     EXPECT_EQ(1, CountOf(strPrinted, "%%Page: "));
@@ -205,26 +213,27 @@ TEST_F(PrintTextTest, PrintsOnePageThroughThePlatformsDialog) {
 }
 
 TEST_F(PrintTextTest, WhatDoesNotFitIsNotPrinted) {
-    std::wstring strLong;
-    for (int i = 0; i < 2000; ++i) strLong += L"line " + std::to_wstring(i) + L"\n";
+    std::wstring strLong; // more than the two inches that the margins leave
+    for (int i = 0; i < 60; ++i) strLong += L"x\n";
     MessageBoxDriver driver({IDOK}, L"Print");
-    EXPECT_EQ(1, PrintText(root, L"long", strLong.c_str(), 1, 0, 0, 0, 0, 0));
-    EXPECT_EQ(1, CountOf(printer.Printed(), "%%Page: "));
+    EXPECT_EQ(1, PrintText(root, L"long", strLong.c_str(), 1, 0, 0, 0, 0, 87));
+    EXPECT_EQ(1, CountOf(pPrinter->Printed(), "%%Page: "));
     EXPECT_EQ(strLong, calls.strText) << "the platform cuts it";
+    EXPECT_LT(calls.rc.bottom, 60 * 13) << "of the font's height";
 }
 
 TEST_F(PrintTextTest, UserWhoCancelsPrintsNothing) {
     MessageBoxDriver driver({IDCANCEL}, L"Print");
     EXPECT_EQ(0, PrintText(root, L"doc", L"text", 0, 0, 0, 0, 0, 0));
     ASSERT_EQ(1u, driver.Finish().size());
-    EXPECT_EQ("", printer.Printed());
+    EXPECT_EQ("", pPrinter->Printed());
     EXPECT_EQ(0, std::count(calls.order.begin(), calls.order.end(), "StartDoc"));
     EXPECT_TRUE(::IsWindowEnabled(root));
 }
 
 TEST_F(PrintTextTest, LeavesNoObjects) {
     // Without the platform's dialog, which keeps something with each run.
-    EXPECT_EQ(1, Print()); // the driver keeps something of its own
+    EXPECT_EQ(1, Print()); // what stays is made by the first page
     int nGdi = CountGdiObjects(), nUser = CountUserObjects();
     for (int i = 0; i < 3; ++i) EXPECT_EQ(1, Print());
     calls.dwAction = PD_RESULT_CANCEL;
@@ -291,7 +300,7 @@ TEST_F(PrintTextTest, PrintsInOrderAndGivesAllBack) {
     EXPECT_EQ(-1, calls.cchText);
     EXPECT_EQ(0x80010u, calls.uFormat);
     ExpectAllFreed();
-    EXPECT_EQ(1, CountOf(printer.Printed(), "%%Page: "));
+    EXPECT_EQ(1, CountOf(pPrinter->Printed(), "%%Page: "));
 }
 
 TEST_F(PrintTextTest, FontIsTheFixedOrTheOtherStockFont) {
@@ -344,7 +353,7 @@ TEST_F(PrintTextTest, EmptyAndMissingTextsGiveAnEmptyPage) {
     EXPECT_EQ(L"", calls.strText);
     EXPECT_EQ(1, Print(nullptr));
     EXPECT_EQ(L"", calls.strText);
-    EXPECT_EQ(1, CountOf(printer.Printed(), "%%Page: "));
+    EXPECT_EQ(1, CountOf(pPrinter->Printed(), "%%Page: "));
 }
 
 TEST_F(PrintTextTest, DocumentNeedsNoName) {
@@ -423,6 +432,6 @@ TEST_F(PrintTextTest, OutOfMemoryIsTheLastError) {
 
 TEST_F(PrintTextTest, WithoutAWindowThePlatformAsksNobody) {
     EXPECT_EQ(0, PrintText(nullptr, L"doc", L"text", 0, 0, 0, 0, 0, 0));
-    EXPECT_EQ("", printer.Printed());
+    EXPECT_EQ("", pPrinter->Printed());
 }
 } // namespace

@@ -32,9 +32,11 @@ class TestPrinter {
         printer.pPrintProcessor = szProcessor;
         printer.pDatatype = szRaw;
         hPrinter = ::AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer));
-        bReady = hPrinter && ::SetDefaultPrinterW(szName);
+        if (!hPrinter || !::SetDefaultPrinterW(szName)) return;
+        hdcKept = ::CreateICW(L"WINSPOOL", szName, nullptr, nullptr);
     }
     ~TestPrinter() {
+        if (hdcKept) ::DeleteDC(hdcKept);
         if (hPrinter) {
             ::DeletePrinter(hPrinter);
             ::ClosePrinter(hPrinter);
@@ -44,9 +46,10 @@ class TestPrinter {
     TestPrinter(const TestPrinter&) = delete;
     TestPrinter& operator=(const TestPrinter&) = delete;
 
-    bool IsReady() const { return bReady; }
+    bool IsReady() const { return hdcKept != nullptr; }
     const wchar_t* GetName() const { return szName; }
-    /// What was printed; empty if nothing was.
+    void ForgetPrinted() { ::DeleteFileW(folder.File(kOutput).c_str()); }
+    /// What was printed last; empty if nothing was.
     std::string Printed() const { return folder.ReadFile(kOutput); }
 
   private:
@@ -86,5 +89,5 @@ class TestPrinter {
     wchar_t szName[32] = L"Tessaly Test Printer";
     wchar_t szDriverName[32] = L"Tessaly Test PostScript";
     HANDLE hPrinter = nullptr;
-    bool bReady = false;
+    HDC hdcKept = nullptr; // keeps the driver loaded, which takes long to come up
 };
