@@ -156,6 +156,15 @@ TEST_F(DialogCorner, IsHitAsTheBottomRightCorner) {
     EXPECT_EQ(HTBOTTOMRIGHT, HitTest(199, 149));
 }
 
+TEST_F(DialogCorner, IsHitOnAMonitorLeftOfThePrimaryOne) {
+    ASSERT_TRUE(Make());
+    ::SetWindowPos(dlg, nullptr, -1000, -800, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    EXPECT_EQ(HTBOTTOMRIGHT, HitTest(199, 149));
+    EXPECT_EQ(HTCAPTION, HitTest(50, 50));
+    dlg.flags |= kDlgResizeEdges;
+    EXPECT_EQ(HTLEFT, HitTest(0, 70));
+}
+
 TEST_F(DialogCorner, IsHitAlsoWhereItIsNotDrawn) {
     ASSERT_TRUE(Make(kBoth | kDlgNoCorner));
     EXPECT_EQ(HTBOTTOMRIGHT, HitTest(199, 149));

@@ -1,6 +1,7 @@
 #include "support/replace_import.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
+#include "wnd/layout/fake_monitors.h"
 #include "wnd/layout/layout_probe.h"
 #include "wnd/layout/recorded_positions.h"
 
@@ -279,6 +280,18 @@ TEST_F(AlignDialog, CentersOverItsOwner) {
     RECT rc = Run(kDlgCentered, owner);
     EXPECT_EQ(60 + (900 - Width(rc)) / 2, rc.left);
     EXPECT_EQ(90 + (400 - Height(rc)) / 2, rc.top);
+}
+
+TEST_F(AlignDialog, StaysOnTheMonitorOfItsOwner) {
+    FakeMonitors screen(FakeMonitors::Two());
+    PlaceWindow(owner, {1030, -190, 1130, -150});
+    RECT rc = Run(kDlgCentered, owner);
+    EXPECT_EQ(1024, rc.left);
+    EXPECT_EQ(-200, rc.top);
+    PlaceWindow(owner, {2200, 700, 2300, 800});
+    rc = Run(kDlgCascaded, owner);
+    EXPECT_EQ(2304, rc.right);
+    EXPECT_EQ(824, rc.bottom);
 }
 
 TEST_F(AlignDialog, CascadesOverItsOwnerOrTheDesktop) {
