@@ -103,6 +103,15 @@ TEST_F(ChildDialog, ParentAtItsSmallestIsNothingToCatchUp) {
     EXPECT_TRUE(page.resizes.empty());
 }
 
+TEST_F(ChildDialog, ParentOfAFixedSizeHasNotGrown) {
+    ParentDlg fixed;
+    fixed.SetFlags(kDlgFixedWidth | kDlgFixedHeight, 1);
+    ASSERT_TRUE(fixed.Make(IDD_LAYOUT_SIZING));
+    fixed.SetSize(400, 300);
+    ASSERT_EQ(1, page.Make(fixed));
+    EXPECT_TRUE(page.resizes.empty());
+}
+
 TEST_F(ChildDialog, IsNotDragged) {
     ASSERT_EQ(1, page.Make(parent));
     EXPECT_FALSE(page.IsFullDrag());

@@ -221,9 +221,10 @@ TEST(DialogInit, SecondRunOfAnObjectHasItsHooksOnce) {
 
 TEST(DialogInit, TopmostOnlyUntilItWasActive) {
     LayoutDlg dlg;
-    dlg.SetFlags(kDlgTopmostAtStart, 1);
-    RecordedPositions recorded;
     ASSERT_TRUE(dlg.Make(IDD_LAYOUT_EMPTY));
+    dlg.SetFlags(kDlgTopmostAtStart, 1); // (a new dialog is active before its maker can look)
+    RecordedPositions recorded;
+    dlg.CSDlg::OnInitDone();
     auto IsTopmost = [&] { return ::GetWindowLongW(dlg, GWL_EXSTYLE) & WS_EX_TOPMOST; };
     auto CallsAfter = [&](HWND hwndAfter) {
         int n = 0;

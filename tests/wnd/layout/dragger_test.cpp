@@ -124,11 +124,17 @@ TEST_F(Dragger, HotSpotHasTheHand) {
     EXPECT_EQ(Cursor(IDC_ARROW), ::GetCursor());
 }
 
-TEST_F(Dragger, MenuComesWithTheHandAndEndsTheHotSpot) {
+TEST_F(Dragger, ShowsTheHandWhenAMenuOpens) {
+    EXPECT_EQ(0, Ask(WM_INITMENUPOPUP, 0));
+    EXPECT_EQ(77, lResult);
+    EXPECT_EQ(Cursor(IDC_HAND), ::GetCursor());
     dragger.overHotSpot = 1;
     EXPECT_EQ(0, Ask(WM_INITMENUPOPUP, 0));
-    EXPECT_EQ(Cursor(IDC_HAND), ::GetCursor());
     EXPECT_EQ(1, dragger.overHotSpot);
+}
+
+TEST_F(Dragger, AMenuThatClosesEndsTheHotSpot) {
+    dragger.overHotSpot = 1;
     EXPECT_EQ(0, Ask(WM_UNINITMENUPOPUP, 0));
     EXPECT_EQ(0, dragger.overHotSpot);
     EXPECT_EQ(77, lResult);

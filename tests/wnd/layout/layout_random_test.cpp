@@ -9,7 +9,7 @@
 
 namespace {
 constexpr int kFirstItem = 1200, kItems = 8, kReach = 1500;
-constexpr int kCtrlSteps = 70000, kSizeSteps = 20000, kGroupSteps = 10000;
+constexpr int kCtrlSteps = 30000, kSizeSteps = 67000, kGroupSteps = 3000;
 
 /// Operations on the items of a hidden dialog, and what they should come to.
 class ItemModel {
@@ -182,7 +182,7 @@ TEST(LayoutRandom, SizesAreWhatTheModelSays) {
         WINDOWPOS pos = dlg.AskChanging(cx, cy);
         ASSERT_EQ(nExpectedX, pos.cx) << dwAll;
         ASSERT_EQ(nExpectedY, pos.cy) << dwAll;
-        if (nStep % 10 == 0) { // a real change, which is dearer
+        if (nStep % 30 == 0) { // a real change, which is dearer
             dlg.flags = kSizing | kDlgStartHidden;
             dlg.ForgetLog();
             dlg.SetSize(cx, cy);

@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
             "WiderThanTheMonitorBeginsAtItsLeft", {1100, 100}, {300, 300, 500, 400}, {0, 300}},
         CenterCase{
             "HigherThanTheMonitorBeginsAtItsTop", {200, 800}, {300, 300, 500, 400}, {300, 0}},
-        CenterCase{"TooWideFarRightEndsAtTheRight", {1040, 100}, {900, 300, 1160, 400}, {-16, 300}},
+        CenterCase{"TooWideFarRightEndsAtTheRight", {1040, 100}, {900, 300, 1120, 400}, {-16, 300}},
         CenterCase{"OnePixelIsTheMonitor", {200, 100}, {300, 300, 301, 301}, {412, 334}},
         CenterCase{"NoPixelIsTheMonitor", {200, 100}, {300, 300, 300, 300}, {412, 334}},
         CenterCase{"NoWidthAndOneHighIsTheMonitor", {200, 100}, {300, 300, 300, 301}, {412, 334}},
@@ -273,7 +273,7 @@ INSTANTIATE_TEST_SUITE_P(
         FitCase{"PastTheLeftIsCut", {-50, 100, 150, 200}, {0, 100, 150, 200}},
         FitCase{"PastTheTopIsCut", {100, -20, 300, 80}, {100, 0, 300, 80}},
         FitCase{"TooWideIsCut", {10, 100, 1210, 200}, {0, 100, 1024, 200}},
-        FitCase{"TooLargeIsTheArea", {-10, -10, 2000, 2000}, {0, 0, 1024, 728}},
+        FitCase{"TooLargeIsTheArea", {-10, -10, 1500, 2000}, {0, 0, 1024, 728}},
         FitCase{"OneTooWide", {0, 0, 1025, 728}, {0, 0, 1024, 728}},
         FitCase{"AllAbove", {100, -300, 300, -200}, {100, 0, 300, -200}},
         FitCase{"Empty", {100, 100, 100, 100}, {100, 100, 100, 100}},

@@ -198,6 +198,7 @@ TEST_F(WindowPosition, AKeyThatCantBeOpenedIsNothing) {
     ASSERT_TRUE(key.PlantUndeletable(L"dead"));
     strRoot = key.Path(L"dead");
     pszRoot = strRoot.c_str();
+    nWrites = 0; // planting is a write too
     WndStorePosition(hwnd, L"");
     WndRestorePosition(hwnd, L"");
     ExpectAt(300, 200);
