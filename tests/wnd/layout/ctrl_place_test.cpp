@@ -67,6 +67,9 @@ TEST_F(CtrlPlace, NoItemHasNoRectangle) {
     EXPECT_EQ(0, GetCtrlRect(dlg, DeadWindow(), &rc));
     EXPECT_EQ(0, GetDlgItemRect(dlg, kNoItem, &rc));
     EXPECT_EQ(0, dlg.GetDlgItemRect(kNoItem, &rc));
+    EXPECT_EQ(0, GetCtrlRect(dlg, button, nullptr));
+    EXPECT_EQ(0, GetDlgItemRect(nullptr, IDC_LAYOUT_BUTTON, &rc));
+    EXPECT_EQ((RECT{1, 2, 3, 4}), rc);
 }
 
 TEST_F(CtrlPlace, NullControlsAndMissingItemsAreIgnored) {

@@ -59,6 +59,7 @@ class FakeMonitors {
                 nNearest = i;
             }
         }
+        if (monitors.empty()) return nullptr;
         if (!nBest && dwFlags == MONITOR_DEFAULTTONEAREST) nBest = nNearest + 1;
         if (!nBest && dwFlags == MONITOR_DEFAULTTOPRIMARY) nBest = 1;
         return reinterpret_cast<HMONITOR>(nBest);

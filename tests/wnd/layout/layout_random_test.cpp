@@ -9,7 +9,8 @@
 
 namespace {
 constexpr int kFirstItem = 1200, kItems = 8, kReach = 1500;
-constexpr int kCtrlSteps = 30000, kSizeSteps = 67000, kGroupSteps = 3000;
+// Together 100,000 operations: a step of sizes is three, one of groups some ten.
+constexpr int kCtrlSteps = 25000, kSizeSteps = 20000, kGroupSteps = 1500;
 
 /// Operations on the items of a hidden dialog, and what they should come to.
 class ItemModel {
@@ -182,7 +183,7 @@ TEST(LayoutRandom, SizesAreWhatTheModelSays) {
         WINDOWPOS pos = dlg.AskChanging(cx, cy);
         ASSERT_EQ(nExpectedX, pos.cx) << dwAll;
         ASSERT_EQ(nExpectedY, pos.cy) << dwAll;
-        if (nStep % 30 == 0) { // a real change, which is dearer
+        if (nStep % 40 == 0) { // a real change, which is dearer
             dlg.flags = kSizing | kDlgStartHidden;
             dlg.ForgetLog();
             dlg.SetSize(cx, cy);

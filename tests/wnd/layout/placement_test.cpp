@@ -347,6 +347,15 @@ TEST_F(DialogPlacement, StoreResizingInfoReadsTheWindow) {
     EXPECT_EQ(rc, record.rcNormalPosition);
 }
 
+TEST_F(DialogPlacement, ClosingReadsThePlaceOnceMore) {
+    LayoutDlg dlg;
+    ASSERT_TRUE(Run(dlg));
+    const RECT rc = WindowRect(dlg);
+    record.rcNormalPosition = {1, 2, 3, 4};
+    dlg.CloseDialog(IDCANCEL, 0);
+    EXPECT_EQ(rc, record.rcNormalPosition);
+}
+
 TEST_F(DialogPlacement, ModalDialogKeepsItsPlaceAcrossRuns) {
     struct Closing : LayoutDlg {
         void UpdatePlace() { PlaceWindow(hWnd, {30, 40, 430, 340}); }

@@ -333,7 +333,7 @@ TEST_F(DialogSizing, ADialogClosedAndDeletedWhileItIsResizedIsNoHarm) {
 TEST_F(DialogSizing, SettingChangesReadTheFramesAnew) {
     ASSERT_TRUE(Make(kBoth));
     const_cast<FrameThickness&>(GetFrameThickness()) = {-1, -1};
-    dlg.OnSystemSettingChange(0, 0);
+    ::SendMessageW(dlg, WM_SETTINGCHANGE, 0, 0);
     EXPECT_EQ(::GetSystemMetrics(SM_CXFRAME), GetFrameThickness().cx);
     EXPECT_EQ(::GetSystemMetrics(SM_CYFRAME), GetFrameThickness().cy);
     const_cast<FrameThickness&>(GetFrameThickness()) = {-1, -1};

@@ -289,6 +289,39 @@ INSTANTIATE_TEST_SUITE_P(
         FitCase{"AllThereIs", {INT_MIN, INT_MIN, INT_MAX, INT_MAX}, {1064, -200, 2304, 824}}),
     [](const auto& row) { return std::string(row.param.pszName); });
 
+TEST(FitRect, BarsOnAllSidesCount) {
+    FakeMonitors screen(
+        std::vector<FakeMonitors::Monitor>{{{0, 0, 1000, 700}, {10, 20, 970, 660}}});
+    RECT rc = {0, 0, 100, 100};
+    FitRectToNearestMonitor(&rc);
+    EXPECT_EQ((RECT{10, 20, 100, 100}), rc);
+    rc = {900, 600, 1000, 700};
+    FitRectToNearestMonitor(&rc);
+    EXPECT_EQ((RECT{870, 560, 970, 660}), rc);
+    rc = {0, 0, 1000, 700};
+    FitRectToNearestMonitor(&rc);
+    EXPECT_EQ((RECT{10, 20, 970, 660}), rc);
+}
+
+TEST(FitRect, WithoutARectangleIsNothing) {
+    FitRectToNearestMonitor(nullptr);
+    SUCCEED();
+}
+
+TEST(PlaceOnMonitor, WithoutAMonitorNothingMoves) {
+    FakeMonitors screen(std::vector<FakeMonitors::Monitor>{});
+    Box wnd(10, 20, 200, 100);
+    EXPECT_EQ(0, CenterWindow(wnd, nullptr));
+    EXPECT_EQ(0, CascadeWindow(wnd, nullptr));
+    EXPECT_EQ(0, MoveWindowToMouse(wnd));
+    EnsureWindowVisible(wnd, nullptr);
+    EXPECT_EQ(10, wnd.Left());
+    EXPECT_EQ(20, wnd.Top());
+    RECT rc = {-50, -60, 5000, 6000};
+    FitRectToNearestMonitor(&rc);
+    EXPECT_EQ((RECT{-50, -60, 5000, 6000}), rc);
+}
+
 TEST(FitRect, UsesTheRealWorkArea) {
     RECT rcWork{};
     ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &rcWork, 0);
