@@ -10,7 +10,7 @@ class TESSALY_API CSComboBase : public CSCtrl {
     int GetCount();
     int AddStr(LPCWSTR pszText);
     int InsertStr(unsigned int nIndex, LPCWSTR pszText);
-    int GetStrLen(unsigned int nIndex);
+    int GetStrLen(unsigned int nIndex); ///< -1 without such an item
     /// psz holds GetStrLen characters and a terminator.
     int GetStr(unsigned int nIndex, wchar_t* psz);
     unsigned __int64 GetItemData(unsigned int nIndex);
@@ -45,6 +45,8 @@ class TESSALY_API CSComboList : public CSComboBase {};
 /// An editable combo box. What the user typed is not overwritten while the list opens and closes.
 class TESSALY_API CSCombo : public CSComboBase {
   public:
+    ~CSCombo() override;
+
     void OnInit() override;
     int OnCommand(unsigned short nCode, __int64* pqwResult) override;
     /// Every message of the edit field; non-zero swallows it, and *pqwResult is the result.

@@ -57,7 +57,8 @@ class TESSALY_API CSCtrl : public CSWnd {
     /// Ties the object to the dialog's control, in the place of a plain object that it may have
     /// got. Works once. Without such a control the values are stored and nothing is tied.
     void Init(CSDlg* pDlg, unsigned int nId, LPCWSTR pszName, unsigned long dwMyStyle);
-    /// A plain object for a control, which deletes itself with it. Null when out of memory.
+    /// A plain object for a control, which deletes itself with it. Null without such a control and
+    /// when out of memory.
     static CSCtrl* AutoInit(CSDlg* pDlg, unsigned int nId);
     /// The object of a window if that is a control's; null otherwise.
     static CSCtrl* FromHandle(HWND hwnd);

@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include "runtime/base/ownership.h"
 #include "wnd/control/csctrl.h"
 #include <windows.h>
 
@@ -45,7 +46,7 @@ class TESSALY_API CSEdit : public CSCtrl {
   protected:
     int readOnly = 0;
     int blockSelAll = 0;
-    HBRUSH editBrush = nullptr; // owned
+    OwnedHandleOf<HBRUSH, &::DeleteObject> editBrush; // empty: the platform's background
 };
 
 class TESSALY_API CSMultiLineEdit : public CSEdit {
@@ -59,7 +60,8 @@ class TESSALY_API CSMultiLineEdit : public CSEdit {
 /// Characters of a line, with its line end unless it is the last one; 0 if there is no such line.
 TESSALY_API int EditCtrl_GetLineSize(HWND hwnd, unsigned int nLine);
 /// Reads a line without its end into cch characters (of which the low 16 bits count), and
-/// terminates it. Returns the characters read; with 0 the buffer holds no text.
+/// terminates it: of a line that does not fit the last of them gives way. Returns the characters
+/// before the terminator; 0 for an empty line, for none, and without room.
 TESSALY_API int EditCtrl_GetLine(HWND hwnd, unsigned int nLine, wchar_t* pszBuffer,
                                  unsigned int cch);
 

@@ -150,35 +150,53 @@ LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
     HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
+    CSWnd* pHolder = lifeHolder;
+    if (pHolder) pHolder->HoldLife();
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
-    --procDepth;
     hwndOfFrame = hwndOfFrameBefore;
     hwndInChain = hwndInChainBefore;
-    if (ncDestroyed && msgDepth == 0 && procDepth == 0) EndLife(true);
-    return lResult; // the object may be gone
+    ReleaseLife(true); // the object may be gone, with the holder at the latest
+    if (pHolder && csWnds.Has(pHolder)) pHolder->ReleaseLife(true);
+    return lResult;
+}
+
+void CSWnd::ReleaseLife(bool bMayDelete) {
+    --procDepth;
+    if (!ncDestroyed) return;
+    if (!bMayDelete) {
+        EndLife(false);
+    } else if (msgDepth == 0 && procDepth == 0) {
+        EndLife(true);
+    }
 }
 
 void CSWnd::EndLife(bool bMayDelete) {
     ncDestroyed = 0;
-    HWND hwndEnded = hWnd;
-    OnPostNcDestroy();
-    if (hooksRemovalPending & kRemoveAllHooks) {
-        // A dispatch is under way and the object is about to be tied anew: the hooks that come on
-        // until that dispatch returns are the next window's and stay.
-        for (POS pos = hooks.GetHeadPos(); pos;) hooks.GetNext(pos) = nullptr;
-        hooksRemovalPending = kRemoveEmptyEntries;
+    if (replaced) { // the window lives on with the next object and is not touched
+        replaced = 0;
+        oldWndProc = nullptr;
+    } else {
+        HWND hwndEnded = hWnd;
+        OnPostNcDestroy();
+        if (hooksRemovalPending & kRemoveAllHooks) {
+            // A dispatch is under way and the object is about to be tied anew: the hooks that come
+            // on until that dispatch returns are the next window's and stay.
+            for (POS pos = hooks.GetHeadPos(); pos;) hooks.GetNext(pos) = nullptr;
+            hooksRemovalPending = kRemoveEmptyEntries;
+        }
+        if (hWnd && hWnd != hwndEnded) return; // OnPostNcDestroy has tied the object anew
+        CommonUnsubclass();
     }
-    if (hWnd && hWnd != hwndEnded) return; // OnPostNcDestroy has tied the object anew
-    CommonUnsubclass();
     bool bDelete = autoDelete && bMayDelete;
     hWnd = nullptr;
+    lifeHolder = nullptr;
     if (bDelete) delete this;
 }
 
 /// A handler may tie the object anew while the end of its window still waits for that handler's
 /// frame: it must not come over the next window.
 void CSWnd::SettleEndBefore(HWND hwndNext) {
-    if (ncDestroyed && hwndNext != hWnd && ::IsWindow(hwndNext)) EndLife(false);
+    if (ncDestroyed && (replaced || hwndNext != hWnd) && ::IsWindow(hwndNext)) EndLife(false);
 }
 
 bool CSWnd::IsTiedAnew() const { return hwndOfFrame && hWnd && hwndOfFrame != hWnd; }
@@ -320,6 +338,22 @@ int CSWnd::CommonUnsubclass() {
     }
     ::RemovePropW(hWnd, kCSWndProperty);
     return 1;
+}
+
+void CSWnd::ReplaceObjectOf(HWND hwndTarget) {
+    CSWnd* pFormer = FromHandle(hwndTarget);
+    if (!pFormer) return;
+    WNDPROC pfnEarlier = pFormer->oldWndProc;
+    pFormer->CommonUnsubclass();
+    if (!pFormer->autoDelete || pFormer == this) return;
+    if (pFormer->msgDepth == 0 && pFormer->procDepth == 0) {
+        delete pFormer;
+        return;
+    }
+    // The messages that it is handling still go where they would have gone.
+    pFormer->oldWndProc = pfnEarlier;
+    pFormer->replaced = 1;
+    pFormer->ncDestroyed = 1; // its life ends with its outermost frame
 }
 
 int CSWnd::Subclass(HWND hwndTarget) {

@@ -148,6 +148,20 @@ class TESSALY_API CSWnd {
     /// CommonSubclass that succeeds with shellSubclassed clear, the caller replaces the procedure.
     int CommonSubclass(HWND hwndTarget);
     int CommonUnsubclass();
+    /// Takes the object that the window has, if any, off it, before this one is tied to it: undoes
+    /// its subclassing, and deletes it if autoDelete is set. One whose handlers are running goes on
+    /// with the window until the outermost of them has returned, and is deleted then.
+    void ReplaceObjectOf(HWND hwndTarget);
+
+    /// For handlers that run without the window procedure below them, as those of the first message
+    /// of a dialog: between the two the object does not delete itself.
+    void HoldLife() noexcept { ++procDepth; }
+    /// The object may be gone after it. Without bMayDelete the window was one of a creation that
+    /// has failed: the object's life with it ends at once, and the object stays its owner's.
+    void ReleaseLife(bool bMayDelete);
+    /// The object that this one may be a member of, or null: it does not delete itself while a
+    /// handler of this one runs.
+    void SetLifeHolder(CSWnd* pHolder) { lifeHolder = pHolder; }
 
   private:
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
@@ -181,9 +195,11 @@ class TESSALY_API CSWnd {
     int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal
 
   private:
-    int procDepth = 0;              // frames of the window procedure and of CreateEx under way
+    int procDepth = 0;              // frames of the window procedure, and others that hold the life
+    CSWnd* lifeHolder = nullptr;    // its frames are counted with this object's; not owned
     HWND hwndOfFrame = nullptr;     // which window's message the innermost frame handles
     HWND hwndInChain = nullptr;     // whose message the innermost frame has handed to the chain
+    int replaced = 0;               // ReplaceObjectOf came while handlers ran
     WNDPROC chainEndProc = nullptr; // where the chain of a window ends whose procedure is WndProc
 };
 
@@ -204,4 +220,7 @@ class TESSALY_API WMHook {
     /// AddWndHook and RemoveWndHook of the window object, which must not be null.
     void AddToWnd(CSWnd* pWnd);
     void RemoveFromWnd(CSWnd* pWnd);
+    /// AddDlgHook and RemoveDlgHook of the dialog, which must not be null (defined with it).
+    void AddToDlg(CSDlg* pDlg);
+    void RemoveFromDlg(CSDlg* pDlg);
 };

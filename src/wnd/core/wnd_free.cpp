@@ -120,3 +120,32 @@ int GetTextSizeForWindow(HWND hwnd, LPCWSTR pszText, SIZE* psize) {
     });
     return ::GetTextExtentPoint32W(hdc, pszText, static_cast<int>(std::wcslen(pszText)), psize);
 }
+
+int GetWndTextSize(HWND hwnd, LPCWSTR pszText, SIZE* psize) {
+    if (!pszText || !psize) return 0;
+    HGDIOBJ hfont = reinterpret_cast<HGDIOBJ>(::SendMessageW(hwnd, WM_GETFONT, 0, 0));
+    if (!hfont) return 0;
+    HDC hdc = ::GetDC(hwnd);
+    if (!hdc) return 0;
+    ScopeExit release([&] { ::ReleaseDC(hwnd, hdc); });
+    HGDIOBJ hOld = ::SelectObject(hdc, hfont);
+    ScopeExit restore([&] {
+        if (hOld) ::SelectObject(hdc, hOld); // the context may be the window's own, and stay
+    });
+    return ::GetTextExtentPoint32W(hdc, pszText, static_cast<int>(std::wcslen(pszText)), psize);
+}
+
+int GetWndTextWidth(HWND hwnd, LPCWSTR pszText) {
+    SIZE size;
+    return GetWndTextSize(hwnd, pszText, &size) ? size.cx : 0;
+}
+
+HWND GetPopupParent(HWND hwnd) {
+    while (hwnd && !(GetWndStyle(hwnd, 0) & WS_POPUP)) {
+        // The owner of an overlapped window is no parent, and not given here.
+        HWND hwndParent = ::GetParent(hwnd);
+        if (!hwndParent) break;
+        hwnd = hwndParent;
+    }
+    return hwnd;
+}

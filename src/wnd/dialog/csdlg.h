@@ -8,11 +8,13 @@
 #include <windows.h>
 
 class CSCtrl;
+struct ResourceRef;
 
 /// The flag word of a dialog.
 enum CSDlgFlag : unsigned long {
     kDlgResizeWidth = 0x1,
     kDlgResizeHeight = 0x2,
+    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight,
     kDlgNoCorner = 0x4,              // no resizing corner is drawn
     kDlgShowsItself = 0x8,           // not hidden during initialisation and not shown afterwards
     kDlgFixedWidth = 0x10,           // not resizable: the width is held at the first one seen
@@ -30,6 +32,11 @@ enum CSDlgAlign { kDlgCentered = 1, kDlgCascaded = 2, kDlgAtMouse = 3 };
 /// turns its messages into virtual operations. Each control of it that has an id gets a CSCtrl
 /// object. The object outlives its window and can be run again; isClosed, the mark of the first
 /// show and that of collected data stay set until a derived class clears them.
+///
+/// With autoDelete the object is gone when its window is, also while one of the functions that run
+/// a dialog is still under way; it stays its owner's if no dialog came up (Modal gives 0 or -1, the
+/// others their failure). The destructor destroys no window: one that lives forgets the object and
+/// is a dialog without a procedure from then on.
 ///
 /// All of it belongs to the thread that runs the dialog. A negative template id, as a negative
 /// string id, names a resource of this library by its absolute value. Where a result is not told it
@@ -101,9 +108,11 @@ class TESSALY_API CSDlg : public CSWnd {
 
     // Running. A null module is this library; what went wrong the platform tells, nothing is shown.
 
-    /// Returns what CloseDialog was given; -1 or 0 for a template that can't be had.
+    /// Returns what CloseDialog was given; -1 or 0 for a template that can't be had. After Modeless
+    /// on the same object CloseDialog destroys the window in place of ending the dialog.
     __int64 Modal(int nTemplateId, HINSTANCE hinst, HWND hwndParent);
-    /// The window, null for none. nShow non-zero shows it (unless it starts hidden).
+    /// The window, null for none; it may be gone already if it was closed while it came up. nShow
+    /// non-zero shows it (unless it starts hidden).
     HWND Modeless(int nTemplateId, HINSTANCE hinst, HWND hwndParent, int nShow);
     /// Runs until the dialog's window is gone, with WM_QUIT left to the outer loop. With
     /// bDisableOwner the owner is disabled meanwhile; one that was before stays so. Returns what
@@ -111,6 +120,8 @@ class TESSALY_API CSDlg : public CSWnd {
     int ModelessWithLoop(int bDisableOwner, int nTemplateId, HINSTANCE hinst, HWND hwndParent,
                          HWND* phwndCreated);
     /// As Modeless, from a template in memory; not shown. 1 on success.
+    // QUIRK: CloseDialog ends such a dialog as if it were modal: it is hidden and lives on. Test:
+    // CSDlgRun.DialogFromMemoryIsOnlyHiddenByCloseDialog
     int CreateIndirect(const DLGTEMPLATE* pTemplate, HWND hwndParent);
     /// Ends the dialog if CanClose lets it. nOkControls: whether the controls' OnOK is called; -1:
     /// unless nResult is IDCANCEL. 1, also if it stays open.
@@ -260,11 +271,29 @@ class TESSALY_API CSDlg : public CSWnd {
     friend class CSDlgMain;
     friend class CSDlgChild;
     class LifeMark; // tells a function on the stack that the object has gone
+    class Creation; // the length of the platform's call that creates the window
 
-    void Prepare(int& nTemplateId, HINSTANCE& hinst, HWND hwndParentNew);
-    void SubclassDlg(HWND hwnd);
+    ResourceRef Prepare(int& nTemplateId, HINSTANCE hinst, HWND hwndParentNew);
+    HWND StartModeless(LifeMark& mark, int nTemplateId, HINSTANCE hinst, HWND hwndParentNew,
+                       int nShow);
+    void RunLoop(LifeMark& mark);
+    static CSDlg* FindObject(HWND hwnd);
+    void SubclassDlg(HWND hwnd, unsigned int nTemplateId);
+    bool AskDlgHooks(unsigned int uMsg, unsigned __int64 qwParam, __int64 qlParam, WMHook* pAfter,
+                     __int64* pqwResult, const LifeMark& mark);
+    void SettleDlgHooks();
+    __int64 InitDialog(unsigned __int64 qwParam, __int64 qlParam);
+    int HandleCompanyMsg(unsigned __int64 qwCode, __int64 qwData, LRESULT* plResult);
+    LPCWSTR AskForHelpPage();
+    // For the control with that id, if it has an object (wnd/control).
+    void OnDrawItem(unsigned int nId, DRAWITEMSTRUCT* pItem);
+    void OnMeasureItem(unsigned int nId, MEASUREITEMSTRUCT* pItem);
+    void OnDeleteCtrlItem(unsigned int nId, DELETEITEMSTRUCT* pItem);
     void PostInitDialog();
     void OKControls();
+    void PlaceFirst(const RECT& rc);
+    int PlaceAsStored();
+    void ReadZoomedSize();
     void MeasureCtrlGroups();
 
   protected:
@@ -317,7 +346,5 @@ class TESSALY_API CSDlg : public CSWnd {
     int dataUpdated = 0;
 
   private:
-    LifeMark* pLifeMark = nullptr;
+    LifeMark* pLifeMark = nullptr; // the innermost one
 };
-
-// WMHook::AddToDlg and RemoveFromDlg are AddDlgHook and RemoveDlgHook.

@@ -1,5 +1,6 @@
 #pragma once
 #include "runtime/base/export.h"
+#include "runtime/text/text_format.h"
 #include <windows.h>
 
 class CSDlg;
@@ -36,11 +37,12 @@ TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, LPCWSTR pszFormat, ...)
 /// A string of that module; a null module and a lone string id as in runtime/messages/res_str.h.
 TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, HINSTANCE hinst, int nStringId, ...);
 TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, int nStringId, ...);
+int SetDlgItemTextFmtV(HWND hwndDlg, int nId, LPCWSTR pszFormat, ArgList args);
 /// With the window's own text as the format, and therefore only once per text.
 TESSALY_API int SetWndTextFmtCtrl(HWND hwnd, ...);
 
 /// The first dialog object above the window that is no page of another one; null for none.
 TESSALY_API CSDlg* GetTopDlg(HWND hwnd);
 /// 1 if the children's ids, in the order of siblings, are those of a list that ends in 0. The
-/// shorter of the two decides where the comparison ends.
+/// shorter of the two decides where the comparison ends; a null list is an empty one.
 TESSALY_API int CheckDlgIDs(HWND hwndDlg, unsigned int* pnIds);

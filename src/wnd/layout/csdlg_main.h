@@ -1,6 +1,7 @@
 #pragma once
 #include "runtime/base/export.h"
 #include "wnd/dialog/csdlg.h"
+#include "wnd/draw/csicon.h"
 #include <windows.h>
 
 /// An application's main window as a dialog: has icons, "About..." in its system menu, and comes
@@ -8,7 +9,8 @@
 /// thread's message loop when it goes, with its result.
 class TESSALY_API CSDlgMain : public CSDlg {
   public:
-    /// The icon's resource in that module; 0 for none.
+    /// The icon's resource in that module, a null one being the system; a negative id is this
+    /// library's, 0 is none.
     CSDlgMain(HINSTANCE hinst, int iconId);
     ~CSDlgMain() override;
 
@@ -24,7 +26,7 @@ class TESSALY_API CSDlgMain : public CSDlg {
     void RestorePosition();
 
   protected:
-    HICON bigIcon = nullptr;   // shared with the system
+    HICON bigIcon = nullptr;   // the platform's, never destroyed
     HICON smallIcon = nullptr; // owned unless it is bigIcon
 };
 
@@ -40,7 +42,8 @@ class TESSALY_API CSDlgChild : public CSDlg {
     __int64 OnCancel() override;
     void OnButtonClicked(unsigned short nId) override;
     void OnComboSelChanged(unsigned short nId) override;
-    /// Creates the page in the place of the parent's control nSlotId. 1; 0 if there is no window.
+    /// Creates the page in the place of the parent's control nSlotId, which it takes the size of.
+    /// 1; 0 if there is no window, as for a null parent. The parent is to outlive the page.
     virtual int Init(CSDlg* pParent, unsigned int nSlotId, unsigned int nTemplateId,
                      HINSTANCE hinst, int bShow);
 
@@ -49,7 +52,7 @@ class TESSALY_API CSDlgChild : public CSDlg {
     unsigned int slotId = 0;
 };
 
-/// A dialog's two icons, small and big, destroyed with the object.
+/// A dialog's icons, destroyed with the object: that is to live as long as the window.
 class TESSALY_API CSIconForDlg {
   public:
     CSIconForDlg() = default;
@@ -57,18 +60,16 @@ class TESSALY_API CSIconForDlg {
     CSIconForDlg(const CSIconForDlg&) = delete; // owns the icons
     CSIconForDlg& operator=(const CSIconForDlg&) = delete;
 
-    /// Loads an icon of the system's small size, or of its big one. Ids as in
-    /// runtime/messages/res_str.h. 1 on success.
+    /// Loads one icon of the system's small size, or of its big one, in place of the first one
+    /// held. Ids as in runtime/messages/res_str.h. 1; 0 if there is no such icon, and then none is
+    /// held.
     int Init(int iconId, int bSmall);
-    /// Loads both sizes and gives them to the window. 1 if there is at least one.
+    /// Loads both sizes, the small one first, and gives them to the window. 1; 0 if there is
+    /// neither.
     int InitEx(HWND hwnd, int iconId);
-    operator HICON() const { return icons[0].hIcon; }
+    /// The first icon; null if there is none.
+    operator HICON() const { return icons[0]; }
 
   private:
-    struct Icon {
-        HICON hIcon = nullptr;
-        int width = 0;
-        int height = 0;
-    };
-    Icon icons[2];
+    CSIcon icons[2];
 };

@@ -2,11 +2,13 @@
 #include "runtime/base/export.h"
 #include <windows.h>
 
-// Windows on their monitors. Positions are the screen's pixels; hwndOther may be null. A window
-// that is larger than its monitor keeps its left and top edge on it.
+// Windows on their monitors. Positions are the screen's pixels; hwndOther may be null. What would
+// reach beyond the monitor's left or top starts there, what would reach beyond its right or bottom
+// ends there; the monitor is the whole one, its taskbar included. Results are the platform's, 0 for
+// what is no window.
 
 /// Into the middle of the other window, or of the monitor if that is null or not larger than 1 by 1
-/// pixel. The platform's result.
+/// pixel.
 TESSALY_API int CenterWindow(HWND hwnd, HWND hwndOther);
 /// A scroll bar's width to the right and a caption's height below the other window's corner, or the
 /// monitor's.
@@ -15,8 +17,8 @@ TESSALY_API int CascadeWindow(HWND hwnd, HWND hwndOther);
 TESSALY_API int MoveWindowToMouse(HWND hwnd);
 /// CenterWindow for a window that lies on no monitor.
 TESSALY_API void EnsureWindowVisible(HWND hwnd, HWND hwndOther);
-/// Shifts the rectangle into the work area of the nearest monitor; a larger one is cut at the left
-/// and at the top.
+/// Shifts the rectangle to the left and up until it ends in the work area of the nearest monitor.
+/// What is then, or was before, to the left of that area or above it is cut.
 TESSALY_API void FitRectToNearestMonitor(RECT* prc);
 
 // The window's place in the registry, below the product's root key, as "posLeft" and "posTop"
