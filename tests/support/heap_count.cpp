@@ -12,10 +12,20 @@ std::atomic<long> nLive{0};
 
 long CountLiveBlocks() { return nLive; }
 
-void* operator new(std::size_t cb) {
+// Without an exception on the way, which would want memory itself.
+void* operator new(std::size_t cb, const std::nothrow_t&) noexcept {
     void* p = std::malloc(cb ? cb : 1);
+    if (p) ++nLive;
+    return p;
+}
+
+void* operator new[](std::size_t cb, const std::nothrow_t& none) noexcept {
+    return operator new(cb, none);
+}
+
+void* operator new(std::size_t cb) {
+    void* p = operator new(cb, std::nothrow);
     if (!p) throw std::bad_alloc();
-    ++nLive;
     return p;
 }
 

@@ -146,7 +146,10 @@ TEST(CSComboBase, RealListDoesWhatIsAsked) {
     EXPECT_EQ(2, t.combo.GetCurSel());
     EXPECT_NE(0, t.combo.SetExtendedUI(1));
     EXPECT_NE(0, t.Send(CB_GETEXTENDEDUI));
-    EXPECT_NE(0, t.combo.DelAll());
+    bool bZero = t.Send(CB_RESETCONTENT) == 0; // what it answers differs between platforms
+    EXPECT_EQ(bZero, t.combo.DelAll() != 0);
+    t.combo.AddStr(L"one");
+    t.combo.DelAll();
     EXPECT_EQ(0, t.combo.GetCount());
 }
 
@@ -384,14 +387,14 @@ TEST(CSComboBaseRandom, OperationsFollowAModel) {
     auto Below = [&](std::size_t n) { return static_cast<unsigned>(engine() % n); };
     std::vector<Item> model;
     int nSelected = -1;
-    for (int nStep = 0; nStep < 3000; ++nStep) {
+    for (int nStep = 0; nStep < 1000; ++nStep) {
         Item item{std::wstring(Below(12), static_cast<wchar_t>(L'a' + Below(26))),
                   (static_cast<unsigned __int64>(engine()) << 32) | engine()};
         unsigned nAt = Below(model.size() + 2);
         auto it = model.begin() + std::min<std::ptrdiff_t>(nAt, std::ssize(model));
         bool bIn = nAt < model.size();
         int bUp = static_cast<int>(Below(2));
-        switch (Below(model.size() > 30 ? 5 : 4)) {
+        switch (model.size() >= 20 ? 4 : Below(5)) {
         case 0:
             ASSERT_EQ(1, t.combo.AddItem(item.str.c_str(), item.qw));
             model.push_back(item);
@@ -426,6 +429,8 @@ TEST(CSComboBaseRandom, OperationsFollowAModel) {
             if (bIn) model.erase(it);
             nSelected = t.combo.SetCurSel(kNone);
         }
+        t.tap->seen.clear();
+        t.combo.messages.clear();
         ASSERT_EQ(std::ssize(model), t.combo.GetCount()) << nStep;
         ASSERT_EQ(nSelected, t.combo.GetCurSel()) << nStep;
         std::vector<Item> items;

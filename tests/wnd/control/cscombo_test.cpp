@@ -207,6 +207,7 @@ TEST(CSCombo, DialogSeesTheSelectionBehindTheCombo) {
     t.dialog.log.clear();
     auto l = reinterpret_cast<LPARAM>(t.combo.hWnd);
     t.combo.blockEditText = 1;
+    t.combo.keepEditText = 0;
     EXPECT_EQ(0, ::SendMessageW(t.dialog, WM_COMMAND, MAKEWPARAM(IDC_COMBO, CBN_SELCHANGE), l));
     EXPECT_EQ(0, t.combo.blockEditText);
     EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_COMBO)));

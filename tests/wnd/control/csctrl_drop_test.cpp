@@ -178,9 +178,11 @@ TEST_P(CSCtrlDropRules, SetTheTextOfFileFolderAndMissingPath) {
                 {places.strMissing, false, false},
                 {places.strFolder + L"\\noextension", false, true},
                 {places.strFolder + L"\\nowhere\\a.b\\Missing.txt", false, false}};
+    Target<> target(dwRules);
+    target.KeepTexts();
     for (auto& row : rows) {
-        Target<> target(dwRules);
-        target.KeepTexts();
+        ::SetWindowTextW(target.ctrl.hWnd, L"before");
+        target.texts.clear();
         Paths expected = Expected(dwRules, row.strPath, row.bFolder, row.bFile);
         std::wstring strAfter = target.DropOne(row.strPath);
         EXPECT_EQ(expected, target.Texts());

@@ -90,9 +90,11 @@ TEST(CSCtrlLife, InitInANotificationOfThePlainObjectsControl) {
     EXPECT_LT(CountLiveBlocks(), nBefore);
     EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
     EXPECT_EQ(L"changed", WndText(hwnd));
+    const std::string strChange = "OnCommand " + std::to_string(EN_CHANGE);
+    EXPECT_EQ(1, ctrl.CountLogged(strChange)) << "the same notification is the new object's";
     ::SetWindowTextW(hwnd, L"again");
     EXPECT_EQ(1, ctrl.Count(WM_SETTEXT));
-    EXPECT_EQ(1, ctrl.CountLogged("OnCommand " + std::to_string(EN_CHANGE)));
+    EXPECT_EQ(2, ctrl.CountLogged(strChange));
 }
 
 TEST(CSCtrlLife, PlainObjectDiesWithItsControl) {
@@ -176,9 +178,7 @@ TEST_P(CSCtrlEndsIn, ItsOwnOnCommand) {
         return GetParam();
     };
     dialog.log.clear();
-    LRESULT lResult = ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_BUTTON, BN_CLICKED),
-                                     reinterpret_cast<LPARAM>(hwnd));
-    EXPECT_EQ(GetParam() ? 0x5A : 0, lResult);
+    EXPECT_EQ(GetParam() ? 0x5A : 0, dialog.OnCommand(IDC_BUTTON, BN_CLICKED, hwnd));
     EXPECT_FALSE(::IsWindow(hwnd));
     EXPECT_EQ(1, nDeletes);
     EXPECT_EQ(GetParam() ? Log{} : Log{"clicked " + std::to_string(IDC_BUTTON)}, dialog.log);

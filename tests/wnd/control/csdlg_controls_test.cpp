@@ -76,6 +76,9 @@ TEST(CSDlgControls, ControlsMayGoWhileTheOthersGetTheirObjects) {
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_EQ(nullptr, ctrl.hWnd);
     EXPECT_EQ(nullptr, ::GetDlgItem(dialog, IDC_OTHER_EDIT));
+    for (int nId : {IDC_COMBO_LIST, IDC_BUTTON, IDC_FORMAT, IDCANCEL}) {
+        EXPECT_NE(nullptr, dialog.GetDlgCtrl(nId)) << nId;
+    }
 }
 
 TEST(CSDlgControls, DialogComesUpWithoutMemoryForItsControls) {
@@ -113,10 +116,10 @@ TEST(CSDlgControls, ControlIsAskedFirstAndEndsItWithItsResult) {
         *plResult = 1;
         return nCode == 5 ? 1 : 0;
     };
-    EXPECT_EQ(1, t.Command(IDC_BUTTON, 5, t.ctrl.hWnd));
+    EXPECT_EQ(1, t.Handle(WM_COMMAND, MAKEWPARAM(IDC_BUTTON, 5), t.ctrl.hWnd));
     EXPECT_EQ((Log{"OnCommand 5"}), t.ctrl.log);
     EXPECT_EQ(Log{}, t.dialog.log);
-    EXPECT_EQ(0, t.Command(IDC_BUTTON, BN_CLICKED, t.ctrl.hWnd))
+    EXPECT_EQ(0, t.Handle(WM_COMMAND, MAKEWPARAM(IDC_BUTTON, BN_CLICKED), t.ctrl.hWnd))
         << "the result is not the control's";
     EXPECT_EQ(Log{Dialogs::Clicked(IDC_BUTTON)}, t.dialog.log);
 }
@@ -262,12 +265,11 @@ TEST(CSDlgControls, DrawMeasureAndDeleteGoToTheControlOfTheId) {
                 {WM_DELETEITEM, &del, "OnDeleteItem"}};
     for (auto& row : rows) {
         t.ctrl.log.clear();
-        auto l = reinterpret_cast<LPARAM>(row.pItem);
-        EXPECT_EQ(1, t.dialog.OnDlgMessage(row.uMsg, IDC_OWNER_DRAWN, l));
+        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_OWNER_DRAWN, row.pItem));
         EXPECT_EQ(Log{row.pszLogged}, t.ctrl.log);
         EXPECT_EQ(row.pItem, t.ctrl.pItemSeen);
-        EXPECT_EQ(1, t.dialog.OnDlgMessage(row.uMsg, IDC_MISSING, l)) << "handled all the same";
-        EXPECT_EQ(1, t.dialog.OnDlgMessage(row.uMsg, IDC_EDIT, l)) << "a plain one does nothing";
+        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_MISSING, row.pItem)) << "handled all the same";
+        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_EDIT, row.pItem)) << "a plain one does nothing";
         EXPECT_EQ(1u, t.ctrl.log.size());
     }
 }
@@ -294,7 +296,10 @@ TEST(CSDlgControls, OkGoesToEachControl) {
     ctrl.log.clear();
     other.log.clear();
     EXPECT_EQ(1, dialog.CloseDialog(1, 1));
-    for (auto* p : {&ctrl, &other}) EXPECT_EQ((Log{"OnOK", "Store", "OnPostNcDestroy"}), p->log);
+    for (auto* p : {&ctrl, &other}) {
+        for (auto* psz : {"OnOK", "Store", "OnPostNcDestroy"}) EXPECT_EQ(1, p->CountLogged(psz));
+        EXPECT_EQ(0, p->CountLogged("Load"));
+    }
 }
 
 struct CloseCase {
@@ -320,15 +325,17 @@ TEST(CSDlgControls, ControlsMayGoWhileOkIsTold) {
             ::DestroyWindow(*this);
         }
     } ctrl;
-    Ctrl behind;
+    Ctrl gone, behind;
     CtrlDialog dialog;
     dialog.onInit = [&] {
         ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
-        behind.Init(&dialog, IDC_OTHER_EDIT, nullptr, 0);
+        gone.Init(&dialog, IDC_OTHER_EDIT, nullptr, 0);
+        behind.Init(&dialog, IDC_BUTTON, nullptr, 0);
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_EQ(1, dialog.CloseDialog(1, 1));
-    EXPECT_EQ(0, behind.CountLogged("OnOK"));
+    EXPECT_EQ(0, gone.CountLogged("OnOK"));
+    EXPECT_EQ(1, behind.CountLogged("OnOK"));
     EXPECT_EQ(nullptr, static_cast<HWND>(dialog));
 }
 

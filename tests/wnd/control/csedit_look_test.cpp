@@ -57,11 +57,11 @@ TEST(CSEditLook, BackgroundIsGivenToEditAndStaticMessagesAlone) {
             HBRUSH hbr = reinterpret_cast<HBRUSH>(7);
             bool bAnswers = bBrush && (uMsg == 307 || uMsg == 312);
             EXPECT_EQ(bAnswers ? 1 : 0, t.edit.OnCtlColor(uMsg, hdc, &hbr)) << uMsg;
-            EXPECT_EQ(bAnswers ? t.edit.editBrush : reinterpret_cast<HBRUSH>(7), hbr) << uMsg;
+            EXPECT_EQ(bAnswers ? t.edit.Brush() : reinterpret_cast<HBRUSH>(7), hbr) << uMsg;
             EXPECT_EQ(bAnswers ? TRANSPARENT : OPAQUE, ::GetBkMode(hdc)) << uMsg;
         }
     }
-    EXPECT_EQ(RGB(10, 20, 30), ColorOf(t.edit.editBrush));
+    EXPECT_EQ(RGB(10, 20, 30), ColorOf(t.edit.Brush()));
     ::DeleteDC(hdc);
 }
 
@@ -75,11 +75,11 @@ TEST(CSEditLook, EveryColorIsTakenAndShownAtOnce) {
     for (COLORREF cr : {RGB(255, 0, 0), RGB(0, 0, 0), RGB(255, 255, 255), RGB(255, 0, 0)}) {
         t.edit.SetBkgColor(cr);
         EXPECT_EQ(++n, redraws.Of(t.Get()));
-        EXPECT_EQ(cr, ColorOf(t.edit.editBrush));
+        EXPECT_EQ(cr, ColorOf(t.edit.Brush()));
     }
     t.edit.ClearBkgColor();
     EXPECT_EQ(++n, redraws.Of(t.Get()));
-    EXPECT_EQ(nullptr, t.edit.editBrush);
+    EXPECT_EQ(nullptr, t.edit.Brush());
     t.edit.ClearBkgColor();
     EXPECT_EQ(n, redraws.Of(t.Get()));
     HBRUSH hbr = nullptr;
@@ -109,7 +109,7 @@ TEST(CSEditLook, BrushThatCannotBeMadeIsNone) {
     t.edit.SetBkgColor(1);
     ReplaceImport replaced(__imp_CreateSolidBrush, &NoBrush);
     t.edit.SetBkgColor(2);
-    EXPECT_EQ(nullptr, t.edit.editBrush);
+    EXPECT_EQ(nullptr, t.edit.Brush());
     HBRUSH hbr = reinterpret_cast<HBRUSH>(7);
     EXPECT_EQ(0, t.edit.OnCtlColor(WM_CTLCOLOREDIT, nullptr, &hbr));
 }
@@ -127,7 +127,7 @@ TEST(CSEditLook, DialogPaintsTheEditWithIt) {
     };
     HDC hdc = ::GetDC(t.Get());
     for (UINT uMsg : {WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC}) {
-        EXPECT_EQ(reinterpret_cast<LRESULT>(t.edit.editBrush),
+        EXPECT_EQ(reinterpret_cast<LRESULT>(t.edit.Brush()),
                   ::SendMessageW(t.dialog, uMsg, reinterpret_cast<WPARAM>(hdc),
                                  reinterpret_cast<LPARAM>(t.Get())));
     }

@@ -219,7 +219,9 @@ TEST(CSEdit, SoftReadOnlyLetsClearAndReplaceThrough) {
 std::wstring ClipboardText() {
     std::wstring str;
     PumpUntil([] { return ::OpenClipboard(nullptr) != FALSE; });
-    if (auto* psz = static_cast<const wchar_t*>(::GetClipboardData(CF_UNICODETEXT))) str = psz;
+    HGLOBAL hBlock = ::GetClipboardData(CF_UNICODETEXT);
+    if (auto* psz = static_cast<const wchar_t*>(::GlobalLock(hBlock))) str = psz;
+    ::GlobalUnlock(hBlock);
     ::CloseClipboard();
     return str;
 }

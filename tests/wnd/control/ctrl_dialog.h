@@ -238,6 +238,12 @@ struct Dialogs {
         return ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(nId, nCode),
                               reinterpret_cast<LPARAM>(hwndCtl));
     }
+    /// What the dialog's built-in hook gives for a message: whether it is handled.
+    int Handle(UINT uMsg, WPARAM wParam, const void* p) {
+        CSDlgMsgHandler handler;
+        LRESULT lResult = 0;
+        return handler.OnDlgMessage(&dialog, uMsg, wParam, reinterpret_cast<LPARAM>(p), &lResult);
+    }
     LRESULT Notify(NMHDR* pHdr) {
         return ::SendMessageW(dialog, WM_NOTIFY, pHdr ? pHdr->idFrom : 0,
                               reinterpret_cast<LPARAM>(pHdr));

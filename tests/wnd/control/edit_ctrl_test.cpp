@@ -170,7 +170,7 @@ TEST(AutoComplete, IsThereAndCompletesARealEdit) {
     bool bInitialized = SUCCEEDED(::CoInitialize(nullptr));
     {
         EditWindow edit(L"", WS_CHILD | ES_AUTOHSCROLL);
-        EXPECT_EQ(S_OK, MySHAutoComplete(edit, SHACF_FILESYSTEM));
+        EXPECT_TRUE(SUCCEEDED(MySHAutoComplete(edit, SHACF_FILESYSTEM)));
     }
     if (bInitialized) ::CoUninitialize();
 }
@@ -210,6 +210,7 @@ HRESULT CALLBACK TellVersion(DLLVERSIONINFO* pInfo) {
 bool AnswersWithVersion(DWORD nMajorTold, DWORD nMinorTold, DWORD nBuildTold, bool bExpected) {
     ReplaceFunctions windows;
     windows.Set("DllGetVersion", &TellVersion);
+    ::GetModuleHandleW(L"shlwapi.dll"); // the look-ups tell by it which module they are of
     nMajor = nMajorTold;
     nMinor = nMinorTold;
     nBuild = nBuildTold;

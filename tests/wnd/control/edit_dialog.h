@@ -36,7 +36,7 @@ struct Edits {
 
     struct : Recorded<Base> {
         using Base::blockSelAll;
-        using Base::editBrush;
+        HBRUSH Brush() const { return this->editBrush.Get(); }
         using Base::readOnly;
     } edit;
     std::optional<MessageTap> tap;
