@@ -5,6 +5,7 @@
 #include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 constexpr int kEditInside = 1001; // the platform's id
@@ -312,6 +313,91 @@ TEST(CSCombo, EditFieldMayGoInItsOwnMessage) {
     ::SendMessageW(t.hwndEdit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"x"));
     EXPECT_EQ(nullptr, t.combo.hWnd);
     EXPECT_EQ(nullptr, t.combo.Edit());
+}
+
+TEST(CSCombo, HeapObjectWaitsForItsEditFieldsMessage) {
+    auto* pCombo = new Combo;
+    int nDeletes = 0, nDeletesInside = -1;
+    pCombo->pnDeletes = &nDeletes;
+    CtrlDialog dialog;
+    dialog.onInit = [&] { pCombo->Init(&dialog, IDC_COMBO, nullptr, 0); };
+    ASSERT_TRUE(dialog.Run(IDD_COMBOS));
+    pCombo->autoDelete = 1;
+    HWND hwndCombo = *pCombo, hwndEdit = pCombo->Edit();
+    pCombo->onEdit = [&, hwndCombo](UINT uMsg, WPARAM, LPARAM, __int64*) {
+        if (uMsg != WM_APP || !::IsWindow(hwndCombo)) return false;
+        ::DestroyWindow(hwndCombo);
+        nDeletesInside = nDeletes;
+        return nDeletes == 0;
+    };
+    ::SendMessageW(hwndEdit, WM_APP, 0, 0);
+    EXPECT_FALSE(::IsWindow(hwndCombo));
+    EXPECT_EQ(0, nDeletesInside) << "the edit field's object is a part of it";
+    EXPECT_EQ(1, nDeletes);
+}
+
+TEST(CSCombo, DialogThatDeletesItselfWaitsForTheEditFieldsMessage) {
+    // A key in the edit field: its object, the combo box and the dialog are at work, and both
+    // objects are parts of the dialog's.
+    struct OwnDialog : CtrlDialog {
+        Combo combo;
+    };
+    auto* pDialog = new OwnDialog;
+    int nDeletes = 0, nDeletesInside = -1, nDeletesBehind = -1;
+    pDialog->combo.pnDeletes = &nDeletes;
+    pDialog->onInit = [=] { pDialog->combo.Init(pDialog, IDC_COMBO, nullptr, 0); };
+    ASSERT_TRUE(pDialog->Run(IDD_COMBOS));
+    pDialog->autoDelete = 1;
+    HWND hwndDlg = *pDialog;
+    pDialog->onCommand = [&, hwndDlg](unsigned, unsigned nCode, HWND) {
+        if (nCode != CBN_EDITCHANGE) return;
+        ::DestroyWindow(hwndDlg);
+        nDeletesInside = nDeletes;
+    };
+    ProbeHook hook;
+    hook.fn = [&](CSWnd* pWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT* plResult) {
+        if (uMsg != WM_CHAR) return 0;
+        *plResult = pWnd->DoWndMessage(uMsg, wParam, lParam, &hook);
+        nDeletesBehind = nDeletes;
+        return 1;
+    };
+    pDialog->combo.editCtrl.AddWndHook(&hook);
+    ::SendMessageW(pDialog->combo.Edit(), WM_CHAR, L'x', 1);
+    EXPECT_FALSE(::IsWindow(hwndDlg));
+    EXPECT_EQ(0, nDeletesInside);
+    EXPECT_EQ(0, nDeletesBehind) << "the edit field's object is still at work";
+    EXPECT_EQ(1, nDeletes);
+}
+
+TEST(CSCombo, AnotherObjectTakesTheEditFieldToo) {
+    auto pFirst = std::make_unique<Combo>();
+    Combos t;
+    HWND hwnd = ::GetDlgItem(t.dialog, IDC_COMBO);
+    Combo second;
+    pFirst->Init(&t.dialog, IDC_COMBO, nullptr, 0);
+    second.Init(&t.dialog, IDC_COMBO, nullptr, 0);
+    EXPECT_EQ(&second, t.dialog.GetDlgCtrl(hwnd));
+    for (bool bWithFirst : {true, false}) {
+        if (!bWithFirst) pFirst.reset();
+        EXPECT_EQ(static_cast<CSWnd*>(&second.editCtrl), CSWnd::FromHandle(t.hwndEdit));
+        second.editMessages.clear();
+        if (bWithFirst) pFirst->editMessages.clear();
+        second.blockEditText = 1;
+        ::SetWindowTextW(t.hwndEdit, L"swallowed");
+        EXPECT_EQ(1, second.CountEdit(WM_SETTEXT));
+        if (bWithFirst) {
+            EXPECT_EQ(0, pFirst->CountEdit(WM_SETTEXT));
+        }
+        EXPECT_EQ(L"", t.Text());
+        MSG msg;
+        int nPosted = 0;
+        while (::PeekMessageW(&msg, t.dialog, WM_COMMAND, WM_COMMAND, PM_REMOVE)) {
+            nPosted += HIWORD(msg.wParam) == kTextSet;
+        }
+        EXPECT_EQ(1, nPosted);
+    }
+    t.dialog.Destroy();
+    EXPECT_EQ(nullptr, second.Edit());
 }
 
 TEST(CSCombo, DialogMayGoInTheEditFieldsMessage) {

@@ -241,6 +241,11 @@ TEST(CSCtrlDrop, PathsWithoutAFolder) {
     Target<>(kDropMask).DropOne(L"X:");
 }
 
+TEST(CSCtrlDrop, DriveAloneBeforeTheName) {
+    EXPECT_EQ(L"name.txt", Target<>(kDropFileName).DropOne(L"Q:name.txt"));
+    EXPECT_EQ(L"Q:", Target<>(kDropFolder).DropOne(L"Q:name.txt"));
+}
+
 TEST(CSCtrlDrop, NamesWithDots) {
     Target<> target(kDropFileName);
     for (auto* psz : {L"a.b.c", L".hidden", L"dot.", L"x", L"two words.and more.txt", L"..x"}) {

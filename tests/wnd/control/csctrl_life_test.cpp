@@ -1,3 +1,4 @@
+#include "support/guard_page.h"
 #include "support/heap_count.h"
 #include "support/no_memory.h"
 #include "wnd/control/control_ids.h"
@@ -126,6 +127,22 @@ TEST(CSCtrlLife, DialogsLeaveNoObjectsBehind) {
         }
     }
     EXPECT_EQ(nBefore, CountLiveBlocks());
+}
+
+TEST(CSCtrlLife, PlainObjectMayOutliveTheDialogsObject) {
+    GuardedMemory memory(sizeof(CSDlg)); // is not there any more afterwards
+    auto* pDialog = new (memory.Get()) CSDlg(nullptr);
+    HWND hwndDlg = pDialog->Modeless(IDD_CONTROLS, nullptr, nullptr, 0);
+    ASSERT_NE(nullptr, hwndDlg);
+    HWND hwnd = ::GetDlgItem(hwndDlg, IDC_EDIT);
+    ASSERT_NE(nullptr, CSCtrl::FromHandle(hwnd));
+    pDialog->~CSDlg();
+    DWORD dwOld = 0;
+    ASSERT_NE(FALSE, ::VirtualProtect(memory.Get(), sizeof(CSDlg), PAGE_NOACCESS, &dwOld));
+    EXPECT_NE(FALSE, ::SetWindowTextW(hwnd, L"text"));
+    EXPECT_EQ(L"text", WndText(hwnd));
+    ::DestroyWindow(hwndDlg);
+    EXPECT_FALSE(::IsWindow(hwnd));
 }
 
 TEST(CSCtrlLife, AutoInitWithoutMemoryGivesNull) {

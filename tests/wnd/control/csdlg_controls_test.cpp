@@ -1,11 +1,15 @@
 #include "support/heap_count.h"
 #include "support/no_memory.h"
+#include "support/replace_import.h"
 #include "wnd/control/control_ids.h"
 #include "wnd/control/csctrl.h"
 #include "wnd/control/ctrl_dialog.h"
 #include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+
+extern "C" FARPROC __imp_SetForegroundWindow;
 
 namespace {
 using Ctrl = Recorded<CSCtrl>;
@@ -34,6 +38,54 @@ TEST(CSDlgControls, EachControlWithAnIdGetsAnObject) {
     }
     EXPECT_EQ(10, nControls);
     EXPECT_EQ(1, nLabels);
+}
+
+TEST(CSDlgControls, LabelsGetNoObject) {
+    CtrlDialog dialog;
+    std::vector<HWND> labels;
+    HWND hwndOther = nullptr;
+    dialog.onInit = [&] {
+        auto Add = [&](int nId) {
+            return ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, dialog,
+                                     reinterpret_cast<HMENU>(static_cast<INT_PTR>(nId)), nullptr,
+                                     nullptr);
+        };
+        labels = {Add(0xFFFF), Add(-1)};
+        hwndOther = Add(0xFFFE);
+    };
+    ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
+    for (HWND hwnd : labels) EXPECT_EQ(nullptr, CSWnd::FromHandle(hwnd));
+    EXPECT_NE(nullptr, dialog.GetDlgCtrl(hwndOther));
+}
+
+TEST(CSDlgControls, ChildrenOfControlsGetNoObject) {
+    Dialogs t;
+    HWND hwndInside = nullptr;
+    CtrlDialog dialog;
+    dialog.onInit = [&] {
+        hwndInside = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5,
+                                       ::GetDlgItem(dialog, IDC_BUTTON),
+                                       reinterpret_cast<HMENU>(IDC_EDIT), nullptr, nullptr);
+    };
+    ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
+    EXPECT_EQ(nullptr, CSWnd::FromHandle(hwndInside));
+}
+
+TEST(CSDlgControls, ComesToTheFrontUnlessItIsAPage) {
+    static std::vector<HWND> fronts;
+    auto Front = [](HWND hwnd) -> BOOL {
+        fronts.push_back(hwnd);
+        return TRUE;
+    };
+    BOOL(WINAPI * pfnFront)(HWND) = Front;
+    for (int bPage : {0, 1}) {
+        fronts.clear();
+        CtrlDialog dialog;
+        dialog.isChildDlg = bPage;
+        ReplaceImport replaced(__imp_SetForegroundWindow, pfnFront);
+        ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
+        EXPECT_EQ(bPage ? 0 : 1, std::count(fronts.begin(), fronts.end(), dialog.hWnd));
+    }
 }
 
 TEST(CSDlgControls, PostInitDialogFollowsOnInitDialog) {

@@ -84,6 +84,7 @@ class CtrlDialog : public CSDlg {
     using CSDlg::dlgHooks;
     using CSDlg::flags;
     using CSDlg::hWnd;
+    using CSDlg::isChildDlg;
 };
 
 /// A control object that writes down what is asked of it; what is set answers.
