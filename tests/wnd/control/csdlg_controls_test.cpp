@@ -71,6 +71,21 @@ TEST(CSDlgControls, ChildrenOfControlsGetNoObject) {
     EXPECT_EQ(nullptr, CSWnd::FromHandle(hwndInside));
 }
 
+TEST(CSDlgControls, OfTwoControlsWithOneIdTheFirstIsMeant) {
+    CtrlDialog dialog;
+    HWND hwndSecond = nullptr;
+    CSCtrl* pFirst = nullptr;
+    dialog.onInit = [&] {
+        pFirst = CSCtrl::AutoInit(&dialog, IDC_EDIT);
+        hwndSecond = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, dialog,
+                                       reinterpret_cast<HMENU>(IDC_EDIT), nullptr, nullptr);
+    };
+    ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
+    ASSERT_NE(hwndSecond, ::GetDlgItem(dialog, IDC_EDIT));
+    EXPECT_EQ(pFirst, dialog.GetDlgCtrl(IDC_EDIT)) << "the same object as before";
+    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(hwndSecond));
+}
+
 TEST(CSDlgControls, ComesToTheFrontUnlessItIsAPage) {
     static std::vector<HWND> fronts;
     auto Front = [](HWND hwnd) -> BOOL {
@@ -352,6 +367,17 @@ TEST(CSDlgControls, OkGoesToEachControl) {
         for (auto* psz : {"OnOK", "Store", "OnPostNcDestroy"}) EXPECT_EQ(1, p->CountLogged(psz));
         EXPECT_EQ(0, p->CountLogged("Load"));
     }
+}
+
+TEST(CSDlgControls, OkIsForDirectChildrenAlone) {
+    Dialogs t;
+    Ctrl inner;
+    HWND hwndInner = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, t.ctrl.hWnd,
+                                       reinterpret_cast<HMENU>(5), nullptr, nullptr);
+    inner.Subclass(hwndInner);
+    t.dialog.CloseDialog(1, 1);
+    EXPECT_EQ(1, t.ctrl.CountLogged("OnOK"));
+    EXPECT_EQ(0, inner.CountLogged("OnOK"));
 }
 
 struct CloseCase {
