@@ -15,11 +15,21 @@ long CountLiveBlocks() { return nLive; }
 
 void FailBlock(int n) { nUntilFailure = n; }
 
-void* operator new(std::size_t cb) {
+// Without an exception on the way, which would want memory itself.
+void* operator new(std::size_t cb, const std::nothrow_t&) noexcept {
     bool bFails = nUntilFailure && --nUntilFailure == 0;
     void* p = bFails ? nullptr : std::malloc(cb ? cb : 1);
+    if (p) ++nLive;
+    return p;
+}
+
+void* operator new[](std::size_t cb, const std::nothrow_t& none) noexcept {
+    return operator new(cb, none);
+}
+
+void* operator new(std::size_t cb) {
+    void* p = operator new(cb, std::nothrow);
     if (!p) throw std::bad_alloc();
-    ++nLive;
     return p;
 }
 

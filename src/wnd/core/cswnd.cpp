@@ -4,6 +4,7 @@
 #include "wnd/core/core_wnd.h"
 #include "wnd/core/object_table.h"
 
+#include <array>
 #include <cwchar>
 #include <utility>
 
@@ -150,13 +151,22 @@ LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
     HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
-    CSWnd* pHolder = lifeHolder;
-    if (pHolder) pHolder->HoldLife();
+    // The edit field of a combo box may go with the combo box, and that with its dialog.
+    std::array<CSWnd*, 2> holders{};
+    CSWnd* pNext = lifeHolder;
+    for (CSWnd*& pHolder : holders) {
+        if (!pNext || !csWnds.Has(pNext)) break; // it may have gone before this object's window
+        pHolder = pNext;
+        pNext = pHolder->lifeHolder;
+        pHolder->HoldLife();
+    }
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
     hwndOfFrame = hwndOfFrameBefore;
     hwndInChain = hwndInChainBefore;
-    ReleaseLife(true); // the object may be gone, with the holder at the latest
-    if (pHolder && csWnds.Has(pHolder)) pHolder->ReleaseLife(true);
+    ReleaseLife(true); // the object may be gone, with the last holder at the latest
+    for (CSWnd* pHolder : holders) {
+        if (pHolder && csWnds.Has(pHolder)) pHolder->ReleaseLife(true);
+    }
     return lResult;
 }
 

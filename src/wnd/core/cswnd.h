@@ -160,7 +160,7 @@ class TESSALY_API CSWnd {
     /// has failed: the object's life with it ends at once, and the object stays its owner's.
     void ReleaseLife(bool bMayDelete);
     /// The object that this one may be a member of, or null: it does not delete itself while a
-    /// handler of this one runs.
+    /// handler of this one runs, nor does its own holder. It may go before this one.
     void SetLifeHolder(CSWnd* pHolder) { lifeHolder = pHolder; }
 
   private:
