@@ -24,7 +24,7 @@ void DialogsPage::OnButtonClicked(unsigned short nId) {
     case IDC_MODELESS: OpenModeless(); break;
     case IDC_OWN_LOOP: RunOwnLoop(); break;
     case IDC_FROM_MEMORY: MemoryDialog::Open(hWnd); break;
-    case IDC_SIZABLE: SizableDialog().Modal(IDD_SIZABLE, hResources, hWnd); break;
+    case IDC_SIZABLE: RunSizable(); break;
     case IDC_FOLD: FoldDialog().Modal(IDD_FOLD, hResources, hWnd); break;
     }
     GalleryPage::OnButtonClicked(nId); // to the main dialog
@@ -53,6 +53,12 @@ void DialogsPage::RunOwnLoop() {
     note.alignMode = GetChosenAlign();
     int nResult = note.ModelessWithLoop(1, IDD_NOTE, hResources, hWnd, nullptr);
     OnNoteClosed(note, nResult);
+}
+
+// With a loop of its own too, as not every Windows lets a modal dialog come up maximised.
+void DialogsPage::RunSizable() {
+    SizableDialog dialog;
+    dialog.ModelessWithLoop(1, IDD_SIZABLE, hResources, hWnd, nullptr);
 }
 
 // The text of the control in the template is the format, again and again.

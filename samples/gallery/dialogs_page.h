@@ -13,6 +13,7 @@ class DialogsPage : public GalleryPage, public NoteListener {
     void RunModal();
     void OpenModeless();
     void RunOwnLoop();
+    void RunSizable();
     void OnNoteClosed(const NoteDialog& note, int nResult) override;
     /// As the radio buttons say.
     int GetChosenAlign();

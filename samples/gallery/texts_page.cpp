@@ -80,7 +80,7 @@ void TextsPage::OnDelayedAction(unsigned long dwCode) {
 // then this is called.
 void TextsPage::OnHtmlHelpError(LPCWSTR pszPage) { SetDlgItemTextFmtCtrl(IDC_HELP_PAGE, pszPage); }
 
-// A text that is made when it is needed...
+// The tools are windows, and known by their handles: a text that is made when it is needed...
 int TextsPage::GetTootTip(unsigned int nId, wchar_t* pszText, unsigned int cch) {
     if (::LongToHandle(nId) != GetDlgItem(IDC_TIP_TEXT)) return 0;
     RECT rc{};

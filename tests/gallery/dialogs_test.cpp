@@ -75,8 +75,8 @@ TEST_F(GalleryDialogs, ModelessOneLeavesTheOthersUsable) {
     EXPECT_TRUE(WaitForText(Result(), L"Last result: Modeless: OK, \"Carla\""));
 
     ASSERT_TRUE(Open(IDC_MODELESS, L"Modeless"));
-    ClickOn(Item(IDCANCEL)); // goes with its owner
-    EXPECT_TRUE(WaitUntilGone(Main()));
+    ClickOn(Item(IDCANCEL)); // it goes with its owner
+    EXPECT_TRUE(HasEnded());
 }
 
 TEST_F(GalleryDialogs, OneWithItsOwnLoopReturnsItsResultAndEnablesTheOwnerAgain) {
@@ -177,6 +177,31 @@ TEST_F(GalleryDialogs, ResizableOneHoldsItsMinimumAndComesBackAfterTheNextStart)
     hwnd = Open(IDC_SIZABLE, L"Resizable");
     rcBack = RectOf(hwnd);
     EXPECT_TRUE(::EqualRect(&rcBack, &rcLeft));
+    EXPECT_EQ(FaultsOfLayout(hwnd), L"");
+}
+
+TEST_F(GalleryDialogs, ResizableOneComesBackMaximisedAndThenAsItWasBefore) {
+    HWND hwnd = Open(IDC_SIZABLE, L"Resizable");
+    ASSERT_TRUE(hwnd);
+    const RECT rcFirst = RectOf(hwnd);
+    DoubleClickTitleOf(hwnd);
+    ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(hwnd) != 0; }));
+    EXPECT_EQ(FaultsOfLayout(hwnd), L"");
+    const RECT rcNotes = RectOf(::GetDlgItem(hwnd, IDC_NOTES));
+    PressKeys(hwnd, {L"Escape"});
+    EXPECT_TRUE(WaitUntilGone(hwnd));
+
+    hwnd = Open(IDC_SIZABLE, L"Resizable");
+    ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(hwnd) != 0; }));
+    RECT rcNotesBack = RectOf(::GetDlgItem(hwnd, IDC_NOTES));
+    EXPECT_TRUE(::EqualRect(&rcNotes, &rcNotesBack))
+        << rcNotes.right << "," << rcNotes.bottom << " and now " << rcNotesBack.right << ","
+        << rcNotesBack.bottom;
+    TakePicture(L"maximised", {hwnd});
+    DoubleClickTitleOf(hwnd);
+    ASSERT_TRUE(WaitUntil([&] { return !::IsZoomed(hwnd); }));
+    RECT rcBack = RectOf(hwnd);
+    EXPECT_TRUE(::EqualRect(&rcBack, &rcFirst));
     EXPECT_EQ(FaultsOfLayout(hwnd), L"");
 }
 

@@ -41,7 +41,7 @@ void Gallery::Start() {
 
 bool Gallery::Leave() {
     PressKeys(hwndMain, {L"Escape"});
-    return process.WaitForEnd() == 0u;
+    return HasEnded();
 }
 
 HWND Gallery::Page() const {

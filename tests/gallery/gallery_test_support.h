@@ -19,6 +19,7 @@ class Gallery : public testing::Test {
     void Start();
     /// Closes it by Escape; true if it ended as it should.
     bool Leave();
+    bool HasEnded() const { return process.WaitForEnd() == 0u; }
 
     HWND Main() const { return hwndMain; }
     /// The page that is to be seen.

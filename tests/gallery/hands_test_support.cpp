@@ -93,6 +93,18 @@ void ClickOn(HWND hwnd) {
     mouse::Click(MiddleOf(hwnd));
 }
 
+void DoubleClickTitleOf(HWND hwnd) {
+    RECT rc = RectOf(hwnd);
+    POINT pt{(rc.left + rc.right) / 2, rc.top + kIntoTitle};
+    if (UsesXdotool()) {
+        RunUnixShell(L"xdotool mousemove " + std::to_wstring(pt.x) + L" " + std::to_wstring(pt.y) +
+                     L" sleep 0.05 click --repeat 2 --delay 60 1");
+    } else {
+        mouse::Click(pt);
+        mouse::Click(pt);
+    }
+}
+
 RECT RectOf(HWND hwnd) {
     RECT rc{};
     ::GetWindowRect(hwnd, &rc);

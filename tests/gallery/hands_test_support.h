@@ -18,6 +18,8 @@ void TypeText(HWND hwnd, const std::wstring& strText);
 POINT MiddleOf(HWND hwnd);
 /// A click into the middle of a window.
 void ClickOn(HWND hwnd);
+/// Maximises the window, or brings it back.
+void DoubleClickTitleOf(HWND hwnd);
 
 RECT RectOf(HWND hwnd);
 inline int WidthOf(const RECT& rc) { return rc.right - rc.left; }

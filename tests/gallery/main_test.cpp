@@ -1,6 +1,7 @@
 // The main dialog and its pages.
 
 #include "gallery/gallery_test_support.h"
+#include "support/message_box_driver.h"
 
 namespace {
 class GalleryMain : public Gallery {};
@@ -84,6 +85,32 @@ TEST_F(GalleryMain, IsDraggedByItsBodyAndComesBackThere) {
     Start();
     EXPECT_EQ(RectOf(Main()).left, rc.left - 70);
     EXPECT_EQ(RectOf(Main()).top, rc.top - 40);
+}
+
+TEST_F(GalleryMain, PagesFollowWhenItIsMaximised) {
+    const RECT rcMain = RectOf(Main()), rcPage = RectOf(Page());
+    DoubleClickTitleOf(Main());
+    ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(Main()) != 0; }));
+    const RECT rcNow = RectOf(Main()), rcPageNow = RectOf(Page());
+    EXPECT_EQ(WidthOf(rcPageNow) - WidthOf(rcPage), WidthOf(rcNow) - WidthOf(rcMain));
+    EXPECT_EQ(HeightOf(rcPageNow) - HeightOf(rcPage), HeightOf(rcNow) - HeightOf(rcMain));
+    EXPECT_EQ(FaultsOfLayout(Main()), L"");
+    EXPECT_EQ(FaultsOfLayout(Page()), L"");
+    DoubleClickTitleOf(Main());
+    ASSERT_TRUE(WaitUntil([&] { return !::IsZoomed(Main()); }));
+    RECT rcBack = RectOf(Page());
+    EXPECT_TRUE(::EqualRect(&rcBack, &rcPage));
+}
+
+TEST_F(GalleryMain, SystemMenuTellsAboutIt) {
+    PressKeys(Main(), {L"alt+space", L"Up", L"Return"}); // the last item
+    HWND hwndBox = nullptr;
+    ASSERT_TRUE(
+        WaitUntil([&] { return (hwndBox = FindMessageBox(ProcessId(), L"Tessaly")) != nullptr; }));
+    EXPECT_NE(ReadMessageBox(hwndBox).strText.find(L"samples/gallery"), std::wstring::npos);
+    PressKeys(hwndBox, {L"Return"});
+    EXPECT_TRUE(WaitUntilGone(hwndBox));
+    EXPECT_TRUE(Leave());
 }
 
 TEST_F(GalleryMain, EnterDoesNotCloseItAndEscapeDoes) {
