@@ -12,23 +12,23 @@
 
 // The items of IDD_DIALOG_ITEMS in their order, between a label and the buttons IDOK, IDCANCEL and
 // IDHELP.
-#define IDC_EDIT 1000
-#define IDC_NUMBER 1001
-#define IDC_CHECK 1002
-#define IDC_RADIO_1 1003
-#define IDC_RADIO_2 1004
-#define IDC_RADIO_3 1005
-#define IDC_BUTTON 1006
-#define IDC_FORMAT 1007 // a label with a format as its text
-#define IDC_COMBO 1008
-#define IDC_LIST 1009
-#define IDC_SPIN 1010
-#define IDC_PROGRESS 1011
-#define IDC_UNSEEN 1012
-#define IDC_DISABLED 1013
-#define IDC_SCROLL 1014
-#define IDC_LIST_VIEW 1015
-#define IDC_FRAME 1016
-#define IDC_OWNER_DRAWN 1017
-#define IDC_MULTI_LINE 1018
-#define IDC_NO_ITEM 1999 // in no template
+#define IDC_DIALOG_EDIT 1000
+#define IDC_DIALOG_NUMBER 1001
+#define IDC_DIALOG_CHECK 1002
+#define IDC_DIALOG_RADIO_1 1003
+#define IDC_DIALOG_RADIO_2 1004
+#define IDC_DIALOG_RADIO_3 1005
+#define IDC_DIALOG_BUTTON 1006
+#define IDC_DIALOG_FORMAT 1007 // a label with a format as its text
+#define IDC_DIALOG_COMBO 1008
+#define IDC_DIALOG_LIST 1009
+#define IDC_DIALOG_SPIN 1010
+#define IDC_DIALOG_PROGRESS 1011
+#define IDC_DIALOG_UNSEEN 1012
+#define IDC_DIALOG_DISABLED 1013
+#define IDC_DIALOG_SCROLL 1014
+#define IDC_DIALOG_LIST_VIEW 1015
+#define IDC_DIALOG_FRAME 1016
+#define IDC_DIALOG_OWNER_DRAWN 1017
+#define IDC_DIALOG_MULTI_LINE 1018
+#define IDC_DIALOG_NO_ITEM 1999 // in no template

@@ -7,18 +7,18 @@ namespace {
 constexpr UINT kCloseMsg = WM_APP + 11;
 
 /// A hidden dialog with three control objects whose OnOK is seen.
-struct CSDlgClose : testing::Test {
-    CSDlgClose() {
+struct CSDlgClosing : testing::Test {
+    CSDlgClosing() {
         dlg.onInit = [this](ProbeDlg& d) {
-            edit.Init(&d, IDC_EDIT, nullptr, 0);
-            check.Init(&d, IDC_NUMBER, nullptr, 0);
+            edit.Init(&d, IDC_DIALOG_EDIT, nullptr, 0);
+            check.Init(&d, IDC_DIALOG_NUMBER, nullptr, 0);
             EXPECT_NE(nullptr, edit.hWnd);
         };
         EXPECT_NE(nullptr, dlg.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
         hwnd = dlg;
         dlg.record.log.clear();
     }
-    ~CSDlgClose() override {
+    ~CSDlgClosing() override {
         if (::IsWindow(hwnd)) ::DestroyWindow(hwnd);
     }
     std::string Closing() {
@@ -29,7 +29,7 @@ struct CSDlgClose : testing::Test {
     HWND hwnd = nullptr;
 };
 
-TEST_F(CSDlgClose, AsksThenTellsTheControlsThenClosesThenDestroys) {
+TEST_F(CSDlgClosing, AsksThenTellsTheControlsThenClosesThenDestroys) {
     dlg.onDoClose = [this](ProbeDlg& d) {
         EXPECT_TRUE(::IsWindow(hwnd));
         EXPECT_EQ(1, d.isClosing);
@@ -76,19 +76,19 @@ INSTANTIATE_TEST_SUITE_P(Cases, CSDlgOKControls,
                                          OKControlsCase{"MinusTwoIsNonZero", 2, -2, true}),
                          [](const auto& row) { return std::string(row.param.pszName); });
 
-TEST_F(CSDlgClose, OnlyDirectChildrenThatAreControlsAreTold) {
+TEST_F(CSDlgClosing, OnlyDirectChildrenThatAreControlsAreTold) {
     CSWnd plain; // an object that is no control's
-    plain.Subclass(::GetDlgItem(dlg, IDC_BUTTON));
-    HWND hwndDeep =
-        ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, ::GetDlgItem(dlg, IDC_FORMAT),
-                          reinterpret_cast<HMENU>(UINT_PTR{1700}), nullptr, nullptr);
+    plain.Subclass(::GetDlgItem(dlg, IDC_DIALOG_BUTTON));
+    HWND hwndDeep = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5,
+                                      ::GetDlgItem(dlg, IDC_DIALOG_FORMAT),
+                                      reinterpret_cast<HMENU>(UINT_PTR{1700}), nullptr, nullptr);
     ProbeCtrl deep(dlg.record);
     deep.Subclass(hwndDeep);
     dlg.CloseDialog(1, 1);
     EXPECT_EQ(2, dlg.record.Count("ctrl.OnOK"));
 }
 
-TEST_F(CSDlgClose, ControlIsToldWhileItsWindowLives) {
+TEST_F(CSDlgClosing, ControlIsToldWhileItsWindowLives) {
     struct StoringCtrl : CSCtrl {
         void Store() override {
             ++nStores;
@@ -97,13 +97,13 @@ TEST_F(CSDlgClose, ControlIsToldWhileItsWindowLives) {
         int nStores = 0;
         bool bLives = false;
     } ctrl;
-    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
+    ctrl.Init(&dlg, IDC_DIALOG_FORMAT, nullptr, 0);
     dlg.CloseDialog(1, -1);
     EXPECT_EQ(1, ctrl.nStores);
     EXPECT_TRUE(ctrl.bLives);
 }
 
-TEST_F(CSDlgClose, CanCloseKeepsItOpenWithoutATrace) {
+TEST_F(CSDlgClosing, CanCloseKeepsItOpenWithoutATrace) {
     dlg.nCanClose = 0;
     EXPECT_EQ(1, dlg.CloseDialog(5, 1));
     EXPECT_EQ("CanClose 5", Closing());
@@ -113,7 +113,7 @@ TEST_F(CSDlgClose, CanCloseKeepsItOpenWithoutATrace) {
     EXPECT_EQ(0, dlg.isClosed);
 }
 
-TEST_F(CSDlgClose, CancelAsksCanCloseToo) {
+TEST_F(CSDlgClosing, CancelAsksCanCloseToo) {
     dlg.nCanClose = 0;
     EXPECT_EQ(1, dlg.OnCancel());
     EXPECT_EQ("CanClose 2", Closing());
@@ -126,14 +126,14 @@ TEST_F(CSDlgClose, CancelAsksCanCloseToo) {
     EXPECT_EQ(2, dlg.result);
 }
 
-TEST_F(CSDlgClose, OKCollectsAndTellsTheControls) {
+TEST_F(CSDlgClosing, OKCollectsAndTellsTheControls) {
     EXPECT_EQ(1, dlg.OnOK());
     EXPECT_EQ("UpdateData; CanClose 1; ctrl.OnOK; ctrl.OnOK; DoClose 1", Closing());
     EXPECT_EQ(1, dlg.dataUpdated);
     EXPECT_FALSE(::IsWindow(hwnd));
 }
 
-TEST_F(CSDlgClose, OKStaysOpenWhenTheDataIsRefused) {
+TEST_F(CSDlgClosing, OKStaysOpenWhenTheDataIsRefused) {
     dlg.nUpdateData = 0;
     EXPECT_EQ(0, dlg.OnOK());
     EXPECT_EQ("UpdateData", Closing());
@@ -145,21 +145,21 @@ TEST_F(CSDlgClose, OKStaysOpenWhenTheDataIsRefused) {
     EXPECT_FALSE(::IsWindow(hwnd));
 }
 
-TEST_F(CSDlgClose, DataThatWasCollectedIsNotCollectedAgain) {
+TEST_F(CSDlgClosing, DataThatWasCollectedIsNotCollectedAgain) {
     dlg.dataUpdated = 1;
     dlg.nUpdateData = 0; // would refuse
     EXPECT_EQ(1, dlg.OnOK());
     EXPECT_EQ("CanClose 1; ctrl.OnOK; ctrl.OnOK; DoClose 1", Closing());
 }
 
-TEST_F(CSDlgClose, OKThatCanCloseRefusesIsNotCollectedASecondTime) {
+TEST_F(CSDlgClosing, OKThatCanCloseRefusesIsNotCollectedASecondTime) {
     dlg.nCanClose = 0;
     EXPECT_EQ(1, dlg.OnOK());
     EXPECT_EQ(1, dlg.OnOK());
     EXPECT_EQ("UpdateData; CanClose 1; CanClose 1", Closing());
 }
 
-TEST_F(CSDlgClose, DoCloseThatIsNotPassedOnLeavesTheMarkClear) {
+TEST_F(CSDlgClosing, DoCloseThatIsNotPassedOnLeavesTheMarkClear) {
     struct KeepsMark : ProbeDlg {
         void DoClose(int) override {}
     } other;
@@ -170,14 +170,14 @@ TEST_F(CSDlgClose, DoCloseThatIsNotPassedOnLeavesTheMarkClear) {
     EXPECT_EQ(nullptr, other.hWnd);
 }
 
-TEST_F(CSDlgClose, WindowThatHasGoneAlreadyIsNothingToDestroy) {
+TEST_F(CSDlgClosing, WindowThatHasGoneAlreadyIsNothingToDestroy) {
     ::DestroyWindow(hwnd);
     EXPECT_EQ(1, dlg.CloseDialog(6, 1));
     EXPECT_EQ(6, dlg.result);
     EXPECT_EQ(0, dlg.record.Count("ctrl.OnOK"));
 }
 
-TEST_F(CSDlgClose, ObjectThatNeverRanCanBeClosed) {
+TEST_F(CSDlgClosing, ObjectThatNeverRanCanBeClosed) {
     ProbeDlg never;
     EXPECT_EQ(1, never.CloseDialog(6, -1));
     EXPECT_EQ(6, never.result);
@@ -185,7 +185,7 @@ TEST_F(CSDlgClose, ObjectThatNeverRanCanBeClosed) {
     EXPECT_EQ(0, never.isClosing);
 }
 
-TEST_F(CSDlgClose, EndDialogIsThePlatformsAlone) {
+TEST_F(CSDlgClosing, EndDialogIsThePlatformsAlone) {
     ProbeDlg modal;
     modal.bStayOpen = true;
     EXPECT_EQ(31, modal.RunModal([](ProbeDlg& d) { EXPECT_NE(0, d.EndDialog(31)); }));
@@ -194,7 +194,7 @@ TEST_F(CSDlgClose, EndDialogIsThePlatformsAlone) {
     EXPECT_EQ("", modal.record.Only({"CanClose", "DoClose"}));
 }
 
-TEST_F(CSDlgClose, ModalWindowLivesUntilTheMessageIsOver) {
+TEST_F(CSDlgClosing, ModalWindowLivesUntilTheMessageIsOver) {
     ProbeDlg modal;
     modal.RunModal([](ProbeDlg& d) {
         HWND hwndModal = d;
@@ -205,7 +205,7 @@ TEST_F(CSDlgClose, ModalWindowLivesUntilTheMessageIsOver) {
     EXPECT_EQ(nullptr, modal.hWnd);
 }
 
-TEST_F(CSDlgClose, PlacementIsFilledAtTheEnd) {
+TEST_F(CSDlgClosing, PlacementIsFilledAtTheEnd) {
     MyWindowPlacement place;
     ProbeDlg modal;
     modal.EnableResizing(0, &place);
@@ -219,7 +219,7 @@ TEST_F(CSDlgClose, PlacementIsFilledAtTheEnd) {
     EXPECT_TRUE(::EqualRect(&rc, &place.rcNormalPosition));
 }
 
-TEST_F(CSDlgClose, PlacementIsLeftAloneWhenItStaysOpen) {
+TEST_F(CSDlgClosing, PlacementIsLeftAloneWhenItStaysOpen) {
     MyWindowPlacement place;
     place.Initialize();
     dlg.placement = &place;

@@ -10,7 +10,7 @@ struct CSDlgCommands : testing::Test {
 struct CSDlgColors : CSDlgCommands {
     CSDlgColors() { hdc = ::CreateCompatibleDC(nullptr); }
     ~CSDlgColors() override { ::DeleteDC(hdc); }
-    LRESULT Ask(UINT uMsg, int nId = IDC_EDIT) {
+    LRESULT Ask(UINT uMsg, int nId = IDC_DIALOG_EDIT) {
         HWND hwndCtl = uMsg == WM_CTLCOLORDLG ? dlg.hWnd : ::GetDlgItem(dlg, nId);
         return ::SendMessageW(dlg, uMsg, reinterpret_cast<WPARAM>(hdc),
                               reinterpret_cast<LPARAM>(hwndCtl));
@@ -36,7 +36,7 @@ TEST_F(CSDlgColors, BackgroundIsThatOfEveryKindAndOfTheDialog) {
 
 TEST_F(CSDlgColors, WithoutABackgroundOnlySomeControlsAreAsked) {
     ProbeCtrl ctrl(dlg.record);
-    ctrl.Init(&dlg, IDC_EDIT, nullptr, 0);
+    ctrl.Init(&dlg, IDC_DIALOG_EDIT, nullptr, 0);
     ctrl.hbr = static_cast<HBRUSH>(::GetStockObject(GRAY_BRUSH));
     for (UINT uMsg = WM_CTLCOLOREDIT; uMsg <= WM_CTLCOLORSTATIC; ++uMsg) {
         bool bAsked =
@@ -107,14 +107,14 @@ TEST_F(CSDlgCommands, ClickIsToldAndThenMeansWhatTheIdSays) {
     EXPECT_EQ(31, dlg.OnCommand(IDOK, 0, nullptr));
     EXPECT_EQ(32, dlg.OnCommand(IDCANCEL, 0, nullptr));
     EXPECT_EQ(1, dlg.OnCommand(9, 0, nullptr));
-    EXPECT_EQ(0, dlg.OnCommand(IDC_BUTTON, 0, nullptr));
+    EXPECT_EQ(0, dlg.OnCommand(IDC_DIALOG_BUTTON, 0, nullptr));
     EXPECT_EQ("OnButtonClicked 1; OnOK; OnButtonClicked 2; OnCancel; OnButtonClicked 9; OnHelp -1; "
               "OnButtonClicked 1006",
               dlg.record.Only({"OnButtonClicked", "OnOK", "OnCancel", "OnHelp"}));
 }
 
 TEST_F(CSDlgCommands, CodeOneIsAComboBoxesSelection) {
-    EXPECT_EQ(0, dlg.OnCommand(IDC_COMBO, CBN_SELCHANGE, nullptr));
+    EXPECT_EQ(0, dlg.OnCommand(IDC_DIALOG_COMBO, CBN_SELCHANGE, nullptr));
     EXPECT_EQ(0, dlg.OnCommand(IDOK, 1, nullptr));
     EXPECT_EQ("OnComboSelChanged 1008; OnComboSelChanged 1",
               dlg.record.Only({"OnComboSelChanged", "OnButtonClicked", "OnOK"}));
@@ -129,15 +129,15 @@ TEST_F(CSDlgCommands, OtherCodesMeanNothing) {
 
 TEST_F(CSDlgCommands, ControlIsAskedBeforeTheDialog) {
     ProbeCtrl ctrl(dlg.record);
-    ctrl.Init(&dlg, IDC_BUTTON, nullptr, 0);
-    EXPECT_EQ(0, dlg.OnCommand(IDC_BUTTON, 0, ctrl.hWnd));
+    ctrl.Init(&dlg, IDC_DIALOG_BUTTON, nullptr, 0);
+    EXPECT_EQ(0, dlg.OnCommand(IDC_DIALOG_BUTTON, 0, ctrl.hWnd));
     EXPECT_EQ("ctrl.OnCommand 0; OnButtonClicked 1006",
               dlg.record.Only({"ctrl.OnCommand", "OnButtonClicked"}));
     dlg.record.log.clear();
     ctrl.qwCommand = 0; // its result is 0 and nothing more happens
     EXPECT_EQ(0, dlg.OnCommand(IDOK, 0, ctrl.hWnd));
     ctrl.qwCommand = 77;
-    EXPECT_EQ(77, dlg.OnCommand(IDC_BUTTON, 1, ctrl.hWnd));
+    EXPECT_EQ(77, dlg.OnCommand(IDC_DIALOG_BUTTON, 1, ctrl.hWnd));
     EXPECT_EQ("ctrl.OnCommand 0; ctrl.OnCommand 1",
               dlg.record.Only({"ctrl.OnCommand", "OnButtonClicked", "OnComboSelChanged", "OnOK"}));
 }
@@ -146,8 +146,8 @@ TEST_F(CSDlgCommands, CommandOfAWindowWithoutAControlObjectIsTheDialogs) {
     TestWindow stranger;
     CSWnd plain;
     plain.Subclass(stranger);
-    EXPECT_EQ(0, dlg.OnCommand(IDC_BUTTON, 0, stranger));
-    EXPECT_EQ(0, dlg.OnCommand(IDC_BUTTON, 0, reinterpret_cast<HWND>(0x7654321)));
+    EXPECT_EQ(0, dlg.OnCommand(IDC_DIALOG_BUTTON, 0, stranger));
+    EXPECT_EQ(0, dlg.OnCommand(IDC_DIALOG_BUTTON, 0, reinterpret_cast<HWND>(0x7654321)));
     EXPECT_EQ(2, dlg.record.Count("OnButtonClicked 1006"));
     plain.Unsubclass();
     plain.Detach();

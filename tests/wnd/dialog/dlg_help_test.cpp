@@ -1,5 +1,8 @@
 // Help requests and tooltips.
+#include "runtime/base/current_product.h"
 #include "support/message_box_driver.h"
+#include "support/program_folder.h"
+#include "support/runtime_lookup.h"
 #include "support/test_window.h"
 #include "wnd/core/company_msg.h"
 #include "wnd/dialog/html_help.h"
@@ -133,14 +136,35 @@ TEST_F(CSDlgHelp, HelpButtonAndHelpMessageAreTheSame) {
     dlg.bQuietHelp = true;
     dlg.SendDlgItemMsg(IDHELP, BM_CLICK, 0, 0);
     EXPECT_EQ(1, dlg.record.Count("OnHelp -1"));
-    HELPINFO info{sizeof(info), HELPINFO_WINDOW, IDC_EDIT, ::GetDlgItem(dlg, IDC_EDIT), 0, {}};
+    HELPINFO info{
+        sizeof(info), HELPINFO_WINDOW, IDC_DIALOG_EDIT, ::GetDlgItem(dlg, IDC_DIALOG_EDIT), 0, {}};
     ::SendMessageW(dlg, WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
     EXPECT_EQ(1, dlg.record.Count("OnHelp 1000"));
 }
 
+std::wstring strTopic; // what the viewer was last given
+HWND WINAPI ShowTopic(HWND hwnd, LPCWSTR psz, UINT, DWORD_PTR) {
+    strTopic = psz;
+    return hwnd;
+}
+
+TEST_F(CSDlgHelp, PageThatTheViewerShowsIsNoError) {
+    CurrentProduct productBefore = GetCurrentProduct(), product = productBefore;
+    product.pfnGetHelpFile = []() -> const wchar_t* { return L"tests_wnd.exe"; }; // a file it is
+    SetCurrentProduct(product);
+    ReplaceFunctions viewer;
+    viewer.Set("#15", &ShowTopic);
+    OpenDlg dlg(IDD_DIALOG_HIDDEN);
+    dlg.pages[0] = L"own.htm";
+    EXPECT_EQ(0u, Boxes([&] { dlg.OnHelp(nullptr); }));
+    EXPECT_EQ(0, dlg.record.Count("OnHtmlHelpError"));
+    EXPECT_EQ(ProgramFolder() + L"tests_wnd.exe::/own.htm", strTopic);
+    SetCurrentProduct(productBefore);
+}
+
 // Notifications and tooltips.
 
-struct CSDlgNotify : testing::Test {
+struct CSDlgNotifications : testing::Test {
     __int64 Notify(HWND hwndFrom, int nCode, UINT_PTR nId = 1234) {
         NMHDR hdr{hwndFrom, nId, static_cast<UINT>(nCode)};
         return dlg.OnNotify(static_cast<int>(nId), &hdr);
@@ -150,22 +174,22 @@ struct CSDlgNotify : testing::Test {
     ProbeCtrl ctrl{dlg.record};
 };
 
-TEST_F(CSDlgNotify, WithoutASourceIsNothing) {
+TEST_F(CSDlgNotifications, WithoutASourceIsNothing) {
     EXPECT_EQ(0, Notify(nullptr, TTN_NEEDTEXTW));
     EXPECT_EQ(0, Notify(nullptr, NM_CLICK));
     EXPECT_EQ("", Asked());
 }
 
-TEST_F(CSDlgNotify, SourcesControlIsAsked) {
-    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
+TEST_F(CSDlgNotifications, SourcesControlIsAsked) {
+    ctrl.Init(&dlg, IDC_DIALOG_FORMAT, nullptr, 0);
     EXPECT_EQ(0, Notify(ctrl.hWnd, NM_CLICK));
     ctrl.qwNotify = 0x200000001;
     EXPECT_EQ(0x200000001, Notify(ctrl.hWnd, NM_CLICK));
     EXPECT_EQ("ctrl.OnNotify -2; ctrl.OnNotify -2", Asked());
 }
 
-TEST_F(CSDlgNotify, ControlOfTheSourcesParentIsAskedIfTheSourceHasNone) {
-    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
+TEST_F(CSDlgNotifications, ControlOfTheSourcesParentIsAskedIfTheSourceHasNone) {
+    ctrl.Init(&dlg, IDC_DIALOG_FORMAT, nullptr, 0);
     TestWindow inner(L"STATIC", ctrl.hWnd, WS_CHILD);
     ctrl.qwNotify = 5;
     EXPECT_EQ(5, Notify(inner, NM_CLICK));
@@ -174,8 +198,8 @@ TEST_F(CSDlgNotify, ControlOfTheSourcesParentIsAskedIfTheSourceHasNone) {
     EXPECT_EQ("ctrl.OnNotify -2", Asked());
 }
 
-TEST_F(CSDlgNotify, SourcesOwnControlGoesBeforeItsParents) {
-    ctrl.Init(&dlg, IDC_FORMAT, nullptr, 0);
+TEST_F(CSDlgNotifications, SourcesOwnControlGoesBeforeItsParents) {
+    ctrl.Init(&dlg, IDC_DIALOG_FORMAT, nullptr, 0);
     ctrl.qwNotify = 5;
     TestWindow inner(L"STATIC", ctrl.hWnd, WS_CHILD);
     ProbeCtrl ctrlInner(dlg.record);
@@ -184,9 +208,9 @@ TEST_F(CSDlgNotify, SourcesOwnControlGoesBeforeItsParents) {
     EXPECT_EQ(6, Notify(inner, NM_CLICK));
 }
 
-TEST_F(CSDlgNotify, OnlyTooltipsAskForTexts) {
-    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_FORMAT), NM_CLICK));
-    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_FORMAT), TTN_SHOW));
+TEST_F(CSDlgNotifications, OnlyTooltipsAskForTexts) {
+    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_DIALOG_FORMAT), NM_CLICK));
+    EXPECT_EQ(0, Notify(::GetDlgItem(dlg, IDC_DIALOG_FORMAT), TTN_SHOW));
     EXPECT_EQ("", Asked());
     EXPECT_EQ(-530, static_cast<int>(TTN_NEEDTEXTW));
     EXPECT_EQ(-520, static_cast<int>(TTN_NEEDTEXTA));
@@ -205,11 +229,11 @@ struct TipRequest {
 using TipRequestW = TipRequest<NMTTDISPINFOW>;
 using TipRequestA = TipRequest<NMTTDISPINFOA>;
 
-TEST_F(CSDlgNotify, TooltipTextAsAString) {
+TEST_F(CSDlgNotifications, TooltipTextAsAString) {
     dlg.nTipResult = 1;
     dlg.hinstTip = ::GetModuleHandleW(nullptr);
     dlg.nTipString = 101;
-    HWND hwnd = ::GetDlgItem(dlg, IDC_BUTTON);
+    HWND hwnd = ::GetDlgItem(dlg, IDC_DIALOG_BUTTON);
     TipRequestW wide(hwnd, TTN_NEEDTEXTW);
     EXPECT_EQ(0, dlg.OnNotify(1234, &wide.info.hdr));
     EXPECT_EQ(dlg.hinstTip, wide.info.hinst);
@@ -223,7 +247,7 @@ TEST_F(CSDlgNotify, TooltipTextAsAString) {
     EXPECT_EQ(0x2222u, narrow.info.uFlags);
 }
 
-TEST_F(CSDlgNotify, StringZeroOrNoneFallsThroughToTheText) {
+TEST_F(CSDlgNotifications, StringZeroOrNoneFallsThroughToTheText) {
     dlg.pszTip = L"a tip";
     struct Row {
         int nResult;
@@ -242,7 +266,7 @@ TEST_F(CSDlgNotify, StringZeroOrNoneFallsThroughToTheText) {
     }
 }
 
-TEST_F(CSDlgNotify, NarrowRequestGetsTheTextConverted) {
+TEST_F(CSDlgNotifications, NarrowRequestGetsTheTextConverted) {
     dlg.pszTip = L"a tip";
     TipRequestA narrow(::GetWindow(dlg, GW_CHILD), TTN_NEEDTEXTA);
     EXPECT_EQ(0, dlg.OnNotify(1234, &narrow.info.hdr));
@@ -250,7 +274,7 @@ TEST_F(CSDlgNotify, NarrowRequestGetsTheTextConverted) {
     EXPECT_EQ("TipString 1234; TipText 1234 80", Asked());
 }
 
-TEST_F(CSDlgNotify, TextsOfAllEightyCharactersStayInTheirRecord) {
+TEST_F(CSDlgNotifications, TextsOfAllEightyCharactersStayInTheirRecord) {
     std::wstring strLong(200, L'x');
     dlg.pszTip = strLong.c_str();
     TipRequestW wide(::GetWindow(dlg, GW_CHILD), TTN_NEEDTEXTW);
@@ -263,7 +287,7 @@ TEST_F(CSDlgNotify, TextsOfAllEightyCharactersStayInTheirRecord) {
     EXPECT_EQ(reinterpret_cast<HINSTANCE>(0x1111), narrow.info.hinst);
 }
 
-TEST_F(CSDlgNotify, NarrowTextThatGrowsInTheConversionIsTerminated) {
+TEST_F(CSDlgNotifications, NarrowTextThatGrowsInTheConversionIsTerminated) {
     std::wstring strWide(200, L'\x6F22'); // up to three bytes each, or a question mark
     dlg.pszTip = strWide.c_str();
     TipRequestA narrow(::GetWindow(dlg, GW_CHILD), TTN_NEEDTEXTA);
@@ -273,7 +297,7 @@ TEST_F(CSDlgNotify, NarrowTextThatGrowsInTheConversionIsTerminated) {
     EXPECT_EQ(reinterpret_cast<HINSTANCE>(0x1111), narrow.info.hinst);
 }
 
-TEST_F(CSDlgNotify, WithoutATextTheRecordStaysEmpty) {
+TEST_F(CSDlgNotifications, WithoutATextTheRecordStaysEmpty) {
     TipRequestW wide(::GetWindow(dlg, GW_CHILD), TTN_NEEDTEXTW);
     EXPECT_EQ(0, dlg.OnNotify(1234, &wide.info.hdr));
     EXPECT_STREQ(L"", wide.info.szText);
@@ -282,8 +306,8 @@ TEST_F(CSDlgNotify, WithoutATextTheRecordStaysEmpty) {
     EXPECT_STREQ("", narrow.info.szText);
 }
 
-TEST_F(CSDlgNotify, ControlMayAnswerForItsTooltip) {
-    ctrl.Init(&dlg, IDC_BUTTON, nullptr, 0);
+TEST_F(CSDlgNotifications, ControlMayAnswerForItsTooltip) {
+    ctrl.Init(&dlg, IDC_DIALOG_BUTTON, nullptr, 0);
     ctrl.qwNotify = 3;
     TipRequestW wide(ctrl.hWnd, TTN_NEEDTEXTW);
     EXPECT_EQ(3, dlg.OnNotify(1234, &wide.info.hdr));
@@ -292,7 +316,7 @@ TEST_F(CSDlgNotify, ControlMayAnswerForItsTooltip) {
     EXPECT_EQ("ctrl.OnNotify -530; ctrl.OnNotify -530; TipString 1234; TipText 1234 80", Asked());
 }
 
-TEST_F(CSDlgNotify, RealTooltipShowsTheDialogsText) {
+TEST_F(CSDlgNotifications, RealTooltipShowsTheDialogsText) {
     dlg.pszTip = L"what the dialog says";
     HWND hwndTip = ::CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0,
                                      0, dlg, nullptr, nullptr, nullptr);

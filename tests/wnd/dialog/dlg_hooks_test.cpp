@@ -127,12 +127,12 @@ TEST_F(CSDlgHooks, AfterAsksOnlyThoseBehind) {
 TEST_F(CSDlgHooks, BuiltInOneIsBehindTheLastAdded) {
     a.uWatched = WM_COMMAND;
     a.act = [&](CSDlg* p, LRESULT* pl) {
-        *pl = p->DoDlgMessage(WM_COMMAND, IDC_BUTTON, 0, &a);
+        *pl = p->DoDlgMessage(WM_COMMAND, IDC_DIALOG_BUTTON, 0, &a);
         EXPECT_EQ(1, dlg.record.Count("OnButtonClicked 1006"));
         return 1;
     };
     dlg.AddDlgHook(&a);
-    ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0);
+    ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
     EXPECT_EQ(1, dlg.record.Count("OnButtonClicked 1006"));
 }
 
@@ -143,7 +143,7 @@ TEST_F(CSDlgHooks, HookInFrontKeepsMessagesFromTheDialog) {
     ::SendMessageW(dlg, WM_COMMAND, IDOK, 0);
     EXPECT_EQ("", dlg.record.Only({"OnCommand", "OnOK"}));
     dlg.RemoveDlgHook(&a);
-    ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0);
+    ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
     EXPECT_EQ(1, dlg.record.Count("OnCommand 1006 0 0"));
 }
 
@@ -152,10 +152,10 @@ TEST_F(CSDlgHooks, HookBehindGetsWhatTheDialogHasNotHandled) {
     dlg.AddDlgHook(&a);
     dlg.AddDlgHook(&dlg.msgHandler);
     a.uWatched = WM_COMMAND;
-    ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0); // OnCommand gives 0
+    ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0); // OnCommand gives 0
     EXPECT_EQ("a", calls);
     dlg.qwCommand = 1;
-    ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0);
+    ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
     EXPECT_EQ("a", calls) << "handled";
     EXPECT_EQ("OnCommand 1006 0 0; OnCommand 1006 0 0", dlg.record.Only({"OnCommand"}));
 }
@@ -165,7 +165,7 @@ TEST_F(CSDlgHooks, DialogWithoutItsBuiltInHookIsDeaf) {
     ::SendMessageW(dlg, WM_COMMAND, IDOK, 0);
     EXPECT_EQ("", dlg.record.Only({"OnCommand"}));
     dlg.AddDlgHook(&dlg.msgHandler);
-    ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0);
+    ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
     EXPECT_EQ(1, dlg.record.Count("OnCommand 1006 0 0"));
 }
 

@@ -61,12 +61,12 @@ TEST(CSDlgHostile, PropertyOfTheDialogMayHoldAnything) {
     for (void* p : {reinterpret_cast<void*>(1), static_cast<void*>(nGarbage),
                     reinterpret_cast<void*>(0x7FFF12345678), static_cast<void*>(&other)}) {
         ::SetPropW(dlg, L"CSDLG", p);
-        ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0);
+        ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
         EXPECT_EQ("", other.record.Only({"OnCommand"}));
     }
     ::SetPropW(dlg, L"CSDLG", static_cast<CSDlg*>(&dlg));
     dlg.record.log.clear();
-    ::SendMessageW(dlg, WM_COMMAND, IDC_BUTTON, 0);
+    ::SendMessageW(dlg, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
     EXPECT_EQ(1, dlg.record.Count("OnCommand 1006 0 0"));
     dlg.Destroy();
 }
@@ -94,8 +94,8 @@ TEST(CSDlgHostile, MessagesAsAnyProgramMaySendThem) {
 TEST(CSDlgHostile, DrawnItemsOfForeignIdsDoNothing) {
     OpenDlg dlg(IDD_DIALOG_FEW);
     DRAWITEMSTRUCT draw{};
-    for (WPARAM w : {WPARAM{0}, WPARAM{IDC_NO_ITEM}, WPARAM{0xFFFF}, WPARAM{0xFFFFFFFFFFFFFFFF},
-                     WPARAM{0x100000000 + IDC_BUTTON}}) {
+    for (WPARAM w : {WPARAM{0}, WPARAM{IDC_DIALOG_NO_ITEM}, WPARAM{0xFFFF},
+                     WPARAM{0xFFFFFFFFFFFFFFFF}, WPARAM{0x100000000 + IDC_DIALOG_BUTTON}}) {
         for (UINT uMsg : {WM_DRAWITEM, WM_MEASUREITEM, WM_DELETEITEM}) {
             EXPECT_EQ(1, dlg.Handle(uMsg, w, reinterpret_cast<LPARAM>(&draw)));
         }
@@ -104,8 +104,8 @@ TEST(CSDlgHostile, DrawnItemsOfForeignIdsDoNothing) {
 
 TEST(CSDlgHostile, SecondInitialisationMakesNoSecondObjects) {
     OpenDlg dlg(IDD_DIALOG_FEW);
-    CSCtrl* pCtrl = dlg.GetDlgCtrl(IDC_EDIT);
+    CSCtrl* pCtrl = dlg.GetDlgCtrl(IDC_DIALOG_EDIT);
     ::SendMessageW(dlg, WM_INITDIALOG, 0, 0);
-    EXPECT_EQ(pCtrl, dlg.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(pCtrl, dlg.GetDlgCtrl(IDC_DIALOG_EDIT));
 }
 } // namespace

@@ -50,17 +50,18 @@ TEST(CSDlgKeyboard, TabWalksTheItemsInTheirOrderAndRoundAgain) {
     ProbeDlg dlg;
     std::vector<int> walked;
     RunWithKeys(dlg, [&](KeyDriver& driver) {
-        driver.WaitForFocus(IDC_EDIT);
-        for (int nId : {IDC_CHECK, IDC_RADIO_1, IDC_COMBO, IDC_LIST, IDC_LIST_VIEW, IDC_BUTTON,
-                        IDOK, IDCANCEL, IDC_EDIT}) {
+        driver.WaitForFocus(IDC_DIALOG_EDIT);
+        for (int nId : {IDC_DIALOG_CHECK, IDC_DIALOG_RADIO_1, IDC_DIALOG_COMBO, IDC_DIALOG_LIST,
+                        IDC_DIALOG_LIST_VIEW, IDC_DIALOG_BUTTON, IDOK, IDCANCEL, IDC_DIALOG_EDIT}) {
             SendKey(VK_TAB);
             if (!driver.WaitForFocus(nId)) break;
             walked.push_back(nId);
         }
         SendKey(VK_ESCAPE);
     });
-    EXPECT_EQ((std::vector<int>{IDC_CHECK, IDC_RADIO_1, IDC_COMBO, IDC_LIST, IDC_LIST_VIEW,
-                                IDC_BUTTON, IDOK, IDCANCEL, IDC_EDIT}),
+    EXPECT_EQ((std::vector<int>{IDC_DIALOG_CHECK, IDC_DIALOG_RADIO_1, IDC_DIALOG_COMBO,
+                                IDC_DIALOG_LIST, IDC_DIALOG_LIST_VIEW, IDC_DIALOG_BUTTON, IDOK,
+                                IDCANCEL, IDC_DIALOG_EDIT}),
               walked);
     EXPECT_EQ(2, dlg.result);
     EXPECT_EQ(1, dlg.record.Count("OnCancel"));
@@ -69,7 +70,7 @@ TEST(CSDlgKeyboard, TabWalksTheItemsInTheirOrderAndRoundAgain) {
 TEST(CSDlgKeyboard, ReturnIsTheDefaultButton) {
     ProbeDlg dlg;
     EXPECT_EQ(1, RunWithKeys(dlg, [](KeyDriver& driver) {
-                  driver.WaitForFocus(IDC_EDIT);
+                  driver.WaitForFocus(IDC_DIALOG_EDIT);
                   SendKey(VK_RETURN);
               }));
     EXPECT_EQ("OnButtonClicked 1; OnOK", dlg.record.Only({"OnButtonClicked", "OnOK"}));
@@ -78,12 +79,12 @@ TEST(CSDlgKeyboard, ReturnIsTheDefaultButton) {
 TEST(CSDlgKeyboard, ReturnOnAButtonIsThatButton) {
     ProbeDlg dlg;
     RunWithKeys(dlg, [&](KeyDriver& driver) {
-        driver.WaitForFocus(IDC_EDIT);
-        dlg.PostMsg(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(::GetDlgItem(dlg.hWnd, IDC_BUTTON)),
-                    TRUE);
-        driver.WaitForFocus(IDC_BUTTON);
+        driver.WaitForFocus(IDC_DIALOG_EDIT);
+        dlg.PostMsg(WM_NEXTDLGCTL,
+                    reinterpret_cast<WPARAM>(::GetDlgItem(dlg.hWnd, IDC_DIALOG_BUTTON)), TRUE);
+        driver.WaitForFocus(IDC_DIALOG_BUTTON);
         SendKey(VK_RETURN);
-        WaitUntil([&] { return driver.FocusId() != IDC_BUTTON; }, 50);
+        WaitUntil([&] { return driver.FocusId() != IDC_DIALOG_BUTTON; }, 50);
         SendKey(VK_ESCAPE);
     });
     EXPECT_EQ(1, dlg.record.Count("OnButtonClicked 1006"));
@@ -94,33 +95,33 @@ TEST(CSDlgKeyboard, SpaceChecksAndArrowsChooseAmongRadioButtonsAndInTheCombo) {
     ProbeDlg dlg;
     dlg.onInit = [](ProbeDlg& d) {
         for (const wchar_t* psz : {L"one", L"two"}) {
-            d.SendDlgItemMsg(IDC_COMBO, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(psz));
+            d.SendDlgItemMsg(IDC_DIALOG_COMBO, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(psz));
         }
     };
     unsigned bChecked = 0;
     int nRadio = 0;
     dlg.onCanClose = [&](ProbeDlg& d) {
-        bChecked = d.IsDlgButtonChecked(IDC_CHECK);
-        nRadio = d.GetCheckedRadioButton(IDC_RADIO_1, IDC_RADIO_2);
+        bChecked = d.IsDlgButtonChecked(IDC_DIALOG_CHECK);
+        nRadio = d.GetCheckedRadioButton(IDC_DIALOG_RADIO_1, IDC_DIALOG_RADIO_2);
     };
     RunWithKeys(dlg, [](KeyDriver& driver) {
-        driver.WaitForFocus(IDC_EDIT);
+        driver.WaitForFocus(IDC_DIALOG_EDIT);
         SendKey(VK_TAB);
-        driver.WaitForFocus(IDC_CHECK);
+        driver.WaitForFocus(IDC_DIALOG_CHECK);
         SendKey(VK_SPACE);
         SendKey(VK_TAB);
-        driver.WaitForFocus(IDC_RADIO_1);
+        driver.WaitForFocus(IDC_DIALOG_RADIO_1);
         SendKey(VK_DOWN);
-        driver.WaitForFocus(IDC_RADIO_2);
+        driver.WaitForFocus(IDC_DIALOG_RADIO_2);
         SendKey(VK_TAB);
-        driver.WaitForFocus(IDC_COMBO);
+        driver.WaitForFocus(IDC_DIALOG_COMBO);
         SendKey(VK_DOWN);
         SendKey(VK_TAB);
-        driver.WaitForFocus(IDC_LIST);
+        driver.WaitForFocus(IDC_DIALOG_LIST);
         SendKey(VK_ESCAPE);
     });
     EXPECT_EQ(1u, bChecked);
-    EXPECT_EQ(IDC_RADIO_2, nRadio);
+    EXPECT_EQ(IDC_DIALOG_RADIO_2, nRadio);
     EXPECT_EQ(1, dlg.record.Count("OnComboSelChanged 1008"));
     EXPECT_LT(0, dlg.record.Count("OnButtonClicked 1002"));
 }
@@ -129,7 +130,7 @@ TEST(CSDlgKeyboard, F1AsksForHelp) {
     ProbeDlg dlg;
     dlg.bQuietHelp = true;
     RunWithKeys(dlg, [&](KeyDriver& driver) {
-        driver.WaitForFocus(IDC_EDIT);
+        driver.WaitForFocus(IDC_DIALOG_EDIT);
         SendKey(VK_F1);
         SendKey(VK_ESCAPE);
     });
@@ -139,9 +140,9 @@ TEST(CSDlgKeyboard, F1AsksForHelp) {
 TEST(CSDlgKeyboard, TypedTextReachesTheEdit) {
     ProbeDlg dlg;
     std::wstring strText;
-    dlg.onCanClose = [&](ProbeDlg& d) { strText = ItemText(d, IDC_EDIT); };
+    dlg.onCanClose = [&](ProbeDlg& d) { strText = ItemText(d, IDC_DIALOG_EDIT); };
     RunWithKeys(dlg, [](KeyDriver& driver) {
-        driver.WaitForFocus(IDC_EDIT);
+        driver.WaitForFocus(IDC_DIALOG_EDIT);
         for (WORD w : {'A', 'B', '7'}) SendKey(w);
         SendKey(VK_RETURN);
     });

@@ -54,7 +54,7 @@ TEST(CSDlgLife, ObjectRunsAgainAndAgain) {
             EXPECT_NE(nullptr, d.hooks.Find(static_cast<WMHook*>(&d.msgHandler)));
             POS pos = d.hooks.Find(static_cast<WMHook*>(&d.msgHandler));
             EXPECT_EQ(nullptr, d.hooks.Find(static_cast<WMHook*>(&d.msgHandler), pos)) << "once";
-            ::SendMessageW(d, WM_COMMAND, IDC_BUTTON, 0);
+            ::SendMessageW(d, WM_COMMAND, IDC_DIALOG_BUTTON, 0);
         }));
         EXPECT_EQ(1, dlg.record.Count("OnButtonClicked 1006"));
         EXPECT_EQ(1, dlg.record.Count("PreInit"));

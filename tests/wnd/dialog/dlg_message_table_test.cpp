@@ -64,16 +64,18 @@ TEST_F(CSDlgMessages, ShowWindowIsTold) {
 
 TEST_F(CSDlgMessages, DrawnItemsGoToTheControlsObject) {
     ProbeCtrl ctrl(dlg.record);
-    ctrl.Init(&dlg, IDC_OWNER_DRAWN, nullptr, 0);
+    ctrl.Init(&dlg, IDC_DIALOG_OWNER_DRAWN, nullptr, 0);
     DRAWITEMSTRUCT draw{};
     draw.itemID = 5;
     MEASUREITEMSTRUCT measure{};
     measure.itemID = 6;
     DELETEITEMSTRUCT gone{};
     gone.itemID = 7;
-    EXPECT_EQ(1, dlg.Handle(WM_DRAWITEM, IDC_OWNER_DRAWN, reinterpret_cast<LPARAM>(&draw)));
-    EXPECT_EQ(1, dlg.Handle(WM_MEASUREITEM, IDC_OWNER_DRAWN, reinterpret_cast<LPARAM>(&measure)));
-    EXPECT_EQ(1, dlg.Handle(WM_DELETEITEM, IDC_OWNER_DRAWN, reinterpret_cast<LPARAM>(&gone)));
+    EXPECT_EQ(1, dlg.Handle(WM_DRAWITEM, IDC_DIALOG_OWNER_DRAWN, reinterpret_cast<LPARAM>(&draw)));
+    EXPECT_EQ(
+        1, dlg.Handle(WM_MEASUREITEM, IDC_DIALOG_OWNER_DRAWN, reinterpret_cast<LPARAM>(&measure)));
+    EXPECT_EQ(1,
+              dlg.Handle(WM_DELETEITEM, IDC_DIALOG_OWNER_DRAWN, reinterpret_cast<LPARAM>(&gone)));
     EXPECT_EQ("ctrl.OnDrawItem 1017 5; ctrl.OnMeasureItem 1017 6; ctrl.OnDeleteItem 1017 7",
               dlg.record.Only({"ctrl.OnDrawItem", "ctrl.OnMeasureItem", "ctrl.OnDeleteItem"}));
 }
@@ -83,21 +85,22 @@ TEST_F(CSDlgMessages, DrawnItemsWithoutAnObjectAreHandledAllTheSame) {
     MEASUREITEMSTRUCT measure{};
     measure.itemHeight = 19;
     DELETEITEMSTRUCT gone{};
-    for (WPARAM nId : {WPARAM{IDC_NO_ITEM}, WPARAM{0}, WPARAM{0xFFFF}, WPARAM{IDC_BUTTON}}) {
+    for (WPARAM nId :
+         {WPARAM{IDC_DIALOG_NO_ITEM}, WPARAM{0}, WPARAM{0xFFFF}, WPARAM{IDC_DIALOG_BUTTON}}) {
         EXPECT_EQ(1, dlg.Handle(WM_DRAWITEM, nId, reinterpret_cast<LPARAM>(&draw))) << nId;
         EXPECT_EQ(1, dlg.Handle(WM_MEASUREITEM, nId, reinterpret_cast<LPARAM>(&measure))) << nId;
         EXPECT_EQ(1, dlg.Handle(WM_DELETEITEM, nId, reinterpret_cast<LPARAM>(&gone))) << nId;
     }
     EXPECT_EQ(19u, measure.itemHeight);
-    ::SendMessageW(dlg, WM_DRAWITEM, IDC_NO_ITEM, reinterpret_cast<LPARAM>(&draw));
+    ::SendMessageW(dlg, WM_DRAWITEM, IDC_DIALOG_NO_ITEM, reinterpret_cast<LPARAM>(&draw));
 }
 
 TEST_F(CSDlgMessages, RealOwnerDrawnButtonDrawsThroughItsObject) {
     ProbeDlg shown;
     ProbeCtrl ctrl(shown.record);
-    shown.onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_OWNER_DRAWN, nullptr, 0); };
+    shown.onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_DIALOG_OWNER_DRAWN, nullptr, 0); };
     ASSERT_NE(nullptr, shown.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 1));
-    ::RedrawWindow(::GetDlgItem(shown, IDC_OWNER_DRAWN), nullptr, nullptr,
+    ::RedrawWindow(::GetDlgItem(shown, IDC_DIALOG_OWNER_DRAWN), nullptr, nullptr,
                    RDW_INVALIDATE | RDW_UPDATENOW);
     EXPECT_LT(0, shown.record.Count("ctrl.OnDrawItem 1017 0"));
     shown.Destroy();
@@ -114,15 +117,15 @@ TEST_F(CSDlgMessages, WindowPositionsAreTold) {
 }
 
 TEST_F(CSDlgMessages, NotificationsResultIsTheDialogs) {
-    NMHDR hdr{::GetDlgItem(dlg, IDC_FORMAT), IDC_FORMAT, static_cast<UINT>(NM_CLICK)};
+    NMHDR hdr{::GetDlgItem(dlg, IDC_DIALOG_FORMAT), IDC_DIALOG_FORMAT, static_cast<UINT>(NM_CLICK)};
     LPARAM lHdr = reinterpret_cast<LPARAM>(&hdr);
-    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_FORMAT, lHdr, &lResult));
+    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_DIALOG_FORMAT, lHdr, &lResult));
     EXPECT_EQ(0, lResult);
     EXPECT_EQ("OnNotify 1007 -2", dlg.record.Only({"OnNotify"}));
     dlg.qwNotify = 0x10000005B;
-    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_FORMAT, lHdr, &lResult));
+    EXPECT_EQ(1, dlg.Handle(WM_NOTIFY, IDC_DIALOG_FORMAT, lHdr, &lResult));
     EXPECT_EQ(0x10000005B, lResult);
-    EXPECT_EQ(0x10000005B, ::SendMessageW(dlg, WM_NOTIFY, IDC_FORMAT, lHdr));
+    EXPECT_EQ(0x10000005B, ::SendMessageW(dlg, WM_NOTIFY, IDC_DIALOG_FORMAT, lHdr));
 }
 
 TEST_F(CSDlgMessages, HelpKeyIsHelp) {
@@ -138,7 +141,7 @@ TEST_F(CSDlgMessages, HelpKeyIsHelp) {
 TEST_F(CSDlgMessages, InitialisationIsFollowedByThatOfTheControls) {
     ProbeDlg other;
     ProbeCtrl ctrl(other.record);
-    other.onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_EDIT, nullptr, 0); };
+    other.onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_DIALOG_EDIT, nullptr, 0); };
     ASSERT_NE(nullptr, other.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
     EXPECT_EQ("OnInitDialog; OnInitDone; ctrl.PostInitDialog",
               other.record.Only({"OnInitDialog", "OnInitDone", "ctrl.PostInitDialog"}));
@@ -147,36 +150,36 @@ TEST_F(CSDlgMessages, InitialisationIsFollowedByThatOfTheControls) {
 
 TEST(CSDlgInit, EveryControlWithAnIdGetsAnObject) {
     OpenDlg dlg(IDD_DIALOG_ITEMS);
-    for (int nId = IDC_EDIT; nId <= IDC_MULTI_LINE; ++nId) {
+    for (int nId = IDC_DIALOG_EDIT; nId <= IDC_DIALOG_MULTI_LINE; ++nId) {
         EXPECT_NE(nullptr, dlg.GetDlgCtrl(nId)) << nId;
     }
     for (int nId : {IDOK, IDCANCEL, IDHELP}) EXPECT_NE(nullptr, dlg.GetDlgCtrl(nId)) << nId;
     HWND hwndLabel = ::GetWindow(dlg, GW_CHILD);
     ASSERT_EQ(0xFFFF, ::GetDlgCtrlID(hwndLabel) & 0xFFFF);
     EXPECT_EQ(nullptr, CSWnd::FromHandle(hwndLabel)) << "a label needs none";
-    CSCtrl* pCtrl = dlg.GetDlgCtrl(IDC_EDIT);
+    CSCtrl* pCtrl = dlg.GetDlgCtrl(IDC_DIALOG_EDIT);
     EXPECT_EQ(1, pCtrl->autoDelete);
-    EXPECT_EQ(static_cast<unsigned>(IDC_EDIT), pCtrl->GetID());
+    EXPECT_EQ(static_cast<unsigned>(IDC_DIALOG_EDIT), pCtrl->GetID());
 }
 
 TEST_F(CSDlgMessages, ChildWithAnotherKindOfObjectKeepsIt) {
     CSWnd plain;
     ProbeDlg other;
-    other.onInit = [&](ProbeDlg& d) { plain.Subclass(::GetDlgItem(d, IDC_BUTTON)); };
+    other.onInit = [&](ProbeDlg& d) { plain.Subclass(::GetDlgItem(d, IDC_DIALOG_BUTTON)); };
     ASSERT_NE(nullptr, other.Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
-    EXPECT_EQ(&plain, CSWnd::FromHandle(::GetDlgItem(other, IDC_BUTTON)));
-    EXPECT_EQ(nullptr, other.GetDlgCtrl(IDC_BUTTON));
-    EXPECT_NE(nullptr, other.GetDlgCtrl(IDC_FORMAT));
+    EXPECT_EQ(&plain, CSWnd::FromHandle(::GetDlgItem(other, IDC_DIALOG_BUTTON)));
+    EXPECT_EQ(nullptr, other.GetDlgCtrl(IDC_DIALOG_BUTTON));
+    EXPECT_NE(nullptr, other.GetDlgCtrl(IDC_DIALOG_FORMAT));
     other.Destroy();
 }
 
 TEST_F(CSDlgMessages, CommandsAnswerIsOnCommands) {
-    HWND hwndButton = ::GetDlgItem(dlg, IDC_BUTTON);
-    EXPECT_EQ(
-        0, dlg.Handle(WM_COMMAND, MAKEWPARAM(IDC_BUTTON, 6), reinterpret_cast<LPARAM>(hwndButton)));
+    HWND hwndButton = ::GetDlgItem(dlg, IDC_DIALOG_BUTTON);
+    EXPECT_EQ(0, dlg.Handle(WM_COMMAND, MAKEWPARAM(IDC_DIALOG_BUTTON, 6),
+                            reinterpret_cast<LPARAM>(hwndButton)));
     EXPECT_EQ("OnCommand 1006 6 1", dlg.record.Only({"OnCommand"}));
     dlg.qwCommand = 3;
-    EXPECT_NE(0, dlg.Handle(WM_COMMAND, MAKEWPARAM(IDC_BUTTON, 6), 0));
+    EXPECT_NE(0, dlg.Handle(WM_COMMAND, MAKEWPARAM(IDC_DIALOG_BUTTON, 6), 0));
 }
 
 TEST_F(CSDlgMessages, SystemCommandHasItsLowBitsCleared) {

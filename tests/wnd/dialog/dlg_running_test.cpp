@@ -160,7 +160,8 @@ TEST(CSDlgModal, TemplateThatBreaksOffLeavesTheObjectForAnotherRun) {
     EXPECT_EQ(nullptr, dlg.hWnd);
     EXPECT_EQ(0, dlg.record.Count("OnInitDialog"));
     dlg.isModeless = 0;
-    EXPECT_EQ(7, dlg.RunModal([](ProbeDlg& d) { ::SendMessageW(d, WM_COMMAND, IDC_BUTTON, 0); }));
+    EXPECT_EQ(
+        7, dlg.RunModal([](ProbeDlg& d) { ::SendMessageW(d, WM_COMMAND, IDC_DIALOG_BUTTON, 0); }));
     EXPECT_EQ(1, dlg.record.Count("OnButtonClicked 1006"));
 }
 

@@ -88,7 +88,7 @@ TEST(CSDlgSelfDelete, CommandFromOutsideSurvivesIt) {
 }
 
 TEST(CSDlgSelfDelete, CommandFromOutsideWhoseButtonDestroysTheWindowSurvivesIt) {
-    for (int nId : {IDOK, IDCANCEL, IDC_BUTTON}) {
+    for (int nId : {IDOK, IDCANCEL, IDC_DIALOG_BUTTON}) {
         DlgRecord record;
         auto* pDlg = new MortalDlg(record);
         ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_HIDDEN, nullptr, nullptr, 0));
@@ -254,7 +254,7 @@ TEST(CSDlgSelfDelete, ControlsOKMayDestroyTheDialog) {
     } ctrl;
     DlgRecord record;
     auto* pDlg = new MortalDlg(record);
-    pDlg->onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_EDIT, nullptr, 0); };
+    pDlg->onInit = [&](ProbeDlg& d) { ctrl.Init(&d, IDC_DIALOG_EDIT, nullptr, 0); };
     ASSERT_NE(nullptr, pDlg->Modeless(IDD_DIALOG_FEW, nullptr, nullptr, 0));
     pDlg->CloseDialog(1, 1);
     EXPECT_EQ(1, record.nDeletes);

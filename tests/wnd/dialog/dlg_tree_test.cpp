@@ -9,7 +9,7 @@ TEST(GetTopDlg, ClimbsFromTheWindowsParentToADialogThatIsNoPage) {
     ProbeDlg page;
     page.isChildDlg = 1;
     ASSERT_NE(nullptr, page.Modeless(IDD_DIALOG_PAGE, nullptr, top, 0));
-    EXPECT_EQ(static_cast<CSDlg*>(&top), ::GetTopDlg(::GetDlgItem(page, IDC_EDIT)));
+    EXPECT_EQ(static_cast<CSDlg*>(&top), ::GetTopDlg(::GetDlgItem(page, IDC_DIALOG_EDIT)));
     EXPECT_EQ(static_cast<CSDlg*>(&top), ::GetTopDlg(page));
     EXPECT_EQ(static_cast<CSDlg*>(&top), ::GetTopDlg(::GetDlgItem(top, IDOK)));
     EXPECT_EQ(nullptr, ::GetTopDlg(top)) << "itself is not above itself";
