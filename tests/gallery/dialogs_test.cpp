@@ -205,6 +205,36 @@ TEST_F(GalleryDialogs, ResizableOneComesBackMaximisedAndThenAsItWasBefore) {
     EXPECT_EQ(FaultsOfLayout(hwnd), L"");
 }
 
+TEST_F(GalleryDialogs, ResizableOneIsLaidOutWhateverItsRecordHolds) {
+    HWND hwnd = Open(IDC_SIZABLE, L"Resizable");
+    const RECT rcFirst = RectOf(hwnd);
+    PressKeys(hwnd, {L"Escape"});
+    EXPECT_TRUE(WaitUntilGone(hwnd));
+    const RECT places[] = {
+        {300, 300, 350, 320},               // smaller than the smallest size
+        {300, 300, 200, 100},               // turned around
+        {-2000000000, -7, 2000000000, 900}, // wider than a number can tell
+    };
+    for (const RECT& rcPlace : places) {
+        WINDOWPLACEMENT place{};
+        place.length = sizeof(place);
+        place.showCmd = SW_SHOWNORMAL;
+        place.rcNormalPosition = rcPlace;
+        ASSERT_TRUE(Leave()); // what it stores in its end is not to come behind this
+        StoreBytes(L"SizableDialog", &place, sizeof(place));
+        Start();
+        hwnd = Open(IDC_SIZABLE, L"Resizable");
+        ASSERT_TRUE(hwnd);
+        const RECT rc = RectOf(hwnd);
+        EXPECT_GE(WidthOf(rc), WidthOf(rcFirst)) << rcPlace.left;
+        EXPECT_GE(HeightOf(rc), HeightOf(rcFirst)) << rcPlace.left;
+        EXPECT_NE(::MonitorFromRect(&rc, MONITOR_DEFAULTTONULL), nullptr) << rcPlace.left;
+        EXPECT_EQ(FaultsOfLayout(hwnd), L"") << rcPlace.left;
+        PressKeys(hwnd, {L"Escape"});
+        EXPECT_TRUE(WaitUntilGone(hwnd));
+    }
+}
+
 TEST_F(GalleryDialogs, GroupsFoldAwayAndWhatStandsBelowMoves) {
     HWND hwnd = Open(IDC_FOLD, L"Folding");
     ASSERT_TRUE(hwnd);

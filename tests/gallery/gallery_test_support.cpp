@@ -44,6 +44,15 @@ bool Gallery::Leave() {
     return HasEnded();
 }
 
+void Gallery::StoreBytes(const wchar_t* pszName, const void* p, size_t cb) {
+    HKEY hkey = nullptr;
+    ::RegCreateKeyExW(HKEY_CURRENT_USER, kKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &hkey,
+                      nullptr);
+    ::RegSetValueExW(hkey, pszName, 0, REG_BINARY, static_cast<const BYTE*>(p),
+                     static_cast<DWORD>(cb));
+    ::RegCloseKey(hkey);
+}
+
 HWND Gallery::Page() const {
     for (HWND hwnd = nullptr; (hwnd = ::FindWindowExW(hwndMain, hwnd, kDialogClass, nullptr));) {
         if (::IsWindowVisible(hwnd)) return hwnd;

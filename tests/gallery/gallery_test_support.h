@@ -19,6 +19,8 @@ class Gallery : public testing::Test {
     void Start();
     /// Closes it by Escape; true if it ended as it should.
     bool Leave();
+    /// Puts a value into the gallery's registry key.
+    static void StoreBytes(const wchar_t* pszName, const void* p, size_t cb);
     bool HasEnded() const { return process.WaitForEnd() == 0u; }
 
     HWND Main() const { return hwndMain; }
