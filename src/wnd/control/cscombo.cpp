@@ -130,15 +130,19 @@ void CSComboBase::MoveItem(unsigned int nIndex, int bUp) {
 // The editable combo box
 
 CSCombo::~CSCombo() {
-    // The edit field may outlive this object, when another one took its place.
-    if (editCtrl.IsReady()) editCtrl.Unsubclass();
+    // The edit field may outlive this object; by then it may be another one's.
+    if (CSWnd::FromHandle(editCtrl) == &editCtrl) editCtrl.Unsubclass();
 }
 
 void CSCombo::OnInit() {
     HWND hwndEdit = ::GetDlgItem(hWnd, kEditFieldId);
-    if (!hwndEdit) return;
-    editCtrl.owner = this;
-    editCtrl.Subclass(hwndEdit);
+    if (hwndEdit) editCtrl.Tie(this, hwndEdit);
+}
+
+void CSCombo::CSCBEdit::Tie(CSCombo* pOwner, HWND hwndEdit) {
+    owner = pOwner;
+    ReplaceObjectOf(hwndEdit); // of a combo box object that was here before
+    if (Subclass(hwndEdit)) SetLifeHolder(pOwner);
 }
 
 LRESULT CSCombo::CSCBEdit::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {

@@ -67,6 +67,7 @@ class TESSALY_API CSCombo : public CSComboBase {
     class TESSALY_API CSCBEdit : public CSWnd {
       public:
         LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
+        void Tie(CSCombo* pOwner, HWND hwndEdit);
         CSCombo* owner = nullptr; // set by CSCombo::OnInit
     };
 

@@ -11,17 +11,34 @@ CSCtrl* CSDlg::GetDlgCtrl(int nId) { return GetDlgCtrl(::GetDlgItem(hWnd, nId));
 
 CSCtrl* CSDlg::GetDlgCtrl(HWND hwndCtl) { return CSCtrl::FromHandle(hwndCtl); }
 
-// All children. A handler may close the dialog, so that only handles are looked at in between: the
-// children of a window that has gone have gone too.
+// All children
+
+namespace {
+/// Calls fn for the handle of each direct child that lives when its turn comes: a handler may
+/// destroy some of them, or close the dialog, in which case all of them have gone.
+template <class Fn>
+void ForEachChild(HWND hwndParent, Fn fn) {
+    struct Walk {
+        HWND hwndParent;
+        Fn* pfn;
+        static BOOL CALLBACK Step(HWND hwnd, LPARAM lParam) {
+            auto* pWalk = reinterpret_cast<Walk*>(lParam);
+            if (::GetParent(hwnd) == pWalk->hwndParent) (*pWalk->pfn)(hwnd);
+            return TRUE;
+        }
+    } walk{hwndParent, &fn};
+    ::EnumChildWindows(hwndParent, &Walk::Step, reinterpret_cast<LPARAM>(&walk));
+}
+} // namespace
 
 void CSDlg::PostInitDialog() {
     HWND hwndDlg = hWnd;
     bool bPage = isChildDlg != 0;
     constexpr unsigned int kNoId = 0xFFFF, kNoIdExtended = 0xFFFFFFFF; // labels
-    for (HWND hwnd = ::GetWindow(hwndDlg, GW_CHILD); hwnd; hwnd = ::GetWindow(hwnd, GW_HWNDNEXT)) {
+    ForEachChild(hwndDlg, [&](HWND hwnd) {
         int nId = ::GetDlgCtrlID(hwnd);
         auto nUnsignedId = static_cast<unsigned int>(nId);
-        if (nUnsignedId == kNoId || nUnsignedId == kNoIdExtended) continue;
+        if (nUnsignedId == kNoId || nUnsignedId == kNoIdExtended) return;
         CSCtrl* pCtrl = CSCtrl::FromHandle(hwnd);
         // Of several controls with one id only the first can be found. Whatever other object a
         // child has, such as a page's dialog, stays.
@@ -29,14 +46,14 @@ void CSDlg::PostInitDialog() {
             pCtrl = CSCtrl::AutoInit(this, nUnsignedId);
         }
         if (pCtrl) pCtrl->PostInitDialog();
-    }
+    });
     if (!bPage) ::SetForegroundWindow(hwndDlg);
 }
 
 void CSDlg::OKControls() {
-    for (HWND hwnd = ::GetWindow(hWnd, GW_CHILD); hwnd; hwnd = ::GetWindow(hwnd, GW_HWNDNEXT)) {
+    ForEachChild(hWnd, [](HWND hwnd) {
         if (CSCtrl* pCtrl = CSCtrl::FromHandle(hwnd)) pCtrl->OnOK();
-    }
+    });
 }
 
 // To one control's object

@@ -108,6 +108,13 @@ int CSDlg::PlaceAsStored() {
     HWND hwnd = hWnd;
     ::SetWindowPlacement(hwnd, &stored);
     ::EnsureWindowVisible(hwnd, nullptr); // a damaged record may be beyond what the platform mends
+    // Nor is the size the record's if that is below the smallest one (a template may have grown
+    // since) or larger than the screen: the controls follow the window.
+    RECT rc{};
+    if (::GetWindowRect(hwnd, &rc)) {
+        curWidth = GetWidth(rc);
+        curHeight = GetHeight(rc);
+    }
     return nShowCmd;
 }
 
