@@ -249,7 +249,7 @@ TEST_F(DialogPlacement, StoredSmallerThanTheTemplateGrowsToIt) {
     EXPECT_EQ(dlg.minWidth, Width(WindowRect(dlg)));
     EXPECT_EQ(dlg.minHeight, Height(WindowRect(dlg)));
     ExpectSumsHold(dlg);
-    EXPECT_EQ(0, dlg.nSumDw);
+    EXPECT_EQ(0, dlg.nResizes) << "no item is moved for a size that never was";
 }
 
 TEST_F(DialogPlacement, OneDirectionTakesNoOtherFromTheRecord) {
