@@ -22,6 +22,10 @@ struct Combos {
         EXPECT_TRUE(dialog.Run(IDD_COMBOS));
         tap->seen.clear();
     }
+    void Reset() {
+        tap->answer = nullptr;
+        tap->seen.clear();
+    }
     LRESULT Send(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return ::SendMessageW(combo.hWnd, uMsg, wParam, lParam);
     }
@@ -63,10 +67,10 @@ struct OperationCase {
     LRESULT lAnswer;
     __int64 nResult;
 };
-class CSComboBaseOperation : public testing::TestWithParam<OperationCase> {};
+using CSComboBaseOperation = SharedBy<Combos, OperationCase>;
 TEST_P(CSComboBaseOperation, IsOneMessageWithItsResult) {
     auto& row = GetParam();
-    Combos t;
+    auto& t = Get();
     t.AnswerAll(row.uMsg, row.lAnswer);
     EXPECT_EQ(row.nResult, row.fn(t.combo));
     ASSERT_EQ(1u, t.tap->seen.size());

@@ -54,6 +54,10 @@ struct Combos {
         TakePosted();
         tap->seen.clear();
     }
+    void Reset() {
+        tap->answer = nullptr;
+        tap->seen.clear();
+    }
     /// Dispatches what is posted; how many texts that told of.
     int TakePosted() {
         nTextsSet = 0;
@@ -169,10 +173,10 @@ struct CodeCase {
     int nBlock, nKeep;  // before
     int nReturn, nBlockAfter, nKeepAfter;
 };
-class CSComboCode : public testing::TestWithParam<CodeCase> {};
+using CSComboCode = SharedBy<Combos, CodeCase>;
 TEST_P(CSComboCode, SetsTheMarks) {
     auto& row = GetParam();
-    Combos t;
+    auto& t = Get();
     t.tap->answer = [&](UINT uMsg, WPARAM, LPARAM) -> std::optional<LRESULT> {
         return uMsg == CB_GETCURSEL ? std::optional(row.lSelection) : std::nullopt;
     };

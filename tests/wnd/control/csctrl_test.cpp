@@ -90,17 +90,24 @@ struct AcceptCase {
     unsigned long dwStyle;
     bool bAccepts;
 };
-class CSCtrlAccepts : public testing::TestWithParam<AcceptCase> {};
+struct AcceptDialog : Dialogs {
+    void Reset() {}
+};
+using CSCtrlAccepts = SharedBy<AcceptDialog, AcceptCase>;
 TEST_P(CSCtrlAccepts, FilesByTheTopFourBits) {
+    auto& t = Get();
+    HWND hwnd = t.Item(IDC_EDIT);
+    ::DragAcceptFiles(hwnd, FALSE);
+    auto Accepts = [&] {
+        return (::GetWindowLongPtrW(hwnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0;
+    };
+    ASSERT_FALSE(Accepts());
     Ctrl ctrl;
-    CtrlDialog dialog;
-    ASSERT_TRUE(
-        RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, GetParam().dwStyle); }));
-    bool bAccepts = ::GetWindowLongPtrW(ctrl.hWnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES;
-    EXPECT_EQ(GetParam().bAccepts, bAccepts);
+    ctrl.Init(&t.dialog, IDC_EDIT, nullptr, GetParam().dwStyle);
+    EXPECT_EQ(GetParam().bAccepts, Accepts());
     ctrl.ModifyMyStyle(kDropMask, GetParam().bAccepts ? 0UL : kDropMask);
-    bAccepts = ::GetWindowLongPtrW(ctrl.hWnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES;
-    EXPECT_EQ(GetParam().bAccepts, bAccepts) << "only Init looks at it";
+    EXPECT_EQ(GetParam().bAccepts, Accepts()) << "only Init looks at it";
+    ctrl.Unsubclass();
 }
 INSTANTIATE_TEST_SUITE_P(Bits, CSCtrlAccepts,
                          testing::Values(AcceptCase{"None", 0, false},

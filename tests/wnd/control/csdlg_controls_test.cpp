@@ -218,11 +218,12 @@ struct ClickCase {
     Log log;
     __int64 nResult;
 };
-class CSDlgClick : public testing::TestWithParam<ClickCase> {};
+using CSDlgClick = SharedBy<Dialogs, ClickCase>;
 TEST_P(CSDlgClick, IsToldAndThenActs) {
     auto& row = GetParam();
     for (bool bWithControl : {false, true}) {
-        Dialogs t;
+        auto& t = Get();
+        t.Reset();
         HWND hwnd = bWithControl ? t.Item(row.nId) : nullptr;
         auto nId = static_cast<unsigned short>(row.nId);
         EXPECT_EQ(row.nResult, t.dialog.OnCommand(nId, 0, hwnd));

@@ -20,10 +20,10 @@ struct OperationCase {
     LPARAM lParam;
     LRESULT lAnswer, lResult; // of the window and of the operation
 };
-class CSEditOperation : public testing::TestWithParam<OperationCase> {};
+using CSEditOperation = SharedBy<Edits<CSMultiLineEdit>, OperationCase>;
 TEST_P(CSEditOperation, IsOneMessageWithItsResult) {
     auto& row = GetParam();
-    Edits<CSMultiLineEdit> t;
+    auto& t = Get();
     t.AnswerAll(row.uMsg, row.lAnswer);
     EXPECT_EQ(row.lResult, row.fn(t.edit));
     ASSERT_EQ(1u, t.tap->seen.size());
@@ -163,10 +163,10 @@ struct ReadOnlyCase {
     LPARAM lParam;
     bool bSwallowed; // while read-only
 };
-class CSEditReadOnly : public testing::TestWithParam<ReadOnlyCase> {};
+using CSEditReadOnly = SharedBy<Edits<>, ReadOnlyCase>;
 TEST_P(CSEditReadOnly, SwallowsWhatWouldChangeTheText) {
     auto& row = GetParam();
-    Edits<> t;
+    auto& t = Get();
     t.AnswerAll(row.uMsg, 4711);
     for (int bReadOnly : {0, 1, 0, 2}) {
         t.edit.SetReadOnly(bReadOnly);
@@ -261,10 +261,10 @@ struct SelectCase {
     LPARAM lParam;
     bool bSwallowed;
 };
-class CSEditSelAll : public testing::TestWithParam<SelectCase> {};
+using CSEditSelAll = SharedBy<Edits<>, SelectCase>;
 TEST_P(CSEditSelAll, IsBlockedOnce) {
     auto& row = GetParam();
-    Edits<> t;
+    auto& t = Get();
     t.AnswerAll(EM_SETSEL, 4711);
     t.edit.BlockNextSelAll(1);
     EXPECT_EQ(row.bSwallowed ? 0 : 4711, t.Send(EM_SETSEL, row.wParam, row.lParam));

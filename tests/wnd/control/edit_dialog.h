@@ -18,6 +18,12 @@ struct Edits {
         EXPECT_TRUE(dialog.Run(IDD_EDITS, nShow));
         tap->seen.clear();
     }
+    void Reset() {
+        tap->answer = nullptr;
+        tap->seen.clear();
+        edit.SetReadOnly(0);
+        edit.BlockNextSelAll(0);
+    }
     HWND Get() const { return edit.hWnd; }
     LRESULT Send(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return ::SendMessageW(Get(), uMsg, wParam, lParam);
