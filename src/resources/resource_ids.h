@@ -10,9 +10,9 @@
 #define IDS_OPEN_WEB_PAGE 20007
 #define IDS_NOT_ON_THIS_EDITION 20008
 #define IDS_NO_HTML_HELP 20010
-#define IDS_FILE_OVERWRITE 20011   // %s: the file's name
-#define IDS_FILE_NOT_CREATED 20012 // %s: the file's name
-#define IDS_FILE_NOT_WRITTEN 20013 // %s: the file's name
+#define IDS_FILE_OVERWRITE 20011    // %s: the file's name
+#define IDS_FILE_NOT_CREATED 20012  // %s: the file's name
+#define IDS_FILE_NOT_WRITTEN 20013  // %s: the file's name
 #define IDS_HELP_FILE_MISSING 20015 // %s: the file's path
 #define IDS_ABOUT 20022
 #define IDS_NO_UPDATES 20102

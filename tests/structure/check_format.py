@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Looks whether every C++ file is laid out as .clang-format says: check_format.py [ROOT]
 
-The files are those that git knows, or may come to know, below src, tests and bench. Prints where one
+The files are those that git knows, or may come to know, below src, tests, bench and samples. Prints where one
 differs; ends with 1 then. `clang-format -i FILE` mends it.
 """
 
@@ -13,7 +13,7 @@ import sys
 sys.dont_write_bytecode = True
 
 JOBS = 2
-FOLDERS = ("src", "tests", "bench")
+FOLDERS = ("src", "tests", "bench", "samples")
 
 
 def list_files(root):

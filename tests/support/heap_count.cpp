@@ -8,13 +8,17 @@
 
 namespace {
 std::atomic<long> nLive{0};
+thread_local int nUntilFailure = 0;
 } // namespace
 
 long CountLiveBlocks() { return nLive; }
 
+void FailBlock(int n) { nUntilFailure = n; }
+
 // Without an exception on the way, which would want memory itself.
 void* operator new(std::size_t cb, const std::nothrow_t&) noexcept {
-    void* p = std::malloc(cb ? cb : 1);
+    bool bFails = nUntilFailure && --nUntilFailure == 0;
+    void* p = bFails ? nullptr : std::malloc(cb ? cb : 1);
     if (p) ++nLive;
     return p;
 }

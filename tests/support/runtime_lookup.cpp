@@ -2,6 +2,7 @@
 #include "support/replace_import.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <mutex>
 
 // The two imports by which the product looks functions up.
@@ -37,13 +38,21 @@ std::wstring NameOf(HMODULE hmod) {
     return it == asked.end() ? L"" : it->second;
 }
 
+/// The platform's function, whose number may be written as "#15".
+FARPROC FindReal(HMODULE hmod, LPCSTR pszName) {
+    bool bNumber = !IS_INTRESOURCE(pszName) && *pszName == '#';
+    return pfnGetProcAddress(hmod, bNumber ? MAKEINTRESOURCEA(std::atoi(pszName + 1)) : pszName);
+}
+
 FARPROC WINAPI FindProc(HMODULE hmod, LPCSTR pszName) {
     RuntimeLookup pfnLookup = pfnCurrent;
-    bool bByName = pfnLookup && !bInLookup && !IS_INTRESOURCE(pszName);
-    std::wstring strModule = bByName ? NameOf(hmod) : L"";
-    if (strModule.empty()) return pfnGetProcAddress(hmod, pszName);
+    std::wstring strModule = pfnLookup && !bInLookup ? NameOf(hmod) : L"";
+    if (strModule.empty()) return FindReal(hmod, pszName);
+    std::string strName = IS_INTRESOURCE(pszName)
+                              ? "#" + std::to_string(reinterpret_cast<ULONG_PTR>(pszName))
+                              : pszName;
     bInLookup = true;
-    FARPROC pfn = pfnLookup(strModule.c_str(), pszName);
+    FARPROC pfn = pfnLookup(strModule.c_str(), strName.c_str());
     bInLookup = false;
     return pfn;
 }

@@ -6,7 +6,8 @@
 #include <string>
 #include <utility>
 
-/// Looks a function up in a system module; null if this Windows does not have it.
+/// Looks a function up in a system module; null if this Windows does not have it. The name of one
+/// that is asked for by its number is "#15".
 using RuntimeLookup = FARPROC (*)(const wchar_t* pszModule, const char* pszName);
 
 /// Where this program's look-ups of functions end from now on, by the names that were asked for,

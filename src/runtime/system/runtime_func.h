@@ -2,8 +2,8 @@
 #include <windows.h>
 
 // The only place that looks platform functions up by name. Whoever calls one has a way to go on
-// without it: null means that this Windows does not have the function. One that has no name is asked
-// for by its number, MAKEINTRESOURCEA(15), in the place of the name.
+// without it: null means that this Windows does not have the function. One that has no name is
+// asked for by its number, MAKEINTRESOURCEA(15), in the place of the name.
 
 /// The path of the system folder's own file of that name. False if it does not fit.
 [[nodiscard]] bool MakeSystemPath(wchar_t (&szPath)[MAX_PATH], const wchar_t* pszName) noexcept;

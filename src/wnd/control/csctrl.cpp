@@ -19,7 +19,7 @@ int CSCtrl::IsKindOf(LPCWSTR pszClass) {
 }
 
 CSCtrl* CSCtrl::FromHandle(HWND hwnd) {
-    CSWnd* pWnd = CSWnd::FromHandle(hwnd);
+    CSWnd* pWnd = CSWnd::RecallHandle(hwnd);
     return pWnd && pWnd->IsCtrl() ? static_cast<CSCtrl*>(pWnd) : nullptr;
 }
 

@@ -5,6 +5,8 @@
 #include "wnd/core/object_table.h"
 
 #include <array>
+#include <atomic>
+#include <cstdint>
 #include <cwchar>
 #include <utility>
 
@@ -12,6 +14,26 @@ namespace {
 constexpr const wchar_t* kCSWndProperty = L"CSWND";
 constinit CreationSlot slotCSWnd;
 constinit ObjectTable csWnds; // those that have or had a window
+
+/// The objects that windows were last named after here, by window: reading a property is far dearer
+/// than the rest of a message's way. Each place serves many windows, and what stands in it is only
+/// where to look first. Written by the windows' own threads.
+constexpr std::size_t kKnownPlaces = 512;
+constinit std::atomic<CSWnd*> known[kKnownPlaces] = {};
+
+std::atomic<CSWnd*>& KnownPlace(HWND hwnd) {
+    return known[reinterpret_cast<std::uintptr_t>(hwnd) / 2 % kKnownPlaces]; // handles are even
+}
+
+void NameWindow(HWND hwnd, CSWnd* pWnd) {
+    ::SetPropW(hwnd, kCSWndProperty, pWnd);
+    KnownPlace(hwnd) = pWnd;
+}
+
+void UnnameWindow(HWND hwnd) {
+    ::RemovePropW(hwnd, kCSWndProperty);
+    KnownPlace(hwnd) = nullptr;
+}
 
 /// The object that the window names, if that object names the window: neither a stale property nor
 /// one that another program set is trusted. Only for a window of this process.
@@ -22,7 +44,7 @@ CSWnd* FindObject(HWND hwnd) {
 } // namespace
 
 CSWnd::~CSWnd() {
-    if (hWnd && ::GetPropW(hWnd, kCSWndProperty) == this) ::RemovePropW(hWnd, kCSWndProperty);
+    if (hWnd && ::GetPropW(hWnd, kCSWndProperty) == this) UnnameWindow(hWnd);
     csWnds.Remove(this);
 }
 
@@ -51,6 +73,11 @@ CSWnd* CSWnd::FromHandle(HWND hwnd) {
     DWORD dwProcess = 0;
     if (!::GetWindowThreadProcessId(hwnd, &dwProcess)) return nullptr;
     return dwProcess == ::GetCurrentProcessId() ? FindObject(hwnd) : nullptr;
+}
+
+CSWnd* CSWnd::RecallHandle(HWND hwnd) {
+    CSWnd* pWnd = hwnd ? KnownPlace(hwnd).load() : nullptr;
+    return csWnds.Has(pWnd) && pWnd->hWnd == hwnd ? pWnd : FromHandle(hwnd);
 }
 
 // Classes and creation
@@ -130,7 +157,7 @@ LRESULT CALLBACK CSWnd::WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lPar
         // QUIRK: not even the default procedure runs: what still arrives for a window whose object
         // is gone is dropped. Test: CSWndProc.WindowWithoutObjectGivesZeroAndNoDefault
         if (!pWnd) return 0;
-        ::SetPropW(hwnd, kCSWndProperty, pWnd);
+        NameWindow(hwnd, pWnd);
         pWnd->hWnd = hwnd;
         pWnd->PreInit();
     } else if (pWnd->hwndInChain == hwnd) {
@@ -326,7 +353,7 @@ int CSWnd::CommonSubclass(HWND hwndTarget) {
         if (!oldWndProc) return 0;
         if (oldWndProc == &CSWnd::WndProc) oldWndProc = pfnEnd;
     }
-    ::SetPropW(hWnd, kCSWndProperty, this);
+    NameWindow(hWnd, this);
     return 1;
 }
 
@@ -346,7 +373,7 @@ int CSWnd::CommonUnsubclass() {
         ::SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(oldWndProc));
         oldWndProc = nullptr;
     }
-    ::RemovePropW(hWnd, kCSWndProperty);
+    UnnameWindow(hWnd);
     return 1;
 }
 

@@ -101,6 +101,12 @@ class TESSALY_API CSWnd {
     /// an object that lives, and the object names the same window. Whatever else another program
     /// wrote into the property is not touched.
     static CSWnd* FromHandle(HWND hwnd);
+    /// FromHandle for the way of messages: an object after which this library has named the window
+    /// is believed without a look at the property.
+    static CSWnd* RecallHandle(HWND hwnd);
+    /// Whether the innermost message of the window, as far as this object sees it, has been handed
+    /// to the platform's chain of subclasses.
+    bool IsInChain() const { return hwndInChain && hwndInChain == hWnd; }
 
     static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
     /// The SUBCLASSPROC of the platform's chain; dwRefData is the object.

@@ -70,6 +70,7 @@ __int64 CSDlg::DoDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 
     LifeMark mark(*this);
     HWND hwndOfMessage = hWnd; // handlers may tie the object to another one
     __int64 qwResult = 0;
+    HoldLife(); // a message may also be handed in here without the window procedure below it
     ++dlgMsgDepth;
     bool bHandled = AskDlgHooks(uMsg, wParam, lParam, pAfter, &qwResult, mark);
     if (!mark.IsGone()) {
@@ -77,6 +78,7 @@ __int64 CSDlg::DoDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 
     }
     if (mark.pOuter) mark.pOuter->bHandled = bHandled; // ModalProc's
     ::SetWindowLongPtrW(hwndOfMessage, DWLP_MSGRESULT, qwResult);
+    if (!mark.IsGone()) ReleaseLife(true);
     return qwResult;
 }
 

@@ -90,6 +90,10 @@ CSDlg::~CSDlg() {
 /// The object that the window names, if that one names the window: any program can set a property.
 CSDlg* CSDlg::FindObject(HWND hwnd) {
     if (!hwnd) return nullptr;
+    // A message that is on its way through the object's own procedure comes from it; asking the
+    // window for its name would cost as much as all the rest.
+    CSWnd* pWnd = RecallHandle(hwnd);
+    if (csDlgs.Has(pWnd) && pWnd->IsInChain()) return static_cast<CSDlg*>(pWnd);
     CSDlg* pDlg = static_cast<CSDlg*>(::GetPropW(hwnd, kCSDlgProperty));
     return csDlgs.Has(pDlg) && pDlg->hWnd == hwnd ? pDlg : nullptr;
 }

@@ -40,7 +40,7 @@ int FullWndDragger::OnWndMessage(CSWnd* pWnd, UINT uMsg, WPARAM wParam, LPARAM l
     }
     case WM_INITMENUPOPUP:
         // QUIRK: the hand, whatever the mouse is over.
-        // Test: FullWndDragger.ShowsTheHandWhenAMenuOpens
+        // Test: Dragger.ShowsTheHandWhenAMenuOpens
         SetSharedCursor(handCursor, IDC_HAND);
         return 0;
     case WM_UNINITMENUPOPUP: overHotSpot = 0; return 0;

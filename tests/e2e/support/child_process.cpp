@@ -42,7 +42,7 @@ bool ChildProcess::IsRunning() const {
     return hProcess && ::WaitForSingleObject(hProcess, 0) == WAIT_TIMEOUT;
 }
 
-std::optional<DWORD> ChildProcess::WaitForEnd(DWORD nMs) {
+std::optional<DWORD> ChildProcess::WaitForEnd(DWORD nMs) const {
     if (!hProcess || ::WaitForSingleObject(hProcess, nMs) != WAIT_OBJECT_0) return std::nullopt;
     DWORD dwCode = 0;
     ::GetExitCodeProcess(hProcess, &dwCode);

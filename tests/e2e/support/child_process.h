@@ -25,7 +25,7 @@ class ChildProcess {
     bool IsRunning() const;
     DWORD Id() const { return dwId; }
     /// The exit code once it has ended by itself within the time; nothing if it still runs.
-    std::optional<DWORD> WaitForEnd(DWORD nMs = kTestDeadlineMs);
+    std::optional<DWORD> WaitForEnd(DWORD nMs = kTestDeadlineMs) const;
     /// Returns when it first waits for messages, or after that time.
     void WaitUntilIdle(DWORD nMs = kTestDeadlineMs);
     /// Ends it without warning and waits until it has gone.

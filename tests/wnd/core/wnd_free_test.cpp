@@ -1,8 +1,11 @@
 #include "runtime/threads/message_pump.h"
+#include "support/replace_import.h"
 #include "wnd/core/wnd_free.h"
 #include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
+
+extern "C" FARPROC __imp_GetDC, __imp_ReleaseDC;
 
 namespace {
 /// Which flags the platform may change before the window is asked, and which ask nobody.
@@ -379,4 +382,151 @@ TEST(GetTextSizeForWindow, NullTextAndDeadWindowDoNotCrash) {
     EXPECT_EQ(0, GetTextSizeForWindow(plain, L"x", nullptr));
     GetTextSizeForWindow(DeadWindow(), L"x", &size);
 }
+
+// GetWndTextSize and GetWndTextWidth
+
+int nDCsTaken = 0, nDCsReleased = 0;
+HWND hwndOfDC = nullptr;
+bool bNoDC = false;
+const ReplaceImport *pGetDC = nullptr, *pReleaseDC = nullptr;
+HDC WINAPI NoteGetDC(HWND hwnd) {
+    hwndOfDC = hwnd;
+    if (bNoDC) return nullptr;
+    ++nDCsTaken;
+    return pGetDC->Original<decltype(::GetDC)>()(hwnd);
+}
+int WINAPI NoteReleaseDC(HWND hwnd, HDC hdc) {
+    ++nDCsReleased;
+    EXPECT_EQ(hwndOfDC, hwnd);
+    return pReleaseDC->Original<decltype(::ReleaseDC)>()(hwnd, hdc);
+}
+
+struct WndTextSize : testing::Test {
+    WndTextSize() {
+        nDCsTaken = nDCsReleased = 0;
+        bNoDC = false;
+        pGetDC = &getDC;
+        pReleaseDC = &releaseDC;
+    }
+    ~WndTextSize() override {
+        SetFont(nullptr);
+        ::DeleteObject(hfontBig);
+    }
+    void SetFont(HFONT hfont) {
+        ::SendMessageW(plain, WM_SETFONT, reinterpret_cast<WPARAM>(hfont), 0);
+    }
+    /// 0, with size and width that tell so.
+    void ExpectNone(HWND hwnd, LPCWSTR psz) {
+        SIZE size{-1, -2};
+        EXPECT_EQ(0, GetWndTextSize(hwnd, psz, &size));
+        EXPECT_EQ(-1, size.cx);
+        EXPECT_EQ(-2, size.cy);
+        EXPECT_EQ(0, GetWndTextWidth(hwnd, psz));
+    }
+
+    PlainWnd plain;
+    HFONT hfontBig = ::CreateFontW(-40, 0, 0, 0, FW_BOLD, 0, 0, 0, 0, 0, 0, 0, 0, L"Tahoma");
+    ReplaceImport getDC{__imp_GetDC, &NoteGetDC}, releaseDC{__imp_ReleaseDC, &NoteReleaseDC};
+};
+
+TEST_F(WndTextSize, UsesTheWindowsFontOnItsContext) {
+    for (HFONT hfont : {hfontBig, static_cast<HFONT>(::GetStockObject(ANSI_FIXED_FONT))}) {
+        SetFont(hfont);
+        for (auto* psz : {L"W", L"Measured text", L"line\nline", L""}) {
+            SIZE expected = Measure(hfont, psz);
+            SIZE size{-1, -1};
+            nDCsTaken = nDCsReleased = 0;
+            EXPECT_NE(0, GetWndTextSize(plain, psz, &size));
+            EXPECT_EQ(expected.cx, size.cx);
+            EXPECT_EQ(expected.cy, size.cy);
+            EXPECT_EQ(expected.cx, GetWndTextWidth(plain, psz));
+            EXPECT_EQ(plain, hwndOfDC);
+            EXPECT_EQ(2, nDCsTaken);
+            EXPECT_EQ(2, nDCsReleased);
+        }
+    }
+}
+
+TEST_F(WndTextSize, WindowWithoutAFontHasNone) {
+    ExpectNone(plain, L"text");
+    SIZE size{};
+    EXPECT_NE(0, GetTextSizeForWindow(plain, L"text", &size)) << "where the other one measures";
+}
+
+TEST_F(WndTextSize, WithoutAContextThereIsNone) {
+    SetFont(hfontBig);
+    bNoDC = true;
+    ExpectNone(plain, L"text");
+    EXPECT_EQ(0, nDCsReleased);
+}
+
+TEST_F(WndTextSize, NoTextNoSizeNoWindow) {
+    SetFont(hfontBig);
+    ExpectNone(plain, nullptr);
+    EXPECT_EQ(0, GetWndTextSize(plain, L"x", nullptr));
+    ExpectNone(nullptr, L"x");
+    ExpectNone(DeadWindow(), L"x");
+}
+
+TEST_F(WndTextSize, ContextOfTheWindowKeepsItsFont) {
+    WNDCLASSW wc{};
+    wc.style = CS_OWNDC;
+    wc.lpfnWndProc = [](HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) -> LRESULT {
+        if (uMsg == WM_GETFONT) return ::GetWindowLongPtrW(hwnd, GWLP_USERDATA);
+        return ::DefWindowProcW(hwnd, uMsg, wParam, lParam);
+    };
+    wc.hInstance = ::GetModuleHandleW(nullptr);
+    wc.lpszClassName = L"WindowWithItsOwnContext";
+    ASSERT_NE(0, ::RegisterClassW(&wc));
+    HWND hwnd = ::CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP, 0, 0, 10, 10, nullptr,
+                                  nullptr, wc.hInstance, nullptr);
+    ::SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(hfontBig));
+    HDC hdc = ::GetDC(hwnd);
+    HGDIOBJ hBefore = ::GetCurrentObject(hdc, OBJ_FONT);
+    EXPECT_EQ(Measure(hfontBig, L"text").cx, GetWndTextWidth(hwnd, L"text"));
+    EXPECT_EQ(hBefore, ::GetCurrentObject(hdc, OBJ_FONT));
+    ::ReleaseDC(hwnd, hdc);
+    ::DestroyWindow(hwnd);
+    ::UnregisterClassW(wc.lpszClassName, wc.hInstance);
+}
+
+// GetPopupParent
+
+HWND MakeWindow(DWORD dwStyle, HWND hwndParent) {
+    return ::CreateWindowExW(0, L"STATIC", L"", dwStyle, 0, 0, 10, 10, hwndParent, nullptr, nullptr,
+                             nullptr);
+}
+
+TEST(GetPopupParent, ClimbsToTheFirstPopup) {
+    HWND hwndOwner = MakeWindow(WS_OVERLAPPEDWINDOW, nullptr);
+    HWND hwndOuter = MakeWindow(WS_POPUP, hwndOwner);
+    HWND hwndPopup = MakeWindow(WS_POPUP, hwndOuter);
+    HWND hwndChild = MakeWindow(WS_CHILD, hwndPopup);
+    HWND hwndInner = MakeWindow(WS_CHILD, hwndChild);
+    EXPECT_EQ(hwndPopup, GetPopupParent(hwndInner));
+    EXPECT_EQ(hwndPopup, GetPopupParent(hwndChild));
+    EXPECT_EQ(hwndPopup, GetPopupParent(hwndPopup)) << "itself, and none above it";
+    EXPECT_EQ(hwndOuter, GetPopupParent(hwndOuter));
+    ::DestroyWindow(hwndOwner);
+}
+
+TEST(GetPopupParent, GivesTheLastWindowWithoutAPopup) {
+    HWND hwndTop = MakeWindow(WS_OVERLAPPEDWINDOW, nullptr);
+    HWND hwndChild = MakeWindow(WS_CHILD, hwndTop);
+    HWND hwndInner = MakeWindow(WS_CHILD, hwndChild);
+    EXPECT_EQ(hwndTop, GetPopupParent(hwndInner));
+    EXPECT_EQ(hwndTop, GetPopupParent(hwndTop));
+    ::DestroyWindow(hwndTop);
+}
+
+TEST(GetPopupParent, OwnerOfAnOverlappedWindowIsNoParent) {
+    HWND hwndOwner = MakeWindow(WS_POPUP, nullptr);
+    HWND hwndTop = MakeWindow(WS_OVERLAPPEDWINDOW, hwndOwner);
+    HWND hwndChild = MakeWindow(WS_CHILD, hwndTop);
+    EXPECT_EQ(hwndTop, GetPopupParent(hwndChild));
+    EXPECT_EQ(hwndTop, GetPopupParent(hwndTop));
+    ::DestroyWindow(hwndOwner);
+}
+
+TEST(GetPopupParent, NullGivesNull) { EXPECT_EQ(nullptr, GetPopupParent(nullptr)); }
 } // namespace

@@ -1,0 +1,95 @@
+// Ids of the gallery's resources. Those of controls are unique over all dialogs: a page passes
+// clicks on to the main dialog.
+#pragma once
+
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+
+#define IDI_GALLERY 1
+
+// Dialogs
+#define IDD_MAIN 100
+#define IDD_DIALOGS 101
+#define IDD_EDITS 102
+#define IDD_TEXTS 103
+#define IDD_NOTE 110
+#define IDD_SIZABLE 111
+#define IDD_FOLD 112
+
+// Strings
+#define IDS_TIP 200
+
+// Main dialog
+#define IDC_PAGES 1000
+#define IDC_PAGE_SLOT 1001
+
+// Page "Dialogs"
+#define IDC_RUN_GROUP 1100
+#define IDC_MODAL 1101
+#define IDC_MODELESS 1102
+#define IDC_OWN_LOOP 1103
+#define IDC_FROM_MEMORY 1104
+#define IDC_RESULT 1105
+#define IDC_ALIGN_GROUP 1110
+#define IDC_CENTERED 1111 // the three in the order of CSDlgAlign
+#define IDC_CASCADED 1112
+#define IDC_AT_MOUSE 1113
+#define IDC_LAYOUT_GROUP 1120
+#define IDC_SIZABLE 1121
+#define IDC_SIZABLE_TEXT 1122
+#define IDC_FOLD 1123
+#define IDC_FOLD_TEXT 1124
+
+// Dialog "Note"
+#define IDC_NAME 1200
+#define IDC_BODY 1201
+
+// Dialog "Resizable"
+#define IDC_NOTES 1210
+
+// Dialog "Folding"
+#define IDC_FOLD_FRAME 1220
+#define IDC_FOLD_ADDRESS 1221
+#define IDC_STREET_LABEL 1222
+#define IDC_STREET 1223
+#define IDC_TOWN_LABEL 1224
+#define IDC_TOWN 1225
+#define IDC_FOLD_GIFT 1226
+#define IDC_GIFT_LABEL 1227
+#define IDC_GIFT 1228
+#define IDC_FOLD_BELOW 1229
+
+// Page "Edits and combos"
+#define IDC_EDIT_GROUP 1300
+#define IDC_SOFT_EDIT 1301
+#define IDC_READ_ONLY 1302
+#define IDC_KEEP_SELECTION 1303
+#define IDC_COLOUR 1304
+#define IDC_BALLOON 1305
+#define IDC_BALLOON_RESULT 1306
+#define IDC_DROP_PATH 1307
+#define IDC_DROP_FOLDER 1308
+#define IDC_COMBO_GROUP 1310
+#define IDC_TYPED 1311
+#define IDC_TYPED_TEXT 1312
+#define IDC_LIST 1313
+#define IDC_UP 1314
+#define IDC_DOWN 1315
+
+// Page "Texts"
+#define IDC_HELP_GROUP 1400
+#define IDC_HELP_TEXT 1401
+#define IDC_HELP_PAGE 1402
+#define IDC_TIP_GROUP 1410
+#define IDC_TIP_TEXT 1411
+#define IDC_TIP_STRING 1412
+#define IDC_WORK 1413
+#define IDC_FIT_GROUP 1420
+#define IDC_FITTED 1421
+#define IDC_TIME_GROUP 1430
+#define IDC_SECONDS 1431
+#define IDC_SECONDS_SPIN 1432
+#define IDC_COUNT_DOWN 1433
+#define IDC_TIME_LONG 1434
+#define IDC_TIME_SHORT 1435
