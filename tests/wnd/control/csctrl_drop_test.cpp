@@ -60,8 +60,8 @@ template <class Base = CSCtrl>
 struct Target {
     explicit Target(unsigned long dwRules) {
         dialog.onInit = [this, dwRules] {
-            tap.emplace(::GetDlgItem(dialog, IDC_EDIT));
-            ctrl.Init(&dialog, IDC_EDIT, nullptr, dwRules);
+            tap.emplace(::GetDlgItem(dialog, IDC_CTL_EDIT));
+            ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, dwRules);
         };
         EXPECT_TRUE(dialog.Run(IDD_CONTROLS));
         ::SetWindowTextW(ctrl.hWnd, L"before");
@@ -401,8 +401,8 @@ TEST(CSCtrlDrop, PlainHeapObjectMayGoWithTheNewText) {
     Finishes finishes;
     CtrlDialog dialog;
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
-    dialog.GetDlgCtrl(IDC_EDIT)->ModifyMyStyle(0, kDropMask);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
+    dialog.GetDlgCtrl(IDC_CTL_EDIT)->ModifyMyStyle(0, kDropMask);
     dialog.onCommand = [&](unsigned, unsigned nCode, HWND) {
         if (nCode == EN_CHANGE && ::IsWindow(hwnd)) ::DestroyWindow(hwnd);
     };

@@ -115,7 +115,7 @@ TEST(CSEditLook, BrushThatCannotBeMadeIsNone) {
 }
 
 TEST(CSEditLook, DialogPaintsTheEditWithIt) {
-    Edits<> t(IDC_EDIT, 1);
+    Edits<> t(IDC_CTL_EDIT, 1);
     t.edit.SetBkgColor(RGB(0, 200, 100));
     auto Pixel = [&] {
         RECT rc{};

@@ -145,7 +145,7 @@ TEST(CSEdit, RealEditDoesWhatIsAsked) {
 }
 
 TEST(CSMultiLineEdit, CountsRealLines) {
-    Edits<CSMultiLineEdit> t(IDC_MULTI_EDIT);
+    Edits<CSMultiLineEdit> t(IDC_CTL_MULTI_EDIT);
     EXPECT_EQ(1, t.edit.GetLineCount());
     t.SetText(L"ab\r\ncde\r\n");
     EXPECT_EQ(3, t.edit.GetLineCount());
@@ -239,7 +239,7 @@ TEST(CSEdit, SoftReadOnlyIsCopiedFrom) {
 }
 
 TEST(CSEdit, SoftReadOnlyAgainstRealKeys) {
-    Edits<> t(IDC_EDIT, 1);
+    Edits<> t(IDC_CTL_EDIT, 1);
     t.SetText(L"text");
     ASSERT_TRUE(FocusIn(t.dialog, t.Get()));
     t.edit.SetReadOnly(1);
@@ -294,16 +294,16 @@ TEST(CSEdit, OtherMessagesLeaveTheBlock) {
 }
 
 TEST(CSEdit, TabSelectsAllUnlessBlocked) {
-    Edits<> t(IDC_EDIT, 1);
+    Edits<> t(IDC_CTL_EDIT, 1);
     t.SetText(L"some text");
-    ASSERT_TRUE(FocusIn(t.dialog, ::GetDlgItem(t.dialog, IDC_OTHER_EDIT)));
+    ASSERT_TRUE(FocusIn(t.dialog, ::GetDlgItem(t.dialog, IDC_CTL_OTHER_EDIT)));
     t.edit.SetSel(2, 4);
     t.edit.BlockNextSelAll(1);
     ASSERT_TRUE(SendKey(VK_TAB));
     ASSERT_TRUE(PumpDialogUntil(t.dialog, [&] { return ::GetFocus() == t.Get(); }));
     EXPECT_TRUE(PumpDialogUntil(t.dialog, [&] { return t.edit.blockSelAll == 0; }));
     EXPECT_EQ(std::pair(2, 4), t.Selection());
-    ASSERT_NE(nullptr, ::SetFocus(::GetDlgItem(t.dialog, IDC_OTHER_EDIT)));
+    ASSERT_NE(nullptr, ::SetFocus(::GetDlgItem(t.dialog, IDC_CTL_OTHER_EDIT)));
     ASSERT_TRUE(SendKey(VK_TAB));
     EXPECT_TRUE(PumpDialogUntil(t.dialog, [&] { return t.Selection() == std::pair(0, 9); }));
 }

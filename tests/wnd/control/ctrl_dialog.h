@@ -246,7 +246,7 @@ using Log = std::vector<std::string>;
 
 /// The dialog of all kinds of controls, with one of them tied to an object.
 struct Dialogs {
-    explicit Dialogs(int nId = IDC_BUTTON, int nShow = 0) {
+    explicit Dialogs(int nId = IDC_CTL_BUTTON, int nShow = 0) {
         dialog.onInit = [this, nId] { ctrl.Init(&dialog, static_cast<unsigned>(nId), nullptr, 0); };
         EXPECT_TRUE(dialog.Run(IDD_CONTROLS, nShow));
         dialog.log.clear();

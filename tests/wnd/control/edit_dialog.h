@@ -10,7 +10,7 @@
 /// A dialog whose edit is tied to an object, with a tap below that.
 template <class Base = CSEdit>
 struct Edits {
-    explicit Edits(int nId = IDC_EDIT, int nShow = 0) {
+    explicit Edits(int nId = IDC_CTL_EDIT, int nShow = 0) {
         dialog.onInit = [this, nId] {
             tap.emplace(::GetDlgItem(dialog, nId));
             edit.Init(&dialog, static_cast<unsigned>(nId), nullptr, 0);
