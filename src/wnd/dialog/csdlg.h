@@ -107,6 +107,7 @@ class TESSALY_API CSDlg : public CSWnd {
     virtual void OnDelayedAction(unsigned long dwCode);
 
     // Running. A null module is this library; what went wrong the platform tells, nothing is shown.
+    // An object that runs already gets no second window: as if there were no template.
 
     /// Returns what CloseDialog was given; -1 or 0 for a template that can't be had. After Modeless
     /// on the same object CloseDialog destroys the window in place of ending the dialog.
@@ -279,6 +280,7 @@ class TESSALY_API CSDlg : public CSWnd {
     ResourceRef Prepare(int& nTemplateId, HINSTANCE hinst, HWND hwndParentNew);
     HWND StartModeless(LifeMark& mark, int nTemplateId, HINSTANCE hinst, HWND hwndParentNew,
                        int nShow);
+    bool IsRunning();
     void RunLoop(LifeMark& mark);
     static CSDlg* FindObject(HWND hwnd);
     void SubclassDlg(HWND hwnd, unsigned int nTemplateId);

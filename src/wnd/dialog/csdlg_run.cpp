@@ -160,7 +160,11 @@ ResourceRef CSDlg::Prepare(int& nTemplateId, HINSTANCE hinst, HWND hwndParentNew
     return ref;
 }
 
+/// A second window would leave the first one to an object that has forgotten it.
+bool CSDlg::IsRunning() { return FindObject(hWnd) == this && ::IsWindow(hWnd); }
+
 __int64 CSDlg::Modal(int nTemplateId, HINSTANCE hinst, HWND hwndParent) {
+    if (IsRunning()) return -1;
     // isModeless stays as an earlier run has left it.
     LifeMark mark(*this);
     ResourceRef ref = Prepare(nTemplateId, hinst, hwndParent);
@@ -182,6 +186,7 @@ HWND CSDlg::Modeless(int nTemplateId, HINSTANCE hinst, HWND hwndParent, int nSho
 
 HWND CSDlg::StartModeless(LifeMark& mark, int nTemplateId, HINSTANCE hinst, HWND hwndParentNew,
                           int nShow) {
+    if (IsRunning()) return nullptr;
     isModeless = 1;
     ResourceRef ref = Prepare(nTemplateId, hinst, hwndParentNew);
     HWND hwndNew = nullptr;
@@ -200,6 +205,7 @@ HWND CSDlg::StartModeless(LifeMark& mark, int nTemplateId, HINSTANCE hinst, HWND
 }
 
 int CSDlg::CreateIndirect(const DLGTEMPLATE* pTemplate, HWND hwndParent) {
+    if (IsRunning()) return 0;
     LifeMark mark(*this);
     hParent = hwndParent;
     hResources = GetLibraryInstance();
@@ -211,6 +217,7 @@ int CSDlg::CreateIndirect(const DLGTEMPLATE* pTemplate, HWND hwndParent) {
 
 int CSDlg::ModelessWithLoop(int bDisableOwner, int nTemplateId, HINSTANCE hinst, HWND hwndParent,
                             HWND* phwndCreated) {
+    if (IsRunning()) return -1;
     hasOwnLoop = 1;
     LifeMark mark(*this);
     HWND hwndNew = StartModeless(mark, nTemplateId, hinst, hwndParent, TRUE);

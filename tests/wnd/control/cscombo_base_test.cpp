@@ -14,12 +14,16 @@ constexpr unsigned __int64 kRefused = ~0ULL;
 
 /// A dialog whose combo box is tied to an object, with a tap below that.
 struct Combos {
-    explicit Combos(int nId = IDC_COMBO_LIST) {
+    explicit Combos(int nId = IDC_CTL_COMBO_LIST) {
         dialog.onInit = [this, nId] {
             tap.emplace(::GetDlgItem(dialog, nId));
             combo.Init(&dialog, static_cast<unsigned>(nId), nullptr, 0);
         };
         EXPECT_TRUE(dialog.Run(IDD_COMBOS));
+        tap->seen.clear();
+    }
+    void Reset() {
+        tap->answer = nullptr;
         tap->seen.clear();
     }
     LRESULT Send(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) const {
@@ -63,10 +67,10 @@ struct OperationCase {
     LRESULT lAnswer;
     __int64 nResult;
 };
-class CSComboBaseOperation : public testing::TestWithParam<OperationCase> {};
+using CSComboBaseOperation = SharedBy<Combos, OperationCase>;
 TEST_P(CSComboBaseOperation, IsOneMessageWithItsResult) {
     auto& row = GetParam();
-    Combos t;
+    auto& t = Get();
     t.AnswerAll(row.uMsg, row.lAnswer);
     EXPECT_EQ(row.nResult, row.fn(t.combo));
     ASSERT_EQ(1u, t.tap->seen.size());
@@ -157,7 +161,7 @@ TEST(CSComboBase, ListIsTheSameUnderItsName) {
     CSComboList list;
     EXPECT_NE(0, list.IsKindOf(L"CSCtrl"));
     CtrlDialog dialog;
-    dialog.onInit = [&] { list.Init(&dialog, IDC_COMBO_LIST, nullptr, 0); };
+    dialog.onInit = [&] { list.Init(&dialog, IDC_CTL_COMBO_LIST, nullptr, 0); };
     ASSERT_TRUE(dialog.Run(IDD_COMBOS));
     EXPECT_EQ(1, list.AddItem(L"x", 5));
     EXPECT_EQ(5u, list.GetItem(0, nullptr));
@@ -166,7 +170,7 @@ TEST(CSComboBase, ListIsTheSameUnderItsName) {
 // Items with a value
 
 TEST(CSComboBase, ItemsKeepTheirValueWhereverTheyCome) {
-    Combos t(IDC_COMBO_SORTED);
+    Combos t(IDC_CTL_COMBO_SORTED);
     EXPECT_EQ(1, t.combo.AddItem(L"m", 1));
     EXPECT_EQ(1, t.combo.AddItem(L"z", 2));
     EXPECT_EQ(1, t.combo.AddItem(L"a", kBigValue));

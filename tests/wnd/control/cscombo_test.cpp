@@ -37,7 +37,7 @@ struct Combo : Recorded<CSCombo> {
 };
 
 struct Combos {
-    explicit Combos(int nId = IDC_COMBO, int nShow = 0) {
+    explicit Combos(int nId = IDC_CTL_COMBO, int nShow = 0) {
         dialog.onInit = [this, nId] {
             HWND hwnd = ::GetDlgItem(dialog, nId);
             hwndEdit = ::GetDlgItem(hwnd, kEditInside);
@@ -52,6 +52,10 @@ struct Combos {
         EXPECT_TRUE(dialog.Run(IDD_COMBOS, nShow));
         for (auto* psz : {L"apple", L"banana", L"cherry"}) combo.AddStr(psz);
         TakePosted();
+        tap->seen.clear();
+    }
+    void Reset() {
+        tap->answer = nullptr;
         tap->seen.clear();
     }
     /// Dispatches what is posted; how many texts that told of.
@@ -92,7 +96,7 @@ struct Combos {
 };
 
 TEST(CSCombo, TiesTheEditFieldInside) {
-    for (int nId : {IDC_COMBO, IDC_COMBO_SIMPLE}) {
+    for (int nId : {IDC_CTL_COMBO, IDC_CTL_COMBO_SIMPLE}) {
         Combos t(nId);
         ASSERT_NE(nullptr, t.hwndEdit);
         EXPECT_EQ(t.hwndEdit, t.combo.Edit());
@@ -107,7 +111,7 @@ TEST(CSCombo, TiesTheEditFieldInside) {
 }
 
 TEST(CSCombo, WithoutAnEditFieldItIsTheBase) {
-    Combos t(IDC_COMBO_LIST);
+    Combos t(IDC_CTL_COMBO_LIST);
     EXPECT_EQ(nullptr, t.combo.Owner());
     EXPECT_EQ(nullptr, t.combo.Edit());
     EXPECT_EQ(3, t.combo.GetCount());
@@ -132,20 +136,20 @@ TEST(CSCombo, LimitAndDropDownAreOneMessage) {
 }
 
 TEST(CSCombo, IsFocusedWhileTheCaretIsInTheEditField) {
-    Combos t(IDC_COMBO, 1);
-    ASSERT_TRUE(FocusIn(t.dialog, ::GetDlgItem(t.dialog, IDC_OTHER_EDIT)));
+    Combos t(IDC_CTL_COMBO, 1);
+    ASSERT_TRUE(FocusIn(t.dialog, ::GetDlgItem(t.dialog, IDC_CTL_OTHER_EDIT)));
     EXPECT_EQ(0, t.combo.IsFocused());
     ::SetFocus(t.combo.hWnd);
     EXPECT_EQ(t.hwndEdit, ::GetFocus()) << "the combo box passes it on";
     EXPECT_NE(0, t.combo.IsFocused());
     ::SetFocus(t.hwndEdit);
     EXPECT_NE(0, t.combo.IsFocused());
-    ::SetFocus(::GetDlgItem(t.dialog, IDC_COMBO_LIST));
+    ::SetFocus(::GetDlgItem(t.dialog, IDC_CTL_COMBO_LIST));
     EXPECT_EQ(0, t.combo.IsFocused());
 }
 
 TEST(CSCombo, IsFocusedWithoutAnEditField) {
-    Combos t(IDC_COMBO_LIST, 1);
+    Combos t(IDC_CTL_COMBO_LIST, 1);
     ASSERT_TRUE(FocusIn(t.dialog, t.combo.hWnd));
     ASSERT_EQ(t.combo.hWnd, ::GetFocus());
     EXPECT_NE(0, t.combo.IsFocused());
@@ -169,10 +173,10 @@ struct CodeCase {
     int nBlock, nKeep;  // before
     int nReturn, nBlockAfter, nKeepAfter;
 };
-class CSComboCode : public testing::TestWithParam<CodeCase> {};
+using CSComboCode = SharedBy<Combos, CodeCase>;
 TEST_P(CSComboCode, SetsTheMarks) {
     auto& row = GetParam();
-    Combos t;
+    auto& t = Get();
     t.tap->answer = [&](UINT uMsg, WPARAM, LPARAM) -> std::optional<LRESULT> {
         return uMsg == CB_GETCURSEL ? std::optional(row.lSelection) : std::nullopt;
     };
@@ -209,9 +213,9 @@ TEST(CSCombo, DialogSeesTheSelectionBehindTheCombo) {
     auto l = reinterpret_cast<LPARAM>(t.combo.hWnd);
     t.combo.blockEditText = 1;
     t.combo.keepEditText = 0;
-    EXPECT_EQ(0, ::SendMessageW(t.dialog, WM_COMMAND, MAKEWPARAM(IDC_COMBO, CBN_SELCHANGE), l));
+    EXPECT_EQ(0, ::SendMessageW(t.dialog, WM_COMMAND, MAKEWPARAM(IDC_CTL_COMBO, CBN_SELCHANGE), l));
     EXPECT_EQ(0, t.combo.blockEditText);
-    EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_COMBO)));
+    EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_CTL_COMBO)));
 }
 
 // Texts that a program sets
@@ -257,7 +261,7 @@ TEST(CSCombo, ToldTextNamesTheCombo) {
     ::SetWindowTextW(t.hwndEdit, L"text");
     MSG msg{};
     ASSERT_TRUE(::PeekMessageW(&msg, t.dialog, WM_COMMAND, WM_COMMAND, PM_REMOVE));
-    EXPECT_EQ(static_cast<WPARAM>(MAKEWPARAM(IDC_COMBO, kTextSet)), msg.wParam);
+    EXPECT_EQ(static_cast<WPARAM>(MAKEWPARAM(IDC_CTL_COMBO, kTextSet)), msg.wParam);
     EXPECT_EQ(reinterpret_cast<LPARAM>(t.combo.hWnd), msg.lParam);
     EXPECT_EQ(kTextSet, static_cast<unsigned>(CSCombo::kTextSet));
 }
@@ -320,7 +324,7 @@ TEST(CSCombo, HeapObjectWaitsForItsEditFieldsMessage) {
     int nDeletes = 0, nDeletesInside = -1;
     pCombo->pnDeletes = &nDeletes;
     CtrlDialog dialog;
-    dialog.onInit = [&] { pCombo->Init(&dialog, IDC_COMBO, nullptr, 0); };
+    dialog.onInit = [&] { pCombo->Init(&dialog, IDC_CTL_COMBO, nullptr, 0); };
     ASSERT_TRUE(dialog.Run(IDD_COMBOS));
     pCombo->autoDelete = 1;
     HWND hwndCombo = *pCombo, hwndEdit = pCombo->Edit();
@@ -345,7 +349,7 @@ TEST(CSCombo, DialogThatDeletesItselfWaitsForTheEditFieldsMessage) {
     auto* pDialog = new OwnDialog;
     int nDeletes = 0, nDeletesInside = -1, nDeletesBehind = -1;
     pDialog->combo.pnDeletes = &nDeletes;
-    pDialog->onInit = [=] { pDialog->combo.Init(pDialog, IDC_COMBO, nullptr, 0); };
+    pDialog->onInit = [=] { pDialog->combo.Init(pDialog, IDC_CTL_COMBO, nullptr, 0); };
     ASSERT_TRUE(pDialog->Run(IDD_COMBOS));
     pDialog->autoDelete = 1;
     HWND hwndDlg = *pDialog;
@@ -372,10 +376,10 @@ TEST(CSCombo, DialogThatDeletesItselfWaitsForTheEditFieldsMessage) {
 TEST(CSCombo, AnotherObjectTakesTheEditFieldToo) {
     auto pFirst = std::make_unique<Combo>();
     Combos t;
-    HWND hwnd = ::GetDlgItem(t.dialog, IDC_COMBO);
+    HWND hwnd = ::GetDlgItem(t.dialog, IDC_CTL_COMBO);
     Combo second;
-    pFirst->Init(&t.dialog, IDC_COMBO, nullptr, 0);
-    second.Init(&t.dialog, IDC_COMBO, nullptr, 0);
+    pFirst->Init(&t.dialog, IDC_CTL_COMBO, nullptr, 0);
+    second.Init(&t.dialog, IDC_CTL_COMBO, nullptr, 0);
     EXPECT_EQ(&second, t.dialog.GetDlgCtrl(hwnd));
     for (bool bWithFirst : {true, false}) {
         if (!bWithFirst) pFirst.reset();
@@ -436,7 +440,7 @@ class CSComboKeys : public testing::TestWithParam<OpenCase> {
     }
 };
 TEST_P(CSComboKeys, TypedTextSurvivesTheList) {
-    Combos t(IDC_COMBO, 1);
+    Combos t(IDC_CTL_COMBO, 1);
     ASSERT_TRUE(t.Type("ban"));
     ASSERT_TRUE(Open(t));
     EXPECT_EQ(L"ban", t.Text()) << "opened";
@@ -449,7 +453,7 @@ TEST_P(CSComboKeys, TypedTextSurvivesTheList) {
     EXPECT_EQ(L"ban", t.Text());
 }
 TEST_P(CSComboKeys, ChosenItemReplacesTheText) {
-    Combos t(IDC_COMBO, 1);
+    Combos t(IDC_CTL_COMBO, 1);
     ASSERT_TRUE(t.Type("zz"));
     ASSERT_TRUE(Open(t));
     EXPECT_EQ(L"zz", t.Text());
@@ -460,9 +464,9 @@ TEST_P(CSComboKeys, ChosenItemReplacesTheText) {
     ASSERT_TRUE(t.Press(VK_RETURN, false));
     EXPECT_TRUE(t.Pump([&] { return t.Text() == L"banana"; })) << "shows " << WndText(t.hwndEdit);
     EXPECT_EQ(1, t.combo.GetCurSel());
-    EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_COMBO)));
+    EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_CTL_COMBO)));
     // And the next text that the program sets is none of the list's.
-    ::SetFocus(::GetDlgItem(t.dialog, IDC_OTHER_EDIT));
+    ::SetFocus(::GetDlgItem(t.dialog, IDC_CTL_OTHER_EDIT));
     ::SetWindowTextW(t.hwndEdit, L"by program");
     EXPECT_EQ(L"by program", t.Text());
 }
@@ -471,7 +475,7 @@ INSTANTIATE_TEST_SUITE_P(Opening, CSComboKeys,
                          [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CSCombo, ProgramOpensAndClosesTheList) {
-    Combos t(IDC_COMBO, 1);
+    Combos t(IDC_CTL_COMBO, 1);
     ASSERT_TRUE(t.Type("ban"));
     t.combo.ShowDropDown(1);
     ASSERT_TRUE(t.Pump([&] { return t.IsOpen(); }));
@@ -482,7 +486,7 @@ TEST(CSCombo, ProgramOpensAndClosesTheList) {
 }
 
 TEST(CSCombo, LeavingTheOpenListKeepsTheTypedText) {
-    Combos t(IDC_COMBO, 1);
+    Combos t(IDC_CTL_COMBO, 1);
     ASSERT_TRUE(t.Type("ban"));
     ASSERT_TRUE(t.Press(VK_F4, true));
     ASSERT_TRUE(t.Press(VK_TAB, false));
@@ -495,11 +499,11 @@ TEST(CSCombo, LeavingTheOpenListKeepsTheTypedText) {
 /// The platform's combo box copies the selection's text over the field while it opens: done here
 /// for one that does not do so.
 TEST(CSCombo, TextThatTheOpeningListSetsIsSwallowed) {
-    Combos t(IDC_COMBO, 1);
+    Combos t(IDC_CTL_COMBO, 1);
     ASSERT_TRUE(t.Type("ban"));
     auto l = reinterpret_cast<LPARAM>(t.combo.hWnd);
     auto Notify = [&](unsigned nCode) {
-        ::SendMessageW(t.dialog, WM_COMMAND, MAKEWPARAM(IDC_COMBO, nCode), l);
+        ::SendMessageW(t.dialog, WM_COMMAND, MAKEWPARAM(IDC_CTL_COMBO, nCode), l);
     };
     auto SetByList = [&] { ::SetWindowTextW(t.hwndEdit, L"banana"); };
     Notify(CBN_DROPDOWN);

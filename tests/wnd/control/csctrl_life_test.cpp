@@ -21,8 +21,8 @@ TEST_P(CSCtrlInitInMessage, ThePlainObjectGoesAfterItsLastFrame) {
     CtrlDialog dialog;
     dialog.log.reserve(40);
     ASSERT_TRUE(RunWith(dialog, [] {}));
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
-    CSCtrl* pPlain = dialog.GetDlgCtrl(IDC_EDIT);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
+    CSCtrl* pPlain = dialog.GetDlgCtrl(IDC_CTL_EDIT);
     ASSERT_NE(nullptr, pPlain);
     int nDepth = 0;
     ProbeHook hook([&](CSWnd*, UINT uMsg, WPARAM, LPARAM, LRESULT*) {
@@ -30,7 +30,7 @@ TEST_P(CSCtrlInitInMessage, ThePlainObjectGoesAfterItsLastFrame) {
         if (++nDepth < GetParam()) {
             ::SendMessageW(hwnd, WM_APP, 0, 0);
         } else {
-            ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+            ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
         }
         return 0;
     });
@@ -39,7 +39,7 @@ TEST_P(CSCtrlInitInMessage, ThePlainObjectGoesAfterItsLastFrame) {
     ::SendMessageW(hwnd, WM_APP, 0, 0);
     EXPECT_EQ(GetParam(), nDepth);
     EXPECT_LT(CountLiveBlocks(), nBefore) << "the plain object is gone";
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     ctrl.messages.clear();
     ::SendMessageW(hwnd, WM_APP, 0, 0);
     EXPECT_EQ(1, ctrl.Count(WM_APP));
@@ -51,19 +51,19 @@ TEST_P(CSCtrlInitInMessage, AndTheWindowMayGoInTheSameMessage) {
     Ctrl ctrl;
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [] {}));
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
     int nDepth = 0;
     ProbeHook hook([&](CSWnd*, UINT uMsg, WPARAM, LPARAM, LRESULT*) {
         if (uMsg != WM_APP) return 0;
         if (++nDepth < GetParam()) {
             ::SendMessageW(hwnd, WM_APP, 0, 0);
         } else {
-            ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+            ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
             ::DestroyWindow(hwnd);
         }
         return 0;
     });
-    dialog.GetDlgCtrl(IDC_EDIT)->AddWndHook(&hook);
+    dialog.GetDlgCtrl(IDC_CTL_EDIT)->AddWndHook(&hook);
     ::SendMessageW(hwnd, WM_APP, 0, 0);
     EXPECT_FALSE(::IsWindow(hwnd));
     EXPECT_EQ(1, ctrl.CountLogged("OnPostNcDestroy"));
@@ -76,20 +76,20 @@ TEST(CSCtrlLife, InitInANotificationOfThePlainObjectsControl) {
     Ctrl ctrl;
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [] {}));
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
     long nBefore = 0;
     dialog.onCommand = [&](unsigned nId, unsigned nCode, HWND) {
-        if (nId != IDC_EDIT || nCode != EN_CHANGE || nBefore) return;
+        if (nId != IDC_CTL_EDIT || nCode != EN_CHANGE || nBefore) return;
         ctrl.log.reserve(20);
         ctrl.messages.reserve(200);
         nBefore = CountLiveBlocks();
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
     };
     EXPECT_NE(FALSE, ::SetWindowTextW(hwnd, L"changed"));
     ASSERT_NE(0, nBefore);
     dialog.onCommand = nullptr;
     EXPECT_LT(CountLiveBlocks(), nBefore);
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     EXPECT_EQ(L"changed", WndText(hwnd));
     const std::string strChange = "OnCommand " + std::to_string(EN_CHANGE);
     EXPECT_EQ(1, ctrl.CountLogged(strChange)) << "the same notification is the new object's";
@@ -101,14 +101,14 @@ TEST(CSCtrlLife, InitInANotificationOfThePlainObjectsControl) {
 TEST(CSCtrlLife, PlainObjectDiesWithItsControl) {
     CtrlDialog dialog;
     CSCtrl* pPlain = nullptr;
-    ASSERT_TRUE(RunWith(dialog, [&] { pPlain = CSCtrl::AutoInit(&dialog, IDC_EDIT); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { pPlain = CSCtrl::AutoInit(&dialog, IDC_CTL_EDIT); }));
     ASSERT_NE(nullptr, pPlain);
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
     EXPECT_NE(0, pPlain->autoDelete);
-    EXPECT_EQ(static_cast<unsigned>(IDC_EDIT), pPlain->GetID());
+    EXPECT_EQ(static_cast<unsigned>(IDC_CTL_EDIT), pPlain->GetID());
     EXPECT_EQ(&dialog, pPlain->GetDlg());
     EXPECT_EQ(hwnd, static_cast<HWND>(*pPlain));
-    EXPECT_EQ(pPlain, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(pPlain, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     pPlain->GetOriginalText();
     long nBefore = CountLiveBlocks();
     ::DestroyWindow(hwnd);
@@ -121,7 +121,7 @@ TEST(CSCtrlLife, DialogsLeaveNoObjectsBehind) {
         if (n == 1) nBefore = CountLiveBlocks();
         CtrlDialog dialog;
         ASSERT_TRUE(RunWith(dialog, [] {}));
-        for (int nId : {IDC_FORMAT, IDC_EDIT, IDC_BUTTON}) {
+        for (int nId : {IDC_CTL_FORMAT, IDC_CTL_EDIT, IDC_CTL_BUTTON}) {
             ASSERT_NE(nullptr, dialog.GetDlgCtrl(nId));
             dialog.GetDlgCtrl(nId)->GetOriginalText();
         }
@@ -134,7 +134,7 @@ TEST(CSCtrlLife, PlainObjectMayOutliveTheDialogsObject) {
     auto* pDialog = new (memory.Get()) CSDlg(nullptr);
     HWND hwndDlg = pDialog->Modeless(IDD_CONTROLS, nullptr, nullptr, 0);
     ASSERT_NE(nullptr, hwndDlg);
-    HWND hwnd = ::GetDlgItem(hwndDlg, IDC_EDIT);
+    HWND hwnd = ::GetDlgItem(hwndDlg, IDC_CTL_EDIT);
     ASSERT_NE(nullptr, CSCtrl::FromHandle(hwnd));
     pDialog->~CSDlg();
     DWORD dwOld = 0;
@@ -150,7 +150,7 @@ TEST(CSCtrlLife, AutoInitWithoutMemoryGivesNull) {
     CSCtrl* p = nullptr;
     ASSERT_TRUE(RunWith(dialog, [&] {
         NoMemory none;
-        p = CSCtrl::AutoInit(&dialog, IDC_EDIT);
+        p = CSCtrl::AutoInit(&dialog, IDC_CTL_EDIT);
     }));
     EXPECT_EQ(nullptr, p);
 }
@@ -159,7 +159,7 @@ TEST(CSCtrlLife, AutoInitOfAMissingControlLeavesNothingThatNobodyOwns) {
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [] {}));
     long nBefore = CountLiveBlocks();
-    delete CSCtrl::AutoInit(&dialog, IDC_MISSING);
+    delete CSCtrl::AutoInit(&dialog, IDC_CTL_MISSING);
     EXPECT_EQ(nBefore, CountLiveBlocks());
 }
 
@@ -170,13 +170,13 @@ TEST(CSCtrlLife, MemberIsUntiedBeforeTheDialogEndsAndIsNotTiedAgain) {
     dialog.onPost = [&] {
         bUntiedBefore = ctrl.hWnd == nullptr && ctrl.CountLogged("OnPostNcDestroy") == 1;
     };
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0); }));
     dialog.Destroy();
     EXPECT_TRUE(bUntiedBefore);
     EXPECT_EQ(&dialog, ctrl.dlg) << "Init works once";
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_EQ(nullptr, ctrl.hWnd);
-    EXPECT_NE(nullptr, dialog.GetDlgCtrl(IDC_EDIT)) << "a plain one";
+    EXPECT_NE(nullptr, dialog.GetDlgCtrl(IDC_CTL_EDIT)) << "a plain one";
 }
 
 /// The control's window goes in the object's own handler; the dialog goes on.
@@ -186,28 +186,28 @@ TEST_P(CSCtrlEndsIn, ItsOwnOnCommand) {
     auto* pCtrl = new Ctrl;
     pCtrl->pnDeletes = &nDeletes;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { pCtrl->Init(&dialog, IDC_BUTTON, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { pCtrl->Init(&dialog, IDC_CTL_BUTTON, nullptr, 0); }));
     pCtrl->autoDelete = 1;
-    HWND hwnd = ::GetDlgItem(dialog, IDC_BUTTON);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_BUTTON);
     pCtrl->onCommand = [&, hwnd](unsigned, __int64* plResult) {
         *plResult = 0x5A;
         ::DestroyWindow(hwnd);
         return GetParam();
     };
     dialog.log.clear();
-    EXPECT_EQ(GetParam() ? 0x5A : 0, dialog.OnCommand(IDC_BUTTON, BN_CLICKED, hwnd));
+    EXPECT_EQ(GetParam() ? 0x5A : 0, dialog.OnCommand(IDC_CTL_BUTTON, BN_CLICKED, hwnd));
     EXPECT_FALSE(::IsWindow(hwnd));
     EXPECT_EQ(1, nDeletes);
-    EXPECT_EQ(GetParam() ? Log{} : Log{"clicked " + std::to_string(IDC_BUTTON)}, dialog.log);
+    EXPECT_EQ(GetParam() ? Log{} : Log{"clicked " + std::to_string(IDC_CTL_BUTTON)}, dialog.log);
 }
 TEST_P(CSCtrlEndsIn, ItsOwnOnCommandOfARealClick) {
     int nDeletes = 0;
     auto* pCtrl = new Ctrl;
     pCtrl->pnDeletes = &nDeletes;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { pCtrl->Init(&dialog, IDC_BUTTON, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { pCtrl->Init(&dialog, IDC_CTL_BUTTON, nullptr, 0); }));
     pCtrl->autoDelete = 1;
-    HWND hwnd = ::GetDlgItem(dialog, IDC_BUTTON);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_BUTTON);
     int nDeletesInside = -1;
     pCtrl->onCommand = [&, hwnd](unsigned nCode, __int64*) {
         if (nCode != BN_CLICKED) return 0;
@@ -225,19 +225,20 @@ TEST_P(CSCtrlEndsIn, ItsOwnOnNotify) {
     auto* pCtrl = new Ctrl;
     pCtrl->pnDeletes = &nDeletes;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { pCtrl->Init(&dialog, IDC_BUTTON, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { pCtrl->Init(&dialog, IDC_CTL_BUTTON, nullptr, 0); }));
     pCtrl->autoDelete = 1;
-    HWND hwnd = ::GetDlgItem(dialog, IDC_BUTTON);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_BUTTON);
     pCtrl->onNotify = [&, hwnd](NMHDR*, __int64* plResult) {
         *plResult = 0x5A;
         ::DestroyWindow(hwnd);
         return GetParam();
     };
-    NMHDR hdr{hwnd, IDC_BUTTON, static_cast<UINT>(-2)};
-    LRESULT lResult = ::SendMessageW(dialog, WM_NOTIFY, IDC_BUTTON, reinterpret_cast<LPARAM>(&hdr));
+    NMHDR hdr{hwnd, IDC_CTL_BUTTON, static_cast<UINT>(-2)};
+    LRESULT lResult =
+        ::SendMessageW(dialog, WM_NOTIFY, IDC_CTL_BUTTON, reinterpret_cast<LPARAM>(&hdr));
     EXPECT_EQ(GetParam() ? 0x5A : 0, lResult);
     EXPECT_EQ(1, nDeletes);
-    EXPECT_EQ(0, ::SendMessageW(dialog, WM_NOTIFY, IDC_BUTTON, reinterpret_cast<LPARAM>(&hdr)))
+    EXPECT_EQ(0, ::SendMessageW(dialog, WM_NOTIFY, IDC_CTL_BUTTON, reinterpret_cast<LPARAM>(&hdr)))
         << "from a window that is gone";
 }
 INSTANTIATE_TEST_SUITE_P(Returning, CSCtrlEndsIn, testing::Values(0, 1));
@@ -245,7 +246,7 @@ INSTANTIATE_TEST_SUITE_P(Returning, CSCtrlEndsIn, testing::Values(0, 1));
 TEST(CSCtrlLife, DialogMayGoInAControlsOnCommand) {
     Ctrl ctrl;
     auto pDialog = std::make_unique<CtrlDialog>();
-    ASSERT_TRUE(RunWith(*pDialog, [&] { ctrl.Init(pDialog.get(), IDC_BUTTON, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(*pDialog, [&] { ctrl.Init(pDialog.get(), IDC_CTL_BUTTON, nullptr, 0); }));
     HWND hwndDlg = *pDialog;
     ctrl.onCommand = [&](unsigned nCode, __int64*) {
         if (nCode == BN_CLICKED) pDialog->Destroy();

@@ -30,10 +30,10 @@ TEST(CSCtrl, IsOfItsClassAndOfItsBase) {
 TEST(CSCtrl, InitStoresAndTiesThenCallsOnInit) {
     Ctrl ctrl;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, L"name", 0x0ABCDEF1); }));
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_EDIT, L"name", 0x0ABCDEF1); }));
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
     EXPECT_EQ(&dialog, ctrl.dlg);
-    EXPECT_EQ(static_cast<unsigned>(IDC_EDIT), ctrl.GetID());
+    EXPECT_EQ(static_cast<unsigned>(IDC_CTL_EDIT), ctrl.GetID());
     EXPECT_STREQ(L"name", ctrl.ctrlName);
     EXPECT_EQ(0x0ABCDEF1u, ctrl.myStyle);
     EXPECT_EQ(hwnd, ctrl.hWnd);
@@ -41,7 +41,7 @@ TEST(CSCtrl, InitStoresAndTiesThenCallsOnInit) {
     EXPECT_EQ(1, ctrl.CountLogged("OnInit"));
     EXPECT_EQ(hwnd, ctrl.hwndAtInit);
     EXPECT_EQ(&dialog, ctrl.pDlgAtInit);
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     EXPECT_EQ(&ctrl, CSCtrl::FromHandle(hwnd));
 
     ::SendMessageW(hwnd, WM_APP + 1, 0, 0);
@@ -54,18 +54,18 @@ TEST(CSCtrl, SecondInitDoesNothingAlsoWithAnotherId) {
     Ctrl ctrl;
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [&] {
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 1);
-        ctrl.Init(&dialog, IDC_EDIT, L"again", kDropAnyPath);
-        ctrl.Init(&dialog, IDC_OTHER_EDIT, L"other", kDropAnyPath);
-        ctrl.Init(nullptr, IDC_OTHER_EDIT, L"other", kDropAnyPath);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 1);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, L"again", kDropAnyPath);
+        ctrl.Init(&dialog, IDC_CTL_OTHER_EDIT, L"other", kDropAnyPath);
+        ctrl.Init(nullptr, IDC_CTL_OTHER_EDIT, L"other", kDropAnyPath);
     }));
     EXPECT_EQ(&dialog, ctrl.dlg);
-    EXPECT_EQ(static_cast<unsigned>(IDC_EDIT), ctrl.GetID());
+    EXPECT_EQ(static_cast<unsigned>(IDC_CTL_EDIT), ctrl.GetID());
     EXPECT_EQ(nullptr, ctrl.ctrlName);
     EXPECT_EQ(1u, ctrl.myStyle);
-    EXPECT_EQ(::GetDlgItem(dialog, IDC_EDIT), ctrl.hWnd);
+    EXPECT_EQ(::GetDlgItem(dialog, IDC_CTL_EDIT), ctrl.hWnd);
     EXPECT_EQ(1, ctrl.CountLogged("OnInit"));
-    EXPECT_NE(&ctrl, dialog.GetDlgCtrl(IDC_OTHER_EDIT));
+    EXPECT_NE(&ctrl, dialog.GetDlgCtrl(IDC_CTL_OTHER_EDIT));
     EXPECT_EQ(0u, ::GetWindowLongPtrW(ctrl.hWnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
 }
 
@@ -73,16 +73,16 @@ TEST(CSCtrl, InitOfAMissingControlStoresAndStaysUntied) {
     Ctrl ctrl;
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [&] {
-        ctrl.Init(&dialog, IDC_MISSING, L"name", kDropAnyPath);
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+        ctrl.Init(&dialog, IDC_CTL_MISSING, L"name", kDropAnyPath);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
     }));
     EXPECT_EQ(&dialog, ctrl.dlg);
-    EXPECT_EQ(static_cast<unsigned>(IDC_MISSING), ctrl.GetID());
+    EXPECT_EQ(static_cast<unsigned>(IDC_CTL_MISSING), ctrl.GetID());
     EXPECT_STREQ(L"name", ctrl.ctrlName);
     EXPECT_EQ(static_cast<unsigned long>(kDropAnyPath), ctrl.myStyle);
     EXPECT_EQ(nullptr, ctrl.hWnd);
     EXPECT_EQ(Log{}, ctrl.log);
-    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_MISSING));
+    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_CTL_MISSING));
 }
 
 struct AcceptCase {
@@ -90,17 +90,24 @@ struct AcceptCase {
     unsigned long dwStyle;
     bool bAccepts;
 };
-class CSCtrlAccepts : public testing::TestWithParam<AcceptCase> {};
+struct AcceptDialog : Dialogs {
+    void Reset() {}
+};
+using CSCtrlAccepts = SharedBy<AcceptDialog, AcceptCase>;
 TEST_P(CSCtrlAccepts, FilesByTheTopFourBits) {
+    auto& t = Get();
+    HWND hwnd = t.Item(IDC_CTL_EDIT);
+    ::DragAcceptFiles(hwnd, FALSE);
+    auto Accepts = [&] {
+        return (::GetWindowLongPtrW(hwnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0;
+    };
+    ASSERT_FALSE(Accepts());
     Ctrl ctrl;
-    CtrlDialog dialog;
-    ASSERT_TRUE(
-        RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, GetParam().dwStyle); }));
-    bool bAccepts = ::GetWindowLongPtrW(ctrl.hWnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES;
-    EXPECT_EQ(GetParam().bAccepts, bAccepts);
+    ctrl.Init(&t.dialog, IDC_CTL_EDIT, nullptr, GetParam().dwStyle);
+    EXPECT_EQ(GetParam().bAccepts, Accepts());
     ctrl.ModifyMyStyle(kDropMask, GetParam().bAccepts ? 0UL : kDropMask);
-    bAccepts = ::GetWindowLongPtrW(ctrl.hWnd, GWL_EXSTYLE) & WS_EX_ACCEPTFILES;
-    EXPECT_EQ(GetParam().bAccepts, bAccepts) << "only Init looks at it";
+    EXPECT_EQ(GetParam().bAccepts, Accepts()) << "only Init looks at it";
+    ctrl.Unsubclass();
 }
 INSTANTIATE_TEST_SUITE_P(Bits, CSCtrlAccepts,
                          testing::Values(AcceptCase{"None", 0, false},
@@ -119,18 +126,18 @@ TEST(CSCtrl, InitTakesThePlaceOfAPlainObjectAndDeletesIt) {
     CSCtrl* pPlain = nullptr;
     ASSERT_TRUE(RunWith(dialog, [&] {
         long nBefore = CountLiveBlocks();
-        pPlain = CSCtrl::AutoInit(&dialog, IDC_EDIT);
+        pPlain = CSCtrl::AutoInit(&dialog, IDC_CTL_EDIT);
         nWithPlain = CountLiveBlocks() - nBefore;
-        EXPECT_EQ(pPlain, dialog.GetDlgCtrl(IDC_EDIT));
+        EXPECT_EQ(pPlain, dialog.GetDlgCtrl(IDC_CTL_EDIT));
         ctrl.log.reserve(10);
         ctrl.messages.reserve(100);
         nBefore = CountLiveBlocks() - nWithPlain;
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
         nAfter = CountLiveBlocks() - nBefore;
     }));
     EXPECT_GT(nWithPlain, 0);
     EXPECT_EQ(0, nAfter) << "nothing is left of it";
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     EXPECT_EQ(static_cast<CSWnd*>(&ctrl), ::GetPropW(ctrl.hWnd, L"CSWND"));
     ctrl.messages.clear();
     ::SendMessageW(ctrl.hWnd, WM_APP, 0, 0);
@@ -149,11 +156,11 @@ TEST(CSCtrl, InitTakesThePlaceOfAKeptObjectAndLeavesThat) {
     int nDeletes = 0;
     first.pnDeletes = &nDeletes;
     ASSERT_TRUE(RunWith(dialog, [&] {
-        first.Init(&dialog, IDC_EDIT, nullptr, 0);
-        second.Init(&dialog, IDC_EDIT, nullptr, 0);
+        first.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
+        second.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
     }));
     EXPECT_EQ(0, nDeletes);
-    EXPECT_EQ(&second, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&second, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     first.messages.clear();
     ::SendMessageW(second.hWnd, WM_APP, 0, 0);
     EXPECT_EQ(0, first.Count(WM_APP));
@@ -170,14 +177,14 @@ TEST(CSCtrl, InitTakesThePlaceOfAWindowObjectThatIsNoControl) {
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [&] {
         auto* pWnd = new ProbeWnd(record);
-        pWnd->Subclass(::GetDlgItem(dialog, IDC_EDIT));
+        pWnd->Subclass(::GetDlgItem(dialog, IDC_CTL_EDIT));
         pWnd->autoDelete = 1;
-        EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_EDIT));
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+        EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_CTL_EDIT));
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
         EXPECT_EQ(1, record.nDeletes);
         EXPECT_EQ(0, record.nPostNcDestroys);
     }));
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
 }
 
 TEST(CSCtrl, ModifyMyStyleClearsThenSets) {
@@ -193,7 +200,7 @@ TEST(CSCtrl, ModifyMyStyleClearsThenSets) {
 TEST(CSCtrl, ShowCtrlShowsAndHides) {
     Ctrl ctrl;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0); }));
     for (int bShow : {0, 1, 0, 7}) {
         ctrl.ShowCtrl(bShow);
         bool bVisible = ::GetWindowLongPtrW(ctrl.hWnd, GWL_STYLE) & WS_VISIBLE;
@@ -205,7 +212,7 @@ TEST(CSCtrl, ShowCtrlShowsAndHides) {
 TEST(CSCtrl, OriginalTextIsThatOfTheFirstCall) {
     Ctrl ctrl;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_FORMAT, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_FORMAT, nullptr, 0); }));
     LPCWSTR pszFirst = ctrl.GetOriginalText();
     EXPECT_STREQ(L"Step %d of %s", pszFirst);
     ::SetWindowTextW(ctrl.hWnd, L"something else, and longer");
@@ -221,7 +228,7 @@ TEST(CSCtrl, EmptyOriginalTextIsAskedForAgain) {
     Ctrl ctrl;
     CtrlDialog dialog;
     ctrl.messages.reserve(1000);
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0); }));
     long nBefore = CountLiveBlocks();
     LPCWSTR psz = ctrl.GetOriginalText();
     EXPECT_EQ(nBefore, CountLiveBlocks()) << "nothing is stored";
@@ -237,7 +244,7 @@ TEST(CSCtrl, OriginalTextOfAnyLength) {
     for (std::size_t cch : {1u, 259u, 260u, 1023u, 1024u, 5000u}) {
         Ctrl ctrl;
         CtrlDialog dialog;
-        ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_FORMAT, nullptr, 0); }));
+        ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_FORMAT, nullptr, 0); }));
         std::wstring str(cch, L'x');
         str.back() = L'y';
         ::SetWindowTextW(ctrl.hWnd, str.c_str());
@@ -248,7 +255,7 @@ TEST(CSCtrl, OriginalTextOfAnyLength) {
 TEST(CSCtrl, OriginalTextWithoutMemoryIsEmptyAndAskedForAgain) {
     Ctrl ctrl;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_FORMAT, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_FORMAT, nullptr, 0); }));
     ctrl.messages.reserve(1000);
     LPCWSTR psz = nullptr;
     {
@@ -303,14 +310,14 @@ TEST(CSCtrl, FromHandleGivesControlsOnly) {
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [] {}));
     EXPECT_EQ(nullptr, CSCtrl::FromHandle(dialog));
-    EXPECT_NE(nullptr, CSCtrl::FromHandle(::GetDlgItem(dialog, IDC_EDIT)));
+    EXPECT_NE(nullptr, CSCtrl::FromHandle(::GetDlgItem(dialog, IDC_CTL_EDIT)));
     wnd.Destroy();
 }
 
 TEST(CSCtrl, HooksSeeTheControlsMessages) {
     Ctrl ctrl;
     CtrlDialog dialog;
-    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, 0); }));
+    ASSERT_TRUE(RunWith(dialog, [&] { ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0); }));
     ProbeHook hook([](CSWnd*, UINT uMsg, WPARAM, LPARAM, LRESULT* plResult) {
         if (uMsg != WM_GETTEXTLENGTH) return 0;
         *plResult = 4711;

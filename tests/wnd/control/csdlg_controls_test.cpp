@@ -34,7 +34,7 @@ TEST(CSDlgControls, EachControlWithAnIdGetsAnObject) {
         EXPECT_EQ(nId, p->GetID());
         EXPECT_EQ(&t.dialog, p->GetDlg());
         EXPECT_EQ(hwnd, static_cast<HWND>(*p));
-        EXPECT_EQ(nId == IDC_BUTTON, p->autoDelete == 0) << "the others are plain";
+        EXPECT_EQ(nId == IDC_CTL_BUTTON, p->autoDelete == 0) << "the others are plain";
     }
     EXPECT_EQ(10, nControls);
     EXPECT_EQ(1, nLabels);
@@ -64,8 +64,8 @@ TEST(CSDlgControls, ChildrenOfControlsGetNoObject) {
     CtrlDialog dialog;
     dialog.onInit = [&] {
         hwndInside = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5,
-                                       ::GetDlgItem(dialog, IDC_BUTTON),
-                                       reinterpret_cast<HMENU>(IDC_EDIT), nullptr, nullptr);
+                                       ::GetDlgItem(dialog, IDC_CTL_BUTTON),
+                                       reinterpret_cast<HMENU>(IDC_CTL_EDIT), nullptr, nullptr);
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_EQ(nullptr, CSWnd::FromHandle(hwndInside));
@@ -76,13 +76,13 @@ TEST(CSDlgControls, OfTwoControlsWithOneIdTheFirstIsMeant) {
     HWND hwndSecond = nullptr;
     CSCtrl* pFirst = nullptr;
     dialog.onInit = [&] {
-        pFirst = CSCtrl::AutoInit(&dialog, IDC_EDIT);
+        pFirst = CSCtrl::AutoInit(&dialog, IDC_CTL_EDIT);
         hwndSecond = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, dialog,
-                                       reinterpret_cast<HMENU>(IDC_EDIT), nullptr, nullptr);
+                                       reinterpret_cast<HMENU>(IDC_CTL_EDIT), nullptr, nullptr);
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
-    ASSERT_NE(hwndSecond, ::GetDlgItem(dialog, IDC_EDIT));
-    EXPECT_EQ(pFirst, dialog.GetDlgCtrl(IDC_EDIT)) << "the same object as before";
+    ASSERT_NE(hwndSecond, ::GetDlgItem(dialog, IDC_CTL_EDIT));
+    EXPECT_EQ(pFirst, dialog.GetDlgCtrl(IDC_CTL_EDIT)) << "the same object as before";
     EXPECT_EQ(nullptr, dialog.GetDlgCtrl(hwndSecond));
 }
 
@@ -108,7 +108,7 @@ TEST(CSDlgControls, PostInitDialogFollowsOnInitDialog) {
     CtrlDialog dialog;
     bool bDoneInside = true;
     dialog.onInit = [&] {
-        ctrl.Init(&dialog, IDC_BUTTON, nullptr, 0);
+        ctrl.Init(&dialog, IDC_CTL_BUTTON, nullptr, 0);
         bDoneInside = ctrl.CountLogged("PostInitDialog") > 0;
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
@@ -120,12 +120,12 @@ TEST(CSDlgControls, ObjectThatIsNoControlsKeepsItsWindow) {
     ProbeRecord record;
     ProbeWnd wnd(record);
     CtrlDialog dialog;
-    dialog.onInit = [&] { wnd.Subclass(::GetDlgItem(dialog, IDC_EDIT)); };
+    dialog.onInit = [&] { wnd.Subclass(::GetDlgItem(dialog, IDC_CTL_EDIT)); };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
-    EXPECT_EQ(&wnd, CSWnd::FromHandle(::GetDlgItem(dialog, IDC_EDIT)));
-    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_EDIT));
-    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(::GetDlgItem(dialog, IDC_EDIT)));
-    EXPECT_EQ(0, ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_EDIT, EN_CHANGE),
+    EXPECT_EQ(&wnd, CSWnd::FromHandle(::GetDlgItem(dialog, IDC_CTL_EDIT)));
+    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_CTL_EDIT));
+    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(::GetDlgItem(dialog, IDC_CTL_EDIT)));
+    EXPECT_EQ(0, ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_CTL_EDIT, EN_CHANGE),
                                 reinterpret_cast<LPARAM>(wnd.hWnd)));
     ::SendMessageW(dialog, WM_CTLCOLOREDIT, 0, reinterpret_cast<LPARAM>(wnd.hWnd));
     dialog.CloseDialog(1, 1);
@@ -134,16 +134,16 @@ TEST(CSDlgControls, ObjectThatIsNoControlsKeepsItsWindow) {
 TEST(CSDlgControls, ControlsMayGoWhileTheOthersGetTheirObjects) {
     struct : Ctrl {
         void PostInitDialog() override {
-            ::DestroyWindow(::GetDlgItem(*dlg, IDC_OTHER_EDIT));
+            ::DestroyWindow(::GetDlgItem(*dlg, IDC_CTL_OTHER_EDIT));
             ::DestroyWindow(*this);
         }
     } ctrl;
     CtrlDialog dialog;
-    dialog.onInit = [&] { ctrl.Init(&dialog, IDC_EDIT, nullptr, 0); };
+    dialog.onInit = [&] { ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0); };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_EQ(nullptr, ctrl.hWnd);
-    EXPECT_EQ(nullptr, ::GetDlgItem(dialog, IDC_OTHER_EDIT));
-    for (int nId : {IDC_COMBO_LIST, IDC_BUTTON, IDC_FORMAT, IDCANCEL}) {
+    EXPECT_EQ(nullptr, ::GetDlgItem(dialog, IDC_CTL_OTHER_EDIT));
+    for (int nId : {IDC_CTL_COMBO_LIST, IDC_CTL_BUTTON, IDC_CTL_FORMAT, IDCANCEL}) {
         EXPECT_NE(nullptr, dialog.GetDlgCtrl(nId)) << nId;
     }
 }
@@ -157,20 +157,20 @@ TEST(CSDlgControls, DialogComesUpWithoutMemoryForItsControls) {
     HWND hwnd = dialog.Modeless(IDD_CONTROLS, nullptr, nullptr, 0);
     none.reset();
     ASSERT_NE(nullptr, hwnd);
-    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_EDIT));
-    EXPECT_EQ(0, ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_EDIT, EN_CHANGE),
-                                reinterpret_cast<LPARAM>(::GetDlgItem(dialog, IDC_EDIT))));
+    EXPECT_EQ(nullptr, dialog.GetDlgCtrl(IDC_CTL_EDIT));
+    EXPECT_EQ(0, ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_CTL_EDIT, EN_CHANGE),
+                                reinterpret_cast<LPARAM>(::GetDlgItem(dialog, IDC_CTL_EDIT))));
 }
 
 TEST(CSDlgControls, GetDlgCtrlOfStrangersIsNull) {
     Dialogs t;
-    EXPECT_EQ(nullptr, t.dialog.GetDlgCtrl(IDC_MISSING));
+    EXPECT_EQ(nullptr, t.dialog.GetDlgCtrl(IDC_CTL_MISSING));
     EXPECT_EQ(nullptr, t.dialog.GetDlgCtrl(static_cast<HWND>(nullptr)));
     EXPECT_EQ(nullptr, t.dialog.GetDlgCtrl(static_cast<HWND>(t.dialog)));
     EXPECT_EQ(nullptr, t.dialog.GetDlgCtrl(DeadWindow()));
     PlainWnd plain;
     EXPECT_EQ(nullptr, t.dialog.GetDlgCtrl(static_cast<HWND>(plain)));
-    EXPECT_EQ(&t.ctrl, t.dialog.GetDlgCtrl(IDC_BUTTON));
+    EXPECT_EQ(&t.ctrl, t.dialog.GetDlgCtrl(IDC_CTL_BUTTON));
     EXPECT_EQ(&t.ctrl, t.dialog.GetDlgCtrl(t.ctrl.hWnd));
 }
 
@@ -183,12 +183,12 @@ TEST(CSDlgControls, ControlIsAskedFirstAndEndsItWithItsResult) {
         *plResult = 1;
         return nCode == 5 ? 1 : 0;
     };
-    EXPECT_EQ(1, t.Handle(WM_COMMAND, MAKEWPARAM(IDC_BUTTON, 5), t.ctrl.hWnd));
+    EXPECT_EQ(1, t.Handle(WM_COMMAND, MAKEWPARAM(IDC_CTL_BUTTON, 5), t.ctrl.hWnd));
     EXPECT_EQ((Log{"OnCommand 5"}), t.ctrl.log);
     EXPECT_EQ(Log{}, t.dialog.log);
-    EXPECT_EQ(0, t.Handle(WM_COMMAND, MAKEWPARAM(IDC_BUTTON, BN_CLICKED), t.ctrl.hWnd))
+    EXPECT_EQ(0, t.Handle(WM_COMMAND, MAKEWPARAM(IDC_CTL_BUTTON, BN_CLICKED), t.ctrl.hWnd))
         << "the result is not the control's";
-    EXPECT_EQ(Log{Dialogs::Clicked(IDC_BUTTON)}, t.dialog.log);
+    EXPECT_EQ(Log{Dialogs::Clicked(IDC_CTL_BUTTON)}, t.dialog.log);
 }
 
 TEST(CSDlgControls, CommandResultOfAControlIsTheOperations) {
@@ -197,18 +197,19 @@ TEST(CSDlgControls, CommandResultOfAControlIsTheOperations) {
         *plResult = 0x123456789A;
         return -1;
     };
-    EXPECT_EQ(0x123456789A, t.dialog.OnCommand(IDC_BUTTON, 0, t.ctrl.hWnd));
+    EXPECT_EQ(0x123456789A, t.dialog.OnCommand(IDC_CTL_BUTTON, 0, t.ctrl.hWnd));
     t.ctrl.onCommand = [](unsigned, __int64*) { return 1; };
-    EXPECT_EQ(0, t.dialog.OnCommand(IDC_BUTTON, 0, t.ctrl.hWnd)) << "a result that it left alone";
+    EXPECT_EQ(0, t.dialog.OnCommand(IDC_CTL_BUTTON, 0, t.ctrl.hWnd))
+        << "a result that it left alone";
 }
 
 TEST(CSDlgControls, ControlIsTakenByItsHandleNotByTheId) {
     Dialogs t;
-    t.Command(IDC_EDIT, 5, t.ctrl.hWnd);
+    t.Command(IDC_CTL_EDIT, 5, t.ctrl.hWnd);
     EXPECT_EQ((Log{"OnCommand 5"}), t.ctrl.log);
     t.ctrl.log.clear();
-    t.Command(IDC_BUTTON, 5, nullptr);
-    t.Command(IDC_BUTTON, 5, DeadWindow());
+    t.Command(IDC_CTL_BUTTON, 5, nullptr);
+    t.Command(IDC_CTL_BUTTON, 5, DeadWindow());
     EXPECT_EQ(Log{}, t.ctrl.log);
 }
 
@@ -218,11 +219,12 @@ struct ClickCase {
     Log log;
     __int64 nResult;
 };
-class CSDlgClick : public testing::TestWithParam<ClickCase> {};
+using CSDlgClick = SharedBy<Dialogs, ClickCase>;
 TEST_P(CSDlgClick, IsToldAndThenActs) {
     auto& row = GetParam();
     for (bool bWithControl : {false, true}) {
-        Dialogs t;
+        auto& t = Get();
+        t.Reset();
         HWND hwnd = bWithControl ? t.Item(row.nId) : nullptr;
         auto nId = static_cast<unsigned short>(row.nId);
         EXPECT_EQ(row.nResult, t.dialog.OnCommand(nId, 0, hwnd));
@@ -241,10 +243,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(ClickCase{"OK", IDOK, {"clicked 1", "OnOK"}, CtrlDialog::kOkResult},
                     ClickCase{
                         "Cancel", IDCANCEL, {"clicked 2", "OnCancel"}, CtrlDialog::kCancelResult},
-                    ClickCase{"Help", IDC_HELP_BUTTON, {"clicked 9", "OnHelp null"}, 1},
-                    ClickCase{"Button", IDC_BUTTON, {Dialogs::Clicked(IDC_BUTTON)}, 0},
-                    ClickCase{"Edit", IDC_EDIT, {Dialogs::Clicked(IDC_EDIT)}, 0},
-                    ClickCase{"Missing", IDC_MISSING, {Dialogs::Clicked(IDC_MISSING)}, 0}),
+                    ClickCase{"Help", IDC_CTL_HELP_BUTTON, {"clicked 9", "OnHelp null"}, 1},
+                    ClickCase{"Button", IDC_CTL_BUTTON, {Dialogs::Clicked(IDC_CTL_BUTTON)}, 0},
+                    ClickCase{"Edit", IDC_CTL_EDIT, {Dialogs::Clicked(IDC_CTL_EDIT)}, 0},
+                    ClickCase{"Missing", IDC_CTL_MISSING, {Dialogs::Clicked(IDC_CTL_MISSING)}, 0}),
     [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CSDlgControls, ControlMayKeepAClickOfOk) {
@@ -257,14 +259,14 @@ TEST(CSDlgControls, ControlMayKeepAClickOfOk) {
 }
 
 TEST(CSDlgControls, RealListTellsItsSelection) {
-    Dialogs t(IDC_COMBO_LIST, 1);
+    Dialogs t(IDC_CTL_COMBO_LIST, 1);
     for (auto* psz : {L"one", L"two"}) {
         ::SendMessageW(t.ctrl.hWnd, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(psz));
     }
     ::SetFocus(t.ctrl.hWnd);
     ::SendMessageW(t.ctrl.hWnd, WM_KEYDOWN, VK_DOWN, 1);
     EXPECT_EQ(1, t.ctrl.CountLogged("OnCommand 1"));
-    EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_COMBO_LIST)));
+    EXPECT_TRUE(t.dialog.Logged("selected " + std::to_string(IDC_CTL_COMBO_LIST)));
 }
 
 // Colours
@@ -284,7 +286,7 @@ TEST(CSDlgControls, ColorsAreTheControlsForEditButtonAndStatic) {
     t.ctrl.nCtlColorAnswer = -5;
     EXPECT_EQ(1, t.dialog.OnCtlColor(WM_CTLCOLORBTN, nullptr, t.ctrl.hWnd, &hbr))
         << "whether, not what";
-    for (HWND hwnd : {static_cast<HWND>(nullptr), DeadWindow(), t.Item(IDC_EDIT)}) {
+    for (HWND hwnd : {static_cast<HWND>(nullptr), DeadWindow(), t.Item(IDC_CTL_EDIT)}) {
         EXPECT_EQ(0, t.dialog.OnCtlColor(WM_CTLCOLOREDIT, nullptr, hwnd, &hbr));
     }
 }
@@ -319,7 +321,7 @@ TEST(CSDlgControls, DialogsOwnColorsAreForAllKinds) {
 // Drawn by their owner
 
 TEST(CSDlgControls, DrawMeasureAndDeleteGoToTheControlOfTheId) {
-    Dialogs t(IDC_OWNER_DRAWN);
+    Dialogs t(IDC_CTL_OWNER_DRAWN);
     DRAWITEMSTRUCT draw{};
     MEASUREITEMSTRUCT measure{};
     DELETEITEMSTRUCT del{};
@@ -332,17 +334,17 @@ TEST(CSDlgControls, DrawMeasureAndDeleteGoToTheControlOfTheId) {
                 {WM_DELETEITEM, &del, "OnDeleteItem"}};
     for (auto& row : rows) {
         t.ctrl.log.clear();
-        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_OWNER_DRAWN, row.pItem));
+        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_CTL_OWNER_DRAWN, row.pItem));
         EXPECT_EQ(Log{row.pszLogged}, t.ctrl.log);
         EXPECT_EQ(row.pItem, t.ctrl.pItemSeen);
-        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_MISSING, row.pItem)) << "handled all the same";
-        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_EDIT, row.pItem)) << "a plain one does nothing";
+        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_CTL_MISSING, row.pItem)) << "handled all the same";
+        EXPECT_EQ(1, t.Handle(row.uMsg, IDC_CTL_EDIT, row.pItem)) << "a plain one does nothing";
         EXPECT_EQ(1u, t.ctrl.log.size());
     }
 }
 
 TEST(CSDlgControls, RealButtonIsDrawnByItsObject) {
-    Dialogs t(IDC_OWNER_DRAWN, 1);
+    Dialogs t(IDC_CTL_OWNER_DRAWN, 1);
     ::InvalidateRect(t.ctrl.hWnd, nullptr, TRUE);
     EXPECT_TRUE(PumpUntil([&] { return t.ctrl.CountLogged("OnDrawItem") > 0; }));
 }
@@ -355,9 +357,9 @@ TEST(CSDlgControls, OkGoesToEachControl) {
     ProbeRecord record;
     ProbeWnd wnd(record);
     dialog.onInit = [&] {
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
-        other.Init(&dialog, IDC_OTHER_EDIT, nullptr, 0);
-        wnd.Subclass(::GetDlgItem(dialog, IDC_FORMAT));
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
+        other.Init(&dialog, IDC_CTL_OTHER_EDIT, nullptr, 0);
+        wnd.Subclass(::GetDlgItem(dialog, IDC_CTL_FORMAT));
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     ctrl.log.clear();
@@ -384,13 +386,13 @@ struct CloseCase {
     int nResult, nOkControls;
     bool bTold;
 };
-class CSDlgClose : public testing::TestWithParam<CloseCase> {};
-TEST_P(CSDlgClose, TellsTheControlsOfOk) {
+class CSDlgOkControls : public testing::TestWithParam<CloseCase> {};
+TEST_P(CSDlgOkControls, TellsTheControlsOfOk) {
     Dialogs t;
     EXPECT_EQ(1, t.dialog.CloseDialog(GetParam().nResult, GetParam().nOkControls));
     EXPECT_EQ(GetParam().bTold ? 1 : 0, t.ctrl.CountLogged("OnOK"));
 }
-INSTANTIATE_TEST_SUITE_P(Cases, CSDlgClose,
+INSTANTIATE_TEST_SUITE_P(Cases, CSDlgOkControls,
                          testing::Values(CloseCase{1, 1, true}, CloseCase{1, 0, false},
                                          CloseCase{1, -1, true}, CloseCase{2, -1, false},
                                          CloseCase{2, 1, true}, CloseCase{0, -1, true},
@@ -399,16 +401,16 @@ INSTANTIATE_TEST_SUITE_P(Cases, CSDlgClose,
 TEST(CSDlgControls, ControlsMayGoWhileOkIsTold) {
     struct : Ctrl {
         void OnOK() override {
-            ::DestroyWindow(::GetDlgItem(*dlg, IDC_OTHER_EDIT));
+            ::DestroyWindow(::GetDlgItem(*dlg, IDC_CTL_OTHER_EDIT));
             ::DestroyWindow(*this);
         }
     } ctrl;
     Ctrl gone, behind;
     CtrlDialog dialog;
     dialog.onInit = [&] {
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
-        gone.Init(&dialog, IDC_OTHER_EDIT, nullptr, 0);
-        behind.Init(&dialog, IDC_BUTTON, nullptr, 0);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
+        gone.Init(&dialog, IDC_CTL_OTHER_EDIT, nullptr, 0);
+        behind.Init(&dialog, IDC_CTL_BUTTON, nullptr, 0);
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_EQ(1, dialog.CloseDialog(1, 1));
@@ -422,45 +424,45 @@ TEST(CSDlgControls, ControlsMayGoWhileOkIsTold) {
 TEST(CSDlgControls, TextOfAControlIsItsFormatAgainAndAgain) {
     Dialogs t;
     for (int n : {1, 2, 30}) {
-        EXPECT_NE(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_FORMAT, n, L"many"));
-        EXPECT_EQ(L"Step " + std::to_wstring(n) + L" of many", WndText(t.Item(IDC_FORMAT)));
+        EXPECT_NE(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_CTL_FORMAT, n, L"many"));
+        EXPECT_EQ(L"Step " + std::to_wstring(n) + L" of many", WndText(t.Item(IDC_CTL_FORMAT)));
     }
-    EXPECT_STREQ(L"Step %d of %s", t.dialog.GetDlgCtrl(IDC_FORMAT)->GetOriginalText());
+    EXPECT_STREQ(L"Step %d of %s", t.dialog.GetDlgCtrl(IDC_CTL_FORMAT)->GetOriginalText());
 }
 
 TEST(CSDlgControls, TextFormatOfAControlWithoutObjectGivesItOne) {
     CtrlDialog dialog;
     bool bHad = true, bHas = false;
     dialog.onInit = [&] {
-        bHad = dialog.GetDlgCtrl(IDC_FORMAT) != nullptr;
-        dialog.SetDlgItemTextFmtCtrl(IDC_FORMAT, 1, L"2");
-        bHas = dialog.GetDlgCtrl(IDC_FORMAT) != nullptr;
+        bHad = dialog.GetDlgCtrl(IDC_CTL_FORMAT) != nullptr;
+        dialog.SetDlgItemTextFmtCtrl(IDC_CTL_FORMAT, 1, L"2");
+        bHas = dialog.GetDlgCtrl(IDC_CTL_FORMAT) != nullptr;
     };
     ASSERT_TRUE(dialog.Run(IDD_CONTROLS));
     EXPECT_FALSE(bHad);
     EXPECT_TRUE(bHas);
-    EXPECT_EQ(L"Step 1 of 2", WndText(::GetDlgItem(dialog, IDC_FORMAT)));
-    dialog.SetDlgItemTextFmtCtrl(IDC_FORMAT, 3, L"4");
-    EXPECT_EQ(L"Step 3 of 4", WndText(::GetDlgItem(dialog, IDC_FORMAT)));
+    EXPECT_EQ(L"Step 1 of 2", WndText(::GetDlgItem(dialog, IDC_CTL_FORMAT)));
+    dialog.SetDlgItemTextFmtCtrl(IDC_CTL_FORMAT, 3, L"4");
+    EXPECT_EQ(L"Step 3 of 4", WndText(::GetDlgItem(dialog, IDC_CTL_FORMAT)));
 }
 
 TEST(CSDlgControls, HostileFormatOfAControlIsText) {
     Dialogs t;
-    EXPECT_NE(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_HOSTILE_FORMAT));
-    EXPECT_EQ(L"%n and 100%", WndText(t.Item(IDC_HOSTILE_FORMAT)));
+    EXPECT_NE(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_CTL_HOSTILE_FORMAT));
+    EXPECT_EQ(L"%n and 100%", WndText(t.Item(IDC_CTL_HOSTILE_FORMAT)));
 }
 
 TEST(CSDlgControls, LongTextOfAControlIsCut) {
     Dialogs t;
     std::wstring str(2000, L'x');
-    EXPECT_NE(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_FORMAT, 1, str.c_str()));
-    EXPECT_EQ((L"Step 1 of " + str).substr(0, 1023), WndText(t.Item(IDC_FORMAT)));
+    EXPECT_NE(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_CTL_FORMAT, 1, str.c_str()));
+    EXPECT_EQ((L"Step 1 of " + str).substr(0, 1023), WndText(t.Item(IDC_CTL_FORMAT)));
 }
 
 TEST(CSDlgControls, TextFormatOfAMissingControlLeavesNothing) {
     Dialogs t;
     long nBefore = CountLiveBlocks();
-    EXPECT_EQ(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_MISSING, 1, L"x"));
+    EXPECT_EQ(0, t.dialog.SetDlgItemTextFmtCtrl(IDC_CTL_MISSING, 1, L"x"));
     EXPECT_EQ(nBefore, CountLiveBlocks());
 }
 
@@ -468,7 +470,7 @@ TEST(CSDlgControls, TextFormatWithoutMemoryDoesNotCrash) {
     CtrlDialog dialog;
     dialog.onInit = [&] {
         NoMemory none;
-        dialog.SetDlgItemTextFmtCtrl(IDC_FORMAT, 1, L"x");
+        dialog.SetDlgItemTextFmtCtrl(IDC_CTL_FORMAT, 1, L"x");
     };
     EXPECT_TRUE(dialog.Run(IDD_CONTROLS));
 }

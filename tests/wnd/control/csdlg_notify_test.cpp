@@ -13,14 +13,14 @@ using Ctrl = Recorded<CSCtrl>;
 
 // WM_NOTIFY
 
-TEST(CSDlgNotify, NotificationEndsAtItsControl) {
+TEST(CSDlgNotified, NotificationEndsAtItsControl) {
     Dialogs t;
     t.ctrl.onNotify = [&](NMHDR* pHdr, __int64* plResult) {
         EXPECT_EQ(t.ctrl.hWnd, pHdr->hwndFrom);
         *plResult = 0x77;
         return pHdr->code == 5u;
     };
-    NMHDR hdr{t.ctrl.hWnd, IDC_BUTTON, 5};
+    NMHDR hdr{t.ctrl.hWnd, IDC_CTL_BUTTON, 5};
     EXPECT_EQ(0x77, t.Notify(&hdr));
     hdr.code = 6;
     EXPECT_EQ(0, t.Notify(&hdr)) << "the result is not the control's";
@@ -28,7 +28,7 @@ TEST(CSDlgNotify, NotificationEndsAtItsControl) {
     EXPECT_EQ(Log{}, t.dialog.log) << "no tooltip was asked for";
 }
 
-TEST(CSDlgNotify, NotificationOfAChildGoesToTheControlAroundIt) {
+TEST(CSDlgNotified, NotificationOfAChildGoesToTheControlAroundIt) {
     Dialogs t;
     PlainWnd inside(t.ctrl.hWnd);
     PlainWnd deep(static_cast<HWND>(inside));
@@ -41,7 +41,7 @@ TEST(CSDlgNotify, NotificationOfAChildGoesToTheControlAroundIt) {
     EXPECT_EQ(Log{}, t.ctrl.log) << "one level up, no more";
 }
 
-TEST(CSDlgNotify, ControlsOwnObjectComesBeforeItsParents) {
+TEST(CSDlgNotified, ControlsOwnObjectComesBeforeItsParents) {
     Dialogs t;
     Ctrl inner;
     HWND hwndInner = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, t.ctrl.hWnd,
@@ -54,11 +54,11 @@ TEST(CSDlgNotify, ControlsOwnObjectComesBeforeItsParents) {
     ::DestroyWindow(hwndInner);
 }
 
-TEST(CSDlgNotify, NotificationWithoutASourceGivesZero) {
+TEST(CSDlgNotified, NotificationWithoutASourceGivesZero) {
     Dialogs t;
     t.dialog.onTipText = [](wchar_t*, unsigned) { return 1; };
     NMTTDISPINFOW info{};
-    info.hdr = {nullptr, IDC_BUTTON, TTN_NEEDTEXTW};
+    info.hdr = {nullptr, IDC_CTL_BUTTON, TTN_NEEDTEXTW};
     EXPECT_EQ(0, t.Notify(&info.hdr));
     EXPECT_EQ(Log{}, t.dialog.log);
     info.hdr.hwndFrom = DeadWindow();
@@ -70,10 +70,10 @@ TEST(CSDlgNotify, NotificationWithoutASourceGivesZero) {
 
 struct Tips : Dialogs {
     Tips() {
-        info.hdr = {Item(IDC_EDIT), IDC_BUTTON, TTN_NEEDTEXTW};
+        info.hdr = {Item(IDC_CTL_EDIT), IDC_CTL_BUTTON, TTN_NEEDTEXTW};
         info.hinst = kInstance;
         info.lpszText = kText;
-        narrow.hdr = {Item(IDC_EDIT), IDC_BUTTON, TTN_NEEDTEXTA};
+        narrow.hdr = {Item(IDC_CTL_EDIT), IDC_CTL_BUTTON, TTN_NEEDTEXTA};
         narrow.hinst = kInstance;
         narrow.lpszText = reinterpret_cast<char*>(kText);
         for (auto& ch : info.szText) ch = L'#';
@@ -84,8 +84,8 @@ struct Tips : Dialogs {
 
     static inline const HINSTANCE kInstance = reinterpret_cast<HINSTANCE>(0x1234);
     static inline wchar_t* const kText = reinterpret_cast<wchar_t*>(0x5678);
-    const std::string strAskString = "tip string " + std::to_string(IDC_BUTTON);
-    const std::string strAskText = "tip text " + std::to_string(IDC_BUTTON) + " 80";
+    const std::string strAskString = "tip string " + std::to_string(IDC_CTL_BUTTON);
+    const std::string strAskText = "tip text " + std::to_string(IDC_CTL_BUTTON) + " 80";
     NMTTDISPINFOW info{};
     NMTTDISPINFOA narrow{};
 };
@@ -205,14 +205,14 @@ TEST(CSDlgTooltip, OtherCodesAskForNothing) {
 TEST(CSDlgTooltip, RealTooltipShowsBothForms) {
     INITCOMMONCONTROLSEX init{sizeof(init), ICC_BAR_CLASSES};
     ::InitCommonControlsEx(&init);
-    Dialogs t(IDC_BUTTON, 1);
+    Dialogs t(IDC_CTL_BUTTON, 1);
     HWND hwndTip = ::CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP, 0, 0, 0, 0,
                                      t.dialog, nullptr, nullptr, nullptr);
     ASSERT_NE(nullptr, hwndTip);
     TTTOOLINFOW tool{};
     tool.cbSize = TTTOOLINFOW_V2_SIZE;
     tool.hwnd = t.dialog;
-    tool.uId = IDC_BUTTON;
+    tool.uId = IDC_CTL_BUTTON;
     tool.lpszText = LPSTR_TEXTCALLBACKW;
     tool.hinst = ::GetModuleHandleW(nullptr);
     ASSERT_NE(0, ::SendMessageW(hwndTip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool)));

@@ -115,7 +115,7 @@ TEST(CSEditLook, BrushThatCannotBeMadeIsNone) {
 }
 
 TEST(CSEditLook, DialogPaintsTheEditWithIt) {
-    Edits<> t(IDC_EDIT, 1);
+    Edits<> t(IDC_CTL_EDIT, 1);
     t.edit.SetBkgColor(RGB(0, 200, 100));
     auto Pixel = [&] {
         RECT rc{};
@@ -147,10 +147,10 @@ struct BalloonCase {
     DWORD nMajor, nMinor;
     bool bHas;
 };
-class CSEditBalloon : public testing::TestWithParam<BalloonCase> {};
+using CSEditBalloon = SharedBy<Edits<>, BalloonCase>;
 TEST_P(CSEditBalloon, ComesFromWindowsXpOn) {
     auto& row = GetParam();
-    Edits<> t;
+    auto& t = Get();
     // Read while the message is there: the record is the caller's.
     struct Balloon {
         DWORD cb;

@@ -20,10 +20,10 @@ struct OperationCase {
     LPARAM lParam;
     LRESULT lAnswer, lResult; // of the window and of the operation
 };
-class CSEditOperation : public testing::TestWithParam<OperationCase> {};
+using CSEditOperation = SharedBy<Edits<CSMultiLineEdit>, OperationCase>;
 TEST_P(CSEditOperation, IsOneMessageWithItsResult) {
     auto& row = GetParam();
-    Edits<CSMultiLineEdit> t;
+    auto& t = Get();
     t.AnswerAll(row.uMsg, row.lAnswer);
     EXPECT_EQ(row.lResult, row.fn(t.edit));
     ASSERT_EQ(1u, t.tap->seen.size());
@@ -145,7 +145,7 @@ TEST(CSEdit, RealEditDoesWhatIsAsked) {
 }
 
 TEST(CSMultiLineEdit, CountsRealLines) {
-    Edits<CSMultiLineEdit> t(IDC_MULTI_EDIT);
+    Edits<CSMultiLineEdit> t(IDC_CTL_MULTI_EDIT);
     EXPECT_EQ(1, t.edit.GetLineCount());
     t.SetText(L"ab\r\ncde\r\n");
     EXPECT_EQ(3, t.edit.GetLineCount());
@@ -163,10 +163,10 @@ struct ReadOnlyCase {
     LPARAM lParam;
     bool bSwallowed; // while read-only
 };
-class CSEditReadOnly : public testing::TestWithParam<ReadOnlyCase> {};
+using CSEditReadOnly = SharedBy<Edits<>, ReadOnlyCase>;
 TEST_P(CSEditReadOnly, SwallowsWhatWouldChangeTheText) {
     auto& row = GetParam();
-    Edits<> t;
+    auto& t = Get();
     t.AnswerAll(row.uMsg, 4711);
     for (int bReadOnly : {0, 1, 0, 2}) {
         t.edit.SetReadOnly(bReadOnly);
@@ -239,7 +239,7 @@ TEST(CSEdit, SoftReadOnlyIsCopiedFrom) {
 }
 
 TEST(CSEdit, SoftReadOnlyAgainstRealKeys) {
-    Edits<> t(IDC_EDIT, 1);
+    Edits<> t(IDC_CTL_EDIT, 1);
     t.SetText(L"text");
     ASSERT_TRUE(FocusIn(t.dialog, t.Get()));
     t.edit.SetReadOnly(1);
@@ -261,10 +261,10 @@ struct SelectCase {
     LPARAM lParam;
     bool bSwallowed;
 };
-class CSEditSelAll : public testing::TestWithParam<SelectCase> {};
+using CSEditSelAll = SharedBy<Edits<>, SelectCase>;
 TEST_P(CSEditSelAll, IsBlockedOnce) {
     auto& row = GetParam();
-    Edits<> t;
+    auto& t = Get();
     t.AnswerAll(EM_SETSEL, 4711);
     t.edit.BlockNextSelAll(1);
     EXPECT_EQ(row.bSwallowed ? 0 : 4711, t.Send(EM_SETSEL, row.wParam, row.lParam));
@@ -294,16 +294,16 @@ TEST(CSEdit, OtherMessagesLeaveTheBlock) {
 }
 
 TEST(CSEdit, TabSelectsAllUnlessBlocked) {
-    Edits<> t(IDC_EDIT, 1);
+    Edits<> t(IDC_CTL_EDIT, 1);
     t.SetText(L"some text");
-    ASSERT_TRUE(FocusIn(t.dialog, ::GetDlgItem(t.dialog, IDC_OTHER_EDIT)));
+    ASSERT_TRUE(FocusIn(t.dialog, ::GetDlgItem(t.dialog, IDC_CTL_OTHER_EDIT)));
     t.edit.SetSel(2, 4);
     t.edit.BlockNextSelAll(1);
     ASSERT_TRUE(SendKey(VK_TAB));
     ASSERT_TRUE(PumpDialogUntil(t.dialog, [&] { return ::GetFocus() == t.Get(); }));
     EXPECT_TRUE(PumpDialogUntil(t.dialog, [&] { return t.edit.blockSelAll == 0; }));
     EXPECT_EQ(std::pair(2, 4), t.Selection());
-    ASSERT_NE(nullptr, ::SetFocus(::GetDlgItem(t.dialog, IDC_OTHER_EDIT)));
+    ASSERT_NE(nullptr, ::SetFocus(::GetDlgItem(t.dialog, IDC_CTL_OTHER_EDIT)));
     ASSERT_TRUE(SendKey(VK_TAB));
     EXPECT_TRUE(PumpDialogUntil(t.dialog, [&] { return t.Selection() == std::pair(0, 9); }));
 }

@@ -8,6 +8,7 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -195,6 +196,23 @@ inline std::wstring WndText(HWND hwnd) {
     return str;
 }
 
+/// Rows of a table that share one T, made before the first and Reset after each: with checked heaps
+/// a dialog takes its time.
+template <class T, class Row>
+class SharedBy : public testing::TestWithParam<Row> {
+  public:
+    static void SetUpTestSuite() { pShared = std::make_unique<T>(); }
+    static void TearDownTestSuite() { pShared.reset(); }
+    void SetUp() override { pShared->Reset(); }
+    void TearDown() override { pShared->Reset(); }
+
+  protected:
+    static T& Get() { return *pShared; }
+
+  private:
+    static inline std::unique_ptr<T> pShared;
+};
+
 /// PumpUntil with the keys of a dialog.
 template <class Fn>
 bool PumpDialogUntil(HWND hwndDlg, Fn fnDone) {
@@ -228,11 +246,15 @@ using Log = std::vector<std::string>;
 
 /// The dialog of all kinds of controls, with one of them tied to an object.
 struct Dialogs {
-    explicit Dialogs(int nId = IDC_BUTTON, int nShow = 0) {
+    explicit Dialogs(int nId = IDC_CTL_BUTTON, int nShow = 0) {
         dialog.onInit = [this, nId] { ctrl.Init(&dialog, static_cast<unsigned>(nId), nullptr, 0); };
         EXPECT_TRUE(dialog.Run(IDD_CONTROLS, nShow));
         dialog.log.clear();
         ctrl.log.clear();
+    }
+    void Reset() {
+        ctrl.log.clear();
+        dialog.log.clear();
     }
     HWND Item(int nId) { return ::GetDlgItem(dialog, nId); }
     LRESULT Command(int nId, int nCode, HWND hwndCtl) {

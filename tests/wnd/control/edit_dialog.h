@@ -10,13 +10,19 @@
 /// A dialog whose edit is tied to an object, with a tap below that.
 template <class Base = CSEdit>
 struct Edits {
-    explicit Edits(int nId = IDC_EDIT, int nShow = 0) {
+    explicit Edits(int nId = IDC_CTL_EDIT, int nShow = 0) {
         dialog.onInit = [this, nId] {
             tap.emplace(::GetDlgItem(dialog, nId));
             edit.Init(&dialog, static_cast<unsigned>(nId), nullptr, 0);
         };
         EXPECT_TRUE(dialog.Run(IDD_EDITS, nShow));
         tap->seen.clear();
+    }
+    void Reset() {
+        tap->answer = nullptr;
+        tap->seen.clear();
+        edit.SetReadOnly(0);
+        edit.BlockNextSelAll(0);
     }
     HWND Get() const { return edit.hWnd; }
     LRESULT Send(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) const {

@@ -35,8 +35,8 @@ TEST_F(ControlsByProcedure, ControlSeesMessagesAndNotifications) {
     CtrlDialog dialog;
     WNDPROC pfnBefore = nullptr;
     ASSERT_TRUE(RunWith(dialog, [&] {
-        pfnBefore = ProcOf(::GetDlgItem(dialog, IDC_EDIT));
-        edit.Init(&dialog, IDC_EDIT, nullptr, 0);
+        pfnBefore = ProcOf(::GetDlgItem(dialog, IDC_CTL_EDIT));
+        edit.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
     }));
     EXPECT_NE(pfnBefore, ProcOf(edit.hWnd));
     edit.SetReadOnly(1);
@@ -54,10 +54,10 @@ TEST_F(ControlsByProcedure, TypedObjectTakesThePlaceOfThePlainOne) {
     Recorded<CSCtrl> ctrl;
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [&] {
-        CSCtrl::AutoInit(&dialog, IDC_EDIT);
-        ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+        CSCtrl::AutoInit(&dialog, IDC_CTL_EDIT);
+        ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
     }));
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     ctrl.messages.clear();
     ::SendMessageW(ctrl.hWnd, WM_APP, 0, 0);
     EXPECT_EQ(1, ctrl.Count(WM_APP));
@@ -69,23 +69,23 @@ TEST_F(ControlsByProcedure, PlainObjectGoesAfterItsLastFrame) {
     ctrl.messages.reserve(200);
     CtrlDialog dialog;
     ASSERT_TRUE(RunWith(dialog, [] {}));
-    HWND hwnd = ::GetDlgItem(dialog, IDC_EDIT);
+    HWND hwnd = ::GetDlgItem(dialog, IDC_CTL_EDIT);
     int nDepth = 0;
     ProbeHook hook([&](CSWnd*, UINT uMsg, WPARAM, LPARAM, LRESULT*) {
         if (uMsg != WM_SETTEXT) return 0;
         if (++nDepth < 3) {
             ::SetWindowTextW(hwnd, L"inner");
         } else {
-            ctrl.Init(&dialog, IDC_EDIT, nullptr, 0);
+            ctrl.Init(&dialog, IDC_CTL_EDIT, nullptr, 0);
         }
         return 0;
     });
-    dialog.GetDlgCtrl(IDC_EDIT)->AddWndHook(&hook);
+    dialog.GetDlgCtrl(IDC_CTL_EDIT)->AddWndHook(&hook);
     long nBefore = CountLiveBlocks();
     EXPECT_NE(FALSE, ::SetWindowTextW(hwnd, L"outer"));
     EXPECT_LT(CountLiveBlocks(), nBefore);
     EXPECT_EQ(L"outer", WndText(hwnd)) << "the messages under way went where they were to go";
-    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_EDIT));
+    EXPECT_EQ(&ctrl, dialog.GetDlgCtrl(IDC_CTL_EDIT));
     ctrl.messages.clear();
     ::SetWindowTextW(hwnd, L"again");
     EXPECT_EQ(1, ctrl.Count(WM_SETTEXT));
@@ -98,7 +98,7 @@ TEST_F(ControlsByProcedure, ComboHasItsEditField) {
     int nTold = 0;
     dialog.onCommand = [&](unsigned, unsigned nCode, HWND) { nTold += nCode == CSCombo::kTextSet; };
     ASSERT_TRUE(RunWith(
-        dialog, [&] { combo.Init(&dialog, IDC_COMBO, nullptr, 0); }, IDD_COMBOS));
+        dialog, [&] { combo.Init(&dialog, IDC_CTL_COMBO, nullptr, 0); }, IDD_COMBOS));
     HWND hwndEdit = ::GetDlgItem(combo, 1001);
     EXPECT_NE(nullptr, CSWnd::FromHandle(hwndEdit));
     ::SetWindowTextW(hwndEdit, L"text");

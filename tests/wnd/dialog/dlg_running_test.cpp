@@ -30,6 +30,23 @@ TEST(CSDlgModal, ReturnsAndKeepsWhatCloseDialogWasGiven) {
     EXPECT_EQ(0, dlg.isModeless);
 }
 
+TEST(CSDlgRunning, ObjectThatRunsGetsNoSecondWindow) {
+    ProbeDlg dlg;
+    EXPECT_EQ(42, dlg.RunModal([](ProbeDlg& d) {
+        HWND hwnd = d, hwndCreated = nullptr;
+        EXPECT_EQ(nullptr, d.Modeless(IDD_DIALOG_HIDDEN, nullptr, nullptr, 0));
+        EXPECT_EQ(-1, d.Modal(IDD_DIALOG_HIDDEN, nullptr, nullptr));
+        EXPECT_EQ(-1, d.ModelessWithLoop(0, IDD_DIALOG_HIDDEN, nullptr, nullptr, &hwndCreated));
+        EXPECT_EQ(0, d.CreateIndirect(TemplateInMemory(IDD_DIALOG_HIDDEN), nullptr));
+        EXPECT_EQ(hwnd, d);
+        EXPECT_EQ(0, d.isModeless);
+        EXPECT_EQ(0, d.hasOwnLoop);
+        d.CloseDialog(42, 0);
+    }));
+    dlg.isClosed = 0;
+    EXPECT_EQ(43, dlg.RunModal([](ProbeDlg& d) { d.CloseDialog(43, 0); })) << "when it has ended";
+}
+
 TEST(CSDlgModal, NegativeAndLargeResultsArriveAsTheyAre) {
     for (int nResult : {-5, 0, INT_MAX, INT_MIN}) {
         ProbeDlg dlg;

@@ -173,7 +173,7 @@ TEST_F(ChildDialog, PageInAPageForwardsUpward) {
 }
 
 TEST_F(ChildDialog, TakesNoForeground) {
-    ASSERT_NE(nullptr, parent.Modeless(IDD_LAYOUT_MAIN, nullptr, nullptr, 1));
+    ::ShowWindow(parent, SW_SHOW);
     ParentDlg other;
     ASSERT_NE(nullptr, other.Modeless(IDD_LAYOUT_MAIN, nullptr, nullptr, 1));
     ::SetForegroundWindow(other);

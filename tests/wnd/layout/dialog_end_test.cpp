@@ -4,6 +4,7 @@
 #include "wnd/wnd_probe.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 
 // Dialogs that end, or lose their controls, in a handler that their layout calls.
 
@@ -53,6 +54,9 @@ TEST_P(EndingDialog, ClosedWhileItComesUpIsGone) {
     EXPECT_TRUE(bEnded);
     EXPECT_TRUE(dlg.IsClosed());
     EXPECT_FALSE(::IsWindow(dlg));
+    if (GetParam() != Place::kInitDone) {
+        EXPECT_EQ(0, std::count(dlg.log.begin(), dlg.log.end(), "InitDone"));
+    }
 }
 
 TEST_P(EndingDialog, ItsObjectMayGoWithIt) {

@@ -305,6 +305,16 @@ TEST_F(AlignDialog, CascadesOverItsOwnerOrTheDesktop) {
     EXPECT_EQ(dy, rc.top);
 }
 
+TEST_F(AlignDialog, CascadesOverTheDesktopFromAnyMonitor) {
+    FakeMonitors screen(FakeMonitors::Two());
+    LayoutDlg dlg;
+    dlg.alignMode = kDlgCascaded;
+    dlg.onInitDone = [&] { PlaceWindow(dlg, {1500, 100, 1800, 300}); };
+    ASSERT_TRUE(dlg.Make(IDD_LAYOUT_EMPTY));
+    EXPECT_EQ(::GetSystemMetrics(SM_CXVSCROLL), WindowRect(dlg).left);
+    EXPECT_EQ(::GetSystemMetrics(SM_CYCAPTION), WindowRect(dlg).top);
+}
+
 POINT ptCursor{123, 234};
 int nCursorAnswer = 1;
 BOOL WINAPI ToldCursor(POINT* ppt) {

@@ -10,7 +10,7 @@
 namespace {
 constexpr int kFirstItem = 1200, kItems = 8, kReach = 1500;
 // Together 100,000 operations: a step of sizes is three, one of groups some ten.
-constexpr int kCtrlSteps = 25000, kSizeSteps = 20000, kGroupSteps = 1500;
+constexpr int kCtrlSteps = 20000, kSizeSteps = 22000, kGroupSteps = 1500;
 
 /// Operations on the items of a hidden dialog, and what they should come to.
 class ItemModel {

@@ -1,5 +1,6 @@
 #include "support/replace_import.h"
 #include "support/wait_until.h"
+#include "wnd/layout/fake_monitors.h"
 #include "wnd/layout/layout_probe.h"
 
 #include <gtest/gtest.h>
@@ -248,7 +249,7 @@ TEST_F(DialogPlacement, StoredSmallerThanTheTemplateGrowsToIt) {
     EXPECT_EQ(dlg.minWidth, Width(WindowRect(dlg)));
     EXPECT_EQ(dlg.minHeight, Height(WindowRect(dlg)));
     ExpectSumsHold(dlg);
-    EXPECT_EQ(0, dlg.nSumDw);
+    EXPECT_EQ(0, dlg.nResizes) << "no item is moved for a size that never was";
 }
 
 TEST_F(DialogPlacement, OneDirectionTakesNoOtherFromTheRecord) {
@@ -270,6 +271,15 @@ TEST_F(DialogPlacement, AMonitorThatIsGoneLosesNoDialog) {
             << testing::PrintToString(WindowRect(dlg));
         ExpectSumsHold(dlg);
     }
+}
+
+TEST_F(DialogPlacement, WhatThePlatformLeavesOnNoMonitorIsCentered) {
+    FakeMonitors screen(std::vector<FakeMonitors::Monitor>{{{0, 0, 500, 350}, {0, 0, 500, 350}}});
+    Store({520, 360, 920, 660});
+    LayoutDlg dlg;
+    ASSERT_TRUE(Run(dlg));
+    EXPECT_EQ((RECT{50, 25, 450, 325}), WindowRect(dlg));
+    ExpectSumsHold(dlg);
 }
 
 TEST_F(DialogPlacement, DamagedRecordsStillGiveADialog) {

@@ -165,7 +165,9 @@ struct PrintTextTest : testing::Test {
     }
     /// Whatever the user chose has been given back.
     void ExpectAllFreed() {
-        if (calls.asked.hDC) EXPECT_EQ(1u, calls.deleted.count(calls.asked.hDC));
+        if (calls.asked.hDC) {
+            EXPECT_EQ(1u, calls.deleted.count(calls.asked.hDC));
+        }
         EXPECT_EQ(1u, calls.freed.count(calls.asked.hDevMode));
         EXPECT_EQ(1u, calls.freed.count(calls.asked.hDevNames));
     }

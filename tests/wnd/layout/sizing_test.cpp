@@ -168,6 +168,7 @@ TEST_F(DialogSizing, FixedWidthTakesOnlyTheHeightFromTheRecord) {
     ASSERT_TRUE(Make(kDlgFixedWidth, &record));
     EXPECT_EQ(350, Width(WindowRect(dlg)));
     EXPECT_EQ(400, Height(WindowRect(dlg)));
+    EXPECT_EQ(350, dlg.curWidth);
     EXPECT_EQ(0, dlg.nResizes);
 }
 
