@@ -168,13 +168,13 @@ int DrawHTML::WriteText(HDC hdc, const wchar_t*& text, const wchar_t* end, DrawH
     const int limit = rcLayout.right - kMargin;
     LineBuffer line;
     line.sz[0] = 0;
-    pchWordLimit = line.sz + kWordLimit;
     if (SkipWhiteSpace(text)) line.Append(L' '); // blanks are one, also behind a tag
     const wchar_t* wordStart = text;
     while (true) {
         const int nBefore = line.n;
         wchar_t* dest = line.sz + line.n;
-        if (!GetNextWord(dest, text, firstLT)) break;
+        if (line.n >= kWordLimit) break; // goes on in a buffer of its own, on the same line
+        if (!CopyWord(dest, line.sz + kWordLimit, text, firstLT)) break;
         firstLT = 0;
         line.n = static_cast<int>(dest - line.sz);
         line.Measure(hdc);
