@@ -226,6 +226,17 @@ TEST(DrawHTMLLayout, EntityAtTheBuffersEndIsNotTornApart) {
     }
 }
 
+TEST(DrawHTMLLayout, CutBehindAnEntityResumesLate) {
+    // The cut takes three characters back, of which the source has more.
+    HtmlStage stage;
+    auto runs = stage.Paint(L"abcdefghij&amp;kl", TallRect(102));
+    ASSERT_EQ(2u, runs.size());
+    EXPECT_EQ(L"abcdefghij", runs[0].strText);
+    EXPECT_EQ(L";kl ", runs[1].strText);
+    // Before it nothing is lost.
+    EXPECT_EQ(L"&bcdefghijkl ", JoinRuns(stage.Paint(L"&amp;bcdefghijkl", TallRect(102))));
+}
+
 TEST(DrawHTMLLayout, LongRunWrapsLikeAnyOther) {
     HtmlStage stage;
     const std::wstring str(3000, L'x');

@@ -285,6 +285,17 @@ TEST(DrawHTMLLinkQueries, WrappedLinkIsHitOnTheEmptyPartOfItsLines) {
     EXPECT_EQ(0, stage.html.IsLinkArea(&stage.links, 50, 41));
 }
 
+TEST(DrawHTMLLinkQueries, LinkWithABreakMayBeHitNowhere) {
+    HtmlStage stage;
+    RECT rc = TallRect();
+    stage.Draw(DrawMeasure, L"xx<A>aa<BR>b</A>", &rc);
+    ASSERT_EQ(1u, stage.links.GetLinkCount());
+    for (int x = 0; x < 100; ++x)
+        for (int y = 0; y < 60; ++y) EXPECT_EQ(0, stage.html.IsLinkArea(&stage.links, x, y));
+    stage.Draw(DrawMeasure, L"<A>a<BR>bbb</A>", &rc);
+    EXPECT_EQ(1, stage.html.IsLinkArea(&stage.links, 25, 5)) << "beside its first line, too";
+}
+
 TEST(DrawHTMLLinkQueries, TextWithoutAListLeavesNothingBehind) {
     HtmlStage stage;
     RECT rc = TallRect();

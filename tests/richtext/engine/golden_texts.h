@@ -109,6 +109,8 @@ constexpr GoldenText kGoldenTexts[] = {
      L"10,5:aaaa_bbbb 10,26:_cccc 10,47:_dddd_eeee_", 62, kTenWide},
     {"WrapBehindATag", L"<B>aaaa</B> bbbb cccc", L"10,5;b:aaaa 50,5:_bbbb_ 10,26:cccc_", 41,
      kTenWide},
+    {"WrapOfAHighLine", L"aa <H>b</H> cc dd ee", L"10,9:aa_ 40,5;h/24:b 50,9:_cc_dd_ 10,30:ee_", 45,
+     kTenWide},
     {"WrapOfTheFirstWordOfARun", L"aaaaaaaa<B>bbbb</B>", L"10,5:aaaaaaaa 10,26;b:bbbb", 41,
      kTenWide},
     {"LongWord", L"abcdefghijklmno", L"10,5:abcdefghij 10,26:klmno_", 41, kTenWide},
@@ -150,6 +152,7 @@ constexpr GoldenText kGoldenTexts[] = {
      L"10,5:a 10,26:b 10,47:c mark",
      62,
      {10, 5, 412, 47}},
+    {"WordsAtTheBottom", L"a<BR>b c", L"10,5:a 10,26:b_ mark", 41, {10, 5, 412, 26}},
     {"EndBelowTheBottom", L"a<BR>b<BR>c", L"10,5:a 10,26:b 10,47:c_", 62, {10, 5, 412, 47}},
     // Centring
     {"Center", L"<CENTER>ab</CENTER>c", L"205,5:ab 30,5:c_", 20},
