@@ -224,6 +224,7 @@ class TESSALY_API DrawHTML {
     void CloseSpan(HDC hdc, const wchar_t*& text, const wchar_t* item);
     void CloseLink(DrawHTMLLinkArea* pArea, DrawHTMLLinks* links, const wchar_t* pszBegin,
                    const wchar_t* pszEnd);
+    int CopyWord(wchar_t*& dest, const wchar_t* pchDestEnd, const wchar_t*& text, int firstLT);
     void SetHeight(int cy);
     bool CutToFit(HDC hdc, LineBuffer& line, const wchar_t*& text);
     int DrawLine(HDC hdc, const LineBuffer& line, bool bFlush);
@@ -234,7 +235,6 @@ class TESSALY_API DrawHTML {
     void KeepFontsOfOpenTags(HDC hdc);
     void DeleteKeptFonts();
 
-    CSList listKeptFonts;            // of HFONT: of tags that were never closed, still selected
-    wchar_t* pchWordLimit = nullptr; // GetNextWord writes only before it
-    SpanEnd* pSpanEnds = nullptr;    // during Draw: where closing tags were found
+    CSList listKeptFonts;         // of HFONT: of tags that were never closed, still selected
+    SpanEnd* pSpanEnds = nullptr; // during Draw: where closing tags were found
 };

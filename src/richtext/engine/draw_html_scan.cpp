@@ -3,6 +3,7 @@
 #include "richtext/engine/draw_html.h"
 
 #include <cwchar>
+#include <string_view>
 
 namespace {
 constexpr wchar_t FoldAscii(wchar_t ch) {
@@ -13,6 +14,21 @@ constexpr wchar_t FoldAscii(wchar_t ch) {
 constexpr bool IsSpace(wchar_t ch) {
     return ch == L' ' || ch == L'\t' || ch == L'\r' || ch == L'\n';
 }
+
+/// Characters that may be more than part of a word; all others are copied at once.
+class SpecialChars {
+  public:
+    constexpr SpecialChars() {
+        for (wchar_t ch : {L'\0', L'<', L'&', L'\\', L'/', L' ', L'\t', L'\r', L'\n'})
+            bIs[ch] = true;
+    }
+    constexpr bool Has(wchar_t ch) const { return ch < kAscii && bIs[ch]; }
+
+  private:
+    static constexpr int kAscii = 128;
+    bool bIs[kAscii] = {};
+};
+constexpr SpecialChars kSpecialChars;
 
 struct Entity {
     const wchar_t* pszName;
@@ -65,54 +81,58 @@ int DrawHTML::SkipWhiteSpace(const wchar_t*& text) {
     return text != pStart;
 }
 
-// The caller has set pchWordLimit. Where that is reached the word ends as it would before a blank.
 int DrawHTML::GetNextWord(wchar_t*& dest, const wchar_t*& text, int firstLT) {
+    return CopyWord(dest, nullptr, text, firstLT); // no end is ever reached
+}
+
+/// Where the buffer's end is reached the word ends as it would before a blank.
+int DrawHTML::CopyWord(wchar_t*& dest, const wchar_t* pchDestEnd, const wchar_t*& text,
+                       int firstLT) {
     const wchar_t* const pchStart = dest;
-    for (; *text && dest < pchWordLimit; ++text) {
+    while (dest != pchDestEnd) {
         const wchar_t ch = *text;
-        if (ch == L'<') {
-            const wchar_t* p = text;
-            if (firstLT) {
+        if (kSpecialChars.Has(ch)) {
+            if (ch == 0) break;
+            if (ch == L'<') {
+                const wchar_t* p = text;
+                if (!firstLT && (!bLiteral || IsNextItem(p, pszKet_T))) break;
                 firstLT = 0; // text
-            } else if (!bLiteral || IsNextItem(p, pszKet_T)) {
-                break;
+            } else if (ch == L'&') {
+                if (wchar_t chEntity = bLiteral ? L'\0' : TakeEntity(text)) {
+                    *dest++ = chEntity;
+                    continue;
+                }
+            } else if (!bNoBreak && (IsSpace(ch) || dest != pchStart)) {
+                break; // a path can wrap behind each of its parts
             }
-        } else if (ch == L'&' && !bLiteral) {
-            if (wchar_t chEntity = TakeEntity(text)) {
-                *dest++ = chEntity;
-                --text; // the loop moves on
-                continue;
-            }
-        } else if (!bNoBreak) {
-            if (IsSpace(ch)) break;
-            // A path can wrap behind each of its parts.
-            if ((ch == L'\\' || ch == L'/') && dest != pchStart) break;
         }
         *dest++ = ch;
+        ++text;
     }
     *dest = 0;
     return dest != pchStart;
 }
 
 unsigned DrawHTML::GetHTMLTextStripTags(const wchar_t* html, wchar_t* out, int /*size*/) {
-    unsigned n = 0;
-    const auto put = [&](wchar_t ch) {
-        if (out) out[n] = ch;
-        ++n;
+    constexpr std::wstring_view kLineEnd = L"\r\n";
+    std::size_t n = 0;
+    const auto put = [&](std::wstring_view str) {
+        if (out) std::wmemcpy(out + n, str.data(), str.size());
+        n += str.size();
     };
     while (html && *html) {
-        if (*html != L'<') {
-            put(*html++);
-            continue;
-        }
+        const wchar_t* pEnd = html;
+        while (*pEnd && *pEnd != L'<') ++pEnd;
+        put({html, pEnd});
+        html = pEnd;
+        if (!*html) break;
         if (IsNextItem(html, pszBR)) {
-            put(L'\r');
-            put(L'\n');
+            put(kLineEnd);
             continue;
         }
         while (*html && *html != L'>') ++html;
         if (*html) ++html;
     }
     if (out) out[n] = 0;
-    return n + 1;
+    return static_cast<unsigned>(n + 1);
 }

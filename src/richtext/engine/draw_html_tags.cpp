@@ -261,7 +261,7 @@ void DrawHTML::ProcessFontChange(FontChange change, HDC hdc, const wchar_t*& tex
         if (pArea) pArea->StartRect(xPen - rcLayout.left, yPen - rcLayout.top);
     }
     ProcessText(hdc, text, pSpanEnd, links, tools);
-    if (pArea) CloseLink(pArea, links, pszBegin, text);
+    if (pArea) CloseLink(pArea, links, pszBegin, pSpanEnd);
     CloseSpan(hdc, text, pszClosing);
 }
 
