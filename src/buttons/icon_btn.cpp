@@ -76,10 +76,10 @@ LRESULT IconBtn::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (uMsg == WM_DROPFILES) return OnDropFilesMessage(wParam, lParam);
     LRESULT lResult = CSWnd::OnWndMessage(uMsg, wParam, lParam);
     switch (uMsg) {
-    case WM_ENABLE: InvalidateErase(nullptr); break;
+    case WM_ENABLE: Repaint(1); break;
     case BM_SETCHECK:
         dwCheck = (dwCheck & ~1ull) | (wParam & 1);
-        Invalidate(nullptr, 0);
+        Repaint(0);
         break;
     case BM_GETCHECK:
     case BM_GETSTATE: return (lResult & ~LRESULT{1}) | static_cast<LRESULT>(dwCheck & 1);
@@ -99,10 +99,15 @@ LRESULT IconBtn::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 void IconBtn::SetHover(int bOn) {
-    if (bHover == bOn || !IsReady()) return;
+    if (bHover == bOn) return;
     bHover = bOn;
-    if (bOn) CatchMouseOut(hWnd);
-    Invalidate(nullptr, 0);
+    if (bOn && IsReady()) CatchMouseOut(hWnd);
+    Repaint(0);
+}
+
+/// A null window would be all windows of the screen.
+void IconBtn::Repaint(int bErase) {
+    if (IsReady()) Invalidate(nullptr, bErase);
 }
 
 // Painting
