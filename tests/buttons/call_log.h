@@ -32,8 +32,7 @@ class CallLog {
   private:
     static BOOL WINAPI Invalidate(HWND hwndMsg, const RECT* prc, BOOL bErase) {
         if (!hwndMsg) pNow->str += "everything! ";
-        if (hwndMsg == pNow->hwnd)
-            pNow->str += prc ? "part " : bErase ? "erase " : "repaint ";
+        if (hwndMsg == pNow->hwnd) pNow->str += prc ? "part " : bErase ? "erase " : "repaint ";
         return pNow->invalidate.Original<decltype(::InvalidateRect)>()(hwndMsg, prc, bErase);
     }
     static BOOL WINAPI Track(TRACKMOUSEEVENT* pTrack) {

@@ -83,8 +83,8 @@ class DrawLog {
         }
         std::string strText = Narrow(cch < 0 ? psz : std::wstring(psz, cch));
         if (uFormat & DT_CALCRECT) {
-            pNow->lines.push_back(Format("rect '%s' %s %x", strText.c_str(), RectText(rc).c_str(),
-                                         uFormat));
+            pNow->lines.push_back(
+                Format("rect '%s' %s %x", strText.c_str(), RectText(rc).c_str(), uFormat));
         } else {
             pNow->lines.push_back(
                 Format("text '%s' %s %x color %06lx on %06lx%s font %s", strText.c_str(),

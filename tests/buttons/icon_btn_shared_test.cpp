@@ -135,29 +135,28 @@ TEST_P(IconBtnPen, HasItsStyleAndColour) {
     EXPECT_EQ(*GetParam().pcr, log.lopnColor);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Pens, IconBtnPen,
-    testing::Values(PenCase{"hoverDotted", kAlternate, &Btn::rgbHover},
-                    PenCase{"hoverDashed", kDot, &Btn::rgbHover},
-                    PenCase{"hoverSolid", kSolid, &Btn::rgbHover},
-                    PenCase{"linkDotted", kAlternate, &Btn::rgbLink[0]},
-                    PenCase{"linkDashed", kDot, &Btn::rgbLink[0]},
-                    PenCase{"linkSolid", kSolid, &Btn::rgbLink[0]},
-                    PenCase{"grayDotted", kAlternate, &Btn::rgbGray},
-                    PenCase{"grayDashed", kDot, &Btn::rgbGray},
-                    PenCase{"bkg", kSolid, &Btn::rgbBk[0]},
-                    PenCase{"focusText", kAlternate, &Btn::rgbText[0]},
-                    PenCase{"focusLink", kSolid, &Btn::rgbText[0]},
-                    PenCase{"focusBkg", kAlternate, &Btn::rgbBk[0]}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+INSTANTIATE_TEST_SUITE_P(Pens, IconBtnPen,
+                         testing::Values(PenCase{"hoverDotted", kAlternate, &Btn::rgbHover},
+                                         PenCase{"hoverDashed", kDot, &Btn::rgbHover},
+                                         PenCase{"hoverSolid", kSolid, &Btn::rgbHover},
+                                         PenCase{"linkDotted", kAlternate, &Btn::rgbLink[0]},
+                                         PenCase{"linkDashed", kDot, &Btn::rgbLink[0]},
+                                         PenCase{"linkSolid", kSolid, &Btn::rgbLink[0]},
+                                         PenCase{"grayDotted", kAlternate, &Btn::rgbGray},
+                                         PenCase{"grayDashed", kDot, &Btn::rgbGray},
+                                         PenCase{"bkg", kSolid, &Btn::rgbBk[0]},
+                                         PenCase{"focusText", kAlternate, &Btn::rgbText[0]},
+                                         PenCase{"focusLink", kSolid, &Btn::rgbText[0]},
+                                         PenCase{"focusBkg", kAlternate, &Btn::rgbBk[0]}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(IconBtn, BrushesAreSolid) {
     ProbeIconBtn button(0, 0, 3, 0, 0);
     const struct {
         HBRUSH hbr;
         COLORREF cr;
-    } rows[] = {{Btn::hbr[0], Btn::rgbBk[0]}, {Btn::hbr[1], Btn::rgbBk[1]},
-                {Btn::hbrBkg, Btn::rgbBk[0]}};
+    } rows[] = {
+        {Btn::hbr[0], Btn::rgbBk[0]}, {Btn::hbr[1], Btn::rgbBk[1]}, {Btn::hbrBkg, Btn::rgbBk[0]}};
     for (const auto& row : rows) {
         LOGBRUSH log{};
         ASSERT_NE(0, ::GetObjectW(row.hbr, sizeof(log), &log));

@@ -217,8 +217,13 @@ TEST_P(IconBtnBothLooks, ACheckIsBit0) {
     const struct {
         WPARAM wParam;
         unsigned __int64 qwBefore, qwAfter;
-    } rows[] = {{1, 0, 1}, {0, 1, 0}, {3, 0, 1}, {2, 1, 0}, {BST_INDETERMINATE, 1, 0},
-                {1, 0xF0F0F0F0F0F0F0F0, 0xF0F0F0F0F0F0F0F1}, {0, ~0ull, ~1ull}};
+    } rows[] = {{1, 0, 1},
+                {0, 1, 0},
+                {3, 0, 1},
+                {2, 1, 0},
+                {BST_INDETERMINATE, 1, 0},
+                {1, 0xF0F0F0F0F0F0F0F0, 0xF0F0F0F0F0F0F0F1},
+                {0, ~0ull, ~1ull}};
     for (const auto& row : rows) {
         button.dwCheck = row.qwBefore;
         Send(BM_SETCHECK, row.wParam);

@@ -13,7 +13,6 @@
 /// An icon button that lets tests see its fields and those of all icon buttons.
 class ProbeIconBtn : public IconBtn {
   public:
-    using IconBtn::IconBtn;
     using IconBtn::bHover;
     using IconBtn::DoSetFontProperties;
     using IconBtn::DrawFocus;
@@ -23,6 +22,7 @@ class ProbeIconBtn : public IconBtn {
     using IconBtn::hFontThis;
     using IconBtn::hIcon;
     using IconBtn::hIconHover;
+    using IconBtn::IconBtn;
     using IconBtn::sizeIconHover;
     using IconBtn::sizeIconNormal;
     using IconBtn::xPos;
@@ -83,12 +83,18 @@ struct NamedPen {
     HPEN* ppen;
 };
 inline const NamedPen kPens[] = {
-    {"hoverDotted", &ProbeIconBtn::penHoverDotted}, {"hoverDashed", &ProbeIconBtn::penHoverDashed},
-    {"hoverSolid", &ProbeIconBtn::penHoverSolid},   {"linkDotted", &ProbeIconBtn::penLinkDotted},
-    {"linkDashed", &ProbeIconBtn::penLinkDashed},   {"linkSolid", &ProbeIconBtn::penLinkSolid},
-    {"grayDotted", &ProbeIconBtn::penGrayDotted},   {"grayDashed", &ProbeIconBtn::penGrayDashed},
-    {"bkg", &ProbeIconBtn::penBkg},                 {"focusText", &ProbeIconBtn::penFocusText},
-    {"focusLink", &ProbeIconBtn::penFocusLink},     {"focusBkg", &ProbeIconBtn::penFocusBkg},
+    {"hoverDotted", &ProbeIconBtn::penHoverDotted},
+    {"hoverDashed", &ProbeIconBtn::penHoverDashed},
+    {"hoverSolid", &ProbeIconBtn::penHoverSolid},
+    {"linkDotted", &ProbeIconBtn::penLinkDotted},
+    {"linkDashed", &ProbeIconBtn::penLinkDashed},
+    {"linkSolid", &ProbeIconBtn::penLinkSolid},
+    {"grayDotted", &ProbeIconBtn::penGrayDotted},
+    {"grayDashed", &ProbeIconBtn::penGrayDashed},
+    {"bkg", &ProbeIconBtn::penBkg},
+    {"focusText", &ProbeIconBtn::penFocusText},
+    {"focusLink", &ProbeIconBtn::penFocusLink},
+    {"focusBkg", &ProbeIconBtn::penFocusBkg},
 };
 constexpr int kSharedObjects = static_cast<int>(std::size(kPens)) + 3; // and the brushes
 

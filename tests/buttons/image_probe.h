@@ -10,7 +10,6 @@
 /// An image button that lets tests see its fields.
 class ProbeImageBtn : public ImageBtn {
   public:
-    using ImageBtn::ImageBtn;
     using ImageBtn::bChecked;
     using ImageBtn::bHover;
     using ImageBtn::bIconMode;
@@ -21,6 +20,7 @@ class ProbeImageBtn : public ImageBtn {
     using ImageBtn::iDisabled;
     using ImageBtn::iFocus;
     using ImageBtn::iHover;
+    using ImageBtn::ImageBtn;
     using ImageBtn::imageList;
     using ImageBtn::iNormal;
     using ImageBtn::iPressed;
@@ -34,8 +34,10 @@ class ProbeImageBtn : public ImageBtn {
     }
     void OnDropFiles(HDROP hdrop) override {
         ++nDrops;
-        if (onDrop) onDrop();
-        else if (hdrop) ImageBtn::OnDropFiles(hdrop);
+        if (onDrop)
+            onDrop();
+        else if (hdrop)
+            ImageBtn::OnDropFiles(hdrop);
     }
 
     int nState = -1; // what BM_GETSTATE answers, if not negative
