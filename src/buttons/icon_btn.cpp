@@ -135,13 +135,15 @@ RECT IconBtn::PlaceContent(const RECT& rcItem, SIZE size, bool bShifted) const {
 
 void IconBtn::OnDrawItem(DRAWITEMSTRUCT* pItem) {
     CSDC dc(pItem->hDC, 1);
+    // Text and check are read where they lie: each message to the window goes the way of its
+    // subclassing, which costs more than all of the drawing.
     wchar_t szText[kTextSize] = {}, szShown[kTextSize];
-    GetText(szText, kTextSize);
+    ::DefWindowProcW(hWnd, WM_GETTEXT, kTextSize, reinterpret_cast<LPARAM>(szText));
     std::wmemcpy(szShown, szText, kTextSize);
     RemoveMenuChar(szShown);
     const Look look{(pItem->itemState & ODS_SELECTED) != 0, (pItem->itemState & ODS_FOCUS) != 0,
                     (pItem->itemState & ODS_DISABLED) != 0, szText};
-    const bool bChecked = (SendMsg(BM_GETSTATE, 0, 0) & BST_CHECKED) != 0;
+    const bool bChecked = (dwCheck & 1) != 0; // what BM_GETSTATE tells
     const bool bLink = IsLink();
 
     ::SetBkMode(dc, OPAQUE);
