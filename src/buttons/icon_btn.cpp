@@ -76,10 +76,10 @@ LRESULT IconBtn::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (uMsg == WM_DROPFILES) return OnDropFilesMessage(wParam, lParam);
     LRESULT lResult = CSWnd::OnWndMessage(uMsg, wParam, lParam);
     switch (uMsg) {
-    case WM_ENABLE: InvalidateErase(nullptr); break;
+    case WM_ENABLE: Repaint(1); break;
     case BM_SETCHECK:
         dwCheck = (dwCheck & ~1ull) | (wParam & 1);
-        Invalidate(nullptr, 0);
+        Repaint(0);
         break;
     case BM_GETCHECK:
     case BM_GETSTATE: return (lResult & ~LRESULT{1}) | static_cast<LRESULT>(dwCheck & 1);
@@ -99,10 +99,15 @@ LRESULT IconBtn::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 void IconBtn::SetHover(int bOn) {
-    if (bHover == bOn || !IsReady()) return;
+    if (bHover == bOn) return;
     bHover = bOn;
-    if (bOn) CatchMouseOut(hWnd);
-    Invalidate(nullptr, 0);
+    if (bOn && IsReady()) CatchMouseOut(hWnd);
+    Repaint(0);
+}
+
+/// A null window would be all windows of the screen.
+void IconBtn::Repaint(int bErase) {
+    if (IsReady()) Invalidate(nullptr, bErase);
 }
 
 // Painting
@@ -130,13 +135,15 @@ RECT IconBtn::PlaceContent(const RECT& rcItem, SIZE size, bool bShifted) const {
 
 void IconBtn::OnDrawItem(DRAWITEMSTRUCT* pItem) {
     CSDC dc(pItem->hDC, 1);
+    // Text and check are read where they lie: each message to the window goes the way of its
+    // subclassing, which costs more than all of the drawing.
     wchar_t szText[kTextSize] = {}, szShown[kTextSize];
-    GetText(szText, kTextSize);
+    ::DefWindowProcW(hWnd, WM_GETTEXT, kTextSize, reinterpret_cast<LPARAM>(szText));
     std::wmemcpy(szShown, szText, kTextSize);
     RemoveMenuChar(szShown);
     const Look look{(pItem->itemState & ODS_SELECTED) != 0, (pItem->itemState & ODS_FOCUS) != 0,
                     (pItem->itemState & ODS_DISABLED) != 0, szText};
-    const bool bChecked = (SendMsg(BM_GETSTATE, 0, 0) & BST_CHECKED) != 0;
+    const bool bChecked = (dwCheck & 1) != 0; // what BM_GETSTATE tells
     const bool bLink = IsLink();
 
     ::SetBkMode(dc, OPAQUE);

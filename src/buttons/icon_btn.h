@@ -92,9 +92,11 @@ class TESSALY_API IconBtn : public CSCtrl {
 
     static bool CountReference(unsigned long flags, int dx, int dy);
     static void MakeShared();
+    static void MakeFonts();
     static HICON LoadSmallIcon(unsigned icon, SIZE& size);
     bool IsLink() const { return (dwFlags & kIconLink) != 0; }
     void SetHover(int bOn);
+    void Repaint(int bErase);
     RECT PlaceContent(const RECT& rcItem, SIZE size, bool bShifted) const;
     void DrawLabel(HDC hdc, const Look& look, RECT& rc);
 };

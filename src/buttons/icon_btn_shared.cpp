@@ -1,10 +1,21 @@
 // What all icon buttons share: colours, pens, brushes, fonts.
 
 #include "buttons/icon_btn.h"
+#include "runtime/base/ownership.h"
 #include "wnd/draw/draw_util.h"
 #include "wnd/draw/font_util.h"
 
+#include <atomic>
+
 namespace {
+/// Held while the shared objects are made or deleted: buttons may be built on several threads.
+constinit std::atomic_flag flagSharedBusy;
+
+auto HoldShared() {
+    while (flagSharedBusy.test_and_set(std::memory_order_acquire)) ::SwitchToThread();
+    return ScopeExit([] { flagSharedBusy.clear(std::memory_order_release); });
+}
+
 template <class Handle>
 void DeleteAndForget(Handle& h) {
     if (h) ::DeleteObject(h);
@@ -45,7 +56,14 @@ void IconBtn::ReserveCommon(unsigned long flags, int dx, int dy) { CountReferenc
 
 void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
     CountReference(flags, dx, dy);
+    auto held = HoldShared();
     if (!hbrBkg) MakeShared();
+}
+
+void IconBtn::MakeFonts() {
+    auto hfontGui = static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
+    if (!hFontText) hFontText = hfontGui;
+    if (!hFontLink) hFontLink = hfontGui;
 }
 
 void IconBtn::MakeShared() {
@@ -54,9 +72,7 @@ void IconBtn::MakeShared() {
     for (int n : {0, 1}) hbr[n] = ::CreateSolidBrush(rgbBk[n]);
     rgbGray = ::GetSysColor(COLOR_GRAYTEXT);
     rgbText[0] = rgbText[1] = ::GetSysColor(COLOR_BTNTEXT);
-    auto hfontGui = static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
-    if (!hFontText) hFontText = hfontGui;
-    if (!hFontLink) hFontLink = hfontGui;
+    MakeFonts();
     sizeIcon = {::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON)};
     penHoverDotted = CreateDottedPen(rgbHover);
     penHoverDashed = CreateDashedPen(rgbHover);
@@ -75,6 +91,7 @@ void IconBtn::MakeShared() {
 
 void IconBtn::Uninitialize() {
     if (::InterlockedDecrement(&dwRefCount) >= 1) return;
+    auto held = HoldShared();
     for (HPEN* ppen : {&penHoverDotted, &penHoverDashed, &penHoverSolid, &penLinkDotted,
                        &penLinkDashed, &penLinkSolid, &penGrayDotted, &penGrayDashed, &penBkg,
                        &penFocusText, &penFocusLink, &penFocusBkg}) {
@@ -85,11 +102,13 @@ void IconBtn::Uninitialize() {
 
 void IconBtn::SetTextFontProperties(int addHeight, long weight, int italic, int strikeOut,
                                     const wchar_t* faceName) {
+    MakeFonts(); // no button may have been there yet
     DoSetFontProperties(hFontText, hFontText, addHeight, weight, italic, strikeOut, faceName);
 }
 
 void IconBtn::SetLinkFontProperties(int addHeight, long weight, int italic, int strikeOut,
                                     const wchar_t* faceName) {
+    MakeFonts(); // no button may have been there yet
     DoSetFontProperties(hFontLink, hFontLink, addHeight, weight, italic, strikeOut, faceName);
 }
 

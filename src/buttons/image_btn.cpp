@@ -107,7 +107,7 @@ void ImageBtn::LoadIconW(int cx, int cy, HINSTANCE hinst, int idNormal, int idHo
 
 void ImageBtn::Check(int bOn) {
     bChecked = bOn;
-    InvalidateErase(nullptr);
+    if (IsReady()) InvalidateErase(nullptr); // a null window would be all windows of the screen
 }
 
 void ImageBtn::OnInit() { MakeOwnerDrawn(*this); }
@@ -130,6 +130,7 @@ LRESULT ImageBtn::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 void ImageBtn::OnMouseMove(WPARAM wParam, LPARAM lParam) {
+    if (!IsReady()) return;
     POINT pt{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
     if (dlg) {
         ::MapWindowPoints(hWnd, *dlg, &pt, 1);
