@@ -1,6 +1,7 @@
 #pragma once
 // Everything that the library offers to programs that use it.
 #include "app/about/about.h"
+#include "app/about/dlg_about.h"
 #include "app/identity/product_info.h"
 #include "app/instance/single_instance.h"
 #include "app/launch/auto_run.h"

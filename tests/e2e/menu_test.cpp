@@ -4,6 +4,7 @@
 #include "e2e/support/keyboard.h"
 #include "e2e/support/mouse.h"
 #include "e2e/support/tray_menu.h"
+#include "support/launch_reports.h"
 
 namespace {
 using keyboard::Key;
@@ -93,26 +94,6 @@ TEST_F(Menu, DeleteAllAsksAndEmptiesTheStore) {
     ASSERT_TRUE(AnswerMessageBox(monitor.ProcessId(), IDYES).has_value());
     EXPECT_TRUE(WaitUntil([this] { return store.Count() == 0; }));
     EXPECT_TRUE(StillCaptures());
-}
-
-TEST_F(Menu, AboutIsShownOnceAndTheMonitorGoesOnMeanwhile) {
-    StartPlain(3);
-    StartMonitor();
-    const std::vector<Key> kAbout = {Key::Up, Key::Up, Key::Return};
-    Choose(kAbout);
-    HWND hwndBox = nullptr;
-    ASSERT_TRUE(WaitUntil([&] {
-        hwndBox = FindMessageBox(monitor.ProcessId(), L"Tessaly");
-        return hwndBox != nullptr;
-    }));
-    EXPECT_TRUE(StillCaptures());
-    Choose(kAbout); // the menu opens all the same; the box that is there comes forward
-    EXPECT_TRUE(WaitUntil([&] { return ::GetForegroundWindow() == hwndBox; }));
-    HWND hwndOther = ::FindWindowExW(nullptr, hwndBox, L"#32770", L"Tessaly");
-    EXPECT_EQ(nullptr, hwndOther);
-    auto box = AnswerMessageBox(monitor.ProcessId(), IDOK);
-    ASSERT_TRUE(box.has_value());
-    EXPECT_EQ(0u, box->strText.find(L"Tessaly v. 1.1"));
 }
 
 TEST_F(Menu, ExitEndsTheMonitorAndLeavesTheDesktopClean) {
@@ -234,5 +215,100 @@ TEST_F(Menu, DayOfUseIsRememberedAtTheStart) {
     std::wstring strDay = SetupText(L"LastUse");
     EXPECT_TRUE(strDay == strBefore || strDay == Today()) << strDay;
     EXPECT_EQ(L"", SetupText(L"DayCount"));
+}
+
+const std::vector<Key> kAbout = {Key::Up, Key::Up, Key::Return};
+constexpr const wchar_t* kAboutTitle = L"About Tessaly";
+
+/// The menu and the About box that it opens.
+class AboutBox : public Menu {
+  protected:
+    void SetUp() override {
+        Menu::SetUp();
+        StartPlain(3);
+        StartMonitor();
+    }
+    /// Opens it and returns when it takes messages.
+    void OpenAbout() {
+        Choose(kAbout);
+        ASSERT_TRUE(WaitUntil([this] {
+            hwndBox = FindMessageBox(monitor.ProcessId(), kAboutTitle);
+            return hwndBox && ::GetForegroundWindow() == hwndBox;
+        }));
+        ::SendMessageW(hwndBox, WM_NULL, 0, 0);
+    }
+    std::wstring TextOf(int nId) const {
+        wchar_t sz[256] = L"";
+        ::SendMessageW(::GetDlgItem(hwndBox, nId), WM_GETTEXT, 256, reinterpret_cast<LPARAM>(sz));
+        return sz;
+    }
+    POINT MiddleOf(int nId) const {
+        RECT rc{};
+        ::GetWindowRect(::GetDlgItem(hwndBox, nId), &rc);
+        return {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2};
+    }
+    bool IsForeground() const {
+        return WaitUntil([this] { return ::GetForegroundWindow() == hwndBox; });
+    }
+    bool HasClosed() const {
+        return WaitUntil([this] { return !::IsWindow(hwndBox); });
+    }
+    HWND hwndBox = nullptr;
+};
+
+TEST_F(AboutBox, ComesFromTheMenuAndTheMonitorGoesOnMeanwhile) {
+    OpenAbout();
+    EXPECT_EQ(L"Tessaly v. 1.1", TextOf(1003));
+    EXPECT_EQ(L"Copyright (c) 2017 Orvanta. All rights reserved.", TextOf(1004));
+    EXPECT_TRUE(StillCaptures());
+    EXPECT_TRUE(::IsWindow(hwndBox));
+    keyboard::Press({Key::Escape});
+    EXPECT_TRUE(HasClosed());
+    EXPECT_TRUE(StillCaptures());
+}
+
+TEST_F(AboutBox, SecondChoiceBringsTheOpenOneForward) {
+    OpenAbout();
+    Choose(kAbout); // the menu opens all the same
+    EXPECT_TRUE(IsForeground());
+    EXPECT_EQ(nullptr, ::FindWindowExW(nullptr, hwndBox, L"#32770", kAboutTitle));
+    ::ShowWindow(hwndBox, SW_MINIMIZE);
+    ASSERT_TRUE(WaitUntil([this] { return ::IsIconic(hwndBox); }));
+    Choose(kAbout);
+    EXPECT_TRUE(WaitUntil([this] { return !::IsIconic(hwndBox); }));
+    EXPECT_TRUE(IsForeground());
+    keyboard::Press({Key::Return});
+    EXPECT_TRUE(HasClosed());
+    EXPECT_EQ(nullptr, ::FindWindowExW(nullptr, nullptr, L"#32770", kAboutTitle));
+}
+
+TEST_F(AboutBox, ClickOnTheWebAddressOpensItInTheBrowser) {
+    LaunchReports reports;
+    std::wstring strBrowser = FolderBeside(L"tests") + L"\\launch_probe.exe";
+    ClassKey handler(L"https\\shell\\open\\command", (L"\"" + strBrowser + L"\" %1").c_str());
+    OpenAbout();
+    RECT rc{};
+    ::GetWindowRect(::GetDlgItem(hwndBox, 1002), &rc);
+    mouse::Click({rc.left + 30, (rc.top + rc.bottom) / 2});
+    auto report = reports.Take();
+    ASSERT_TRUE(report);
+    EXPECT_NE(std::wstring::npos, report->strLine.find(L" https://orvanta.example/"));
+    mouse::Click(MiddleOf(IDOK));
+    EXPECT_TRUE(HasClosed());
+    EXPECT_TRUE(reports.IsEmpty());
+}
+
+TEST_F(AboutBox, ExitInTheMenuEndsTheMonitorWithTheBoxOpen) {
+    OpenAbout();
+    Choose({Key::Up, Key::Return});
+    EXPECT_EQ(0u, monitor.WaitForEnd());
+    EXPECT_TRUE(HasClosed());
+    EXPECT_FALSE(desktop->HasGuest());
+}
+
+TEST_F(AboutBox, AnotherStartWithExitEndsTheMonitorWithTheBoxOpen) {
+    OpenAbout();
+    EXPECT_TRUE(monitor.Exit());
+    EXPECT_FALSE(desktop->HasGuest());
 }
 } // namespace

@@ -76,6 +76,7 @@ class Tour {
     void ScatterAndRestore();
     void RestartShell();
     void DeleteAllFromMenu();
+    void ShowAbout();
     void LeaveByMenu();
     TrayMenu Menu() const { return TrayMenu(monitor.ProcessId()); }
     int RowOf(const StoredSnapshot& snapshot) const;
@@ -255,6 +256,26 @@ void Tour::DeleteAllFromMenu() {
     Check(WaitUntil([&] { return store.Count() == 0; }), "there is no snapshot any more");
 }
 
+void Tour::ShowAbout() {
+    Say("The menu shows the About box; chosen again, the same box comes forward");
+    HWND hwndBox = nullptr;
+    for (int n = 0; n < 2; ++n) {
+        Menu().Open();
+        Menu().Press({Key::Up, Key::Up, Key::Return}, 0);
+        Check(WaitUntil([&] {
+                  HWND hwnd = FindMessageBox(monitor.ProcessId(), L"About Tessaly");
+                  if (!hwndBox) hwndBox = hwnd;
+                  return hwnd && hwnd == hwndBox && ::GetForegroundWindow() == hwnd;
+              }),
+              n == 0 ? "the box is there" : "it is the same one, in front");
+    }
+    TakeScreenshot(L"about");
+    RECT rc{};
+    ::GetWindowRect(::GetDlgItem(hwndBox, IDOK), &rc);
+    mouse::Click({(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
+    Check(WaitUntil([&] { return !::IsWindow(hwndBox); }), "a click on OK closes it");
+}
+
 void Tour::LeaveByMenu() {
     Say("Exit in the menu ends the program and leaves nothing in the shell");
     Menu().Open();
@@ -286,6 +307,7 @@ void Tour::Run() {
     TakeScreenshot(L"desktop");
     RestartShell();
     DeleteAllFromMenu();
+    ShowAbout();
     LeaveByMenu();
 }
 

@@ -35,5 +35,6 @@ class TESSALY_API DlgSimpleAbout : public CSDlg {
     IconBtn webBtn;
 };
 
-/// Shows the maker's notice in a message box.
+/// Shows the maker's notice in a message box. For one thread at a time until the box is up: the
+/// notice is stored negated, and turned round in its place for the moment of the copying.
 TESSALY_API void ShowCopyright(HWND hwnd);

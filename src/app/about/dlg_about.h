@@ -6,8 +6,13 @@
 #include "wnd/dialog/csdlg.h"
 #include <windows.h>
 
-/// What a general About box does, as a hook of its dialog: the rich texts, the links, the picture,
-/// and "Copy" on a right click on the details.
+/// What a general About box does, as a hook of its dialog and of that one's window: the rich texts,
+/// the links, the picture, and "Copy" on a right click on the details.
+///
+/// It looks for these controls, and each may be missing. Statics with SS_NOTIFY: 20118 title, 20101
+/// name, 20102 version, 20117 details, which keep the template's text. Buttons: 20103 picture;
+/// links to the maker's pages, 20104 web site, 20105 rating, 20106 and 20107 translations; 20108
+/// notice; 2 closes.
 class TESSALY_API DlgAboutHandler : public WMHook {
   public:
     DlgAboutHandler();
