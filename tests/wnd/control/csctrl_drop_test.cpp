@@ -97,6 +97,22 @@ struct Target {
     CtrlDialog dialog;
 };
 
+/// Temporary folders lie in the drive's root meanwhile: with checked heaps each folder on a path
+/// that is looked at takes its time.
+class ShortTemp {
+  public:
+    ShortTemp() {
+        ::GetEnvironmentVariableW(L"TMP", szBefore, MAX_PATH);
+        ::SetEnvironmentVariableW(L"TMP", L"C:\\");
+    }
+    ~ShortTemp() { ::SetEnvironmentVariableW(L"TMP", szBefore); }
+    ShortTemp(const ShortTemp&) = delete;
+    ShortTemp& operator=(const ShortTemp&) = delete;
+
+  private:
+    wchar_t szBefore[MAX_PATH] = L"";
+};
+
 /// Real paths, spelled as the shell shows them.
 struct Places {
     Places() {
@@ -111,6 +127,7 @@ struct Places {
         strFile = strFolder + L"\\Some.file.txt";
         strMissing = strFolder + L"\\Missing.txt";
     }
+    ShortTemp shortTemp;
     TempFolder temp;
     std::wstring strFolder, strSub, strFile, strMissing;
 };
