@@ -24,3 +24,5 @@ void LargeStaticTextCtl::Init(HWND hwndDlg, unsigned int nId) {
     ::SendDlgItemMessageW(hwndDlg, static_cast<int>(nId), WM_SETFONT,
                           reinterpret_cast<WPARAM>(hFont), TRUE);
 }
+
+LargePageTitle::LargePageTitle() : LargeStaticTextCtl(2, 2, FW_BOLD, L"Segoe") {}

@@ -32,5 +32,5 @@ class TESSALY_API LargeStaticTextCtl {
 /// The title of a page: twice as large, bold, in the face "Segoe".
 class TESSALY_API LargePageTitle : public LargeStaticTextCtl {
   public:
-    LargePageTitle() : LargeStaticTextCtl(2, 2, FW_BOLD, L"Segoe") {}
+    LargePageTitle();
 };
