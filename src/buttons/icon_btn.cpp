@@ -24,7 +24,16 @@ struct IconBtn::Look {
     bool bSelected;
     bool bFocused;
     bool bDisabled;
+    bool bChecked;
     const wchar_t* pszText;
+
+    unsigned FaceState() const {
+        unsigned uState = DFCS_BUTTONPUSH | DFCS_ADJUSTRECT;
+        if (bChecked) uState |= DFCS_CHECKED;
+        if (bSelected) uState |= DFCS_PUSHED;
+        if (bDisabled) uState |= DFCS_INACTIVE;
+        return uState;
+    }
 };
 
 IconBtn::IconBtn(unsigned icon, unsigned hoverIcon, unsigned long flags, int x, int y)
@@ -121,6 +130,15 @@ void IconBtn::DrawLink(HDC hdc, RECT& rc) {
     ::LineTo(hdc, rc.right - kFocusGapX, rc.bottom);
 }
 
+/// Of the icon, and with bText of the text, which comes without its "&".
+SIZE IconBtn::MeasureContent(HDC hdc, const wchar_t* pszText, bool bText) const {
+    SIZE size{};
+    ::GetTextExtentPoint32W(hdc, pszText, static_cast<int>(std::wcslen(pszText)), &size);
+    if (!bText) size = {};
+    if (!hIcon) return size;
+    return {size.cx + sizeIcon.cx + (bText ? sizeGap.cx : 0), std::max(size.cy, sizeIcon.cy)};
+}
+
 RECT IconBtn::PlaceContent(const RECT& rcItem, SIZE size, bool bShifted) const {
     int x = rcItem.left + (rcItem.right - rcItem.left - size.cx) / 2;
     int y = rcItem.top + (rcItem.bottom - rcItem.top - size.cy) / 2;
@@ -141,31 +159,23 @@ void IconBtn::OnDrawItem(DRAWITEMSTRUCT* pItem) {
     ::DefWindowProcW(hWnd, WM_GETTEXT, kTextSize, reinterpret_cast<LPARAM>(szText));
     std::wmemcpy(szShown, szText, kTextSize);
     RemoveMenuChar(szShown);
-    const Look look{(pItem->itemState & ODS_SELECTED) != 0, (pItem->itemState & ODS_FOCUS) != 0,
-                    (pItem->itemState & ODS_DISABLED) != 0, szText};
-    const bool bChecked = (dwCheck & 1) != 0; // what BM_GETSTATE tells
+    const Look look{.bSelected = (pItem->itemState & ODS_SELECTED) != 0,
+                    .bFocused = (pItem->itemState & ODS_FOCUS) != 0,
+                    .bDisabled = (pItem->itemState & ODS_DISABLED) != 0,
+                    .bChecked = (dwCheck & 1) != 0, // what BM_GETSTATE tells
+                    .pszText = szText};
     const bool bLink = IsLink();
 
     ::SetBkMode(dc, OPAQUE);
     ::SetBkColor(dc, rgbBk[bLink ? 0 : look.bSelected]);
     ::SelectObject(dc, hFontThis ? hFontThis : bLink ? hFontLink : hFontText);
-    SIZE sizeText{};
-    ::GetTextExtentPoint32W(dc, szShown, static_cast<int>(std::wcslen(szShown)), &sizeText);
     const bool bText = *szText != 0;
-    SIZE size = bText ? sizeText : SIZE{};
-    if (hIcon) {
-        size.cx += sizeIcon.cx + (bText ? sizeGap.cx : 0);
-        size.cy = std::max(size.cy, sizeIcon.cy);
-    }
-    RECT rc = PlaceContent(pItem->rcItem, size, (look.bSelected || bChecked) && !bLink);
+    const SIZE size = MeasureContent(dc, szShown, bText);
+    RECT rc = PlaceContent(pItem->rcItem, size, (look.bSelected || look.bChecked) && !bLink);
     const POINT ptIcon{rc.left, rc.top};
     if (hIcon && bText) rc.left += sizeIcon.cx + sizeGap.cx;
 
-    if (!bLink) {
-        DrawButton(dc, &pItem->rcItem,
-                   DFCS_BUTTONPUSH | DFCS_ADJUSTRECT | (bChecked ? DFCS_CHECKED : 0) |
-                       (look.bSelected ? DFCS_PUSHED : 0) | (look.bDisabled ? DFCS_INACTIVE : 0));
-    }
+    if (!bLink) DrawButton(dc, &pItem->rcItem, look.FaceState());
     ::SelectObject(dc, ::GetStockObject(NULL_BRUSH));
     if (bText) DrawLabel(dc, look, rc);
     if (!bLink) {

@@ -97,6 +97,7 @@ class TESSALY_API IconBtn : public CSCtrl {
     bool IsLink() const { return (dwFlags & kIconLink) != 0; }
     void SetHover(int bOn);
     void Repaint(int bErase);
+    SIZE MeasureContent(HDC hdc, const wchar_t* pszText, bool bText) const;
     RECT PlaceContent(const RECT& rcItem, SIZE size, bool bShifted) const;
     void DrawLabel(HDC hdc, const Look& look, RECT& rc);
 };

@@ -61,7 +61,7 @@ void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
 }
 
 void IconBtn::MakeFonts() {
-    auto hfontGui = static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
+    auto* hfontGui = static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
     if (!hFontText) hFontText = hfontGui;
     if (!hFontLink) hFontLink = hfontGui;
 }

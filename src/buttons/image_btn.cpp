@@ -13,6 +13,13 @@ constexpr int kBitsOfAFrame = 3;
 constexpr int kFrameMask = (1 << kBitsOfAFrame) - 1;
 } // namespace
 
+/// How a button is drawn now, besides its hover.
+struct ImageBtn::Look {
+    bool bPressed;
+    bool bDisabled;
+    bool bFocused; // and not disabled
+};
+
 HCURSOR ImageBtn::hCursorHand = nullptr;
 
 void ImageBtnDescriptor::Init(int cx, int cy, HINSTANCE hinst, int idNormal, int idHover,
@@ -159,32 +166,39 @@ void ImageBtn::DrawLayer(int index, HDC hdc, int x, int y) {
 
 void ImageBtn::OnDrawItem(DRAWITEMSTRUCT* pItem) {
     CSDC dc(pItem->hDC, 1);
-    const bool bDisabled = (pItem->itemState & ODS_DISABLED) != 0;
-    const bool bFocused = (pItem->itemState & ODS_FOCUS) != 0 && !bDisabled;
-    const bool bPressed = (pItem->itemState & ODS_SELECTED) != 0 ||
-                          (SendMsg(BM_GETSTATE, 0, 0) & BST_CHECKED) != 0 || bChecked;
-    const bool bUnderMouse = bHover && !bDisabled;
+    Look look{};
+    look.bDisabled = (pItem->itemState & ODS_DISABLED) != 0;
+    look.bFocused = (pItem->itemState & ODS_FOCUS) != 0 && !look.bDisabled;
+    look.bPressed = (pItem->itemState & ODS_SELECTED) != 0 ||
+                    (SendMsg(BM_GETSTATE, 0, 0) & BST_CHECKED) != 0 || bChecked;
     const RECT& rc = pItem->rcItem;
     int x = rc.left, y = rc.top;
     if (dwFlags & kImageCenterHorizontally) x += (rc.right - cxImage - rc.left) / 2;
     if (dwFlags & kImageCenterVertically) y += (rc.bottom - cyImage - rc.top) / 2;
-
     if (bIconMode) {
-        int index = bFocused    ? iFocus
-                    : bPressed  ? iPressed
-                    : bDisabled ? iDisabled
-                    : bHover    ? iHover
-                                : -1;
-        if (index == -1) index = bUnderMouse && iHover != -1 ? iHover : iNormal;
-        DrawLayer(index, dc, x, y);
-        return;
+        DrawLayer(ChooseIcon(look), dc, x, y);
+    } else {
+        DrawFrames(look, dc, x, y);
     }
-    DrawLayer(iNormal, dc, x, y);
-    if (bUnderMouse) DrawLayer(iHover, dc, x, y);
-    if (bPressed && iPressed != -1) {
-        DrawLayer(iPressed, dc, x, y);
-    } else if (bDisabled) {
-        DrawLayer(iDisabled, dc, x, y);
+}
+
+int ImageBtn::ChooseIcon(const Look& look) const {
+    const int index = look.bFocused    ? iFocus
+                      : look.bPressed  ? iPressed
+                      : look.bDisabled ? iDisabled
+                      : bHover         ? iHover
+                                       : -1;
+    if (index != -1) return index;
+    return bHover && !look.bDisabled && iHover != -1 ? iHover : iNormal;
+}
+
+void ImageBtn::DrawFrames(const Look& look, HDC hdc, int x, int y) {
+    DrawLayer(iNormal, hdc, x, y);
+    if (bHover && !look.bDisabled) DrawLayer(iHover, hdc, x, y);
+    if (look.bPressed && iPressed != -1) {
+        DrawLayer(iPressed, hdc, x, y);
+    } else if (look.bDisabled) {
+        DrawLayer(iDisabled, hdc, x, y);
     }
-    if (bFocused && !(dwFlags & kImageNoFocusFrame)) DrawLayer(iFocus, dc, x, y);
+    if (look.bFocused && !(dwFlags & kImageNoFocusFrame)) DrawLayer(iFocus, hdc, x, y);
 }

@@ -91,9 +91,13 @@ class TESSALY_API ImageBtn : public CSCtrl {
     static HCURSOR hCursorHand; // loaded at first use, shared with the system
 
   private:
+    struct Look;
+
     void BeginLoad(int cx, int cy, int bIcons);
     int AddState(int idIcon, HINSTANCE hinst);
     void OnMouseMove(WPARAM wParam, LPARAM lParam);
     void EndHover();
+    int ChooseIcon(const Look& look) const;
+    void DrawFrames(const Look& look, HDC hdc, int x, int y);
     void DrawLayer(int index, HDC hdc, int x, int y);
 };

@@ -1,1 +1,1 @@
-set_target_properties(tests_buttons PROPERTIES HEAP_CHECKED tests_buttons.exe)
+set_target_properties(tests_buttons PROPERTIES SECONDS 15)

@@ -182,6 +182,30 @@ TEST_F(ButtonsInDialog, AreClickedByTheRealMouse) {
     }
 }
 
+TEST_F(ButtonsInDialog, ArePressedBySpace) {
+    for (int nId : {IDC_PICTURE, IDC_PLAIN, IDC_LINK}) {
+        dlg.clicked.clear();
+        HWND hwnd = ::GetDlgItem(dlg, nId);
+        ::SetFocus(hwnd);
+        ::SendMessageW(hwnd, WM_KEYDOWN, VK_SPACE, 0);
+        EXPECT_TRUE(dlg.clicked.empty()) << "not yet";
+        ::SendMessageW(hwnd, WM_KEYUP, VK_SPACE, 0);
+        EXPECT_EQ(std::vector<int>{nId}, dlg.clicked);
+    }
+}
+
+// The check that was set by a message is the one that is drawn.
+TEST_F(ButtonsInDialog, ACheckedPlainButtonLooksSo) {
+    unsigned uState = 0;
+    dlg.plain.onDrawButton = [&](HDC, RECT*, unsigned state) { uState = state; };
+    for (unsigned uCheck : {BST_CHECKED, BST_UNCHECKED}) {
+        dlg.CheckDlgButton(IDC_PLAIN, uCheck);
+        EXPECT_EQ(uCheck, dlg.IsDlgButtonChecked(IDC_PLAIN));
+        ::UpdateWindow(dlg.plain);
+        EXPECT_EQ(uCheck ? 0x2410u : 0x2010u, uState);
+    }
+}
+
 TEST_F(ButtonsInDialog, ALinkHoversUnderTheMouseAPlainButtonDoesNot) {
     ASSERT_TRUE(MoveUntil(dlg.MiddleOf(IDC_LINK), [&] { return dlg.link.bHover == 1; }));
     EXPECT_EQ(::LoadCursorW(nullptr, IDC_HAND), ::GetCursor());
