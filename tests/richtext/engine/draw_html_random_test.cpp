@@ -216,6 +216,8 @@ constexpr LongCase kLongCases[] = {
     {"OpenLinksThatAllClose", L"<A>x</A>", 400},
     {"AllKindsOpen", L"<B><I><U><H><BIG><SMALL><A><AA><CT><D><RED><GREEN><BLUE><CENTER>x", 400},
     {"Crossed", L"<B><I>x</B></I>", 400},
+    {"InnerTagsNeverClose", L"<RED><B>x</RED>", 400},
+    {"InnerLinksNeverClose", L"<CENTER><A>x</CENTER>", 400},
     {"Brackets", L"<<<<<<<<", 400},
     {"BracketsAndSlashes", L"</</", 400},
     {"Ampersands", L"&&&&&&&&", 400},
