@@ -205,7 +205,7 @@ Comparison CompareFastest(int nTurns, First&& first, Second&& second) {
     }
     for (auto* pTimes : {&timesFirst, &timesSecond}) {
         std::sort(pTimes->begin(), pTimes->end());
-        pTimes->resize(nTurns / 20);
+        pTimes->resize(nTurns / 80);
     }
     return CompareTimes(timesFirst, timesSecond);
 }

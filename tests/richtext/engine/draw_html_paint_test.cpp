@@ -247,7 +247,7 @@ TEST(DrawHTMLThreads, PassesOfTwoThreadsDoNotMix) {
         // Measuring depends on nothing that was there before.
         const int nHeight = stage.Draw(own, DrawMeasure, str, rc);
         const std::vector<ThreadRun> expected = std::exchange(runs, {});
-        for (int i = 0; i < 500; ++i) {
+        for (int i = 0; i < 60; ++i) {
             const int nDrawn = stage.Draw(shared, DrawMeasure, str, rc);
             if (nDrawn != nHeight || runs != expected) ++nBad;
             if (stage.links.GetLinkCount() != 1) ++nBad;

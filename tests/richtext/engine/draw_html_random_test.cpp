@@ -216,6 +216,8 @@ constexpr LongCase kLongCases[] = {
     {"OpenLinksThatAllClose", L"<A>x</A>", 400},
     {"AllKindsOpen", L"<B><I><U><H><BIG><SMALL><A><AA><CT><D><RED><GREEN><BLUE><CENTER>x", 400},
     {"Crossed", L"<B><I>x</B></I>", 400},
+    {"InnerTagsNeverClose", L"<RED><B>x</RED>", 400},
+    {"InnerLinksNeverClose", L"<CENTER><A>x</CENTER>", 400},
     {"Brackets", L"<<<<<<<<", 400},
     {"BracketsAndSlashes", L"</</", 400},
     {"Ampersands", L"&&&&&&&&", 400},
@@ -288,17 +290,22 @@ TEST(DrawHTMLAnything, TenMegabytesOfRandomMarkupAreDrawn) {
     EXPECT_EQ(0, gdi.GetLiveFonts());
 }
 
-TEST(DrawHTMLAnything, TenThousandOpenTagsAreDrawn) {
+TEST(DrawHTMLAnything, RandomMarkupBehindTenThousandOpenTagsIsDrawn) {
     HDC hdc = ::CreateCompatibleDC(nullptr);
     DrawHTMLTools tools(FontGui);
     DrawHTMLLinks links;
-    std::wstring str = RepeatTo(L"<B>", 3 * 10'000) + L"x" + RepeatTo(L"</B>", 4 * 10'000);
-    RECT rc = {0, 0, 400, 0x7FFFFFFF};
-    for (int i = 0; i < 2; ++i) {
+    std::mt19937 random(4108);
+    for (const wchar_t* pszTag : {L"<B>", L"<RED>", L"<A>", L"<CENTER>"}) {
+        const std::wstring strTags = RepeatTo(pszTag, wcslen(pszTag) * 10'000);
+        const std::wstring str = strTags + RandomMarkup(random, 100) + RepeatTo(L"</B>", 40'000);
         DrawHTML html(0);
+        RECT rc = {0, 0, 400, 0x7FFFFFFF};
         html.Draw(DrawMeasure, hdc, &rc, str.c_str(), static_cast<unsigned>(str.size()), &links,
                   &tools);
-        EXPECT_EQ(HGDIOBJ(tools.GetFont()), ::GetCurrentObject(hdc, OBJ_FONT));
+        html.Draw(DrawPaint, hdc, &rc, str.c_str(), static_cast<unsigned>(str.size()), &links,
+                  &tools);
+        EXPECT_EQ(HGDIOBJ(tools.GetFont()), ::GetCurrentObject(hdc, OBJ_FONT))
+            << "ten thousand closing tags close them all";
     }
     ::DeleteDC(hdc);
 }
