@@ -67,10 +67,15 @@ unsigned CSStaticHTML::GetHTMLTextStripTags(wchar_t* out, int size) {
 int CSStaticHTML::UpdateText(const wchar_t* pszNew) {
     if (pszNew) {
         const auto nLength = static_cast<unsigned>(std::wcslen(pszNew));
-        if (nLength != nHTMLLength) pszHTML = {};
-        if (!pszHTML.IsReady()) pszHTML = HeapArray<wchar_t>(nLength + std::size_t{1});
-        nHTMLLength = pszHTML.IsReady() ? nLength : 0;
-        if (pszHTML.IsReady()) std::wmemmove(pszHTML.Get(), pszNew, nLength + std::size_t{1});
+        const std::size_t cch = nLength + std::size_t{1};
+        if (nLength == nHTMLLength && pszHTML.IsReady()) {
+            std::wmemmove(pszHTML.Get(), pszNew, cch);
+        } else {
+            HeapArray<wchar_t> copy(cch);
+            if (copy.IsReady()) std::wmemcpy(copy.Get(), pszNew, cch);
+            nHTMLLength = copy.IsReady() ? nLength : 0;
+            pszHTML = std::move(copy); // only now: the new text may be a part of the old one
+        }
     } else if (!pszHTML.IsReady()) {
         const int nLength = GetTextLength();
         HeapArray<wchar_t> read(nLength > 0 ? nLength + std::size_t{1} : 0);
@@ -134,12 +139,10 @@ LRESULT CSStaticHTML::OnPaintMessage() {
 
 LRESULT CSStaticHTML::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     switch (uMsg) {
-    case WM_SETTEXT: {
-        auto* pszNew = reinterpret_cast<const wchar_t*>(lParam);
-        UpdateText(pszNew ? pszNew : L"");
+    case WM_SETTEXT:
+        UpdateText(reinterpret_cast<const wchar_t*>(lParam));
         ::InvalidateRect(hWnd, nullptr, TRUE);
         return 1; // the window's own text stays
-    }
     case WM_PAINT: return OnPaintMessage();
     case WM_DROPFILES: return OnDropFilesMessage(wParam, lParam);
     case WM_NCHITTEST: return OnNcHitTest(wParam, lParam);
@@ -153,7 +156,7 @@ LRESULT CSStaticHTML::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         break;
     case WM_KEYUP:
         if (bFocused && IsLinkKey(wParam) && links.GetLinkCount()) {
-            dlg->SimulateButton(static_cast<unsigned short>(ctrlId));
+            SimulateLink(ctrlId);
         }
         break;
     case WM_SETFOCUS:
@@ -191,8 +194,13 @@ LRESULT CSStaticHTML::OnButtonDown(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (id == 0) return 0; // the press goes no further
     // As a press on any static: the dialog gets STN_CLICKED.
     if (id == ctrlId) return CSWnd::OnWndMessage(uMsg, wParam, lParam);
-    dlg->SimulateButton(static_cast<unsigned short>(id));
+    SimulateLink(id);
     return 0;
+}
+
+/// A control that was subclassed without Init has no dialog to tell.
+void CSStaticHTML::SimulateLink(unsigned id) {
+    if (dlg) dlg->SimulateButton(static_cast<unsigned short>(id));
 }
 
 // The title of a dialog without a caption

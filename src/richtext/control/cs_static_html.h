@@ -73,6 +73,7 @@ class TESSALY_API CSStaticHTML : public CSCtrl {
     LRESULT OnNcHitTest(WPARAM wParam, LPARAM lParam);
     LRESULT OnButtonDown(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnPaintMessage();
+    void SimulateLink(unsigned id);
 
     static HCURSOR hCursorHand; // loaded at first use, shared with the system
 };
