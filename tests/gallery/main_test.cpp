@@ -79,6 +79,25 @@ TEST_F(GalleryMain, PagesFollowTheWindowAndALateOneCatchesUp) {
     EXPECT_EQ(FaultsOfLayout(Page()), L"");
 }
 
+TEST_F(GalleryMain, EachPageIsLaidOutForALargerWindow) {
+    constexpr int dw = 90, dh = 60;
+    const RECT rcMain = RectOf(Main());
+    auto check = [&] {
+        for (int n = 0; n < kPageCount; ++n) {
+            GoToPage(n);
+            RECT rcSlot = RectOf(Item(IDC_PAGE_SLOT)), rcPage = RectOf(Page());
+            EXPECT_TRUE(::EqualRect(&rcSlot, &rcPage)) << n;
+            EXPECT_EQ(FaultsOfLayout(Page()), L"") << n;
+        }
+    };
+    DragCorner(Main(), dw, dh);
+    ASSERT_TRUE(WaitUntil([&] { return WidthOf(RectOf(Main())) == WidthOf(rcMain) + dw; }));
+    check(); // created late, at that size
+    DragCorner(Main(), -dw, -dh);
+    ASSERT_TRUE(WaitUntil([&] { return WidthOf(RectOf(Main())) == WidthOf(rcMain); }));
+    check(); // followed, those that were hidden too
+}
+
 TEST_F(GalleryMain, IsDraggedByItsBodyAndComesBackThere) {
     RECT rc = RectOf(Main());
     RECT rcList = RectOf(Item(IDC_PAGES));
