@@ -34,17 +34,13 @@ struct Row {
     unsigned int nFirstId;
     const wchar_t* pszName;
 };
-constexpr Row kPictures[] = {
-    {IDC_GO, L"Go"},   {IDC_UNDO, L"Undo"},        {IDC_WEB, L"Web"},
-    {IDC_APP, L"App"}, {IDC_ICON_CLOSE, L"Close"}, {IDC_ICON_MINIMIZE, L"Min"},
+constexpr Row kRows[] = {
+    {IDC_GO, L"Go"},     {IDC_UNDO, L"Undo"},        {IDC_WEB, L"Web"},
+    {IDC_APP, L"App"},   {IDC_ICON_CLOSE, L"Close"}, {IDC_ICON_MINIMIZE, L"Min"},
+    {IDC_FACE, L"Face"}, {IDC_LINK, L"Link"},
 };
-constexpr Row kLabelled[] = {{IDC_FACE, L"Face"}, {IDC_LINK, L"Link"}};
 constexpr const wchar_t* kStates[] = {L"normal", L"checked", L"disabled"};
 constexpr unsigned int kStateCount = 3;
-
-bool IsInRow(const Row& row, unsigned int nId) {
-    return nId >= row.nFirstId && nId < row.nFirstId + kStateCount;
-}
 } // namespace
 
 // An icon button has its two icons (normal, and under the mouse, which links alone show), its
@@ -63,17 +59,14 @@ ButtonsPage::ButtonsPage()
 
 // In the template these are push buttons. They draw themselves from here on.
 __int64 ButtonsPage::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
-    for (int n = 0; n < 6; ++n) pictures[n].Init(this, kPictures[n].nFirstId);
-    for (int n = 0; n < 2; ++n) labelled[n].Init(this, kLabelled[n].nFirstId);
+    const Row* pRow = kRows;
+    for (auto& row : pictures) row.Init(this, pRow++->nFirstId);
+    for (auto& row : labelled) row.Init(this, pRow++->nFirstId);
     return GalleryPage::OnInitDialog(wParam, lParam);
 }
 
 int ButtonsPage::UpdateControls() {
-    for (const Row& row : kPictures) {
-        ToggleCheck(row.nFirstId + 1);
-        EnableDlgItem(row.nFirstId + 2, 0);
-    }
-    for (const Row& row : kLabelled) {
+    for (const Row& row : kRows) {
         ToggleCheck(row.nFirstId + 1);
         EnableDlgItem(row.nFirstId + 2, 0);
     }
@@ -88,21 +81,18 @@ void ButtonsPage::OnButtonClicked(unsigned short nId) {
 }
 
 void ButtonsPage::ShowPressed(unsigned int nId) {
-    auto show = [&](const Row& row) {
-        if (!IsInRow(row, nId)) return;
+    for (const Row& row : kRows) {
+        if (nId < row.nFirstId || nId >= row.nFirstId + kStateCount) continue;
         wchar_t szText[64] = L"";
         StrAppendTextFmt(szText, 64, L"%s, %s", row.pszName, kStates[nId - row.nFirstId]);
         SetDlgItemTextFmtCtrl(IDC_BUTTON_PRESSED, szText);
-    };
-    for (const Row& row : kPictures) show(row);
-    for (const Row& row : kLabelled) show(row);
+    }
 }
 
 // A picture's check is the object's own; that of an icon button is the control's.
 void ButtonsPage::ToggleCheck(unsigned int nId) {
-    for (int n = 0; n < 6; ++n) {
-        ImageBtn& button = pictures[n].checked;
-        if (nId == button.GetID()) button.Check(!button.IsChecked());
+    for (auto& row : pictures) {
+        if (nId == row.checked.GetID()) row.checked.Check(!row.checked.IsChecked());
     }
     for (auto& row : labelled) {
         if (nId != row.checked.GetID()) continue;
