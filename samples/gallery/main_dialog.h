@@ -1,7 +1,9 @@
 #pragma once
+#include "buttons_page.h"
 #include "dialogs_page.h"
 #include "edits_page.h"
 #include "resource_ids.h"
+#include "rich_text_page.h"
 #include "texts_page.h"
 #include "tessaly.h"
 
@@ -25,6 +27,8 @@ class MainDialog : public CSDlgMain {
     DialogsPage dialogsPage;
     EditsPage editsPage;
     TextsPage textsPage;
+    RichTextPage richTextPage;
+    ButtonsPage buttonsPage;
     struct Page {
         GalleryPage& page;
         int nTemplateId;
@@ -32,10 +36,12 @@ class MainDialog : public CSDlgMain {
         const wchar_t* pszHelp;
     };
     // Add a row for a new page.
-    const Page pages[3] = {
+    const Page pages[5] = {
         {dialogsPage, IDD_DIALOGS, L"Dialogs", L"dialogs.htm"},
         {editsPage, IDD_EDITS, L"Edits and combos", L"edits.htm"},
         {textsPage, IDD_TEXTS, L"Texts", L"texts.htm"},
+        {richTextPage, IDD_RICH_TEXT, L"Rich text", L"richtext.htm"},
+        {buttonsPage, IDD_BUTTONS, L"Buttons", L"buttons.htm"},
     };
     GalleryPage* pShown = nullptr;
 };

@@ -13,6 +13,8 @@
 #define IDD_DIALOGS 101
 #define IDD_EDITS 102
 #define IDD_TEXTS 103
+#define IDD_RICH_TEXT 104
+#define IDD_BUTTONS 105
 #define IDD_NOTE 110
 #define IDD_SIZABLE 111
 #define IDD_FOLD 112
@@ -93,3 +95,28 @@
 #define IDC_COUNT_DOWN 1433
 #define IDC_TIME_LONG 1434
 #define IDC_TIME_SHORT 1435
+
+// Page "Rich text": a control with links has ten ids, one for each of its commands
+#define IDC_TAGS 1500
+#define IDC_WRAPPED 1510
+#define IDC_DRAWN 1520
+#define IDC_NARROW 1530
+#define IDC_TAGS_GROUP 1540
+#define IDC_LINKS_GROUP 1541
+#define IDC_LINK_PRESSED 1542
+#define IDC_LIVE_GROUP 1543
+#define IDC_MARKUP 1544
+
+// Page "Buttons": the first of each row; the checked one and the disabled one follow
+#define IDC_GO 1600
+#define IDC_UNDO 1603
+#define IDC_WEB 1606
+#define IDC_APP 1609
+#define IDC_ICON_CLOSE 1612
+#define IDC_ICON_MINIMIZE 1615
+#define IDC_FACE 1618
+#define IDC_LINK 1621
+#define IDC_STRIP_GROUP 1630
+#define IDC_ICON_GROUP 1631
+#define IDC_LABEL_GROUP 1632
+#define IDC_BUTTON_PRESSED 1633

@@ -132,6 +132,10 @@ LRESULT ImageBtn::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     case WM_MBUTTONDOWN:
     case WM_MBUTTONUP:
     case WM_MOUSELEAVE: EndHover(); break;
+    // The focus frame may lie around the picture, where no other layer draws over it.
+    case WM_KILLFOCUS:
+        if (IsReady()) InvalidateErase(nullptr);
+        break;
     }
     return lResult;
 }

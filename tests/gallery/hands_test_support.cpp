@@ -11,7 +11,7 @@
 namespace {
 constexpr DWORD kAnswerMs = 5000;
 constexpr int kIntoTitle = 12; // pixels below a window's top
-constexpr const wchar_t* kPixelFile = L"C:\\pixel.txt";
+constexpr const wchar_t* kPixelFile = L"C:\\pixels";
 
 void PrepareKeysFor(HWND hwnd) {
     HWND hwndRoot = ::GetAncestor(hwnd, GA_ROOT);
@@ -130,24 +130,37 @@ bool IsChecked(HWND hwndButton) {
     return ::SendMessageW(hwndButton, BM_GETCHECK, 0, 0) == BST_CHECKED;
 }
 
-COLORREF ColourAt(POINT pt) {
+std::vector<COLORREF> PixelsOf(const RECT& rc) {
+    std::vector<COLORREF> pixels;
     if (!UsesXdotool()) {
         HDC hdc = ::GetDC(nullptr);
-        COLORREF cr = ::GetPixel(hdc, pt.x, pt.y);
+        for (int y = rc.top; y < rc.bottom; ++y) {
+            for (int x = rc.left; x < rc.right; ++x) pixels.push_back(::GetPixel(hdc, x, y));
+        }
         ::ReleaseDC(nullptr, hdc);
-        return cr;
+        return pixels;
     }
-    RunUnixShell(L"import -window root -crop 1x1+" + std::to_wstring(pt.x) + L"+" +
-                 std::to_wstring(pt.y) +
-                 L" +repage -depth 8 rgb:- | od -An -tu1 "
-                 L"> $WINEPREFIX/drive_c/pixel.txt");
-    unsigned r = 0, g = 0, b = 0;
-    if (FILE* pFile = _wfopen(kPixelFile, L"r")) {
-        if (fscanf(pFile, "%u %u %u", &r, &g, &b) != 3) r = g = b = 0;
+    RunUnixShell(L"import -window root -crop " + std::to_wstring(WidthOf(rc)) + L"x" +
+                 std::to_wstring(HeightOf(rc)) + L"+" + std::to_wstring(rc.left) + L"+" +
+                 std::to_wstring(rc.top) + L" +repage -depth 8 rgb:- > $WINEPREFIX/drive_c/pixels");
+    if (FILE* pFile = _wfopen(kPixelFile, L"rb")) {
+        unsigned char rgb[3];
+        while (fread(rgb, 1, 3, pFile) == 3) pixels.push_back(RGB(rgb[0], rgb[1], rgb[2]));
         fclose(pFile);
     }
     ::DeleteFileW(kPixelFile);
-    return RGB(r, g, b);
+    if (pixels.size() != static_cast<size_t>(WidthOf(rc)) * HeightOf(rc))
+        throw std::runtime_error("the screen can't be read");
+    return pixels;
+}
+
+COLORREF ColourAt(POINT pt) { return PixelsOf({pt.x, pt.y, pt.x + 1, pt.y + 1})[0]; }
+
+HCURSOR CursorNow() {
+    CURSORINFO info{};
+    info.cbSize = sizeof(info);
+    ::GetCursorInfo(&info);
+    return info.hCursor;
 }
 
 void TakePicture(const std::wstring& strName, const std::vector<HWND>& windows) {

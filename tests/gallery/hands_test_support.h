@@ -29,8 +29,12 @@ std::wstring TextOf(HWND hwnd);
 std::wstring ClassOf(HWND hwnd);
 bool IsChecked(HWND hwndButton);
 
-/// The colour of a point of the screen as it is to be seen.
+/// The colours of a piece of the screen as it is to be seen, row by row.
+std::vector<COLORREF> PixelsOf(const RECT& rc);
+/// The colour of a point of the screen.
 COLORREF ColourAt(POINT pt);
+/// The cursor that is to be seen; a handle of the program that shows it.
+HCURSOR CursorNow();
 /// A picture of what of the screen the windows cover, as gallery-NAME.png in the folder that
 /// TESSALY_SCREENSHOTS names; without that, none.
 void TakePicture(const std::wstring& strName, const std::vector<HWND>& windows);

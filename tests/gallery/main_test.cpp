@@ -17,6 +17,11 @@ const PageRow kPages[] = {
      {IDC_SOFT_EDIT, IDC_READ_ONLY, IDC_KEEP_SELECTION, IDC_COLOUR, IDC_BALLOON, IDC_DROP_PATH,
       IDC_DROP_FOLDER, IDC_TYPED, IDC_LIST, IDC_DOWN}},
     {L"texts", {IDHELP, IDC_TIP_TEXT, IDC_TIP_STRING, IDC_WORK, IDC_SECONDS, IDC_COUNT_DOWN}},
+    {L"richtext", {IDC_TAGS, IDC_WRAPPED, IDC_MARKUP, IDC_DRAWN}},
+    {L"buttons", // without the disabled ones
+     {IDC_GO, IDC_GO + 1, IDC_UNDO, IDC_UNDO + 1, IDC_WEB, IDC_WEB + 1, IDC_APP, IDC_APP + 1,
+      IDC_ICON_CLOSE, IDC_ICON_CLOSE + 1, IDC_ICON_MINIMIZE, IDC_ICON_MINIMIZE + 1, IDC_FACE,
+      IDC_FACE + 1, IDC_LINK, IDC_LINK + 1}},
 };
 constexpr int kPageCount = static_cast<int>(std::size(kPages));
 } // namespace
@@ -72,6 +77,25 @@ TEST_F(GalleryMain, PagesFollowTheWindowAndALateOneCatchesUp) {
     GoToPage(0); // was hidden, and followed
     EXPECT_EQ(WidthOf(RectOf(PageItem(IDC_RUN_GROUP))), WidthOf(rcGroup));
     EXPECT_EQ(FaultsOfLayout(Page()), L"");
+}
+
+TEST_F(GalleryMain, EachPageIsLaidOutForALargerWindow) {
+    constexpr int dw = 90, dh = 60;
+    const RECT rcMain = RectOf(Main());
+    auto check = [&] {
+        for (int n = 0; n < kPageCount; ++n) {
+            GoToPage(n);
+            RECT rcSlot = RectOf(Item(IDC_PAGE_SLOT)), rcPage = RectOf(Page());
+            EXPECT_TRUE(::EqualRect(&rcSlot, &rcPage)) << n;
+            EXPECT_EQ(FaultsOfLayout(Page()), L"") << n;
+        }
+    };
+    DragCorner(Main(), dw, dh);
+    ASSERT_TRUE(WaitUntil([&] { return WidthOf(RectOf(Main())) == WidthOf(rcMain) + dw; }));
+    check(); // created late, at that size
+    DragCorner(Main(), -dw, -dh);
+    ASSERT_TRUE(WaitUntil([&] { return WidthOf(RectOf(Main())) == WidthOf(rcMain); }));
+    check(); // followed, those that were hidden too
 }
 
 TEST_F(GalleryMain, IsDraggedByItsBodyAndComesBackThere) {

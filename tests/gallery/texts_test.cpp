@@ -27,13 +27,6 @@ class GalleryTexts : public Gallery {
         return TextOf(hwndTip);
     }
 };
-
-HCURSOR CursorNow() {
-    CURSORINFO info{};
-    info.cbSize = sizeof(info);
-    ::GetCursorInfo(&info);
-    return info.hCursor;
-}
 } // namespace
 
 TEST_F(GalleryTexts, HelpRequestClimbsToTheMainWindowWhichNamesThePage) {
