@@ -55,8 +55,8 @@ bool IconBtn::CountReference(unsigned long flags, int dx, int dy) {
 void IconBtn::ReserveCommon(unsigned long flags, int dx, int dy) { CountReference(flags, dx, dy); }
 
 void IconBtn::Initialize(unsigned long flags, int dx, int dy) {
+    auto held = HoldShared(); // also from a last button that is just going
     CountReference(flags, dx, dy);
-    auto held = HoldShared();
     if (!hbrBkg) MakeShared();
 }
 
@@ -90,8 +90,8 @@ void IconBtn::MakeShared() {
 }
 
 void IconBtn::Uninitialize() {
-    if (::InterlockedDecrement(&dwRefCount) >= 1) return;
     auto held = HoldShared();
+    if (::InterlockedDecrement(&dwRefCount) >= 1) return;
     for (HPEN* ppen : {&penHoverDotted, &penHoverDashed, &penHoverSolid, &penLinkDotted,
                        &penLinkDashed, &penLinkSolid, &penGrayDotted, &penGrayDashed, &penBkg,
                        &penFocusText, &penFocusLink, &penFocusBkg}) {

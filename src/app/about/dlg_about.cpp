@@ -24,6 +24,7 @@ void SetHTMLTextFmt(CSStaticHTML& control, const wchar_t* pszFormat, const wchar
 /// it held.
 void CopyToClipboard(HWND hwnd, CSStaticHTML& control) {
     const unsigned cch = control.GetHTMLTextStripTags(nullptr, 0);
+    if (cch <= 1) return; // nothing to copy: what the clipboard holds stays
     HGLOBAL hglobal = ::GlobalAlloc(GMEM_MOVEABLE | GMEM_SHARE, cch * sizeof(wchar_t));
     if (!hglobal) return;
     ScopeExit freeBlock([&] { ::GlobalFree(hglobal); });
@@ -47,7 +48,8 @@ DlgAboutHandler::DlgAboutHandler()
 
 int DlgAboutHandler::OnWndMessage(CSWnd* pWnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
                                   LRESULT* plResult) {
-    if (uMsg == WM_CONTEXTMENU && reinterpret_cast<HWND>(wParam) == static_cast<HWND>(details)) {
+    if (uMsg == WM_CONTEXTMENU && wParam &&
+        reinterpret_cast<HWND>(wParam) == static_cast<HWND>(details)) {
         pWnd->PostCmd(IDC_ABOUT_COPY, nullptr, 0);
     }
     return WMHook::OnWndMessage(pWnd, uMsg, wParam, lParam, plResult);

@@ -126,7 +126,10 @@ void CSStaticHTML::OnPaint(CSDC& dc, PAINTSTRUCT& /*ps*/) {
 LRESULT CSStaticHTML::OnPaintMessage() {
     PAINTSTRUCT ps;
     HDC hdc = ::BeginPaint(hWnd, &ps);
-    if (!hdc) return 0;
+    if (!hdc) {
+        ::ValidateRect(hWnd, nullptr); // else it is asked for again and again
+        return 0;
+    }
     HWND hwndPainted = hWnd; // a handler of the parent's may end this window
     CSDC dc(hdc, 1);
     OnPaint(dc, ps);

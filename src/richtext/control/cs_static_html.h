@@ -46,7 +46,7 @@ class TESSALY_API CSStaticHTML : public CSCtrl {
     unsigned GetHTMLTextStripTags(wchar_t* out, int size);
     /// How high the text is in that rectangle, in pixels. Any context will do.
     int CalcHeight(HDC hdc, RECT* prc);
-    /// Makes the window text, of up to 252 characters, a link.
+    /// Makes the window text a link. With 249 characters and more the mark-up is cut at 255.
     // QUIRK: what is read is the window's own text, as the template made it.
     // Test: CSStaticHTML.MakeLinkReadsTheTemplatesText
     void MakeLink();

@@ -107,6 +107,8 @@ class TESSALY_API DrawHTML {
 
     /// How deep tags may nest.
     static constexpr int kMaxNesting = 256;
+    /// How many may be open: crossed ones stay so without nesting, each with its font.
+    static constexpr int kMaxOpenTags = 1024;
 
     explicit DrawHTML(unsigned linkCmdID);
     /// A copy has a lock of its own.

@@ -157,7 +157,11 @@ void DrawHTML::ProcessSpan(HDC hdc, const wchar_t*& text, const wchar_t* end, Dr
                            DrawHTMLTools* tools) {
     while (text < end) {
         if (!WriteText(hdc, text, end, links, 0)) break;
-        if (*text == L'<') ProcessTag(hdc, text, end, links, tools);
+        // In literal text only its end is a tag; a full line may have ended a word at another.
+        const wchar_t* p = text;
+        if (*text == L'<' && (!bLiteral || IsNextItem(p, pszKet_T))) {
+            ProcessTag(hdc, text, end, links, tools);
+        }
     }
 }
 
@@ -182,7 +186,7 @@ int DrawHTML::ProcessTag(HDC hdc, const wchar_t*& text, const wchar_t* end, Draw
         bLiteral = 0;
         return 1;
     }
-    const bool bMayNest = nDepth < kMaxNesting;
+    const bool bMayNest = nDepth < kMaxNesting && listOpenTags.GetCount() < kMaxOpenTags;
     for (int n = 0; bMayNest && n < static_cast<int>(std::size(kFontTags)); ++n) {
         if (!IsNextItem(text, kFontTags[n].pszOpening)) continue;
         ProcessFontChange(static_cast<FontChange>(n + 1), hdc, text, end, links, tools);

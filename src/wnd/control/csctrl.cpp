@@ -12,7 +12,11 @@
 
 CSCtrl::CSCtrl() { isCtrl = 1; }
 
-CSCtrl::~CSCtrl() = default;
+CSCtrl::~CSCtrl() {
+    // The object may go before the control, as with a dialog that is deleted while its window
+    // lives; by then the control may be another object's.
+    if (CSWnd::FromHandle(hWnd) == this) Unsubclass();
+}
 
 int CSCtrl::IsKindOf(LPCWSTR pszClass) {
     return (pszClass && std::wcscmp(pszClass, L"CSCtrl") == 0) || CSWnd::IsKindOf(pszClass);

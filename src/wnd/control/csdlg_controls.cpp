@@ -23,7 +23,7 @@ void ForEachChild(HWND hwndParent, Fn fn) {
         Fn* pfn;
         static BOOL CALLBACK Step(HWND hwnd, LPARAM lParam) {
             auto* pWalk = reinterpret_cast<Walk*>(lParam);
-            if (::GetParent(hwnd) == pWalk->hwndParent) (*pWalk->pfn)(hwnd);
+            if (::GetAncestor(hwnd, GA_PARENT) == pWalk->hwndParent) (*pWalk->pfn)(hwnd);
             return TRUE;
         }
     } walk{hwndParent, &fn};
@@ -158,8 +158,7 @@ __int64 CSDlg::OnNotify(int, NMHDR* pHdr) {
         return 0;
     }
     wchar_t szTip[kTipChars] = L"";
-    if (GetTootTip(nId, szTip, kTipChars)) {
-        SetNarrowTip(reinterpret_cast<NMTTDISPINFOA*>(pHdr)->szText, szTip);
-    }
+    GetTootTip(nId, szTip, kTipChars);
+    SetNarrowTip(reinterpret_cast<NMTTDISPINFOA*>(pHdr)->szText, szTip);
     return 0;
 }

@@ -19,20 +19,35 @@ constinit ObjectTable csWnds; // those that have or had a window
 /// than the rest of a message's way. Each place serves many windows, and what stands in it is only
 /// where to look first. Written by the windows' own threads.
 constexpr std::size_t kKnownPlaces = 512;
-constinit std::atomic<CSWnd*> known[kKnownPlaces] = {};
+struct KnownName {
+    std::atomic<HWND> hwnd{nullptr};
+    std::atomic<CSWnd*> pWnd{nullptr};
+};
+constinit KnownName known[kKnownPlaces];
 
-std::atomic<CSWnd*>& KnownPlace(HWND hwnd) {
+KnownName& KnownPlace(HWND hwnd) {
     return known[reinterpret_cast<std::uintptr_t>(hwnd) / 2 % kKnownPlaces]; // handles are even
+}
+
+/// Null: no longer. A thread that finds another one at the place leaves it to that.
+void SetKnown(HWND hwnd, CSWnd* pWnd) {
+    KnownName& place = KnownPlace(hwnd);
+    const HWND hwndBusy = reinterpret_cast<HWND>(INT_PTR{-1});
+    HWND hwndBefore = place.hwnd;
+    if (hwndBefore == hwndBusy || (!pWnd && hwndBefore != hwnd)) return;
+    if (!place.hwnd.compare_exchange_strong(hwndBefore, hwndBusy)) return;
+    place.pWnd = pWnd;
+    place.hwnd = pWnd ? hwnd : nullptr;
 }
 
 void NameWindow(HWND hwnd, CSWnd* pWnd) {
     ::SetPropW(hwnd, kCSWndProperty, pWnd);
-    KnownPlace(hwnd) = pWnd;
+    SetKnown(hwnd, pWnd);
 }
 
 void UnnameWindow(HWND hwnd) {
     ::RemovePropW(hwnd, kCSWndProperty);
-    KnownPlace(hwnd) = nullptr;
+    SetKnown(hwnd, nullptr);
 }
 
 /// The object that the window names, if that object names the window: neither a stale property nor
@@ -43,7 +58,48 @@ CSWnd* FindObject(HWND hwnd) {
 }
 } // namespace
 
+/// On the stack of a frame: holds the life of another object than the one that handles the message,
+/// and is told when that goes all the same. An object is taken once by a frame, so that its holds
+/// end in the opposite order.
+class CSWnd::LifeHold {
+  public:
+    LifeHold() = default;
+    LifeHold(const LifeHold&) = delete; // the object names it
+    LifeHold& operator=(const LifeHold&) = delete;
+
+    void Take(CSWnd* pHeld) {
+        pWnd = pHeld;
+        pOuter = std::exchange(pHeld->innermostHold, this);
+        pHeld->HoldLife();
+    }
+    void Release() {
+        CSWnd* pHeld = std::exchange(pWnd, nullptr);
+        if (!pHeld) return;
+        pHeld->innermostHold = pOuter;
+        pHeld->ReleaseLife(true);
+    }
+
+  private:
+    friend class CSWnd;
+
+    CSWnd* pWnd = nullptr;
+    LifeHold* pOuter = nullptr;
+};
+
+void CSWnd::SetLifeHolder(CSWnd* pHolder) noexcept {
+    if (lifeHolder) {
+        CSWnd** pp = &lifeHolder->firstHeld;
+        while (*pp != this) pp = &(*pp)->nextHeld;
+        *pp = nextHeld;
+    }
+    lifeHolder = pHolder;
+    nextHeld = pHolder ? std::exchange(pHolder->firstHeld, this) : nullptr;
+}
+
 CSWnd::~CSWnd() {
+    SetLifeHolder(nullptr);
+    while (firstHeld) firstHeld->SetLifeHolder(nullptr);
+    for (LifeHold* p = innermostHold; p; p = p->pOuter) p->pWnd = nullptr;
     if (hWnd && ::GetPropW(hWnd, kCSWndProperty) == this) UnnameWindow(hWnd);
     csWnds.Remove(this);
 }
@@ -76,8 +132,14 @@ CSWnd* CSWnd::FromHandle(HWND hwnd) {
 }
 
 CSWnd* CSWnd::RecallHandle(HWND hwnd) {
-    CSWnd* pWnd = hwnd ? KnownPlace(hwnd).load() : nullptr;
-    return csWnds.Has(pWnd) && pWnd->hWnd == hwnd ? pWnd : FromHandle(hwnd);
+    const KnownName& place = KnownPlace(hwnd);
+    if (hwnd && place.hwnd == hwnd) {
+        CSWnd* pWnd = place.pWnd;
+        // Only this window's thread writes its handle there: unlike another window's object, this
+        // one can't go meanwhile.
+        if (place.hwnd == hwnd && csWnds.Has(pWnd) && pWnd->hWnd == hwnd) return pWnd;
+    }
+    return FromHandle(hwnd);
 }
 
 // Classes and creation
@@ -178,22 +240,16 @@ LRESULT CSWnd::Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     HWND hwndInChainBefore = std::exchange(hwndInChain, nullptr); // this message is a new one
     HWND hwndOfFrameBefore = std::exchange(hwndOfFrame, hWnd);
     ++procDepth;
-    // The edit field of a combo box may go with the combo box, and that with its dialog.
-    std::array<CSWnd*, 2> holders{};
-    CSWnd* pNext = lifeHolder;
-    for (CSWnd*& pHolder : holders) {
-        if (!pNext || !csWnds.Has(pNext)) break; // it may have gone before this object's window
-        pHolder = pNext;
-        pNext = pHolder->lifeHolder;
-        pHolder->HoldLife();
-    }
+    // An edit field may go with its combo box, that with its page, and the page with its dialog.
+    std::array<LifeHold, 4> holds;
+    std::size_t nHeld = 0;
+    for (CSWnd* p = lifeHolder; p && nHeld < holds.size(); p = p->lifeHolder)
+        holds[nHeld++].Take(p);
     LRESULT lResult = hWnd ? OnWndMessage(uMsg, wParam, lParam) : 0;
     hwndOfFrame = hwndOfFrameBefore;
     hwndInChain = hwndInChainBefore;
     ReleaseLife(true); // the object may be gone, with the last holder at the latest
-    for (CSWnd* pHolder : holders) {
-        if (pHolder && csWnds.Has(pHolder)) pHolder->ReleaseLife(true);
-    }
+    for (std::size_t n = 0; n < nHeld; ++n) holds[n].Release();
     return lResult;
 }
 
@@ -226,7 +282,7 @@ void CSWnd::EndLife(bool bMayDelete) {
     }
     bool bDelete = autoDelete && bMayDelete;
     hWnd = nullptr;
-    lifeHolder = nullptr;
+    SetLifeHolder(nullptr);
     if (bDelete) delete this;
 }
 

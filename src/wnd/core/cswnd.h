@@ -167,9 +167,10 @@ class TESSALY_API CSWnd {
     void ReleaseLife(bool bMayDelete);
     /// The object that this one may be a member of, or null: it does not delete itself while a
     /// handler of this one runs, nor does its own holder. It may go before this one.
-    void SetLifeHolder(CSWnd* pHolder) { lifeHolder = pHolder; }
+    void SetLifeHolder(CSWnd* pHolder) noexcept;
 
   private:
+    class LifeHold; // of a frame that holds this object for another one
     enum Removal { kRemoveAllHooks = 1, kRemoveEmptyEntries = 2 };
 
     LRESULT Dispatch(UINT uMsg, WPARAM wParam, LPARAM lParam);
@@ -201,8 +202,11 @@ class TESSALY_API CSWnd {
     int hooksRemovalPending = 0; // what waits for msgDepth to become 0, see Removal
 
   private:
-    int procDepth = 0;              // frames of the window procedure, and others that hold the life
-    CSWnd* lifeHolder = nullptr;    // its frames are counted with this object's; not owned
+    int procDepth = 0;           // frames of the window procedure, and others that hold the life
+    CSWnd* lifeHolder = nullptr; // its frames are counted with this object's; not owned
+    CSWnd* firstHeld = nullptr;  // the objects whose lifeHolder this one is
+    CSWnd* nextHeld = nullptr;   // the next of those that this object is one of
+    LifeHold* innermostHold = nullptr;
     HWND hwndOfFrame = nullptr;     // which window's message the innermost frame handles
     HWND hwndInChain = nullptr;     // whose message the innermost frame has handed to the chain
     int replaced = 0;               // ReplaceObjectOf came while handlers ran

@@ -115,11 +115,12 @@ void CSDlgChild::OnComboSelChanged(unsigned short nId) {
 
 int CSDlgChild::Init(CSDlg* pParent, unsigned int nSlotId, unsigned int nTemplateId,
                      HINSTANCE hinst, int bShow) {
-    if (!pParent) return 0;
+    if (!pParent || IsRunning()) return 0;
     parentDlg = pParent;
     slotId = nSlotId;
     HWND hwnd = Modeless(static_cast<int>(nTemplateId), hinst, *pParent, bShow);
     if (!hwnd || !::IsWindow(hwnd)) return 0;
+    SetLifeHolder(pParent); // a page is mostly a member of it
     // A page that is created late catches up with a parent that was resized before.
     SIZE sizeGrown = pParent->GetResizeData();
     if (sizeGrown.cx || sizeGrown.cy) {

@@ -237,6 +237,37 @@ TEST(DrawHTMLTags, NoFontIsLeftBehind) {
     EXPECT_EQ(nBefore, CountGdiObjects());
 }
 
+TEST(DrawHTMLTags, LiteralTextStaysSoWhereItFillsTheLine) {
+    HtmlStage stage;
+    std::wstring strText;
+    for (auto& run : stage.Paint((L"<T>" + std::wstring(262, L'i') + L"<B>x<BR></T>").c_str(),
+                                 RECT{0, 0, 9000, 200})) {
+        strText += run.strText;
+        EXPECT_EQ(FW_NORMAL, run.font.lfWeight);
+    }
+    EXPECT_NE(std::wstring::npos, strText.find(L"<B>x<BR>")) << strText.size();
+}
+
+TEST(DrawHTMLTags, CrossedTagsStayOpenUpToALimit) {
+    std::wstring str;
+    for (int i = 0; i < 20000; ++i) str += L"<I><B></I>";
+    RecordingDevice device;
+    TestFont font;
+    const int nBefore = CountGdiObjects();
+    {
+        DrawHTML html(0);
+        DrawHTMLLinks links;
+        DrawHTMLTools tools(FontGui);
+        tools.SetCustomFont(font);
+        RECT rc = TallRect();
+        html.Draw(DrawMeasure, device, &rc, str.c_str(), static_cast<unsigned>(str.size()), &links,
+                  &tools);
+        EXPECT_LE(CountGdiObjects(), nBefore + DrawHTML::kMaxOpenTags + 1);
+        ::SelectObject(device, font);
+    }
+    EXPECT_LE(CountGdiObjects(), nBefore + 1); // one that the platform made
+}
+
 TEST(DrawHTMLTags, NestingDeeperThanTheLimitIsText) {
     constexpr int kTags = 300, kOpen = DrawHTML::kMaxNesting - 1; // the text itself is the first
     std::wstring str;

@@ -3,6 +3,7 @@
 #include "support/no_memory.h"
 #include "wnd/control/control_ids.h"
 #include "wnd/control/csctrl.h"
+#include "wnd/control/csedit.h"
 #include "wnd/control/ctrl_dialog.h"
 #include "wnd/wnd_probe.h"
 
@@ -143,6 +144,58 @@ TEST(CSCtrlLife, PlainObjectMayOutliveTheDialogsObject) {
     EXPECT_EQ(L"text", WndText(hwnd));
     ::DestroyWindow(hwndDlg);
     EXPECT_FALSE(::IsWindow(hwnd));
+}
+
+/// As a dialog's class is written: its controls' objects are members.
+struct DialogWithEdit : CSDlg {
+    __int64 OnInitDialog(unsigned __int64 wParam, __int64 lParam) override {
+        __int64 lResult = CSDlg::OnInitDialog(wParam, lParam);
+        edit.Init(this, IDC_CTL_EDIT, nullptr, 0);
+        return lResult;
+    }
+    CSEdit edit;
+};
+TEST(CSCtrlLife, MemberLeavesItsControlWithTheDialogsObject) {
+    GuardedMemory memory(sizeof(DialogWithEdit)); // is not there any more afterwards
+    auto* pDialog = new (memory.Get()) DialogWithEdit;
+    HWND hwndDlg = pDialog->Modeless(IDD_CONTROLS, nullptr, nullptr, 0);
+    ASSERT_NE(nullptr, hwndDlg);
+    HWND hwnd = ::GetDlgItem(hwndDlg, IDC_CTL_EDIT);
+    ASSERT_EQ(&pDialog->edit, CSCtrl::FromHandle(hwnd));
+    pDialog->~DialogWithEdit();
+    DWORD dwOld = 0;
+    ASSERT_NE(FALSE, ::VirtualProtect(memory.Get(), sizeof(DialogWithEdit), PAGE_NOACCESS, &dwOld));
+    EXPECT_NE(FALSE, ::SetWindowTextW(hwnd, L"text"));
+    EXPECT_EQ(L"text", WndText(hwnd));
+    EXPECT_EQ(nullptr, CSCtrl::FromHandle(hwnd));
+    ::DestroyWindow(hwndDlg);
+    EXPECT_FALSE(::IsWindow(hwnd));
+}
+
+TEST(CSCtrlLife, AnotherObjectInThePlaceOfTheDialogsIsNotTouched) {
+    GuardedMemory memory(sizeof(CSDlg));
+    auto* pDialog = new (memory.Get()) CSDlg(nullptr);
+    HWND hwndDlg = pDialog->Modeless(IDD_CONTROLS, nullptr, nullptr, 0);
+    ASSERT_NE(nullptr, hwndDlg);
+    HWND hwnd = ::GetDlgItem(hwndDlg, IDC_CTL_EDIT);
+    CSCtrl* pPlain = CSCtrl::FromHandle(hwnd);
+    ASSERT_NE(nullptr, pPlain);
+    CSDlg* pNext = nullptr;
+    ProbeHook hook([&](CSWnd*, UINT uMsg, WPARAM, LPARAM, LRESULT*) {
+        if (uMsg != WM_APP || pNext) return 0;
+        pDialog->~CSDlg();
+        pNext = new (memory.Get()) CSDlg(nullptr);
+        EXPECT_NE(nullptr, pNext->Modeless(IDD_CONTROLS, nullptr, nullptr, 0));
+        return 0;
+    });
+    pPlain->AddWndHook(&hook);
+    ::SendMessageW(hwnd, WM_APP, 0, 0);
+    ASSERT_NE(nullptr, pNext);
+    ::DestroyWindow(hwndDlg);
+    EXPECT_TRUE(pNext->IsReady());
+    pNext->Destroy();
+    EXPECT_EQ(nullptr, static_cast<HWND>(*pNext)) << "its life with the window has ended";
+    pNext->~CSDlg();
 }
 
 TEST(CSCtrlLife, AutoInitWithoutMemoryGivesNull) {

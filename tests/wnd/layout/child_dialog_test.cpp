@@ -191,4 +191,31 @@ TEST_F(ChildDialog, GoesWithItsParent) {
     EXPECT_EQ(1, page.Make(next)) << "and can stand in another one";
     EXPECT_FALSE(page.IsFullDrag());
 }
+/// A parent that deletes itself with its window, and a page that is its member.
+struct ParentWithPage : CSDlg {
+    explicit ParentWithPage(int& nDeleted) : n(nDeleted) { autoDelete = 1; }
+    ~ParentWithPage() override { ++n; }
+    void OnButtonClicked(unsigned short) override {
+        ::DestroyWindow(hWnd);
+        EXPECT_EQ(0, n) << "while a handler of its page runs";
+    }
+    CSDlgChild member;
+    int& n;
+};
+TEST(ChildDialogLife, ParentThatGoesInAHandlerOfItsPageOutlastsIt) {
+    int nDeleted = 0;
+    auto* pParent = new ParentWithPage(nDeleted);
+    ASSERT_NE(nullptr, pParent->Modeless(IDD_LAYOUT_MAIN, nullptr, nullptr, 0));
+    ASSERT_EQ(1, pParent->member.Init(pParent, IDC_LAYOUT_SLOT, IDD_LAYOUT_PAGE, nullptr, 0));
+    ::SendMessageW(pParent->member, WM_COMMAND, IDOK, 0);
+    EXPECT_EQ(1, nDeleted);
+}
+
+TEST_F(ChildDialog, PageThatRunsKeepsItsParent) {
+    ASSERT_EQ(1, page.Make(parent));
+    ParentDlg other;
+    ASSERT_TRUE(other.Make(IDD_LAYOUT_MAIN));
+    EXPECT_EQ(0, page.Make(other));
+    EXPECT_EQ(&parent, page.parentDlg);
+}
 } // namespace
