@@ -296,7 +296,7 @@ void CSDlg::OnPostNcDestroy() {
     CSWnd::OnPostNcDestroy();
     ::RemovePropW(hWnd, kCSDlgProperty);
     ::SetWindowLongPtrW(hWnd, DWLP_DLGPROC, 0); // another program may have sent the message
-    delayTimer.Stop(); // the platform's went with the window
+    delayTimer.Stop();                          // the platform's went with the window
     for (LifeMark* pMark = pLifeMark; pMark; pMark = pMark->pOuter) {
         if (pMark->hwndRun == hWnd) pMark->bEnded = true;
     }
