@@ -115,15 +115,19 @@ TEST_F(GalleryMain, PagesFollowWhenItIsMaximised) {
     const RECT rcMain = RectOf(Main()), rcPage = RectOf(Page());
     DoubleClickTitleOf(Main());
     ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(Main()) != 0; }));
-    const RECT rcNow = RectOf(Main()), rcPageNow = RectOf(Page());
-    EXPECT_EQ(WidthOf(rcPageNow) - WidthOf(rcPage), WidthOf(rcNow) - WidthOf(rcMain));
-    EXPECT_EQ(HeightOf(rcPageNow) - HeightOf(rcPage), HeightOf(rcNow) - HeightOf(rcMain));
+    EXPECT_TRUE(WaitUntil([&] {
+        const RECT rcNow = RectOf(Main()), rcPageNow = RectOf(Page());
+        return WidthOf(rcPageNow) - WidthOf(rcPage) == WidthOf(rcNow) - WidthOf(rcMain) &&
+               HeightOf(rcPageNow) - HeightOf(rcPage) == HeightOf(rcNow) - HeightOf(rcMain);
+    }));
     EXPECT_EQ(FaultsOfLayout(Main()), L"");
     EXPECT_EQ(FaultsOfLayout(Page()), L"");
     DoubleClickTitleOf(Main());
     ASSERT_TRUE(WaitUntil([&] { return !::IsZoomed(Main()); }));
-    RECT rcBack = RectOf(Page());
-    EXPECT_TRUE(::EqualRect(&rcBack, &rcPage));
+    EXPECT_TRUE(WaitUntil([&] {
+        RECT rcBack = RectOf(Page());
+        return ::EqualRect(&rcBack, &rcPage) != 0;
+    }));
 }
 
 TEST_F(GalleryMain, SystemMenuTellsAboutIt) {

@@ -29,6 +29,12 @@ class GalleryRichText : public Gallery {
     void TypeMarkup(const std::wstring& strMarkup) {
         PressKeys(Main(), {L"alt+p", L"alt+m"});
         EXPECT_TRUE(WaitForFocus(IDC_MARKUP));
+        // All is selected a moment later.
+        HWND hwndEdit = PageItem(IDC_MARKUP);
+        EXPECT_TRUE(WaitUntil([&] {
+            return ::SendMessageW(hwndEdit, EM_GETSEL, 0, 0) ==
+                   MAKELONG(0, ::SendMessageW(hwndEdit, WM_GETTEXTLENGTH, 0, 0));
+        }));
         TypeText(Main(), strMarkup);
         EXPECT_TRUE(WaitForText(PageItem(IDC_MARKUP), strMarkup));
     }
