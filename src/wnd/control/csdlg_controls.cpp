@@ -23,7 +23,7 @@ void ForEachChild(HWND hwndParent, Fn fn) {
         Fn* pfn;
         static BOOL CALLBACK Step(HWND hwnd, LPARAM lParam) {
             auto* pWalk = reinterpret_cast<Walk*>(lParam);
-            if (::GetAncestor(hwnd, GA_PARENT) == pWalk->hwndParent) (*pWalk->pfn)(hwnd);
+            if (::GetParent(hwnd) == pWalk->hwndParent) (*pWalk->pfn)(hwnd);
             return TRUE;
         }
     } walk{hwndParent, &fn};
@@ -39,10 +39,11 @@ void CSDlg::PostInitDialog() {
         int nId = ::GetDlgCtrlID(hwnd);
         auto nUnsignedId = static_cast<unsigned int>(nId);
         if (nUnsignedId == kNoId || nUnsignedId == kNoIdExtended) return;
-        CSCtrl* pCtrl = CSCtrl::FromHandle(hwnd);
+        CSWnd* pWnd = CSWnd::FromHandle(hwnd);
+        CSCtrl* pCtrl = pWnd && pWnd->IsCtrl() ? static_cast<CSCtrl*>(pWnd) : nullptr;
         // Of several controls with one id only the first can be found. Whatever other object a
         // child has, such as a page's dialog, stays.
-        if (!pCtrl && !CSWnd::FromHandle(hwnd) && ::GetDlgItem(hwndDlg, nId) == hwnd) {
+        if (!pWnd && ::GetDlgItem(hwndDlg, nId) == hwnd) {
             pCtrl = CSCtrl::AutoInit(this, nUnsignedId);
         }
         if (pCtrl) pCtrl->PostInitDialog();
