@@ -48,6 +48,26 @@ TEST(ParseHostOptions, TakesDataOfTheStartWithWindows) {
         EXPECT_EQ(psz, Parse({psz}).pszUnknown) << psz;
 }
 
+TEST(ParseHostOptions, TellsTheSilentCheckForUpdatesFromAPersons) {
+    EXPECT_EQ(UpdateCheck::None, Parse({L"/quiet"}).updateCheck);
+    for (const wchar_t* psz : {L"/CHECK4UPDATES", L"-check4updates", L"/Check4Updates"})
+        EXPECT_EQ(UpdateCheck::Silent, Parse({psz}).updateCheck) << psz;
+    for (const wchar_t* psz : {L"check4updates", L"CHECK4UPDATES"})
+        EXPECT_EQ(UpdateCheck::Person, Parse({psz}).updateCheck) << psz;
+    EXPECT_EQ(UpdateCheck::Person, Parse({L"/check4updates", L"check4updates"}).updateCheck);
+    for (const wchar_t* psz : {L"/check4update", L"//check4updates", L"check4updates "})
+        EXPECT_EQ(psz, Parse({psz}).pszUnknown) << psz;
+}
+
+TEST(ParseHostOptions, TakesTheQuestionMarkAsAskingForHelp) {
+    for (const wchar_t* psz : {L"/?", L"-?"}) {
+        EXPECT_EQ(true, Parse({psz}).bHelp) << psz;
+        EXPECT_EQ(nullptr, Parse({psz}).pszUnknown) << psz;
+    }
+    EXPECT_EQ(false, Parse({L"/quiet"}).bHelp);
+    EXPECT_STREQ(L"?", Parse({L"?"}).pszUnknown);
+}
+
 TEST(ParseHostOptions, NamesTheFirstUnknownArgument) {
     for (const wchar_t* psz :
          {L"/quie", L"/quiets", L"quiet", L"", L"/", L"-", L"//quiet", L"--exit", L"/quiet "})

@@ -223,31 +223,41 @@ wchar_t* Exchange::TakeText() const {
 
 // The threads
 
-/// Runs a step of the exchange, which it owns a part of, and then lets this module go, which may be
-/// waited for by nobody any more.
-template <void (Exchange::*pfnStep)()>
-DWORD WINAPI ExchangeThread(void* pArgument) {
+/// This module, with one more reference on it; null if the platform refused.
+HMODULE HoldThisModule() {
+    HMODULE hmod = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                         reinterpret_cast<LPCWSTR>(&HoldThisModule), &hmod);
+    return hmod;
+}
+
+/// What a thread gets: its step of the exchange, its part of that, and the module that it runs in,
+/// for which nobody may be waiting any more.
+struct Task {
+    void (Exchange::*pfnStep)();
+    OwnedExchange exchange;
+    OwnedModule module;
+};
+
+DWORD WINAPI RunTask(void* pArgument) {
     HMODULE hmodHeld = nullptr;
     {
-        const OwnedExchange exchange(static_cast<Exchange*>(pArgument));
-        ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                             reinterpret_cast<LPCWSTR>(&ExchangeThread<pfnStep>), &hmodHeld);
-        (exchange.get()->*pfnStep)();
+        const std::unique_ptr<Task> task(static_cast<Task*>(pArgument));
+        (task->exchange.get()->*task->pfnStep)();
+        hmodHeld = task->module.Release();
     }
-    if (hmodHeld) ::FreeLibraryAndExitThread(hmodHeld, 0);
-    return 0;
+    ::FreeLibraryAndExitThread(hmodHeld, 0);
 }
 
-template <void (Exchange::*pfnStep)()>
-OwnedHandle StartThread(Exchange& exchange) {
+OwnedHandle StartThread(Exchange& exchange, void (Exchange::*pfnStep)()) {
     exchange.AddOwner();
-    OwnedHandle thread(::CreateThread(nullptr, 0, &ExchangeThread<pfnStep>, &exchange, 0, nullptr));
-    if (!thread) exchange.RemoveOwner();
+    OwnedExchange share(&exchange);
+    std::unique_ptr<Task> task(new (std::nothrow)
+                                   Task{pfnStep, std::move(share), OwnedModule(HoldThisModule())});
+    if (!task || !task->module) return OwnedHandle();
+    OwnedHandle thread(::CreateThread(nullptr, 0, &RunTask, task.get(), 0, nullptr));
+    if (thread) static_cast<void>(task.release()); // the thread's
     return thread;
-}
-
-bool HasEnded(const OwnedHandle& thread, DWORD nMs) {
-    return ::WaitForSingleObject(thread.Get(), nMs) == WAIT_OBJECT_0;
 }
 } // namespace
 
@@ -256,12 +266,13 @@ wchar_t* SendHttp(const wchar_t* pszServer, const wchar_t* pszObject, unsigned c
     const DWORD nMs = std::min<DWORD>(nSeconds, kLongestMs / 1000) * 1000;
     const OwnedExchange exchange(new (std::nothrow) Exchange);
     if (!exchange || !exchange->Prepare(pszServer, pszObject, cbMax, pszPost, nMs)) return nullptr;
-    const OwnedHandle worker = StartThread<&Exchange::Run>(*exchange);
+    const OwnedHandle worker = StartThread(*exchange, &Exchange::Run);
     if (!worker) return nullptr;
-    if (!HasEnded(worker, nMs + kMarginMs)) {
+    if (::WaitForSingleObject(worker.Get(), nMs + kMarginMs) == WAIT_TIMEOUT) {
         // Closing a handle may wait for the call that uses it, so that is not done here either.
-        const OwnedHandle canceller = StartThread<&Exchange::Cancel>(*exchange);
-        HasEnded(worker, kCancelMs);
+        const OwnedHandle canceller = StartThread(*exchange, &Exchange::Cancel);
+        const HANDLE threads[] = {worker.Get(), canceller.Get()};
+        ::WaitForMultipleObjects(canceller ? 2 : 1, threads, TRUE, kCancelMs);
     }
     return exchange->TakeText();
 }
