@@ -64,6 +64,7 @@ __int64 DlgGetUpdates::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     // read the screen see it too.
     SetDlgItemTextW(IDC_UPDATE_DESCRIPTION, pszDescription ? pszDescription : L"");
     description.Init(this, IDC_UPDATE_DESCRIPTION, nullptr, 0);
+    if (!HasMoreInfo()) description.ModifyStyle(WS_TABSTOP, 0, 0); // its link leads nowhere
     description.SetHTMLText(pszDescription ? pszDescription : L"");
     return nResult;
 }
@@ -73,5 +74,5 @@ void DlgGetUpdates::OnButtonClicked(unsigned short nId) {
         DlgUpdateBase::OnButtonClicked(nId);
         return;
     }
-    if (pszUrlMoreInfo && *pszUrlMoreInfo) OpenHTML(hWnd, pszUrlMoreInfo, 0, 0);
+    if (HasMoreInfo()) OpenHTML(hWnd, pszUrlMoreInfo, 0, 0);
 }
