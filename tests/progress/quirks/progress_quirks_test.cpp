@@ -92,8 +92,8 @@ TEST(ProgressSmoke, DialogShowsWhatItIsToldAndCloses) {
     progress.SetText(1, L"12 of 100 files");
     progress.SetText(2, L"3 minute(s) 10 seconds");
     progress.SetRange64(0, 1000000);
-    for (int n = 0; n < 400; ++n) progress.StepIt();
-    EXPECT_EQ(25, GetBarPos(progress));
+    for (int n = 0; n < 400000; ++n) progress.StepIt();
+    EXPECT_EQ(25000, GetBarPos(progress));
     EXPECT_EQ(L"12 of 100 files", GetText(hwnd, IDC_PROGRESS_LINE_1));
     if (::GetEnvironmentVariableW(L"TESSALY_LOOK", nullptr, 0)) ::Sleep(4000);
     progress.Close();
