@@ -222,7 +222,7 @@ void ProgressDlg::ShowSteps() {
 }
 
 void ProgressDlg::BringUp() {
-    ::BringWindowToTop(hWnd);
+    if (::GetForegroundWindow() != hWnd) ::BringWindowToTop(hWnd); // a look costs far less
     ::UpdateWindow(hWnd);
 }
 
