@@ -116,7 +116,7 @@ void CSProgressCtrl::Init(CSDlg* pDlg, unsigned int nId, int nLow, int nHigh, in
 /// On the bar's thread: gives it the steps that were put off. Whether there were any.
 bool CSProgressCtrl::CatchUp() {
     const int nSteps = progressEx.nPutOff.exchange(0);
-    if (nSteps) DoWndMessage(PBM_DELTAPOS, static_cast<WPARAM>(nSteps), 0, nullptr);
+    if (nSteps) SendMsg(PBM_DELTAPOS, static_cast<WPARAM>(nSteps), 0);
     return nSteps != 0;
 }
 

@@ -21,7 +21,7 @@ constexpr UINT kShowPeriodMs = 40;
 
 constinit SpinLock placementLock; // for wpResizing, which several dialogs' threads share
 
-/// A message box of the calling thread over that window is answered with No.
+/// A message box over that window is answered with No.
 BOOL CALLBACK AnswerNo(HWND hwnd, LPARAM lParam) {
     if (::GetWindow(hwnd, GW_OWNER) == reinterpret_cast<HWND>(lParam) && ::GetDlgItem(hwnd, IDNO)) {
         ::PostMessageW(hwnd, WM_COMMAND, IDNO, 0);
@@ -105,6 +105,10 @@ __int64 ProgressDlg::OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __
     switch (uMsg) {
     case WM_ENTERSIZEMOVE: bInSizeMove = 1; break;
     case WM_EXITSIZEMOVE: bInSizeMove = 0; break;
+    case WM_COMMAND:
+        // Without a button that could take it, the Enter key comes as IDOK, which is Close's alone.
+        if (wParam == IDOK && !bCanCancel && pThread && !pThread->IsCanceled()) return 1;
+        break;
     case WM_TIMER:
         if (wParam == kShowTimer) ShowSteps();
         break;
@@ -135,8 +139,7 @@ __int64 ProgressDlg::OnCancel() {
 void ProgressDlg::DoClose(int nResult) {
     CSDlg::DoClose(nResult);
     HWND hwnd = hWnd;
-    if (bAsking)
-        ::EnumThreadWindows(::GetCurrentThreadId(), &AnswerNo, reinterpret_cast<LPARAM>(hwnd));
+    if (bAsking) ::EnumWindows(&AnswerNo, reinterpret_cast<LPARAM>(hwnd));
     if (bInSizeMove) ::PostMessageW(hwnd, WM_LBUTTONUP, 0, 0);
     ::SendMessageW(hwnd, WM_CANCELMODE, 0, 0); // menus
 }
@@ -218,11 +221,13 @@ void ProgressDlg::StepBar() {
 void ProgressDlg::ShowSteps() {
     if (!progressCtrl.CatchUp()) return;
     progressCtrl.ShowMirror();
-    BringUp();
+    if (::IsWindowVisible(hWnd)) BringUp(); // hidden meanwhile, it leaves the front to others
 }
 
 void ProgressDlg::BringUp() {
-    if (::GetForegroundWindow() != hWnd) ::BringWindowToTop(hWnd); // a look costs far less
+    // Not out of the question, which would lose the keyboard at each step; and a look costs far
+    // less than the call.
+    if (!bAsking && ::GetForegroundWindow() != hWnd) ::BringWindowToTop(hWnd);
     ::UpdateWindow(hWnd);
 }
 
