@@ -21,11 +21,11 @@ constexpr UINT kShowPeriodMs = 40;
 
 constinit SpinLock placementLock; // for wpResizing, which several dialogs' threads share
 
-/// A message box over that window is answered with No.
+/// A message box over that window is answered with No; one without that button is closed.
 BOOL CALLBACK AnswerNo(HWND hwnd, LPARAM lParam) {
-    if (::GetWindow(hwnd, GW_OWNER) == reinterpret_cast<HWND>(lParam) && ::GetDlgItem(hwnd, IDNO)) {
-        ::PostMessageW(hwnd, WM_COMMAND, IDNO, 0);
-    }
+    if (::GetWindow(hwnd, GW_OWNER) != reinterpret_cast<HWND>(lParam)) return TRUE;
+    const bool bHasNo = ::GetDlgItem(hwnd, IDNO) != nullptr;
+    ::PostMessageW(hwnd, bHasNo ? WM_COMMAND : WM_CLOSE, bHasNo ? IDNO : 0, 0);
     return TRUE;
 }
 } // namespace
@@ -139,7 +139,7 @@ __int64 ProgressDlg::OnCancel() {
 void ProgressDlg::DoClose(int nResult) {
     CSDlg::DoClose(nResult);
     HWND hwnd = hWnd;
-    if (bAsking) ::EnumWindows(&AnswerNo, reinterpret_cast<LPARAM>(hwnd));
+    if (!::IsWindowEnabled(hwnd)) ::EnumWindows(&AnswerNo, reinterpret_cast<LPARAM>(hwnd));
     if (bInSizeMove) ::PostMessageW(hwnd, WM_LBUTTONUP, 0, 0);
     ::SendMessageW(hwnd, WM_CANCELMODE, 0, 0); // menus
 }
