@@ -76,7 +76,7 @@ class TESSALY_API iShellFolder : public iUnkResult {
     int BindToPath(wchar_t* pszPath, wchar_t* pszEnd, PIDL& pidlOut);
     int BindToRoot(const wchar_t* pszPath, PIDL& pidlOut);
     template <class Interface>
-    int Bind(const ITEMIDLIST* pidlItem, Interface** ppOut);
+    int Bind(const ITEMIDLIST* pidlItem, REFIID iid, Interface** ppOut);
 
     int bFolder = 0;
     int bFileSystem = 0;

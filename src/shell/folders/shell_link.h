@@ -44,4 +44,9 @@ class TESSALY_API iShellLink : public iUnkResult {
     /// command. 1, or 0, which GetLastError explains.
     int Execute(HWND hwnd);
     operator IShellLinkW*() const { return static_cast<IShellLinkW*>(pUnk); }
+
+  private:
+    template <class... Params, class... Args>
+    int Call(HRESULT (STDMETHODCALLTYPE IShellLinkW::*pfn)(Params...), Args... args);
+    int Query(REFIID iid, iUnk& out);
 };

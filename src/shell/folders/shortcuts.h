@@ -31,7 +31,7 @@ TESSALY_API int ResolveLink(HWND hwnd, iShellLink& link, iPersistFile& file, con
                             wchar_t* pszOut, DWORD nFlags, int bNoResolve);
 /// Replaces a path, in place, by that of the shortcut's target; a path that is no shortcut stays.
 /// With bQuiet nothing is asked, looked for or changed. A shortcut that cannot be followed stays
-/// too; one that leads to nothing that exists becomes empty.
+/// too; one that leads to nothing that exists becomes empty, and so does any path to nothing.
 // QUIRK: a target that no file system has stays empty even if the shell knows its name: only a path
 // comes through. Test: ResolveShortcut.TargetOutsideTheFileSystemGivesNothing
 TESSALY_API void ResolveShortcut(HWND hwnd, wchar_t* pszPath, int bQuiet);

@@ -84,6 +84,8 @@ class TESSALY_API PIDL {
     int Attach(int nCsidl);
     /// Forgets the list without freeing it.
     void Detach() { pidl = nullptr; }
+    /// Frees what is held; the object has no list then.
+    void Clear();
     /// Frees what is held and makes an empty list.
     void Reset();
     /// Makes an empty list.
@@ -149,7 +151,7 @@ class TESSALY_API PIDL {
     int Persist(int bWrite, RegKey& key, const wchar_t* pszName);
 
   protected:
-    void Clear();
+    void CopyItems(const ITEMIDLIST* pidlCopied, unsigned cb);
 
     ITEMIDLIST* pidl = nullptr; // owned
 };
