@@ -34,6 +34,11 @@ ULONG iUnk::AddRef() const { return pUnk ? pUnk->AddRef() : 0; }
 
 ULONG iUnk::Release() const { return pUnk ? pUnk->Release() : 0; }
 
+int iUnkResult::Keep(HRESULT hrNew) {
+    hr = hrNew;
+    return SUCCEEDED(hr);
+}
+
 // iMalloc
 
 iMalloc::iMalloc() {
@@ -56,6 +61,10 @@ void iMalloc::Free(void* pBlock) const {
 void iMalloc::HeapMinimize() const {
     if (pUnk) static_cast<IMalloc*>(*this)->HeapMinimize();
 }
+
+// iStream
+
+iStream::iStream(IStream* pShared) : iUnk(pShared) {}
 
 // iPersistFile
 

@@ -57,10 +57,7 @@ class TESSALY_API iUnkResult : public iUnk {
 
   protected:
     /// Keeps the result. 1 if it is not negative.
-    int Keep(HRESULT hrNew) {
-        hr = hrNew;
-        return SUCCEEDED(hr);
-    }
+    int Keep(HRESULT hrNew);
 
     HRESULT hr = S_OK;
 };
@@ -82,7 +79,7 @@ class TESSALY_API iMalloc : public iUnkResult {
 class TESSALY_API iStream : public iUnk {
   public:
     iStream() = default;
-    explicit iStream(IStream* pShared) : iUnk(pShared) {}
+    explicit iStream(IStream* pShared);
     operator IStream*() const { return static_cast<IStream*>(pUnk); }
 };
 
