@@ -1,6 +1,6 @@
 #include "shell/folders/shell_folder.h"
 #include "files/path/path_chars.h"
-#include "runtime/text/encoding.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/text/str_find.h"
 #include "shell/namespace/pidl.h"
 
@@ -13,14 +13,13 @@ constexpr DWORD kAskedAttributes = SFGAO_FOLDER | SFGAO_FILESYSTEM | SFGAO_BROWS
 static_assert(kAskedAttributes == 0x68000000);
 
 /// 8-bit text of at most cb bytes, which need no terminator, in the system code page, cut to cchOut
-/// characters; what is behind the first 259 bytes is no name.
+/// characters. Empty when out of memory.
 void WidenText(const char* psz, std::size_t cb, wchar_t* pszOut, unsigned cchOut) {
-    char szNarrow[MAX_PATH];
-    wchar_t szWide[MAX_PATH];
-    const std::size_t cbText = strnlen(psz, std::min<std::size_t>(cb, MAX_PATH - 1));
-    std::memcpy(szNarrow, psz, cbText);
-    szNarrow[cbText] = 0;
-    CopyTextCut(pszOut, cchOut, mb2wc(szNarrow, szWide, MAX_PATH) ? szWide : L"");
+    const auto cbText = static_cast<int>(strnlen(psz, cb));
+    HeapArray<wchar_t> wide(static_cast<std::size_t>(cbText) + 1); // no byte gives two characters
+    if (wide.IsReady())
+        ::MultiByteToWideChar(CP_ACP, 0, psz, cbText, wide.Get(), cbText); // 0 leaves it empty
+    CopyTextCut(pszOut, cchOut, wide.Get());
 }
 } // namespace
 

@@ -23,7 +23,8 @@ void GetDesktopName(const ITEMIDLIST* pidl, wchar_t* pszOut, unsigned cchOut) {
 }
 
 /// The path of the nearest folder above that is in the file system, and the names from there on.
-void GetPathFromParents(const ITEMIDLIST* pidl, wchar_t* pszOut, unsigned cchOut) {
+/// pszOut has room for any path if bFull.
+void GetPathFromParents(const ITEMIDLIST* pidl, wchar_t* pszOut, unsigned cchOut, int bFull) {
     HeapArray<wchar_t> tail(cchOut), longer(cchOut);
     if (!tail.IsReady() || !longer.IsReady()) return;
     iShellFolder folder;
@@ -36,7 +37,9 @@ void GetPathFromParents(const ITEMIDLIST* pidl, wchar_t* pszOut, unsigned cchOut
         AppendTextCut(longer.Get(), cchOut, tail.Get());
         std::swap(tail, longer);
         if (!folder.IsInFileSystem()) continue;
-        GetPathOf(rest, pszOut, cchOut, 0, 0);
+        wchar_t szPath[MAX_PATH];
+        GetPathOf(rest, szPath, MAX_PATH, 0, 0);
+        CopyTextCut(pszOut, bFull ? MAX_PATH : cchOut, szPath);
         AppendTextCut(pszOut, cchOut, L"/");
         AppendTextCut(pszOut, cchOut, tail.Get());
         return;
@@ -59,7 +62,7 @@ int GetShellNameOf(const ITEMIDLIST* pidl, wchar_t* pszOut, unsigned cchOut, int
         iShellFolder folder;
         GetLastName(folder, pidl, pszOut, cchOut);
     }
-    if (!*pszOut) GetPathFromParents(pidl, pszOut, cchOut);
+    if (!*pszOut) GetPathFromParents(pidl, pszOut, cchOut, bFull);
     return *pszOut != 0;
 }
 

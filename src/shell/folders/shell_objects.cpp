@@ -6,6 +6,8 @@
 namespace {
 constexpr const wchar_t* kViewClass = L"SHELLDLL_DefView";
 
+static_assert(sizeof(SHDESCRIPTIONID) == 20);
+
 bool IsOwnWindow(HWND hwnd) {
     DWORD nProcess = 0;
     return ::GetWindowThreadProcessId(hwnd, &nProcess) && nProcess == ::GetCurrentProcessId();

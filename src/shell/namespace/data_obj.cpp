@@ -13,6 +13,7 @@ int iDataObj::GetData(WORD nFormat, void** phBlock) {
     medium = {};
     IDataObject* pObject = *this;
     const int bGot = Keep(pObject ? pObject->GetData(&request, &medium) : E_POINTER);
+    if (!bGot) medium = {}; // whatever the object did to it: there is nothing to give back
     if (phBlock) *phBlock = bGot ? medium.hGlobal : nullptr;
     return bGot;
 }

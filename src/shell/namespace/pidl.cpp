@@ -9,7 +9,6 @@
 #include <cstring>
 
 namespace {
-constexpr unsigned kEndSize = sizeof(USHORT);
 constexpr unsigned kMaxStored = 4096;    // bytes of a list in a registry value
 constexpr unsigned kMaxPacked = 0x10000; // bytes of a list whose end is not known
 
@@ -26,9 +25,9 @@ void EndAt(ITEMIDLIST* pidl, unsigned cbItems) { Behind(pidl, cbItems)->mkid.cb 
 /// The size with the end of the list at pidl; 0 if it has none within cbMax bytes.
 unsigned GetSizeWithin(const ITEMIDLIST* pidl, unsigned cbMax) {
     unsigned cbItems = 0;
-    while (cbItems + kEndSize <= cbMax) {
+    while (cbItems + PIDL::iMinSize <= cbMax) {
         const unsigned cb = Behind(pidl, cbItems)->mkid.cb;
-        if (!cb) return cbItems + kEndSize;
+        if (!cb) return cbItems + PIDL::iMinSize;
         cbItems += cb;
     }
     return 0;
@@ -47,6 +46,9 @@ ITEMIDLIST* GetPidlOf(const wchar_t* pszPath) {
         return nullptr;
     return pidl;
 }
+
+constexpr unsigned
+    PIDL::iMinSize; // so that it is in the library also where nothing needs its address
 
 // Memory
 
@@ -77,7 +79,7 @@ unsigned PIDL::GetSizeAll(const ITEMIDLIST* pidlAsked) {
 }
 
 unsigned PIDL::GetSizeTotal(const ITEMIDLIST* pidlAsked) {
-    return pidlAsked ? GetSizeAll(pidlAsked) + kEndSize : 0;
+    return pidlAsked ? GetSizeAll(pidlAsked) + iMinSize : 0;
 }
 
 unsigned PIDL::GetCount(const ITEMIDLIST* pidlAsked) {
@@ -128,12 +130,12 @@ void PIDL::Reset() {
 }
 
 void PIDL::Make() {
-    pidl = Alloc(kEndSize);
+    pidl = Alloc(iMinSize);
     if (pidl) EndAt(pidl, 0);
 }
 
 void PIDL::CopyItems(const ITEMIDLIST* pidlCopied, unsigned cb) {
-    ITEMIDLIST* pidlNew = Alloc(cb + kEndSize);
+    ITEMIDLIST* pidlNew = Alloc(cb + iMinSize);
     if (pidlNew) {
         Copy(pidlNew, pidlCopied, cb);
         EndAt(pidlNew, cb);
@@ -151,7 +153,7 @@ void PIDL::ReallocAppend(const ITEMIDLIST* pidlMore, unsigned cb) {
     const unsigned cbOld = GetSizeAll();
     const auto nAddress = reinterpret_cast<std::uintptr_t>(pidlMore);
     const std::uintptr_t nOffset = nAddress - reinterpret_cast<std::uintptr_t>(pidl);
-    auto* pidlNew = static_cast<ITEMIDLIST*>(csiMem.Realloc(pidl, cbOld + cb + kEndSize));
+    auto* pidlNew = static_cast<ITEMIDLIST*>(csiMem.Realloc(pidl, cbOld + cb + iMinSize));
     if (!pidlNew) return;
     // A part of the list itself has moved with it.
     if (pidl && nOffset <= cbOld) pidlMore = Behind(pidlNew, static_cast<unsigned>(nOffset));
