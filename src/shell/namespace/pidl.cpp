@@ -47,8 +47,7 @@ ITEMIDLIST* GetPidlOf(const wchar_t* pszPath) {
     return pidl;
 }
 
-constexpr unsigned
-    PIDL::iMinSize; // so that it is in the library also where nothing needs its address
+const unsigned PIDL::iMinSize; // its value stands in the header
 
 // Memory
 

@@ -20,7 +20,7 @@ class RegKey;
 class TESSALY_API PIDL {
   public:
     /// The bytes of the smallest list.
-    static constexpr unsigned iMinSize = 2;
+    static const unsigned iMinSize = 2;
     /// Where all lists come from and go to.
     static constexpr ShellMemory csiMem{};
 
