@@ -39,7 +39,7 @@ int CopyNothing(const wchar_t* pszTarget, bool bTarget, DWORD nFlags) {
     if (nFlags & kCopyKeepIfNoSource) return 1;
     if (bEmpty && IsEmptyFile(pszTarget)) return 1;
     // QUIRK: a target that is not empty goes even where the missing source stands for an empty
-    // file. Test: FileCopyMissing.FilledTargetIsDeletedAlsoForAnEmptySource
+    // file. Test: FileQuirks.AFilledTargetIsDeletedAlsoForAnEmptySource
     return bVerify ? 0 : CoreFile::Delete(pszTarget, 0);
 }
 
@@ -77,7 +77,7 @@ int Verify(CoreFile& source, const wchar_t* pszTarget) {
 }
 
 // QUIRK: only the low half of the size counts, as in CoreFile::CopyFileW, here and in Verify.
-// Test: FileCopyHigh.OnlyTheLowHalfOfTheSizeCounts
+// Test: FileQuirks.OnlyTheLowHalfOfTheSizeCounts
 int CopyContentsAndTimes(CoreFile& source, const wchar_t* pszSource, const wchar_t* pszTarget) {
     CoreFile target(pszTarget, 1);
     if (!target.IsReady()) return 0;

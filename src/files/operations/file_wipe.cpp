@@ -106,7 +106,7 @@ bool WriteOver(CoreFile& file, const WipePass& pass, bool* pbCancelled) {
 
 /// All passes.
 // QUIRK: those behind a cancelled one are run, each until the callback ends it too.
-// Test: FileWipeCallback.PassesGoOnAfterACancelledOne
+// Test: FileQuirks.PassesGoOnAfterACancelledOne
 bool WipeContents(CoreFile& file, unsigned __int64 cbFile, int nMethod, WipeCallback pfnCallback,
                   void* pContext, bool* pbCancelled) {
     const WipeBytes* pMethod = FindWipeBytes(nMethod);

@@ -1,5 +1,6 @@
 #include "files/stream/core_file.h"
 #include "files/text/cs_file.h"
+#include "files/text/text_convert.h"
 #include "files/text/text_encoding.h"
 #include "files/text/text_probe.h"
 #include "runtime/base/dll_buf.h"
@@ -9,7 +10,6 @@
 #include <windows.h>
 #include <algorithm>
 #include <cstdlib>
-#include <cwchar>
 
 namespace {
 // What a caller, or this library, gets: not HeapArray's, whose zeros cost as much as the reading.
@@ -17,111 +17,6 @@ using OwnedDllBuf = OwnedHandleOf<void*, &::FreeDllBuf>;
 
 /// Room for a text of unknown length: each time so much more, and the last one is all there is.
 constexpr unsigned kStreamRoom[] = {0x10000, 0x100000, 0x1000000, 0x10000000, 0xFFFFFFFE};
-
-/// The most bytes that go through one conversion: the platform counts with a signed int.
-constexpr std::size_t kConvertPiece = 0x40000000;
-/// A byte below this is a character of its own in every code page, and no part of another one.
-constexpr char kNoTrailByte = 0x30;
-/// How far back a piece is cut, so that no character is in two of them.
-constexpr std::size_t kCutSearch = 0x10000;
-
-/// The length of the next piece to convert, of cb bytes.
-std::size_t FindPiece(const char* p, std::size_t cb) {
-    if (cb <= kConvertPiece) return cb;
-    for (std::size_t n = kConvertPiece; n > kConvertPiece - kCutSearch; --n) {
-        if (p[n - 1] >= 0 && p[n - 1] < kNoTrailByte) return n;
-    }
-    std::size_t n = kConvertPiece; // no blank far and wide: at least no part of UTF-8's
-    while (n > kConvertPiece - 4 && (p[n] & 0xC0) == 0x80) --n;
-    return n;
-}
-
-/// Converts cb bytes into cch characters, without a terminator. Their number; kTextSizeUnknown if
-/// they do not fit.
-DWORD ConvertBytes(UINT nCodePage, const char* p, std::size_t cb, wchar_t* pszOut, DWORD cch) {
-    DWORD n = 0;
-    while (cb) {
-        const std::size_t cbPiece = FindPiece(p, cb);
-        const auto cchRoom = static_cast<int>(std::min<DWORD>(cch - n, INT_MAX));
-        // Without room the platform would only count.
-        const int nMade = cchRoom == 0
-                              ? 0
-                              : ::MultiByteToWideChar(nCodePage, 0, p, static_cast<int>(cbPiece),
-                                                      pszOut + n, cchRoom);
-        if (nMade <= 0) return kTextSizeUnknown;
-        n += static_cast<DWORD>(nMade);
-        p += cbPiece;
-        cb -= cbPiece;
-    }
-    return n;
-}
-
-/// Each byte becomes a character.
-// QUIRK: as a signed byte and in no code page, so that E9 becomes U+FFE9: only in this format.
-// Test: TextAnsiLf.BytesAreWidenedWithTheirSign
-DWORD WidenBytes(const char* p, std::size_t cb, wchar_t* pszOut, DWORD cch) {
-    if (cb > cch) return kTextSizeUnknown;
-    for (std::size_t i = 0; i < cb; ++i) {
-        pszOut[i] = static_cast<wchar_t>(static_cast<signed char>(p[i]));
-    }
-    return static_cast<DWORD>(cb);
-}
-
-/// Puts a carriage return before each line feed that has none, in a text of n characters with room
-/// for cch; the first character counts only if bFirst. The new length; kTextSizeUnknown if it does
-/// not fit.
-DWORD AddCarriageReturns(wchar_t* psz, DWORD n, DWORD cch, bool bFirst) {
-    auto isLone = [psz, bFirst](DWORD i) {
-        return psz[i] == L'\n' && (i == 0 ? bFirst : psz[i - 1] != L'\r');
-    };
-    DWORD nLone = 0;
-    for (DWORD i = 0; i < n; ++i) nLone += isLone(i);
-    if (nLone > cch - n) return kTextSizeUnknown;
-    const DWORD nAll = n + nLone;
-    for (DWORD iTo = nAll; iTo != n;) { // from the end, where there is room; equal: all have theirs
-        --n;
-        const bool bLone = isLone(n);
-        psz[--iTo] = psz[n];
-        if (bLone) psz[--iTo] = L'\r';
-    }
-    return nAll;
-}
-
-/// Bytes of one of the formats that are not UTF-16 become a text with a terminator.
-DWORD ConvertText(const BYTE* pBytes, std::size_t cb, CSFileTextFmt fmt, wchar_t* pszOut,
-                  DWORD cchOut, wchar_t chReplacement) {
-    const DWORD cch = cchOut - 1;
-    const auto* p = reinterpret_cast<const char*>(pBytes);
-    DWORD n = 0;
-    if (fmt == fmtUtf8 || fmt == fmtUtf8Lf) {
-        const std::size_t cbMark = StartsWithUtf8Mark(pBytes, cb) ? sizeof(kUtf8Mark) : 0;
-        n = ConvertBytes(CP_UTF8, p + cbMark, cb - cbMark, pszOut, cch);
-    } else if (fmt == fmtAnsiLf) {
-        n = WidenBytes(p, cb, pszOut, cch);
-    } else {
-        n = ConvertBytes(::GetACP(), p, cb, pszOut, cch);
-    }
-    if (n != kTextSizeUnknown && (fmt == fmtUtf8Lf || fmt == fmtAnsiLf)) {
-        n = AddCarriageReturns(pszOut, n, cch, fmt == fmtUtf8Lf);
-    }
-    if (n == kTextSizeUnknown) return n;
-    CSFile::Sanitize(pszOut, n, chReplacement);
-    pszOut[n] = 0;
-    return n + 1;
-}
-
-/// Reads the whole file, of cb bytes or of unknown size, and converts it.
-DWORD ReadBytes(CoreFile& file, DWORD cb, CSFileTextFmt fmt, wchar_t* pszOut, DWORD cchOut,
-                wchar_t chReplacement) {
-    const unsigned __int64 cbBuffer =
-        cb == kTextSizeUnknown ? static_cast<unsigned __int64>(cchOut) * 2 : cb;
-    OwnedDllBuf buffer(std::malloc(cbBuffer + 1));
-    unsigned __int64 cbRead = 0;
-    if (!buffer || !ReadUpTo(file, buffer.Get(), cbBuffer, &cbRead)) return 0;
-    if (cb == kTextSizeUnknown && cbRead == cbBuffer) return kTextSizeUnknown; // there may be more
-    return ConvertText(static_cast<const BYTE*>(buffer.Get()), cbRead, fmt, pszOut, cchOut,
-                       chReplacement);
-}
 
 /// Reads a file of UTF-16, of cb bytes or of unknown size, straight into the text.
 DWORD ReadUtf16(CoreFile& file, DWORD cb, CSFileTextFmt fmt, wchar_t* pszOut, DWORD cchOut) {
@@ -190,7 +85,7 @@ DWORD CSFile::GetText(const wchar_t* pszPath, DWORD cb, CSFileTextFmt fmt, wchar
     if (!pszOut || !cchOut) return kTextSizeUnknown;
     const DWORD cch = std::min<DWORD>(cchOut, kTextSizeUnknown - 1); // as a result it is a count
     if (fmt == fmtUnicode || fmt == fmtUnicodeBE) return ReadUtf16(file, cb, fmt, pszOut, cch);
-    return ReadBytes(file, cb, fmt, pszOut, cch, chReplacement);
+    return ReadAsText(file, cb, fmt, pszOut, cch, chReplacement);
 }
 
 wchar_t* CSFile::ReadText(const wchar_t* pszPath, unsigned* pcch, CSFileTextFmt* pFmt,

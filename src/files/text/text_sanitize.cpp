@@ -8,17 +8,17 @@ namespace {
 constexpr std::size_t kSanitizeBlock =
     64; // characters; a loop of so many is done by wide registers
 
-/// A character that may need to be replaced: cheaper to ask than IsPrintableChar, and right for
-/// all but two that are rare.
-template <class Char>
-bool IsSuspect(Char ch) {
-    return (ch < 32 && ch != '\t' && ch != '\n' && ch != '\r') || ch == 127;
-}
-
+/// Whether one of the characters may need to be replaced: cheaper to ask than IsPrintableChar, and
+/// wrong about two that are rare. No branches: a loop of a fixed length is then done by wide
+/// registers.
 template <class Char>
 bool AnySuspect(const Char* p) {
-    unsigned nAny = 0;
-    for (std::size_t i = 0; i < kSanitizeBlock; ++i) nAny |= IsSuspect(p[i]);
+    Char nAny = 0;
+    for (std::size_t i = 0; i < kSanitizeBlock; ++i) {
+        const Char ch = p[i];
+        nAny |= static_cast<Char>((ch < 32) & (ch != '\t') & (ch != '\n') & (ch != '\r')) |
+                static_cast<Char>(ch == 127);
+    }
     return nAny != 0;
 }
 
