@@ -1,7 +1,8 @@
 #pragma once
 #include "runtime/base/export.h"
 #include <windows.h>
-#include <shobjidl.h> // IFileOperation
+
+struct IFileOperation; // shobjidl.h; for older targets files/operations/file_operation_object.h
 
 // What CSFile::IFileOp, whose class stands in files/text/cs_file.h, is told.
 constexpr unsigned kFileOpMove = 1;

@@ -19,9 +19,11 @@ TESSALY_API int GetFileVersionStr(wchar_t* pszOut, unsigned cchOut, const wchar_
                                   VS_FIXEDFILEINFO* pInfo);
 
 /// The number of a version's text: for each part between dots, however many there are, the result
-/// moves up by 16 bits and the part's decimal value is added. Parts are not aligned to the left:
-/// "1.2" gives 0x10002. A part's value is the digits that it begins with, 0 without any. The text
-/// is cut: each dot becomes a terminator. 0 for a null or an empty text.
+/// moves up by 16 bits and the part's decimal value is added. A part's value is the digits that it
+/// begins with, 0 without any. The text is cut: each dot becomes a terminator. 0 for a null or an
+/// empty text.
+// QUIRK: parts are not aligned to the left: "1.2" gives 0x10002, and of five the first is lost.
+// Test: FileQuirks.PartsOfAVersionAreNotAlignedToTheLeft
 TESSALY_API unsigned __int64 ParseFileVersionStr(wchar_t* pszText);
 
 /// Puts the first three parts of a version's text into cchOut characters, cut to fit; what has

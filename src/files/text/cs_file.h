@@ -27,8 +27,9 @@ class TESSALY_API CSFile : public CoreFile {
         : CoreFile(pszPath, nAccess, nShare, nDisposition, nFlags) {}
     CSFile(const CSFile&) = delete; // owns the handles
     CSFile& operator=(const CSFile&) = delete;
-    /// Closes the file only: a view that is open stays mapped, as its memory may still be in use.
-    /// Who does not want that calls Close or CloseMap before.
+    /// Closes the file only.
+    // QUIRK: a view that is open stays mapped; who does not want that calls Close or CloseMap
+    // before. Test: TextQuirks.TheDestructorLeavesTheViewOpen
     ~CSFile() override;
 
     /// Closes the view, the mapping and the file, in that order.
