@@ -12,8 +12,8 @@ struct IEnumIDList;
 // call a null pointer gives 0, null or E_POINTER instead. COM belongs to the thread: whoever uses
 // these has initialised it there.
 //
-// Copies share the reference: only one of two may release it, the other has to go without (a copy
-// in a function that is left by ExitThread, or an Abandon of either).
+// Copies share the reference: only one of two may release it, and the other forgets it (Abandon)
+// before its end.
 
 /// Any interface.
 class TESSALY_API iUnk {
