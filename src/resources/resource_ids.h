@@ -61,6 +61,9 @@
 
 // Strings, 20000 to 22999: in groups of the subsystem that shows them
 #define IDS_REGISTRY_NOT_WRITTEN 20001
+#define IDS_BROWSE_FOLDER 20002
+#define IDS_BROWSE_FILE 20003
+#define IDS_BROWSE_ALL_FILES 20004
 #define IDS_OPEN_WEB_PAGE 20007
 #define IDS_NOT_ON_THIS_EDITION 20008
 #define IDS_NO_HTML_HELP 20010

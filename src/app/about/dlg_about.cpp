@@ -3,9 +3,10 @@
 #include "app/identity/product_info.h"
 #include "app/launch/open_html.h"
 #include "resources/resource_ids.h"
-#include "runtime/base/ownership.h"
+#include "runtime/base/heap_array.h"
 #include "runtime/messages/res_str.h"
 #include "runtime/text/text_format.h"
+#include "shell/clipboard/clipboard.h"
 #include "wnd/core/wnd_input.h"
 #include "wnd/draw/cdpi.h"
 #include "wnd/menu/csmenu.h"
@@ -20,22 +21,15 @@ void SetHTMLTextFmt(CSStaticHTML& control, const wchar_t* pszFormat, const wchar
     control.SetHTMLText(szText);
 }
 
-/// A text as CF_UNICODETEXT. Whatever fails, the clipboard is closed and nothing is lost but what
-/// it held.
+/// The control's text without its tags. Nothing to copy, and no memory: what the clipboard holds
+/// stays.
 void CopyToClipboard(HWND hwnd, CSStaticHTML& control) {
     const unsigned cch = control.GetHTMLTextStripTags(nullptr, 0);
-    if (cch <= 1) return; // nothing to copy: what the clipboard holds stays
-    HGLOBAL hglobal = ::GlobalAlloc(GMEM_MOVEABLE | GMEM_SHARE, cch * sizeof(wchar_t));
-    if (!hglobal) return;
-    ScopeExit freeBlock([&] { ::GlobalFree(hglobal); });
-    auto* psz = static_cast<wchar_t*>(::GlobalLock(hglobal));
-    if (!psz) return;
-    control.GetHTMLTextStripTags(psz, static_cast<int>(cch));
-    ::GlobalUnlock(hglobal);
-    if (!::OpenClipboard(hwnd)) return;
-    ::EmptyClipboard();
-    if (::SetClipboardData(CF_UNICODETEXT, hglobal)) freeBlock.Dismiss(); // the system's now
-    ::CloseClipboard();
+    if (cch <= 1) return;
+    HeapArray<wchar_t> text(cch);
+    if (!text.IsReady()) return;
+    control.GetHTMLTextStripTags(text.Get(), static_cast<int>(cch));
+    Clipboard::SetText(hwnd, text.Get());
 }
 } // namespace
 

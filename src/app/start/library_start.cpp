@@ -5,7 +5,8 @@
 #include "runtime/base/current_product.h"
 #include "runtime/base/ownership.h"
 #include "runtime/system/wts_api32.h"
-#include "shell/namespace/pidl.h"
+#include "shell/folders/special_folders.h"
+#include "shell/namespace/shell_malloc.h"
 #include "shell/subclass/shell_subclass.h"
 
 // C++ leaves the order of construction open across files. So everything in the library that lives
@@ -37,6 +38,7 @@ void LibraryStart(HINSTANCE hinst) {
 void LibraryStop() {
     AppInstance::StopLock();
     ShellSubclass::StopLock();
+    GetSPEC_FOLDER_DATA(1);
     ReleaseShellMalloc();
     wtsApi32.Stop();
     GetMyProductInfo().PopAppRootKey();

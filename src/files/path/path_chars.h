@@ -11,6 +11,11 @@
 constexpr std::size_t kPathChars = MAX_PATH;
 constexpr int kDrives = 26; // A to Z
 
+/// What the names of a file that is wiped are made of: two patterns of alternating bits, of which
+/// the second turns every bit of the first.
+constexpr wchar_t kFirstWipedChar = 0x5555;
+constexpr wchar_t kLastWipedChar = 0xAAAA;
+
 /// Both are read; only the backslash is written.
 inline bool IsPathSeparator(wchar_t ch) { return ch == L'\\' || ch == L'/'; }
 /// Behind this a name begins.

@@ -130,6 +130,12 @@ int IsValidFolderName(const wchar_t* pszPath) {
     return !HoldsSeparatorPair(pszPath + 2) && !kInvalidInFolderName.AnyIn(pszPath + 2);
 }
 
+int IsWipedName(const wchar_t* pszName) {
+    if (!pszName) return 1;
+    while (*pszName == kFirstWipedChar || *pszName == kLastWipedChar) ++pszName;
+    return !*pszName;
+}
+
 const wchar_t* GetInvalidFileNameChars() { return kInvalidFileNameChars; }
 
 const wchar_t* GetInvalidFolderNameChars() { return kInvalidFolderNameChars; }

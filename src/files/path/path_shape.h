@@ -57,6 +57,9 @@ TESSALY_API int IsValidAltFileName(const wchar_t* pszName);
 /// Starts with a letter and ":" or with two backslashes; behind those two characters there are no
 /// two separators in a row and no characters of GetInvalidFolderNameChars.
 TESSALY_API int IsValidFolderName(const wchar_t* pszPath);
+/// What a file is called while it is wiped (CSFile::WipeRename): an empty text, or one of U+5555
+/// and U+AAAA only. A null text counts as empty.
+TESSALY_API int IsWipedName(const wchar_t* pszName);
 /// The text "\ / : * ? " < > |", fit to be shown: its blanks are not invalid characters.
 TESSALY_API const wchar_t* GetInvalidFileNameChars();
 /// The text ": * ? " < > |", fit to be shown: its blanks are not invalid characters.

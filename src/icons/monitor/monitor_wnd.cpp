@@ -24,16 +24,6 @@ constexpr long kWatchedEvents = SHCNE_RENAMEITEM | SHCNE_CREATE | SHCNE_DELETE |
                                 SHCNE_UPDATEITEM | SHCNE_SERVERDISCONNECT | SHCNE_RENAMEFOLDER;
 static_assert(kWatchedEvents == 0x2619F);
 
-/// The item id list of the desktop, which has no items. Freed with ShellFree; null when out of
-/// memory.
-ITEMIDLIST* MakeDesktopPidl() {
-    IMalloc* pMalloc = GetShellMalloc();
-    if (!pMalloc) return nullptr;
-    auto* pidl = static_cast<ITEMIDLIST*>(pMalloc->Alloc(sizeof(USHORT)));
-    if (pidl) pidl->mkid.cb = 0;
-    return pidl;
-}
-
 constinit MyMonitor_Wnd* pCurrent = nullptr;
 constinit UINT uTaskbarCreated = 0;
 constinit bool RestartFlag = true; // the first round is one too
@@ -86,10 +76,10 @@ bool MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
 
 void MyMonitor_Wnd::RegisterNotification() {
     uNotifyMsg = ::RegisterWindowMessageW(L"WM_TESSALY_SHLN");
-    ITEMIDLIST* pidlDesktop = MakeDesktopPidl();
-    if (!pidlDesktop) return; // out of memory; drags and renames are still heard of
-    notify.Register(hWnd, kWatchedEvents, uNotifyMsg, pidlDesktop, 0);
-    ShellFree(pidlDesktop);
+    PIDL desktop;
+    desktop.Make();
+    if (!desktop) return; // out of memory; drags and renames are still heard of
+    notify.Register(hWnd, kWatchedEvents, uNotifyMsg, desktop, 0);
 }
 
 void MyMonitor_Wnd::EndNotification() { notify.End(); }

@@ -3,7 +3,7 @@
 #include "buttons/icon_btn.h"
 #include "runtime/base/current_product.h"
 #include "runtime/system/wts_api32.h"
-#include "shell/namespace/pidl.h"
+#include "shell/namespace/shell_malloc.h"
 #include "shell/subclass/shell_subclass.h"
 #include "support/gui_objects.h"
 #include <gtest/gtest.h>
