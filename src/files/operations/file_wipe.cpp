@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 
 namespace {
 constexpr int kMaxPasses = 3;
