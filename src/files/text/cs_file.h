@@ -128,7 +128,7 @@ class TESSALY_API CSFile : public CoreFile {
 
     /// Overwrites a file, its name too, and deletes it; a missing one is made first. pfnCallback
     /// may be null. A link is renamed and deleted itself, and what it leads to stays as it is. 0 if
-    /// it cannot be opened, also because somebody else has it open or it is a folder; if a write
+    /// it cannot be opened, as when somebody else has it open, a folder or read-only; if a write
     /// failed; if it was cancelled, and then all passes have begun and the file stays, overwritten;
     /// and if it could not be renamed, and then it has its name again. With bNotify the shell is
     /// told.
