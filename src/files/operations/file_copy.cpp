@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 
 namespace {
 constexpr const wchar_t* kProgramExts[] = {L".exe", L".dll", L".sys"}; // with a version to compare

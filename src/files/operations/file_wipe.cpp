@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 
 namespace {
 constexpr int kMaxPasses = 3;
@@ -68,13 +69,17 @@ bool IsLink(HANDLE hFile) {
     return IsReparseTagNameSurrogate(nTag);
 }
 
-enum class LinkState { none, link, tagged };
+enum class FileKind { plain, link, tagged, kept };
 
-LinkState GetLinkState(HANDLE hFile) {
+/// What an open file is; kept: it cannot be deleted, and is not to be overwritten then.
+FileKind GetFileKind(HANDLE hFile) {
     BY_HANDLE_FILE_INFORMATION info;
-    if (!::GetFileInformationByHandle(hFile, &info)) return LinkState::none;
-    if (!(info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) return LinkState::none;
-    return IsLink(hFile) ? LinkState::link : LinkState::tagged;
+    if (!::GetFileInformationByHandle(hFile, &info)) return FileKind::plain;
+    // Where the platform leaves it to others who may write, as for a file server's administrator,
+    // such a file was opened all the same.
+    if (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) return FileKind::kept;
+    if (!(info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) return FileKind::plain;
+    return IsLink(hFile) ? FileKind::link : FileKind::tagged;
 }
 
 /// One pass: where it writes, with what, and whom it tells.
@@ -152,15 +157,19 @@ int CSFile::WipeDelete(const wchar_t* pszPath, WipeMethod nMethod, int bNotify,
     CSFile file(szFull, GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS,
                 FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT);
     if (!file.IsReady()) return 0;
-    const LinkState nState = GetLinkState(file.hFile);
-    if (nState == LinkState::tagged) { // opened as what it is stored as; its bytes are wanted
+    const FileKind nKind = GetFileKind(file.hFile);
+    if (nKind == FileKind::kept) {
+        ::SetLastError(ERROR_ACCESS_DENIED);
+        return 0;
+    }
+    if (nKind == FileKind::tagged) { // opened as what it is stored as; its bytes are wanted
         file.Close();
         if (!file.Open(szFull, 1)) return 0;
     }
     LARGE_INTEGER cbFile;
     if (!::GetFileSizeEx(file.hFile, &cbFile)) return 0;
     bool bCancelled = false;
-    if (nState != LinkState::link &&
+    if (nKind != FileKind::link &&
         !WipeContents(file, static_cast<unsigned __int64>(cbFile.QuadPart), nMethod, pfnCallback,
                       pContext, &bCancelled)) {
         return 0;

@@ -3,13 +3,12 @@
 #include "files/disk/uni_path.h"
 #include "files/operations/file_operation.h"
 #include "files/path/path_chars.h"
-#include "files/path/path_join.h"
 #include "files/path/path_split.h"
 #include "files/stream/core_io.h"
 
 #include <windows.h>
 #include <shellapi.h>
-#include <iterator>
+#include <cwchar>
 
 namespace {
 constexpr FILEOP_FLAGS kShellFlags =

@@ -59,15 +59,15 @@ class TESSALY_API CSFile : public CoreFile {
     /// The number of characters, with the terminator, that suffice for a file's text, and its
     /// encoding in *pFmt. *pcb is the size that GetFileSizeForText gave; one that was unknown is
     /// known afterwards if the stream ended within kTextProbeSize bytes. With a null pFmt and a
-    /// known size the file is not read. 0, and fmtUnknown, if it cannot be read; kTextSizeUnknown
-    /// if the number cannot be told.
+    /// known size the file is not read; neither is one of one byte, which is fmtAnsi. 0, and
+    /// fmtUnknown, if it cannot be read; kTextSizeUnknown if the number cannot be told.
     [[nodiscard]] static DWORD GetTextSize(const wchar_t* pszPath, DWORD* pcb, CSFileTextFmt* pFmt);
     [[nodiscard]] static DWORD GetTextSize(const UniPath* pPath, DWORD* pcb, CSFileTextFmt* pFmt);
     /// Reads a file's text, of cb bytes as above and of that encoding, into cchOut characters. All
     /// lines of the formats with LF alone get their CR; control characters of all but UTF-16 become
     /// chReplacement (Sanitize). The number of characters stored, with the terminator;
     /// kTextSizeUnknown if they did not fit, and then what pszOut holds is of no use; 0 if the file
-    /// cannot be opened or there is no memory.
+    /// cannot be opened or read, and without memory.
     [[nodiscard]] static DWORD GetText(const wchar_t* pszPath, DWORD cb, CSFileTextFmt fmt,
                                        wchar_t* pszOut, unsigned cchOut, wchar_t chReplacement);
     [[nodiscard]] static DWORD GetText(const UniPath* pPath, DWORD cb, CSFileTextFmt fmt,
@@ -104,8 +104,9 @@ class TESSALY_API CSFile : public CoreFile {
     /// Makes the target equal to the source, or with kCopyVerifyOnly tells whether it is; nFlags
     /// decide about files that are missing. A program file (".exe", ".dll", ".sys") whose version
     /// is older than the target's is not copied, which counts as done. Times and attributes go
-    /// along, but for an empty source. A copy that fails leaves the target as it stands then. 1 if
-    /// the target is right in the end.
+    /// along, but for an empty source. A copy that fails leaves the target as it stands then. Of a
+    /// size only the low half counts, so that files of 4 GiB and over are copied in part. 1 if the
+    /// target is right in the end.
     [[nodiscard]] static int Copy(const wchar_t* pszTarget, const wchar_t* pszSource, DWORD nFlags);
     /// Writes a list for CopyByList, or for DeleteByList if pszSourceFolder is null, into pszOut:
     /// for each of the names, each terminated, with a terminator behind the last, the target's path
@@ -127,7 +128,7 @@ class TESSALY_API CSFile : public CoreFile {
 
     /// Overwrites a file, its name too, and deletes it; a missing one is made first. pfnCallback
     /// may be null. A link is renamed and deleted itself, and what it leads to stays as it is. 0 if
-    /// it cannot be opened, also because somebody else has it open or it is a folder; if a write
+    /// it cannot be opened, as when somebody else has it open, a folder or read-only; if a write
     /// failed; if it was cancelled, and then all passes have begun and the file stays, overwritten;
     /// and if it could not be renamed, and then it has its name again. With bNotify the shell is
     /// told.

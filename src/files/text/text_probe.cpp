@@ -49,6 +49,12 @@ CSFileTextFmt ProbeBytes(const BYTE* p, DWORD cb) {
     }
     return fmt;
 }
+
+/// How pipes tell that the other side is gone.
+bool IsEndOfStream(DWORD dwError) {
+    return dwError == ERROR_BROKEN_PIPE || dwError == ERROR_PIPE_NOT_CONNECTED ||
+           dwError == ERROR_HANDLE_EOF;
+}
 } // namespace
 
 const wchar_t* PathOf(const UniPath* pPath) { return pPath ? pPath->Path() : nullptr; }
@@ -81,9 +87,10 @@ bool ReadUpTo(CoreFile& file, void* pBuffer, unsigned __int64 cb, unsigned __int
         const int bAll = file.ReadBin(static_cast<BYTE*>(pBuffer) + *pcbDone, cbPiece, &cbMoved);
         const DWORD dwError = bAll ? NO_ERROR : ::GetLastError();
         *pcbDone += cbMoved;
-        if (bAll || (cbMoved && dwError == NO_ERROR)) continue;
-        // How the end of a pipe is told.
-        return dwError == NO_ERROR || dwError == ERROR_BROKEN_PIPE || dwError == ERROR_HANDLE_EOF;
+        if (bAll) continue;
+        // More of a message, or a piece of what a pipe is going to tell.
+        if (cbMoved && (dwError == NO_ERROR || dwError == ERROR_MORE_DATA)) continue;
+        return dwError == NO_ERROR || IsEndOfStream(dwError);
     }
     return true;
 }

@@ -7,7 +7,6 @@
 
 #include <windows.h>
 #include <shlobj.h>
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
