@@ -34,14 +34,13 @@ constexpr DWORD kClosePollMs = 50;
 constexpr DWORD kMarkTimeoutMs = 1000;
 constexpr int kBoxTextSize = 1024;
 
-constexpr const wchar_t* kSwitchList =
-    L"/QUIET\tstarts without the opening balloon\n"
-    L"/EXIT\tcloses the running program\n"
-    L"/AUTOSTART:ON\tstarts with Windows from now on\n"
-    L"/AUTOSTART:OFF\tno longer starts with Windows\n"
-    L"/AUTOSTART\ttells whether it starts with Windows\n"
-    L"check4updates\tasks for an update now and tells the answer\n"
-    L"/CHECK4UPDATES\tthe same, but speaks only of an update";
+constexpr const wchar_t* kSwitchList = L"/QUIET\tstarts without the opening balloon\n"
+                                       L"/EXIT\tcloses the running program\n"
+                                       L"/AUTOSTART:ON\tstarts with Windows from now on\n"
+                                       L"/AUTOSTART:OFF\tno longer starts with Windows\n"
+                                       L"/AUTOSTART\ttells whether it starts with Windows\n"
+                                       L"check4updates\tasks for an update and tells the answer\n"
+                                       L"/CHECK4UPDATES\tthe same, telling only of an update";
 
 int TellBadSwitch(const wchar_t* pszUnknown) {
     wchar_t szText[kBoxTextSize];

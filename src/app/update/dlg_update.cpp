@@ -71,7 +71,7 @@ __int64 DlgGetUpdates::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
 }
 
 bool DlgGetUpdates::HasLink() const {
-    return pszDescription && pszUrlMoreInfo && *pszUrlMoreInfo &&
+    return HasMoreInfo() && pszDescription &&
            DrawHTML::FindNextItem(pszDescription, DrawHTML::pszBra_A);
 }
 
@@ -80,5 +80,5 @@ void DlgGetUpdates::OnButtonClicked(unsigned short nId) {
         DlgUpdateBase::OnButtonClicked(nId);
         return;
     }
-    if (pszUrlMoreInfo && *pszUrlMoreInfo) OpenHTML(hWnd, pszUrlMoreInfo, 0, 0);
+    if (HasMoreInfo()) OpenHTML(hWnd, pszUrlMoreInfo, 0, 0);
 }

@@ -80,6 +80,8 @@ class TESSALY_API DlgGetUpdates : public DlgUpdateBase {
     int Show();
 
   protected:
+    bool HasMoreInfo() const { return pszUrlMoreInfo && *pszUrlMoreInfo; }
+
     CSStaticHTML description;
     const wchar_t* pszDescription; // borrowed
     const wchar_t* pszUrlMoreInfo; // borrowed

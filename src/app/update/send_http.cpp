@@ -254,7 +254,7 @@ OwnedHandle StartThread(Exchange& exchange, void (Exchange::*pfnStep)()) {
     OwnedExchange share(&exchange);
     std::unique_ptr<Task> task(new (std::nothrow)
                                    Task{pfnStep, std::move(share), OwnedModule(HoldThisModule())});
-    if (!task || !task->module) return OwnedHandle();
+    if (!task || !task->module) return {};
     OwnedHandle thread(::CreateThread(nullptr, 0, &RunTask, task.get(), 0, nullptr));
     if (thread) static_cast<void>(task.release()); // the thread's
     return thread;
