@@ -93,6 +93,26 @@ double Seconds(Fn fn) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// CheckForUpdates where it is to come back at once. A question that it asks instead is a failure,
+/// and cancelled.
+int CheckAtOnce() {
+    std::atomic<int> nResult{-1};
+    WindowThread thread;
+    thread.Post([&] { nResult = CheckForUpdates(nullptr); });
+    if (WaitUntil([&] {
+            return nResult >= 0 || FindUpdateDlg(::GetCurrentProcessId(), 109) != nullptr;
+        }) &&
+        nResult >= 0) {
+        return nResult;
+    }
+    ADD_FAILURE() << "it does not come back";
+    WaitUntil([&] {
+        ::PostMessageW(FindUpdateDlg(::GetCurrentProcessId(), 109), WM_COMMAND, IDCANCEL, 0);
+        return nResult >= 0;
+    });
+    return -1;
+}
+
 struct MadeEvent {
     BOOL bManual, bSet;
     std::wstring strName;
@@ -149,7 +169,7 @@ TEST_F(CheckForUpdatesTest, SecondProcessAtTheSameMomentLeaves) {
     ASSERT_TRUE(WaitUntil([&] { return (hwndAsks = FindUpdateDlg(other.Id(), 109)) != nullptr; }));
     EXPECT_TRUE(IsEventThere());
     auto before = Stored();
-    EXPECT_EQ(0, CheckForUpdates(nullptr));
+    EXPECT_EQ(0, CheckAtOnce());
     ExpectNothingDone(before);
     EXPECT_EQ(nullptr, FindUpdateDlg(::GetCurrentProcessId(), 109));
     ::PostMessageW(hwndAsks, WM_COMMAND, IDCANCEL, 0);
@@ -277,7 +297,7 @@ TEST_F(CheckForUpdatesTest, FirstRunMakesTheKey) {
 TEST_F(CheckForUpdatesTest, FirstRunGoesByTheStoredFrequency) {
     for (auto [dwFrequency, dwDays] : {std::pair<DWORD, DWORD>{0, 1}, {2, 30}, {3, 3650}}) {
         store.Plant(1000, 0, dwFrequency, 0);
-        EXPECT_EQ(0, CheckForUpdates(nullptr));
+        EXPECT_EQ(0, CheckAtOnce());
         EXPECT_EQ(DueIn(dwDays), store.Next()) << dwFrequency;
         EXPECT_EQ(1000u, store.Last());
         EXPECT_EQ(dwFrequency, store.Frequency());
@@ -297,7 +317,7 @@ TEST_F(CheckForUpdatesTest, DisabledOnesEndAtOnce) {
     for (DWORD dwAuto : {0, 1}) {
         store.Plant(2, kDisabled, 0, dwAuto);
         auto before = Stored();
-        EXPECT_EQ(0, CheckForUpdates(nullptr));
+        EXPECT_EQ(0, CheckAtOnce());
         ExpectNothingDone(before);
     }
     auto before = Stored();
@@ -311,7 +331,7 @@ TEST_F(CheckForUpdatesTest, UsualCallOnlyReads) {
         for (DWORD dwAuto : {0, 1}) {
             store.Plant(2, dwNext, 0, dwAuto);
             auto before = Stored();
-            EXPECT_EQ(0, CheckForUpdates(nullptr));
+            EXPECT_EQ(0, CheckAtOnce());
             ExpectNothingDone(before);
         }
     }
@@ -526,7 +546,7 @@ TEST_F(CheckForUpdatesTest, DialogThatCameUpMeanwhileIsBroughtForwardInsteadOfAs
     NumberedDialog late(109, 0, 1); // says yes when it is asked again
     OtherWindow front;
     GiveForeground(front);
-    EXPECT_EQ(0, CheckForUpdates(nullptr));
+    EXPECT_EQ(0, CheckAtOnce());
     EXPECT_EQ(2, late.nAskedNumber);
     EXPECT_EQ(1, late.nAskedActivate);
     EXPECT_TRUE(HasForeground(late.window));
