@@ -93,24 +93,24 @@ double Seconds(Fn fn) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// CheckForUpdates where it is to come back at once. A question that it asks instead is a failure,
-/// and cancelled.
-int CheckAtOnce() {
+/// A call that is to come back without a dialog of that number. One that it shows all the same is a
+/// failure, and cancelled.
+template <class Fn>
+int ResultWithoutDialog(unsigned short nNumber, Fn fn) {
     std::atomic<int> nResult{-1};
     WindowThread thread;
-    thread.Post([&] { nResult = CheckForUpdates(nullptr); });
-    if (WaitUntil([&] {
-            return nResult >= 0 || FindUpdateDlg(::GetCurrentProcessId(), 109) != nullptr;
-        }) &&
-        nResult >= 0) {
-        return nResult;
-    }
+    thread.Post([&] { nResult = fn(); });
+    if (WaitUntil([&] { return nResult >= 0; })) return nResult;
     ADD_FAILURE() << "it does not come back";
     WaitUntil([&] {
-        ::PostMessageW(FindUpdateDlg(::GetCurrentProcessId(), 109), WM_COMMAND, IDCANCEL, 0);
+        ::PostMessageW(FindUpdateDlg(::GetCurrentProcessId(), nNumber), WM_COMMAND, IDCANCEL, 0);
         return nResult >= 0;
     });
     return -1;
+}
+
+int CheckAtOnce() {
+    return ResultWithoutDialog(109, [] { return CheckForUpdates(nullptr); });
 }
 
 struct MadeEvent {
@@ -566,7 +566,8 @@ TEST_F(CheckForUpdatesTest, OpenOfferOfAnotherProcessIsBroughtForward) {
         OtherWindow front;
         GiveForeground(front);
         int bGet = 0;
-        EXPECT_EQ(1, DoCheckForUpdates(nullptr, &bGet, pszSwitch));
+        EXPECT_EQ(1, ResultWithoutDialog(
+                         108, [&] { return DoCheckForUpdates(nullptr, &bGet, pszSwitch); }));
         EXPECT_TRUE(HasForeground(hwndOffers));
         EXPECT_EQ(0, bGet);
         EXPECT_TRUE(shell.calls.empty());
