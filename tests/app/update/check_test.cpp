@@ -262,13 +262,16 @@ TEST_F(CheckForUpdatesTest, HungDialogHoldsTheSearchNoLongerThanItsTimeOut) {
     double dTime = Seconds([&] { EXPECT_EQ(0, CheckForUpdates(nullptr)); });
     EXPECT_LT(dTime, kHungSeconds);
     EXPECT_EQ(1u, shell.calls.size()) << "it went on";
-    shell.calls.clear();
-    NumberedDialog behind(109);
-    ::SetWindowPos(behind.window, HWND_BOTTOM, 0, 0, 0, 0,
-                   SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    dTime = Seconds([&] { EXPECT_EQ(0, CheckForUpdates(nullptr)); });
+}
+
+TEST_F(CheckForUpdatesTest, HungDialogInFrontDoesNotHideTheOneBehindIt) {
+    store.Plant(2, 4, 1, 1);
+    NumberedDialog wanted(109), hung(109);
+    GiveForeground(hung.window); // the windows have come to rest
+    hung.window.Hang();
+    double dTime = Seconds([&] { EXPECT_EQ(0, CheckForUpdates(nullptr)); });
     EXPECT_LT(dTime, kHungSeconds);
-    EXPECT_EQ(1, behind.nAskedActivate);
+    EXPECT_EQ(1, wanted.nAskedActivate);
     EXPECT_TRUE(shell.calls.empty());
 }
 
