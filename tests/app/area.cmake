@@ -4,3 +4,5 @@ set_source_files_properties(app/umbrella_test.cpp PROPERTIES
     SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
 # Is what is to be started, and has no console.
 target_link_options(launch_probe PRIVATE -mwindows)
+# Sets the clock, and takes what would be started.
+target_include_directories(update_probe PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})

@@ -5,7 +5,13 @@
 #include "app/update/dlg_update.h"
 #include "app/update/update_check.h"
 #include "resources/resource_ids.h"
-#include "runtime/messages/res_str.h"
+#include "runtime/text/text_format.h"
+
+#include <cstddef>
+
+namespace {
+constexpr std::size_t kQuestionSize = 256; // characters
+} // namespace
 
 DlgCheckForUpdates::DlgCheckForUpdates(int nInitial, unsigned nDays, int* pbGetUpdate,
                                        HINSTANCE hinstTemplate, HWND hwndOwner)
@@ -18,13 +24,13 @@ int DlgCheckForUpdates::Show() {
 
 __int64 DlgCheckForUpdates::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     const __int64 nResult = DlgUpdateBase::OnInitDialog(wParam, lParam);
-    const wchar_t* pszName = GetMyProductInfo().GetDisplayName();
-    const ResStrFmt question(-IDS_ASK_FOR_UPDATES, pszName);
-    title.SetTitleFmt(L"%s", static_cast<const wchar_t*>(question));
-    // The template's text, which the title has put there, is a format.
-    ::SetWindowTextW(hWnd, question);
+    // The template's texts are formats, which the title has put into the dialog's window text.
+    wchar_t szQuestion[kQuestionSize];
+    FormatText(szQuestion, title.GetOriginalText(), GetMyProductInfo().GetDisplayName());
+    title.SetTitleFmt(L"%s", szQuestion);
+    SetText(szQuestion);
     if (nDaysSince) {
-        SetDlgItemTextFmt(IDC_UPDATE_DAYS, -IDS_LAST_CHECK, nDaysSince);
+        SetDlgItemTextFmtCtrl(IDC_UPDATE_DAYS, nDaysSince);
     } else {
         ShowDlgItem(IDC_UPDATE_DAYS, 0);
     }

@@ -2,6 +2,7 @@
 #include "app/identity/product_info.h"
 #include "app/launch/open_html.h"
 #include "resources/resource_ids.h"
+#include "richtext/engine/draw_html.h"
 #include "runtime/messages/res_str.h"
 
 namespace {
@@ -59,14 +60,19 @@ int DlgGetUpdates::Show() { return static_cast<int>(Modal(IDD_GET_UPDATES, hReso
 
 __int64 DlgGetUpdates::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     const __int64 nResult = DlgUpdateBase::OnInitDialog(wParam, lParam);
-    title.SetTitleFmt(L"%s", static_cast<const wchar_t*>(ResStr(-IDS_UPDATE_AVAILABLE)));
     // The window's own text, which an empty description would leave on the screen; programs that
     // read the screen see it too.
     SetDlgItemTextW(IDC_UPDATE_DESCRIPTION, pszDescription ? pszDescription : L"");
     description.Init(this, IDC_UPDATE_DESCRIPTION, nullptr, 0);
-    if (!HasMoreInfo()) description.ModifyStyle(WS_TABSTOP, 0, 0); // its link leads nowhere
     description.SetHTMLText(pszDescription ? pszDescription : L"");
+    // The keyboard goes there for the link alone.
+    if (!HasLink()) description.ModifyStyle(WS_TABSTOP, 0, 0);
     return nResult;
+}
+
+bool DlgGetUpdates::HasLink() const {
+    return HasMoreInfo() && pszDescription &&
+           DrawHTML::FindNextItem(pszDescription, DrawHTML::pszBra_A);
 }
 
 void DlgGetUpdates::OnButtonClicked(unsigned short nId) {

@@ -65,7 +65,8 @@ class TESSALY_API DlgCheckForUpdates : public DlgUpdateBase {
 };
 
 /// Says that there is an update and asks whether to get it. The description is rich text; a click
-/// on its link opens the page with more information.
+/// on its link "<a>" opens the page with more information; with the keyboard it is reached behind
+/// the other controls.
 class TESSALY_API DlgGetUpdates : public DlgUpdateBase {
   public:
     /// Both texts are borrowed and must live as long as the dialog; either may be null. The address
@@ -84,4 +85,7 @@ class TESSALY_API DlgGetUpdates : public DlgUpdateBase {
     CSStaticHTML description;
     const wchar_t* pszDescription; // borrowed
     const wchar_t* pszUrlMoreInfo; // borrowed
+
+  private:
+    bool HasLink() const;
 };
