@@ -1,4 +1,4 @@
-#include "ctrl_dlg.h"
+#include "progress/ctrl_dlg.h"
 
 #include <gtest/gtest.h>
 

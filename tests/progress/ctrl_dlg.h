@@ -1,5 +1,5 @@
 #pragma once
-#include "ctrl_ids.h"
+#include "progress/ctrl_ids.h"
 #include "progress/cs_progress_ctrl.h"
 #include "wnd/control/ctrl_dialog.h"
 #include "wnd/control/message_tap.h"
@@ -42,29 +42,14 @@ struct ProgressDialog {
             auto n = std::to_string(static_cast<int>(message.wParam));
             auto l = std::to_string(static_cast<int>(message.lParam));
             switch (message.uMsg) {
-            case PBM_SETRANGE:
-                str += "range16 " + l + "; ";
-                break;
-            case PBM_SETRANGE32:
-                str += "range " + n + " " + l + "; ";
-                break;
-            case PBM_SETPOS:
-                str += "pos " + n + "; ";
-                break;
-            case PBM_SETSTEP:
-                str += "by " + n + "; ";
-                break;
-            case PBM_STEPIT:
-                str += "step; ";
-                break;
-            case PBM_SETSTATE:
-                str += "state " + n + "; ";
-                break;
-            case PBM_SETMARQUEE:
-                str += "marquee " + n + " " + l + "; ";
-                break;
-            default:
-                break;
+            case PBM_SETRANGE: str += "range16 " + l + "; "; break;
+            case PBM_SETRANGE32: str += "range " + n + " " + l + "; "; break;
+            case PBM_SETPOS: str += "pos " + n + "; "; break;
+            case PBM_SETSTEP: str += "by " + n + "; "; break;
+            case PBM_STEPIT: str += "step; "; break;
+            case PBM_SETSTATE: str += "state " + n + "; "; break;
+            case PBM_SETMARQUEE: str += "marquee " + n + " " + l + "; "; break;
+            default: break;
             }
         }
         tap->seen.clear();

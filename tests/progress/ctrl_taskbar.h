@@ -25,8 +25,8 @@ class FakeTaskbar {
     FakeTaskbar(const FakeTaskbar&) = delete;
     FakeTaskbar& operator=(const FakeTaskbar&) = delete;
 
-    /// What was told since the last call: "state <window> <state>; ", "value <window> <done> <all>; "
-    /// and "gone; " for the last reference.
+    /// What was told since the last call: "state <window> <state>; ", "value <window> <done> <all>;
+    /// " and "gone; " for the last reference.
     std::string Take() {
         std::string strTaken;
         strTaken.swap(str);
@@ -108,8 +108,10 @@ class FakeTaskbar {
 
     static HRESULT WINAPI Create(REFCLSID clsid, IUnknown* pOuter, DWORD dwContext, REFIID iid,
                                  void** ppv) {
-        constexpr GUID kClass = {0x56FDF344, 0xFD6D, 0x11D0, {0x95, 0x8A, 0, 0x60, 0x97, 0xC9, 0xA0, 0x90}};
-        constexpr GUID kInterface = {0xEA1AFB91, 0x9E28, 0x4B86, {0x90, 0xE9, 0x9E, 0x9F, 0x8A, 0x5E, 0xEF, 0xAF}};
+        constexpr GUID kClass = {
+            0x56FDF344, 0xFD6D, 0x11D0, {0x95, 0x8A, 0, 0x60, 0x97, 0xC9, 0xA0, 0x90}};
+        constexpr GUID kInterface = {
+            0xEA1AFB91, 0x9E28, 0x4B86, {0x90, 0xE9, 0x9E, 0x9F, 0x8A, 0x5E, 0xEF, 0xAF}};
         if (!::IsEqualGUID(clsid, kClass)) {
             auto* pfn = pNow->create.Original<decltype(::CoCreateInstance)>();
             return pfn(clsid, pOuter, dwContext, iid, ppv);

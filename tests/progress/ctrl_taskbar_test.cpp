@@ -1,5 +1,5 @@
-#include "ctrl_dlg.h"
-#include "ctrl_taskbar.h"
+#include "progress/ctrl_dlg.h"
+#include "progress/ctrl_taskbar.h"
 #include "support/test_window.h"
 
 #include <gtest/gtest.h>

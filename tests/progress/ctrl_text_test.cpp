@@ -1,4 +1,4 @@
-#include "ctrl_dlg.h"
+#include "progress/ctrl_dlg.h"
 #include "support/test_window.h"
 
 #include <gtest/gtest.h>
@@ -69,10 +69,18 @@ TEST(CSProgressCtrlText, FormattedTextIsCutAt1023Characters) {
 }
 
 void CallWithList(CSProgressCtrl& ctrl, int nLine, const wchar_t* pszFormat, ...) {
-    va_list args;
-    va_start(args, pszFormat);
-    static_cast<ProgressEx*>(ctrl.GetProgressEx())->SetText(nLine, pszFormat, args);
-    va_end(args);
+    ArgList args;
+    va_start(args.v, pszFormat);
+    ctrl.SetText(nLine, pszFormat, args);
+    va_end(args.v);
+}
+
+TEST(CSProgressCtrlText, NullEmptiesTheLine) {
+    ProgressDialog test;
+    test.SetupLines();
+    test.ctrl.SetText(1, L"text");
+    test.ctrl.SetText(1, nullptr);
+    EXPECT_EQ(L"", test.Text(1));
 }
 
 TEST(CSProgressCtrlText, ModelFormatsIntoTheLines) {

@@ -1,6 +1,9 @@
 #pragma once
 #include "progress/progress_ex.h"
+#include "runtime/text/text_format.h"
 
+#include <cstdarg>
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -9,7 +12,7 @@ class TestBar : public ProgressEx {
   public:
     void SetText(int line, const wchar_t* pszFormat, char* args) override {
         wchar_t sz[256];
-        std::vswprintf(sz, std::size(sz), pszFormat, args);
+        FormatTextV(sz, std::size(sz), pszFormat, args);
         texts.push_back(std::to_wstring(line) + L": " + sz);
     }
     void DoStepIt() override { log.push_back("step"); }
@@ -17,7 +20,10 @@ class TestBar : public ProgressEx {
     void DoSetRange(int nNewLow, int nNewHigh) override {
         log.push_back("range " + std::to_string(nNewLow) + " " + std::to_string(nNewHigh));
     }
-    void ProcessAllMessages() override { log.push_back("messages"); }
+    int ProcessAllMessages() override {
+        log.push_back("messages");
+        return 1;
+    }
 
     std::vector<std::string> log;
     std::vector<std::wstring> texts;

@@ -1,4 +1,4 @@
-#include "model_bar.h"
+#include "progress/model_bar.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -12,7 +12,7 @@ constexpr unsigned kMax32 = 0xFFFFFFFF;
 TEST(ProgressExRange, NewObjectHasDivisorOneAndNothingElse) {
     TestBar bar;
     EXPECT_EQ(1u, bar.dwDivisor);
-    EXPECT_EQ(0, bar.bCanceled);
+    EXPECT_EQ(0, bar.bCanceled.load());
     EXPECT_EQ(0u, bar.nSubStep);
     EXPECT_EQ(0, bar.nLow);
     EXPECT_EQ(0, bar.nHigh);
@@ -169,8 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, ProgressExPosTable,
     testing::Values(PosCase{"Plain", 0, 100, 42, 42}, PosCase{"Divided", 0, 131070, 1001, 500},
                     PosCase{"BeforeTheRange", 10, 20, 3, 3},
-                    PosCase{"BehindTheRange", 10, 20, 33, 33},
-                    PosCase{"Negative", -100, 0, -7, -7},
+                    PosCase{"BehindTheRange", 10, 20, 33, 33}, PosCase{"Negative", -100, 0, -7, -7},
                     PosCase{"NegativeIsCutTowardsZero", -131070, 0, -1001, -500},
                     PosCase{"Middle", 0, 0x100000000, 0x80000000, 32767},
                     PosCase{"OfTheWholeRange", kMin64, kMax64, 0xFFFFFFFFLL * 12345, 12345}),
@@ -219,8 +218,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ProgressExRange, PercentOfAnythingIsSomeNumber) {
     std::mt19937_64 random(4711);
-    constexpr int kEdges[] = {std::numeric_limits<int>::min(), std::numeric_limits<int>::min() + 1,
-                              -65536, -1, 0, 1, 65535, std::numeric_limits<int>::max()};
+    constexpr int kEdges[] = {std::numeric_limits<int>::min(),
+                              std::numeric_limits<int>::min() + 1,
+                              -65536,
+                              -1,
+                              0,
+                              1,
+                              65535,
+                              std::numeric_limits<int>::max()};
     TestBar bar;
     for (int nLow : kEdges) {
         for (int nHigh : kEdges) {

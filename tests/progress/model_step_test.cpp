@@ -1,6 +1,6 @@
 #include "app/identity/product_info.h"
-#include "model_bar.h"
-#include "progress_clock.h"
+#include "progress/model_bar.h"
+#include "progress/progress_clock.h"
 
 #include <gtest/gtest.h>
 
@@ -72,7 +72,7 @@ TEST(ProgressExCancel, IsSetAndTakenBack) {
     EXPECT_EQ(0, bar.IsCanceled());
     bar.Cancel(1);
     EXPECT_EQ(1, bar.IsCanceled());
-    EXPECT_EQ(1, bar.bCanceled);
+    EXPECT_EQ(1, bar.bCanceled.load());
     bar.Cancel(0);
     EXPECT_EQ(0, bar.IsCanceled());
 }
@@ -93,19 +93,29 @@ TEST(ProgressExText, VariadicFormHandsOnTheArguments) {
     EXPECT_EQ(std::vector<std::wstring>({L"2: 3 of 7, copied", L"0: plain"}), bar.texts);
 }
 
+TEST(ProgressExText, FormatIsTheLibrarysDialect) {
+    TestBar bar;
+    ProgressEx& progress = bar;
+    const char* pszNarrow = "narrow";
+    progress.SetText(1, L"%hs and %s", pszNarrow, L"wide");
+    progress.SetText(1, L"%I64d", 1LL << 40);
+    EXPECT_EQ(std::vector<std::wstring>({L"1: narrow and wide", L"1: 1099511627776"}), bar.texts);
+}
+
 /// A bar that shows no text takes the base's.
 class SilentBar : public ProgressEx {
   public:
     void DoStepIt() override {}
     void DoSetPos(int) override {}
     void DoSetRange(int, int) override {}
-    void ProcessAllMessages() override {}
+    int ProcessAllMessages() override { return 1; }
 };
 
 TEST(ProgressExText, IsNothingInTheBase) {
     SilentBar bar;
     bar.SetText(1, L"%d", 5);
     bar.SetText(99, nullptr);
+    bar.SetText(-1, L"%s", nullptr);
 }
 
 TEST(ProgressExShutDown, IsSteppedByTheClosingOfModules) {

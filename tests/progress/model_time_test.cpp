@@ -1,5 +1,5 @@
-#include "model_bar.h"
-#include "progress_clock.h"
+#include "progress/model_bar.h"
+#include "progress/progress_clock.h"
 #include "support/guard_page.h"
 
 #include <gtest/gtest.h>
@@ -138,9 +138,9 @@ TEST(ProgressExPause, ItsEndLeavesTheLastTick) {
 
 struct RemainingCase {
     const char* pszName;
-    int nLeft;       // bar units to go
-    DWORD nMs;       // of each step
-    int nSteps;      // that were timed
+    int nLeft;  // bar units to go
+    DWORD nMs;  // of each step
+    int nSteps; // that were timed
     unsigned nSeconds;
 };
 
@@ -158,8 +158,7 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, ProgressExRemainingTable,
     testing::Values(RemainingCase{"NothingLeft", 0, 1000, 3, 0},
                     RemainingCase{"NoStepTimed", 100, 1000, 0, 0},
-                    RemainingCase{"Plain", 30, 1000, 4, 30},
-                    RemainingCase{"IsCut", 19, 100, 2, 1},
+                    RemainingCase{"Plain", 30, 1000, 4, 30}, RemainingCase{"IsCut", 19, 100, 2, 1},
                     RemainingCase{"BelowASecond", 9, 100, 2, 0},
                     RemainingCase{"AllOfIt", 60'000, 1, 7, 60},
                     RemainingCase{"AnHour", 3600, 1000, 2, 3600},
@@ -221,7 +220,8 @@ TEST_P(ProgressExRateTable, IsOfRealUnits) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ProgressExRateTable,
-    testing::Values(RateCase{"Plain", 100, 500, 4, 1, 2}, RateCase{"PerMinute", 100, 500, 4, 60, 120},
+    testing::Values(RateCase{"Plain", 100, 500, 4, 1, 2},
+                    RateCase{"PerMinute", 100, 500, 4, 60, 120},
                     RateCase{"IsCut", 100, 700, 3, 1, 1}, RateCase{"NoSeconds", 100, 500, 4, 0, 0},
                     RateCase{"NoSteps", 100, 500, 0, 5, 0}, RateCase{"NoTime", 100, 0, 5, 5, 0},
                     RateCase{"OfADivisor", 131070, 500, 4, 10, 40},
@@ -230,6 +230,14 @@ INSTANTIATE_TEST_SUITE_P(
                     RateCase{"LastBeforeTheProductWraps", 100, 10, 2, 2'147'483, 214'748'300},
                     RateCase{"ProductWraps", 100, 10, 2, 3'000'000, 85'251'635}),
     [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(ProgressExTime, RateMayNeed64Bits) {
+    TestBar bar;
+    bar.dwDivisor = 1'000'000;
+    bar.dwSteps = 10;
+    bar.qwTotalMs = 1000;
+    EXPECT_EQ(10'000'000'000u, bar.GetEventsPerSeconds(1000));
+}
 
 TEST(ProgressExTime, RateOfATotalBeyond32BitsIsDividedByAllOfIt) {
     Timed timed(1);

@@ -1,10 +1,11 @@
 #include "progress/progress_ex.h"
-#include "progress_window.h"
+#include "progress/progress_window.h"
 #include "support/heap_count.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"
 
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 TEST(ProgressShown, WithoutDelayComesUpAtOnce) {
@@ -255,8 +256,8 @@ TEST(ProgressShown, TickerRunsInTheDialog) {
     progress.PauseTicker(1);
     PumpInRealTime([] { return false; }, std::chrono::milliseconds(50)); // one may be under way
     int nPos = PosOf(progress);
-    EXPECT_FALSE(PumpInRealTime([&] { return PosOf(progress) > nPos; },
-                                std::chrono::milliseconds(50)));
+    EXPECT_FALSE(
+        PumpInRealTime([&] { return PosOf(progress) > nPos; }, std::chrono::milliseconds(50)));
     progress.PauseTicker(0);
     EXPECT_TRUE(PumpInRealTime([&] { return PosOf(progress) > nPos; }));
     nPos = PosOf(progress);
@@ -279,6 +280,36 @@ TEST(ProgressShown, OwnMessagesOfTheWorkerGoOnWithItsTexts) {
     progress.SetText(0, L"text");
     EXPECT_EQ(1, nSent);
 }
+
+struct QuitCase {
+    const char* pszName;
+    void (*fnCall)(Progress&);
+};
+
+class ProgressQuitTable : public testing::TestWithParam<QuitCase> {};
+
+TEST_P(ProgressQuitTable, QuitStaysForTheOuterLoop) {
+    FakeClock clock;
+    Progress shown, waiting(nullptr, 100, 0, 4, 1);
+    clock.Advance(100);
+    ::PostQuitMessage(7);
+    GetParam().fnCall(shown);
+    GetParam().fnCall(waiting);
+    shown.Close();
+    waiting.Close();
+    MSG msg{};
+    EXPECT_TRUE(::PeekMessageW(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(7u, msg.wParam);
+    EXPECT_FALSE(::PeekMessageW(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ProgressQuitTable,
+    testing::Values(QuitCase{"StepIt", [](Progress& p) { p.StepIt(); }},
+                    QuitCase{"SetText", [](Progress& p) { p.SetText(0, L"text"); }},
+                    QuitCase{"Ticker", [](Progress& p) { p.EnableTicker(5, 10, nullptr); }},
+                    QuitCase{"Close", [](Progress& p) { p.Close(); }}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 // Its end
 
@@ -415,8 +446,8 @@ TEST(ProgressPauseHide, HidesForAPromptAndComesBack) {
         ::SetForegroundWindow(prompt);
         PumpInRealTime([] { return false; }, std::chrono::milliseconds(50)); // one is under way
         nPos = PosOf(progress);
-        EXPECT_FALSE(PumpInRealTime([&] { return PosOf(progress) > nPos; },
-                                    std::chrono::milliseconds(50)));
+        EXPECT_FALSE(
+            PumpInRealTime([&] { return PosOf(progress) > nPos; }, std::chrono::milliseconds(50)));
     }
     EXPECT_TRUE(::IsWindowVisible(WindowOf(progress)));
     EXPECT_TRUE(PumpInRealTime([&] { return ::GetForegroundWindow() == WindowOf(progress); }));

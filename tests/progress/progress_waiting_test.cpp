@@ -1,4 +1,4 @@
-#include "progress_window.h"
+#include "progress/progress_window.h"
 #include "support/heap_count.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"
@@ -27,20 +27,19 @@ TEST_P(ProgressDueTable, StepBringsTheDialogUpOnceItIsDue) {
     EXPECT_EQ(row.bShown, IsShown(progress));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ProgressDueTable,
-    testing::Values(DueCase{"AtOnce", 5000, 1000, 0, false},
-                    DueCase{"JustBefore", 5000, 1000, 999, false},
-                    DueCase{"AtTheTick", 5000, 1000, 1000, true},
-                    DueCase{"LongAfter", 5000, 1000, 1'000'000, true},
-                    DueCase{"ShortDelay", 5000, 1, 1, true},
-                    DueCase{"LargeTickBefore", 0xF0000000, 1000, 999, false},
-                    DueCase{"LargeTick", 0xF0000000, 1000, 1000, true},
-                    // Over the end of the tick count.
-                    DueCase{"WrapBeforeIt", 0xFFFFFF00, 1000, 10, false},
-                    DueCase{"WrapBehindIt", 0xFFFFFF00, 1000, 999, false},
-                    DueCase{"WrapDue", 0xFFFFFF00, 1000, 1000, true}),
-    [](const auto& row) { return std::string(row.param.pszName); });
+INSTANTIATE_TEST_SUITE_P(Cases, ProgressDueTable,
+                         testing::Values(DueCase{"AtOnce", 5000, 1000, 0, false},
+                                         DueCase{"JustBefore", 5000, 1000, 999, false},
+                                         DueCase{"AtTheTick", 5000, 1000, 1000, true},
+                                         DueCase{"LongAfter", 5000, 1000, 1'000'000, true},
+                                         DueCase{"ShortDelay", 5000, 1, 1, true},
+                                         DueCase{"LargeTickBefore", 0xF0000000, 1000, 999, false},
+                                         DueCase{"LargeTick", 0xF0000000, 1000, 1000, true},
+                                         // Over the end of the tick count.
+                                         DueCase{"WrapBeforeIt", 0xFFFFFF00, 1000, 10, false},
+                                         DueCase{"WrapBehindIt", 0xFFFFFF00, 1000, 999, false},
+                                         DueCase{"WrapDue", 0xFFFFFF00, 1000, 1000, true}),
+                         [](const auto& row) { return std::string(row.param.pszName); });
 
 struct ClockCase {
     const char* pszName;

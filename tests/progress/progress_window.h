@@ -1,6 +1,6 @@
 #pragma once
 #include "progress/progress.h"
-#include "progress_clock.h"
+#include "progress/progress_clock.h"
 #include "support/message_box_driver.h"
 
 #include <gtest/gtest.h>

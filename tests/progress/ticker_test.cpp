@@ -20,23 +20,12 @@ struct FakeBar {
     std::atomic<int> nPos{-1}, nStep{-1};
     TestWindow window{[this](UINT uMsg, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
         switch (uMsg) {
-        case PBM_STEPIT:
-            ++nSteps;
-            return 0;
-        case PBM_SETRANGE:
-            lRange = lParam;
-            return 0;
-        case PBM_SETPOS:
-            nPos = static_cast<int>(wParam);
-            return 0;
-        case PBM_SETSTEP:
-            nStep = static_cast<int>(wParam);
-            return 0;
-        case WM_APP:
-            ++nOthers;
-            return 0;
-        default:
-            return {};
+        case PBM_STEPIT: ++nSteps; return 0;
+        case PBM_SETRANGE: lRange = lParam; return 0;
+        case PBM_SETPOS: nPos = static_cast<int>(wParam); return 0;
+        case PBM_SETSTEP: nStep = static_cast<int>(wParam); return 0;
+        case WM_APP: ++nOthers; return 0;
+        default: return {};
         }
     }};
 };
