@@ -81,7 +81,8 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
 
   private:
     friend class ProgressExForCtrl;
-    class MirrorUse; // one use of the mirror, which may be dropped meanwhile
+    friend class ProgressDlg; // its steps
+    class MirrorUse;          // one use of the mirror, which may be dropped meanwhile
 
     void EnableLines();
 

@@ -58,7 +58,18 @@ class TESSALY_API Progress {
     void SetPos64(__int64 qnPos);
     /// What was set and stepped, whether or not there is a dialog.
     __int64 GetPos64() const { return nPos; }
-    void StepIt();
+    /// Made to be called for every byte: before the dialog is due it costs little more than the
+    /// look at the clock, with a dialog little more than the count, as long as the bar does not
+    /// move.
+    void StepIt() {
+        ++nPos;
+        if (pDlg.load(std::memory_order_acquire)) {
+            StepDlg();
+            return;
+        }
+        ++nPendingSteps;
+        TestClock();
+    }
     /// StepIt, then the text of line 1. 1; 0, and nothing happens, once the user has cancelled: the
     /// usual loop condition of a worker.
     int NextStep(unsigned nTextId);
@@ -97,16 +108,36 @@ class TESSALY_API Progress {
   private:
     friend class ProgressThread;
     friend class ProgressDlg;
-    class Call; // a call under way that uses the dialog
 
+    /// A call that uses the dialog. Handlers that run meanwhile may close: what they end stays
+    /// until the outermost call has left it.
+    class Call {
+      public:
+        explicit Call(Progress& of) : progress(of) { ++progress.nCalls; }
+        ~Call() {
+            if (--progress.nCalls == 0) progress.DeleteEndedThreads();
+        }
+        Call(const Call&) = delete; // stands for one call
+        Call& operator=(const Call&) = delete;
+
+      private:
+        Progress& progress;
+    };
+
+    static unsigned GetTickAfter(unsigned dwMs);
+    /// Brings the dialog up if it is due.
+    void TestClock() {
+        if (pThread.load(std::memory_order_relaxed)) return;
+        if (!dwShowTick || static_cast<int>(::GetTickCount() - dwShowTick) >= 0) StartThread();
+    }
     ProgressDlg* GetLiveDlg();
-    void TestClock();
-    void HandOver();
+    bool IsAnythingStored() const;
+    void StepDlg();
+    void HandOver(ProgressDlg* pShown);
     void ShowText(ProgressDlg* pShown, int nLine, const wchar_t* pszNew);
-    void ShowPos(ProgressDlg* pShown, __int64 qnPos);
     void DeleteEndedThreads();
 
-    HWND hwndParent = nullptr;
+    HWND hwndParent = nullptr;     // enabled again at the end
     std::atomic<int> bModeless{0}; // see SetModelessParent; the dialog's thread sets it too
     std::atomic<int> bCanceled{0}; // the dialog ended other than by Close
     std::atomic<ProgressThread*> pThread{nullptr}; // owned; null until shown
@@ -129,6 +160,7 @@ class TESSALY_API Progress {
 
     std::atomic<int> bClosing{0};           // Close is under way
     std::atomic<int> nCalls{0};             // under way, see Call
+    int bParentDisabled = 0;                // by this object
     int bHandedOver = 0;                    // what was stored, to the present dialog
     int bHandingOver = 0;                   // just now: handlers that run meanwhile store
     ProgressThread* pEndedThread = nullptr; // closed while calls were under way; a chain, owned

@@ -8,6 +8,7 @@
 #include "wnd/layout/csdlg_main.h"
 #include <windows.h>
 #include <atomic>
+#include <memory>
 
 class Progress;
 class ProgressDlg;
@@ -33,8 +34,8 @@ class TESSALY_API ProgressThread : public CSThreadEx {
     friend class ProgressDlg;
 
     Progress* pProgress;
-    OwnedHandle hDlgReady;           // a manual event
-    ProgressDlg* pDlg = nullptr;     // owned
+    OwnedHandle hDlgReady; // a manual event
+    std::unique_ptr<ProgressDlg> pDlg;
     ProgressThread* pNext = nullptr; // in the chain of those that ended
 };
 
@@ -67,7 +68,7 @@ class TESSALY_API ProgressDlg : public CSDlg {
     void EnableTicker(unsigned long dwIntervalMs, unsigned long dwMax, unsigned long* pdwResult);
     /// Nothing without a ticker.
     void PauseTicker(int bPause);
-    /// Lines in use, 1 to 4; 0 stands for 4. Counts when the dialog comes up.
+    /// Lines in use, 1 to 4; 0 stands for 4. For the time before the dialog comes up.
     void SetLinesCount(unsigned nCount);
     /// Hides the lines not in use, and tells how much lower the dialog is without them, in pixels.
     int CalcLinesResize();
@@ -81,9 +82,13 @@ class TESSALY_API ProgressDlg : public CSDlg {
 
     bool IsUp() const { return bUp.load(); }
     bool IsWindowThere() const;
+    /// The two halves of StepIt: whether the bar is to move, and its move.
+    bool CountSubStep() { return progressCtrl.progressEx.CountSubStep(); }
+    void StepBar();
     void BringUp();
+    void CutSystemMenu();
     void EndRun();
-    void StopTicker();
+    void StopTicker(bool bForGood);
     void SharePlacement();
 
     int bInSizeMove = 0;       // between WM_ENTERSIZEMOVE and WM_EXITSIZEMOVE

@@ -1,6 +1,7 @@
 #pragma once
 #include "runtime/base/export.h"
 #include <atomic>
+#include <cstdarg>
 #include <type_traits>
 
 // The arithmetic of progress, without windows. All times are milliseconds of GetTickCount; a

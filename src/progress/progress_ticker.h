@@ -41,8 +41,6 @@ class TESSALY_API ProgressTicker {
     void Pause(int bPause);
 
   private:
-    friend class ProgressTickerThread;
-
     HWND hwndBar;
     unsigned dwInterval; // milliseconds
     int bShowHide;

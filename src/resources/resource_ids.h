@@ -24,6 +24,16 @@
 #define IDC_ABOUT_DETAILS 20117
 #define IDC_ABOUT_TITLE 20118
 
+// Progress, 28000 to 28099: the dialog, its items, the question that Cancel asks
+#define IDD_PROGRESS 28000
+#define IDC_PROGRESS_LINE_0 28003
+#define IDC_PROGRESS_LINE_1 28004
+#define IDC_PROGRESS_LINE_2 28005
+#define IDC_PROGRESS_LINE_3 28006
+#define IDC_PROGRESS_BAR 28007
+#define IDS_PROGRESS_CANCEL 28008
+#define IDC_PROGRESS_FRAME 28010
+
 // Icons of captions and buttons, 20070 to 20099
 #define IDI_DLG_CLOSE 20074
 #define IDI_DLG_CLOSE_HOVER 20075

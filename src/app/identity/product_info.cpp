@@ -186,6 +186,7 @@ void SetMyProductAsCurrent() {
         [] { return myProductInfo.GetID(); },
         [] { return myProductInfo.GetHelpFile(); },
         [] { return myProductInfo.GetAppRootKey(); },
+        [] { return myProductInfo.GetIconID(); },
     });
 }
 

@@ -1,6 +1,7 @@
 #include "app/start/library_start.h"
 #include "app/identity/product_info.h"
 #include "buttons/icon_btn.h"
+#include "progress/progress_ex.h"
 #include "runtime/base/current_product.h"
 #include "runtime/base/ownership.h"
 #include "runtime/system/wts_api32.h"
@@ -28,6 +29,7 @@ void LibraryStart(HINSTANCE hinst) {
 
     SetLibraryInstance(hinst);
     SetMyProductAsCurrent();
+    ProductInfo::pfnStepProgress = [](ProgressEx* pProgress) { return pProgress->StepIt(); };
     GetMyProductInfo().SetAppRootKey(kRootKey);
     ShellSubclass::Initialize(kSubclassId, kSubclassTag);
 }

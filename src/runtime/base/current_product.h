@@ -20,6 +20,7 @@ struct CurrentProduct {
     unsigned short (*pfnGetId)();       // the number by which the maker's programs know each other
     const wchar_t* (*pfnGetHelpFile)(); // the name of the file; borrowed, never null
     const wchar_t* (*pfnGetRootKey)();  // the path of the settings' key; borrowed, never null
+    unsigned (*pfnGetIconId)() = nullptr; // a signed id (runtime/messages/res_str.h); null: no icon
 };
 
 /// The product as it was set; until then its module is the library, its texts are empty and its

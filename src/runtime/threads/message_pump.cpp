@@ -1,10 +1,46 @@
 #include "runtime/threads/message_pump.h"
+#include "runtime/threads/spin_lock.h"
+
+namespace {
+constinit SpinLock quitLock;
+constinit QuitKeeper* pKeepers = nullptr; // of all threads, a thread's innermost one first
+} // namespace
+
+QuitKeeper::QuitKeeper() noexcept : dwThread(::GetCurrentThreadId()) {
+    SpinLock::Guard lock(quitLock);
+    pNext = pKeepers;
+    pKeepers = this;
+}
+
+QuitKeeper::~QuitKeeper() {
+    {
+        SpinLock::Guard lock(quitLock);
+        QuitKeeper** ppLink = &pKeepers;
+        while (*ppLink != this) ppLink = &(*ppLink)->pNext;
+        *ppLink = pNext;
+    }
+    if (bTaken)
+        ::PostQuitMessage(nExitCode); // an outer keeper takes it out again if it has to wait
+}
+
+void QuitKeeper::Note(WPARAM nCode) noexcept {
+    SpinLock::Guard lock(quitLock);
+    for (QuitKeeper* p = pKeepers; p; p = p->pNext) {
+        if (p->dwThread != ::GetCurrentThreadId()) continue;
+        p->bTaken = true;
+        p->nExitCode = static_cast<int>(nCode);
+        return;
+    }
+}
 
 int ProcessAllMessages(HWND hwnd) {
     int bGoOn = 1;
     MSG msg;
     while (::PeekMessageW(&msg, hwnd, 0, 0, PM_REMOVE)) {
-        if (msg.message == WM_QUIT) bGoOn = 0;
+        if (msg.message == WM_QUIT) {
+            bGoOn = 0;
+            QuitKeeper::Note(msg.wParam);
+        }
         ::TranslateMessage(&msg);
         ::DispatchMessageW(&msg);
     }

@@ -11,6 +11,26 @@ TESSALY_API int ProcessAllMessages(HWND hwnd = nullptr);
 /// false after the time.
 bool WaitPumpingMessages(HANDLE h, DWORD nTimeoutMs);
 
+/// While it lives, a WM_QUIT that the functions above take on the calling thread is not lost: at
+/// its end the queue gets it back, for the loop whose it is. For waits within code that does not
+/// know whether it runs on an interface thread.
+class QuitKeeper {
+  public:
+    QuitKeeper() noexcept;
+    ~QuitKeeper();
+    QuitKeeper(const QuitKeeper&) = delete; // the list knows its address
+    QuitKeeper& operator=(const QuitKeeper&) = delete;
+
+    /// The calling thread's innermost keeper, if there is one, gets a WM_QUIT with that exit code.
+    static void Note(WPARAM nCode) noexcept;
+
+  private:
+    DWORD dwThread;
+    QuitKeeper* pNext;
+    bool bTaken = false;
+    int nExitCode = 0;
+};
+
 /// A timer of the calling thread: of a window (WM_TIMER, or pfnTimer), or of none. Start and Stop
 /// belong to the window's thread.
 class TESSALY_API CSTimer {

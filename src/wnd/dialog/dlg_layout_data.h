@@ -5,7 +5,7 @@
 /// Where a dialog was and how it was shown, kept by the caller across runs of the dialog (see
 /// CSDlg::EnableResizing). Not filled yet while its length is 0.
 struct MyWindowPlacement : WINDOWPLACEMENT {
-    MyWindowPlacement() : WINDOWPLACEMENT{} {}
+    constexpr MyWindowPlacement() : WINDOWPLACEMENT{} {}
     /// Says that the record is filled, or is about to be.
     void Initialize() { length = sizeof(WINDOWPLACEMENT); }
     int IsInitialized() const { return length == sizeof(WINDOWPLACEMENT); }
