@@ -79,7 +79,7 @@ void ProgressExForCtrl::SetText(int nLine, const wchar_t* pszFormat, char* pArgs
 
 CSProgressCtrl::CSProgressCtrl() { progressEx.SetCtrl(this); }
 
-CSProgressCtrl::~CSProgressCtrl() { EnableTaskbarProgress(nullptr); }
+CSProgressCtrl::~CSProgressCtrl() { DropMirror(); }
 
 LRESULT CSProgressCtrl::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     switch (uMsg) {
@@ -134,15 +134,19 @@ void CSProgressCtrl::SetTextFmt(int nLine, const wchar_t* pszFormat, ...) {
 
 // The taskbar's button
 
-void CSProgressCtrl::EnableTaskbarProgress(HWND hwndButton) {
-    OwnedInterface<ITaskbarList3> listBefore;
+void CSProgressCtrl::DropMirror() {
+    OwnedInterface<ITaskbarList3> list;
     HWND hwndBefore = nullptr;
     {
         CritSecLock lock(csTaskbar);
-        listBefore = OwnedInterface<ITaskbarList3>(std::exchange(pTaskbarList, nullptr));
+        list = OwnedInterface<ITaskbarList3>(std::exchange(pTaskbarList, nullptr));
         hwndBefore = std::exchange(hwndTaskbar, nullptr);
     }
-    if (listBefore) listBefore.Get()->SetProgressState(hwndBefore, TBPF_NOPROGRESS);
+    if (list) list.Get()->SetProgressState(hwndBefore, TBPF_NOPROGRESS);
+}
+
+void CSProgressCtrl::EnableTaskbarProgress(HWND hwndButton) {
+    DropMirror();
     if (!hwndButton || !::Win7()) return;
     OwnedInterface<ITaskbarList3> list;
     if (FAILED(::CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER,

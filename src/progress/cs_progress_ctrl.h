@@ -85,6 +85,7 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
     class MirrorUse;          // one use of the mirror, which may be dropped meanwhile
 
     void EnableLines();
+    void DropMirror();
 
     ProgressExForCtrl progressEx;
     ITaskbarList3* pTaskbarList = nullptr; // owned; null: no mirror

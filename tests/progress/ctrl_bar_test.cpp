@@ -10,7 +10,7 @@ std::string Range(int nLow, int nHigh) {
 TEST(CSProgressCtrlBar, InitTiesTheObjectAndSetsTheBarUp) {
     ProgressDialog test(10, 50, 20);
     EXPECT_EQ(&test.ctrl, CSCtrl::FromHandle(test.Bar()));
-    EXPECT_EQ(static_cast<unsigned>(IDC_PROGRESS_BAR), test.ctrl.GetID());
+    EXPECT_EQ(static_cast<unsigned>(IDC_TEST_BAR), test.ctrl.GetID());
     EXPECT_EQ(Range(10, 50) + "pos 20; ", test.Take());
     EXPECT_EQ(10, test.Low());
     EXPECT_EQ(50, test.High());

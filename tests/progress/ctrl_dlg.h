@@ -20,17 +20,16 @@
 struct ProgressDialog {
     explicit ProgressDialog(int nLow = 0, int nHigh = 100, int nPos = 0) {
         dialog.onInit = [=, this] {
-            tap = std::make_unique<MessageTap>(::GetDlgItem(dialog, IDC_PROGRESS_BAR));
-            ctrl.Init(&dialog, IDC_PROGRESS_BAR, nLow, nHigh, nPos);
+            tap = std::make_unique<MessageTap>(::GetDlgItem(dialog, IDC_TEST_BAR));
+            ctrl.Init(&dialog, IDC_TEST_BAR, nLow, nHigh, nPos);
         };
         EXPECT_TRUE(dialog.Run(IDD_PROGRESS_CTRL));
     }
     void SetupLines() {
-        ctrl.SetupLines(IDC_PROGRESS_LINE0, IDC_PROGRESS_LINE1, IDC_PROGRESS_LINE2,
-                        IDC_PROGRESS_LINE3);
+        ctrl.SetupLines(IDC_TEST_LINE0, IDC_TEST_LINE1, IDC_TEST_LINE2, IDC_TEST_LINE3);
     }
-    HWND Bar() { return ::GetDlgItem(dialog, IDC_PROGRESS_BAR); }
-    HWND Line(int n) { return ::GetDlgItem(dialog, IDC_PROGRESS_LINE0 + n); }
+    HWND Bar() { return ::GetDlgItem(dialog, IDC_TEST_BAR); }
+    HWND Line(int n) { return ::GetDlgItem(dialog, IDC_TEST_LINE0 + n); }
     std::wstring Text(int n) { return WndText(Line(n)); }
     int Pos() { return static_cast<int>(::SendMessageW(Bar(), PBM_GETPOS, 0, 0)); }
     int Low() { return static_cast<int>(::SendMessageW(Bar(), PBM_GETRANGE, TRUE, 0)); }

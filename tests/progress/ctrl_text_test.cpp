@@ -13,7 +13,7 @@ TEST(CSProgressCtrlText, LinesAreEmptiedWhenTheyAreNamed) {
 
 TEST(CSProgressCtrlText, OnlyNamedLinesAreEmptied) {
     ProgressDialog test;
-    test.ctrl.SetupLines(0, IDC_PROGRESS_LINE1, 0, 1999);
+    test.ctrl.SetupLines(0, IDC_TEST_LINE1, 0, 1999);
     EXPECT_EQ(L"line 0", test.Text(0));
     EXPECT_EQ(L"", test.Text(1));
     EXPECT_EQ(L"line 2", test.Text(2));
@@ -22,7 +22,7 @@ TEST(CSProgressCtrlText, OnlyNamedLinesAreEmptied) {
 
 TEST(CSProgressCtrlText, GoesToTheControlOfItsLine) {
     ProgressDialog test;
-    test.ctrl.SetupLines(IDC_PROGRESS_LINE3, IDC_PROGRESS_LINE2, 0, IDC_PROGRESS_LINE0);
+    test.ctrl.SetupLines(IDC_TEST_LINE3, IDC_TEST_LINE2, 0, IDC_TEST_LINE0);
     test.ctrl.SetText(0, L"first");
     test.ctrl.SetText(1, L"");
     test.ctrl.SetText(2, L"nowhere");
@@ -107,7 +107,7 @@ TEST(CSProgressCtrlEnable, LinesGoWithTheBar) {
 
 TEST(CSProgressCtrlEnable, OnlyNamedLinesDo) {
     ProgressDialog test;
-    test.ctrl.SetupLines(0, IDC_PROGRESS_LINE1, 0, IDC_PROGRESS_LINE3);
+    test.ctrl.SetupLines(0, IDC_TEST_LINE1, 0, IDC_TEST_LINE3);
     ::EnableWindow(test.Bar(), FALSE);
     EXPECT_TRUE(::IsWindowEnabled(test.Line(0)));
     EXPECT_FALSE(::IsWindowEnabled(test.Line(1)));

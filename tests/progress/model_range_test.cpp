@@ -1,6 +1,7 @@
 #include "progress/model_bar.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <limits>
 #include <random>
 
@@ -8,6 +9,8 @@ namespace {
 constexpr __int64 kMin64 = std::numeric_limits<__int64>::min();
 constexpr __int64 kMax64 = std::numeric_limits<__int64>::max();
 constexpr unsigned kMax32 = 0xFFFFFFFF;
+constexpr int kMinInt = std::numeric_limits<int>::min();
+constexpr int kMaxInt = std::numeric_limits<int>::max();
 
 TEST(ProgressExRange, NewObjectHasDivisorOneAndNothingElse) {
     TestBar bar;
@@ -74,15 +77,14 @@ INSTANTIATE_TEST_SUITE_P(
         RangeCase{"DivisorThatWouldWrapToZero", 0, 65535LL << 32, kMax32, 0, 65535},
         RangeCase{"DivisorThatWouldWrapToOne", 0, (65535LL << 32) + 1, kMax32, 0, 65535},
         RangeCase{"ProductThatWouldWrapToZero", 65535LL << 16, 65535LL << 16, kMax32, 0, 0},
-        // Of the largest numbers the quotient is one more than what 31 bits hold.
-        RangeCase{"LargestNumber", 0, kMax64, kMax32, 0, std::numeric_limits<int>::min()},
-        RangeCase{"SmallestNumber", kMin64, 0, kMax32, std::numeric_limits<int>::min(), 0},
-        RangeCase{"Whole64Bits", kMin64, kMax64, kMax32, std::numeric_limits<int>::min(),
-                  std::numeric_limits<int>::min()},
-        RangeCase{"Whole64BitsReversed", kMax64, kMin64, kMax32, std::numeric_limits<int>::min(),
-                  std::numeric_limits<int>::min()},
-        RangeCase{"NextToSmallestNumber", kMin64 + 1, 5, kMax32, std::numeric_limits<int>::min(),
-                  0}),
+        // Of the largest numbers the quotient would be one more than what fits.
+        RangeCase{"LargestNumber", 0, kMax64, kMax32, 0, kMaxInt},
+        RangeCase{"SmallestNumber", kMin64, 0, kMax32, kMinInt, 0},
+        RangeCase{"Whole64Bits", kMin64, kMax64, kMax32, kMinInt, kMaxInt},
+        RangeCase{"Whole64BitsReversed", kMax64, kMin64, kMax32, kMaxInt, kMinInt},
+        RangeCase{"NextToSmallestNumber", kMin64 + 1, 5, kMax32, kMinInt, 0},
+        // Only what is above 0 makes the high end count.
+        RangeCase{"FarDown", 0, kMin64, 1, 0, kMinInt}),
     [](const auto& row) { return std::string(row.param.pszName); });
 
 /// The rule in numbers that cannot wrap.
@@ -99,7 +101,8 @@ unsigned DivisorOf(__int64 low, __int64 high) {
 }
 
 int InBarUnits(__int64 value, unsigned dwDivisor) {
-    return static_cast<int>(static_cast<unsigned __int64>(value / static_cast<__int64>(dwDivisor)));
+    return static_cast<int>(
+        std::clamp<__int64>(value / static_cast<__int64>(dwDivisor), kMinInt, kMaxInt));
 }
 
 TEST(ProgressExRange, RandomRangesOfAllSizesKeepToTheRule) {
@@ -210,10 +213,10 @@ INSTANTIATE_TEST_SUITE_P(
                     PercentCase{"EqualEndsAreNothing", 5, 5, 5, 0},
                     PercentCase{"EqualEndsAreNothingElsewhere", 5, 5, 9, 0},
                     PercentCase{"EmptyRange", 0, 0, 0, 0},
-                    PercentCase{"OfTheWholeRangeWhoseEndsMeet", kMin64, kMax64, 0, 0},
-                    // The product is the smallest number of 32 bits, whose negative is none.
-                    PercentCase{"ProductThatCannotBeNegated", 0, -1, 0x20000000,
-                                std::numeric_limits<int>::min()}),
+                    PercentCase{"MiddleOfTheWholeRange", kMin64, kMax64, 0, 50},
+                    PercentCase{"EndOfTheWholeRange", kMin64, kMax64, kMax64, 100},
+                    // More than fits.
+                    PercentCase{"FarBehindATinyRange", 0, -1, 0x20000000, kMinInt}),
     [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(ProgressExRange, PercentOfAnythingIsSomeNumber) {

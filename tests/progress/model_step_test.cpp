@@ -46,11 +46,12 @@ TEST(ProgressExStep, PositionLeavesWhatWasSteppedSinceTheLastBarStep) {
     EXPECT_EQ(101, bar.nPos);
 }
 
-TEST(ProgressExStep, AtTheLastNumberIsNoEndOfTheProgram) {
+TEST(ProgressExStep, StaysAtTheLastNumber) {
     TestBar bar;
     bar.nPos = 0x7FFFFFFF;
     EXPECT_EQ(1, bar.StepIt());
-    EXPECT_EQ(static_cast<int>(0x80000000), bar.nPos);
+    EXPECT_EQ(0x7FFFFFFF, bar.nPos);
+    EXPECT_EQ(BarLog({"step"}), bar.log);
 }
 
 TEST(ProgressExStep, AsksTheClockOnlyWhenTheBarMoves) {

@@ -174,6 +174,20 @@ TEST(ProgressWaiting, WithoutMemoryTextsAreLost) {
     progress.SetText(0, L"text");
 }
 
+TEST(ProgressWaiting, WithoutMemoryForTheThreadTriesAgainAtTheNextCall) {
+    FakeClock clock;
+    Progress progress(nullptr, kDelayMs, 0, 4, 1);
+    clock.Advance(kDelayMs);
+    FailBlock(1);
+    progress.StepIt();
+    EXPECT_FALSE(IsShown(progress));
+    EXPECT_EQ(0, progress.IsCanceled());
+    progress.SetRange(0, 10);
+    progress.StepIt();
+    ASSERT_TRUE(IsShown(progress));
+    EXPECT_EQ(2, PosOf(progress));
+}
+
 // The parent
 
 TEST(ProgressParent, IsDisabledMeanwhile) {

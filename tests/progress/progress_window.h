@@ -1,6 +1,7 @@
 #pragma once
 #include "progress/progress.h"
 #include "progress/progress_clock.h"
+#include "resources/resource_ids.h"
 #include "support/message_box_driver.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +10,7 @@
 
 // The dialog of a Progress as it is seen from the worker's thread. Ids are those of the library's
 // dialog.
-constexpr int kLineId = 28003, kBarId = 28007;
+constexpr int kLineId = IDC_PROGRESS_LINE_0, kBarId = IDC_PROGRESS_BAR;
 
 inline HWND WindowOf(Progress& progress) { return progress.GetDlgHWND(); }
 inline bool IsShown(Progress& progress) { return WindowOf(progress) != nullptr; }

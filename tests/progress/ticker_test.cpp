@@ -38,6 +38,25 @@ TEST(ProgressTicker, SetsTheBarUp) {
     EXPECT_EQ(1, bar.nStep);
 }
 
+TEST(ProgressTicker, MayBeLongerThan16Bits) {
+    TestWindow bar(PROGRESS_CLASSW);
+    ProgressTicker ticker(bar, kIntervalMs, 100'000, 0, nullptr);
+    EXPECT_EQ(100'000, ::SendMessageW(bar, PBM_GETRANGE, FALSE, 0));
+}
+
+TEST(ProgressTicker, WithoutMemoryForItsThreadStepsByHand) {
+    FakeBar bar;
+    unsigned long nResult = kUntouched;
+    {
+        FailBlock(1);
+        ProgressTicker ticker(bar.window, kIntervalMs, 3, 0, &nResult);
+        EXPECT_FALSE(PumpUntil([&] { return bar.nSteps > 0; }, 10 * kIntervalMs));
+        for (int i = 0; i < 5; ++i) ticker.StepIt();
+        EXPECT_EQ(3, bar.nSteps);
+    }
+    EXPECT_EQ(3u, nResult);
+}
+
 TEST(ProgressTicker, SetsARealBarUpAndFillsIt) {
     TestWindow bar(PROGRESS_CLASSW);
     ::SendMessageW(bar, PBM_SETRANGE32, 5, 1000);
