@@ -232,7 +232,9 @@ void ProgressDlg::StepBar() {
 }
 
 void ProgressDlg::BringUp() {
-    ::BringWindowToTop(hWnd);
+    // At each move of the bar: in the foreground the dialog is on top, and to bring it there once
+    // more would cost as much as the move.
+    if (::GetForegroundWindow() != hWnd) ::BringWindowToTop(hWnd);
     ::UpdateWindow(hWnd);
 }
 

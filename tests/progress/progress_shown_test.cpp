@@ -7,6 +7,10 @@
 #include <gtest/gtest.h>
 #include <thread>
 
+extern "C" FARPROC __imp_BringWindowToTop;
+extern "C" FARPROC __imp_UpdateWindow;
+extern "C" FARPROC __imp_GetForegroundWindow;
+
 namespace {
 TEST(ProgressShown, WithoutDelayComesUpAtOnce) {
     Progress progress;
@@ -192,6 +196,66 @@ TEST(ProgressShown, StepsMoveTheBarOncePerDivisor) {
     EXPECT_EQ(1, PosOf(progress));
     EXPECT_EQ(3, progress.GetPos64());
 }
+
+/// What a call asks of the platform for the dialog's place above others: "top " and "update ". What
+/// is in the foreground is told; asking a display without a window manager would be a lottery.
+class TopLog {
+  public:
+    TopLog(Progress& progress, bool bInFront) {
+        hwndSeen = WindowOf(progress);
+        hwndFront = bInFront ? hwndSeen : ::GetDesktopWindow();
+        str.clear();
+    }
+    std::string Get() const { return str; }
+
+  private:
+    static BOOL WINAPI Top(HWND hwnd) {
+        str += hwnd == hwndSeen ? "top " : "something else ";
+        return TRUE;
+    }
+    static BOOL WINAPI Update(HWND hwnd) {
+        if (hwnd == hwndSeen) str += "update ";
+        return TRUE;
+    }
+    static HWND WINAPI Front() { return hwndFront; }
+
+    static inline HWND hwndSeen, hwndFront;
+    static inline std::string str; // of the worker's calls alone: the dialog makes none
+    ReplaceImport top{__imp_BringWindowToTop, &Top}, update{__imp_UpdateWindow, &Update},
+        front{__imp_GetForegroundWindow, &Front};
+};
+
+struct TopCase {
+    const char* pszName;
+    void (*fnCall)(Progress&);
+    const char *pszBehind, *pszInFront;
+};
+
+class ProgressTopTable : public testing::TestWithParam<TopCase> {};
+
+TEST_P(ProgressTopTable, MoveOfTheBarBringsTheDialogToTheTop) {
+    Progress progress;
+    for (bool bInFront : {false, true}) {
+        progress.SetRange64(0, 131070 * 2); // four steps are a move
+        progress.StepIt();
+        TopLog log(progress, bInFront);
+        GetParam().fnCall(progress);
+        EXPECT_EQ(bInFront ? GetParam().pszInFront : GetParam().pszBehind, log.Get());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ProgressTopTable,
+    testing::Values(TopCase{"SetPos", [](Progress& p) { p.SetPos(5); }, "top update ", "update "},
+                    TopCase{"StepsThatMove",
+                            [](Progress& p) {
+                                for (int i = 0; i < 3; ++i) p.StepIt();
+                            },
+                            "top update ", "update "},
+                    TopCase{"StepThatDoesNot", [](Progress& p) { p.StepIt(); }, "", ""},
+                    TopCase{"SetText", [](Progress& p) { p.SetText(0, L"text"); }, "", ""},
+                    TopCase{"SetRange64", [](Progress& p) { p.SetRange64(0, 10); }, "", ""}),
+    [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(ProgressShown, StepsAreTimed) {
     FakeClock clock;
