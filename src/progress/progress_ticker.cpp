@@ -30,10 +30,10 @@ ProgressTickerThread::~ProgressTickerThread() { Destroy(kTickerEndTimeoutMs); }
 
 unsigned ProgressTickerThread::DoThreadEx() {
     // A wait on the event that stops it in place of a plain sleep: the end need not wait for it.
-    do {
-        if (!pTicker) break;
+    while (!IsCanceled()) {
         pTicker->StepIt();
-    } while (!IsCanceled() && !WaitForCancel(dwInterval));
+        if (WaitForCancel(dwInterval)) break;
+    }
     return 0;
 }
 
