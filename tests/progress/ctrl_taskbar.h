@@ -5,13 +5,15 @@
 #include <gtest/gtest.h>
 #include <shobjidl.h>
 #include <windows.h>
+#include <atomic>
+#include <mutex>
 #include <string>
 
 extern "C" FARPROC __imp_CoCreateInstance;
 
 /// The taskbar as an object of the test's, in the place of CoCreateInstance while it lives: writes
 /// down what it is told. On a Windows 7 unless told otherwise. Fails the test at its end if
-/// references that it gave away have not been given back. Calls may come from any one thread.
+/// references that it gave away have not been given back.
 class FakeTaskbar {
   public:
     FakeTaskbar() : version(Version(VER_PLATFORM_WIN32_NT, 6, 1, VER_NT_WORKSTATION)) {
@@ -19,7 +21,7 @@ class FakeTaskbar {
         list.pTaskbar = this;
     }
     ~FakeTaskbar() {
-        EXPECT_EQ(0, nReferences);
+        EXPECT_EQ(0, nReferences.load());
         pNow = nullptr;
     }
     FakeTaskbar(const FakeTaskbar&) = delete;
@@ -28,6 +30,7 @@ class FakeTaskbar {
     /// What was told since the last call: "state <window> <state>; ", "value <window> <done> <all>;
     /// " and "gone; " for the last reference.
     std::string Take() {
+        std::lock_guard lock(mutex);
         std::string strTaken;
         strTaken.swap(str);
         return strTaken;
@@ -40,10 +43,14 @@ class FakeTaskbar {
                "; ";
     }
 
-    HRESULT hrCreate = S_OK; // what the creation gives
-    int nCreated = 0;        // times that the taskbar was asked for
+    HRESULT hrCreate = S_OK;      // what the creation gives
+    std::atomic<int> nCreated{0}; // times that the taskbar was asked for
 
   private:
+    void Add(const std::string& strCall) {
+        std::lock_guard lock(mutex);
+        str += strCall;
+    }
     static std::string Name(HWND hwnd) { return std::to_string(reinterpret_cast<ULONG_PTR>(hwnd)); }
 
     struct List final : ITaskbarList3 {
@@ -55,8 +62,9 @@ class FakeTaskbar {
             return static_cast<ULONG>(++pTaskbar->nReferences);
         }
         ULONG STDMETHODCALLTYPE Release() override {
-            if (--pTaskbar->nReferences == 0) pTaskbar->str += "gone; ";
-            return static_cast<ULONG>(pTaskbar->nReferences);
+            int n = --pTaskbar->nReferences;
+            if (n == 0) pTaskbar->Add("gone; ");
+            return static_cast<ULONG>(n);
         }
         HRESULT STDMETHODCALLTYPE HrInit() override { return S_OK; }
         HRESULT STDMETHODCALLTYPE AddTab(HWND) override { return Other("AddTab"); }
@@ -68,11 +76,11 @@ class FakeTaskbar {
         }
         HRESULT STDMETHODCALLTYPE SetProgressValue(HWND hwnd, ULONGLONG nDone,
                                                    ULONGLONG nAll) override {
-            pTaskbar->str += Value(hwnd, nDone, nAll);
+            pTaskbar->Add(Value(hwnd, nDone, nAll));
             return S_OK;
         }
         HRESULT STDMETHODCALLTYPE SetProgressState(HWND hwnd, TBPFLAG state) override {
-            pTaskbar->str += State(hwnd, state);
+            pTaskbar->Add(State(hwnd, state));
             return S_OK;
         }
         HRESULT STDMETHODCALLTYPE RegisterTab(HWND, HWND) override { return Other("RegisterTab"); }
@@ -100,7 +108,7 @@ class FakeTaskbar {
             return Other("SetThumbnailClip");
         }
         HRESULT Other(const char* pszMethod) {
-            pTaskbar->str += std::string(pszMethod) + "; ";
+            pTaskbar->Add(std::string(pszMethod) + "; ");
             return E_NOTIMPL;
         }
         FakeTaskbar* pTaskbar = nullptr;
@@ -129,7 +137,8 @@ class FakeTaskbar {
 
     static inline FakeTaskbar* pNow = nullptr;
     List list;
-    int nReferences = 0;
+    std::atomic<int> nReferences{0};
+    std::mutex mutex;
     std::string str;
     ToldVersion version;
     ReplaceImport create{__imp_CoCreateInstance, &Create};

@@ -11,9 +11,9 @@ struct Mirror {
     ProgressDialog test{0, 10, 0};
 
     Mirror() {
-        EXPECT_EQ(0, taskbar.nCreated); // Init makes none
+        EXPECT_EQ(0, taskbar.nCreated.load()); // Init makes none
         test.ctrl.EnableTaskbarProgress(window);
-        EXPECT_EQ(1, taskbar.nCreated);
+        EXPECT_EQ(1, taskbar.nCreated.load());
         EXPECT_EQ("", taskbar.Take());
     }
     std::string State(TBPFLAG state) { return FakeTaskbar::State(window, state); }
@@ -74,7 +74,7 @@ TEST(CSProgressCtrlTaskbar, NullWindowDropsTheMirror) {
     Mirror mirror;
     mirror.test.ctrl.EnableTaskbarProgress(nullptr);
     EXPECT_EQ(mirror.State(TBPF_NOPROGRESS) + "gone; ", mirror.taskbar.Take());
-    EXPECT_EQ(1, mirror.taskbar.nCreated);
+    EXPECT_EQ(1, mirror.taskbar.nCreated.load());
     mirror.test.ctrl.Setup64(0, 50, 5);
     mirror.test.ctrl.StepIt();
     mirror.test.ctrl.Pause(1);
@@ -87,7 +87,7 @@ TEST(CSProgressCtrlTaskbar, OtherWindowGetsAMirrorInThePlaceOfTheFirst) {
     TestWindow other;
     mirror.test.ctrl.EnableTaskbarProgress(other);
     EXPECT_EQ(mirror.State(TBPF_NOPROGRESS) + "gone; ", mirror.taskbar.Take());
-    EXPECT_EQ(2, mirror.taskbar.nCreated);
+    EXPECT_EQ(2, mirror.taskbar.nCreated.load());
     mirror.test.ctrl.SetPos64(3);
     EXPECT_EQ(FakeTaskbar::Value(other, 3, 10), mirror.taskbar.Take());
 }
@@ -108,7 +108,7 @@ TEST(CSProgressCtrlTaskbar, ThatCannotBeMadeIsNone) {
     taskbar.hrCreate = CO_E_NOTINITIALIZED;
     ProgressDialog test;
     test.ctrl.EnableTaskbarProgress(window);
-    EXPECT_EQ(1, taskbar.nCreated);
+    EXPECT_EQ(1, taskbar.nCreated.load());
     test.ctrl.Setup64(0, 50, 5);
     test.ctrl.StepIt();
     test.ctrl.Pause(1);
@@ -142,7 +142,7 @@ TEST_P(CSProgressCtrlTaskbarVersions, HaveAMirrorFromWindows7On) {
     ToldVersion version(Version(row.nPlatform, row.nMajor, row.nMinor, VER_NT_WORKSTATION));
     ProgressDialog test;
     test.ctrl.EnableTaskbarProgress(window);
-    EXPECT_EQ(row.nCreated, taskbar.nCreated);
+    EXPECT_EQ(row.nCreated, taskbar.nCreated.load());
     test.ctrl.SetPos64(30);
     test.ctrl.StepIt();
     EXPECT_EQ(31, test.Pos());
@@ -162,7 +162,7 @@ TEST(CSProgressCtrlTaskbar, OlderWindowsStillDropsWhatThereWas) {
     ToldVersion version(Version(VER_PLATFORM_WIN32_NT, 6, 0, VER_NT_WORKSTATION));
     mirror.test.ctrl.EnableTaskbarProgress(mirror.window);
     EXPECT_EQ(mirror.State(TBPF_NOPROGRESS) + "gone; ", mirror.taskbar.Take());
-    EXPECT_EQ(1, mirror.taskbar.nCreated);
+    EXPECT_EQ(1, mirror.taskbar.nCreated.load());
 }
 
 TEST(CSProgressCtrlTaskbar, RealOneIsThereWithComAndHarmlessWithout) {

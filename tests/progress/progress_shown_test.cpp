@@ -1,15 +1,13 @@
 #include "progress/progress_ex.h"
+#include "progress/progress_top_log.h"
 #include "progress/progress_window.h"
+#include "progress/ticker_blocks.h"
 #include "support/heap_count.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"
 
 #include <gtest/gtest.h>
 #include <thread>
-
-extern "C" FARPROC __imp_BringWindowToTop;
-extern "C" FARPROC __imp_UpdateWindow;
-extern "C" FARPROC __imp_GetForegroundWindow;
 
 namespace {
 TEST(ProgressShown, WithoutDelayComesUpAtOnce) {
@@ -197,34 +195,6 @@ TEST(ProgressShown, StepsMoveTheBarOncePerDivisor) {
     EXPECT_EQ(3, progress.GetPos64());
 }
 
-/// What a call asks of the platform for the dialog's place above others: "top " and "update ". What
-/// is in the foreground is told; asking a display without a window manager would be a lottery.
-class TopLog {
-  public:
-    TopLog(Progress& progress, bool bInFront) {
-        hwndSeen = WindowOf(progress);
-        hwndFront = bInFront ? hwndSeen : ::GetDesktopWindow();
-        str.clear();
-    }
-    std::string Get() const { return str; }
-
-  private:
-    static BOOL WINAPI Top(HWND hwnd) {
-        str += hwnd == hwndSeen ? "top " : "something else ";
-        return TRUE;
-    }
-    static BOOL WINAPI Update(HWND hwnd) {
-        if (hwnd == hwndSeen) str += "update ";
-        return TRUE;
-    }
-    static HWND WINAPI Front() { return hwndFront; }
-
-    static inline HWND hwndSeen, hwndFront;
-    static inline std::string str; // of the worker's calls alone: the dialog makes none
-    ReplaceImport top{__imp_BringWindowToTop, &Top}, update{__imp_UpdateWindow, &Update},
-        front{__imp_GetForegroundWindow, &Front};
-};
-
 struct TopCase {
     const char* pszName;
     void (*fnCall)(Progress&);
@@ -236,25 +206,20 @@ class ProgressTopTable : public testing::TestWithParam<TopCase> {};
 TEST_P(ProgressTopTable, MoveOfTheBarBringsTheDialogToTheTop) {
     Progress progress;
     for (bool bInFront : {false, true}) {
-        progress.SetRange64(0, 131070 * 2); // four steps are a move
+        progress.SetRange(0, 10);
         progress.StepIt();
         TopLog log(progress, bInFront);
         GetParam().fnCall(progress);
-        EXPECT_EQ(bInFront ? GetParam().pszInFront : GetParam().pszBehind, log.Get());
+        EXPECT_EQ(bInFront ? GetParam().pszInFront : GetParam().pszBehind, log.Take());
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ProgressTopTable,
     testing::Values(TopCase{"SetPos", [](Progress& p) { p.SetPos(5); }, "top update ", "update "},
-                    TopCase{"StepsThatMove",
-                            [](Progress& p) {
-                                for (int i = 0; i < 3; ++i) p.StepIt();
-                            },
-                            "top update ", "update "},
-                    TopCase{"StepThatDoesNot", [](Progress& p) { p.StepIt(); }, "", ""},
+                    TopCase{"StepIt", [](Progress& p) { p.StepIt(); }, "top update ", "update "},
                     TopCase{"SetText", [](Progress& p) { p.SetText(0, L"text"); }, "", ""},
-                    TopCase{"SetRange64", [](Progress& p) { p.SetRange64(0, 10); }, "", ""}),
+                    TopCase{"SetRange64", [](Progress& p) { p.SetRange64(0, 20); }, "", ""}),
     [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(ProgressShown, StepsAreTimed) {
@@ -299,7 +264,7 @@ TEST(ProgressShown, NextStepStepsAndSaysWhatIsNext) {
 
 TEST(ProgressShown, CanBeHiddenAndShown) {
     Progress progress;
-    EXPECT_TRUE(PumpInRealTime([&] { return ::IsWindowVisible(WindowOf(progress)); }));
+    EXPECT_TRUE(Settle(progress));
     progress.Show(0);
     EXPECT_FALSE(::IsWindowVisible(WindowOf(progress)));
     TestWindow other;
@@ -485,13 +450,13 @@ TEST(ProgressDeleter, DestroysAndFrees) {
     TestWindow parent;
     { ProgressDeleter none(nullptr); }
     { ProgressDeleter first(new Progress(nullptr, 60'000, 0, 4, 1)); }
-    long nBlocks = CountLiveBlocks();
+    long nBlocks = CountSettledBlocks();
     {
         ProgressDeleter deleter(new Progress(parent, 60'000, 0, 4, 1));
         EXPECT_FALSE(::IsWindowEnabled(parent));
     }
     EXPECT_TRUE(::IsWindowEnabled(parent));
-    EXPECT_EQ(nBlocks, CountLiveBlocks());
+    EXPECT_EQ(nBlocks, CountSettledBlocks());
     { ProgressDeleter shown(new Progress()); }
     EXPECT_EQ(0, CountProgressWindows());
 }
@@ -499,8 +464,8 @@ TEST(ProgressDeleter, DestroysAndFrees) {
 TEST(ProgressPauseHide, HidesForAPromptAndComesBack) {
     Progress progress;
     progress.EnableTicker(5, 60'000, nullptr);
-    EXPECT_TRUE(PumpInRealTime(
-        [&] { return ::IsWindowVisible(WindowOf(progress)) && PosOf(progress) >= 1; }));
+    EXPECT_TRUE(Settle(progress));
+    EXPECT_TRUE(PumpInRealTime([&] { return PosOf(progress) >= 1; }));
     TestWindow prompt;
     int nPos = 0;
     {

@@ -1,4 +1,5 @@
 #include "progress/progress_window.h"
+#include "progress/ticker_blocks.h"
 #include "support/heap_count.h"
 #include "support/test_resource_ids.h"
 #include "support/test_window.h"
@@ -133,7 +134,7 @@ TEST(ProgressWaiting, CountsTheCallersPosition) {
 
 TEST(ProgressWaiting, FreesWhatItWasTold) {
     { Progress first(nullptr, 60'000, 0, 4, 1); }
-    long nBlocks = CountLiveBlocks();
+    long nBlocks = CountSettledBlocks();
     {
         Progress progress(nullptr, 60'000, 0, 4, 1);
         for (int i = 0; i < 3; ++i) {
@@ -143,7 +144,7 @@ TEST(ProgressWaiting, FreesWhatItWasTold) {
         }
         EXPECT_GT(CountLiveBlocks(), nBlocks);
     }
-    EXPECT_EQ(nBlocks, CountLiveBlocks());
+    EXPECT_EQ(nBlocks, CountSettledBlocks());
 }
 
 TEST(ProgressWaiting, HostileCallsAreNothing) {

@@ -32,6 +32,14 @@ inline int PosOf(Progress& progress) { return AskBar(progress, PBM_GETPOS); }
 inline int LowOf(Progress& progress) { return AskBar(progress, PBM_GETRANGE, TRUE); }
 inline int HighOf(Progress& progress) { return AskBar(progress, PBM_GETRANGE, FALSE); }
 
+/// Waits until the dialog has come up for good: the platform shows a dialog once more when its
+/// thread has no messages left for the first time.
+inline bool Settle(Progress& progress) {
+    bool bVisible = PumpInRealTime([&] { return ::IsWindowVisible(WindowOf(progress)); });
+    PumpInRealTime([] { return false; }, std::chrono::milliseconds(100));
+    return bVisible;
+}
+
 /// A person who cancels and answers Yes; true once the dialog has gone.
 inline bool CancelByHand(Progress& progress) {
     MessageBoxDriver driver({IDYES});

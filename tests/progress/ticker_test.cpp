@@ -1,4 +1,5 @@
 #include "progress/progress_ticker.h"
+#include "progress/ticker_blocks.h"
 #include "support/heap_count.h"
 #include "support/test_window.h"
 #include "support/wait_until.h"
@@ -215,7 +216,7 @@ TEST(ProgressTicker, WorksForABarOfAnotherThread) {
 TEST(ProgressTicker, EndsAtOnceAtAnyMomentAndLeavesNothing) {
     FakeBar bar;
     { ProgressTicker ticker(bar.window, 0, 10, 0, nullptr); } // what the first one keeps
-    long nBlocks = CountLiveBlocks();
+    long nBlocks = CountSettledBlocks();
     DWORD nHandles = 0, nHandlesAfter = 0;
     ::GetProcessHandleCount(::GetCurrentProcess(), &nHandles);
     for (int i = 0; i < 200; ++i) {
@@ -230,7 +231,7 @@ TEST(ProgressTicker, EndsAtOnceAtAnyMomentAndLeavesNothing) {
     }
     int nSteps = bar.nSteps;
     EXPECT_FALSE(PumpUntil([&] { return bar.nSteps > nSteps; }, 20));
-    EXPECT_EQ(nBlocks, CountLiveBlocks());
+    EXPECT_EQ(nBlocks, CountSettledBlocks());
     ::GetProcessHandleCount(::GetCurrentProcess(), &nHandlesAfter);
     EXPECT_LE(nHandlesAfter, nHandles + 2);
 }
