@@ -36,7 +36,7 @@ TEST(ProgressShown, DestructorClosesTheDialog) {
 TEST(ProgressShown, NoLinesAreFour) {
     Progress progress(nullptr, 0, 0, 0, 1);
     for (int n = 0; n < 4; ++n) {
-        HWND hwndLine = ::GetDlgItem(WindowOf(progress), kLineId + n);
+        HWND hwndLine = ::GetDlgItem(WindowOf(progress), kShownLineId + n);
         EXPECT_NE(0, ::GetWindowLongPtrW(hwndLine, GWL_STYLE) & WS_VISIBLE) << n;
     }
 }
@@ -48,7 +48,7 @@ TEST(ProgressShown, LinesAreCountedBeforeItIsShown) {
     clock.Advance(100);
     progress.StepIt();
     for (int n = 0; n < 4; ++n) {
-        HWND hwndLine = ::GetDlgItem(WindowOf(progress), kLineId + n);
+        HWND hwndLine = ::GetDlgItem(WindowOf(progress), kShownLineId + n);
         EXPECT_EQ(n < 2, (::GetWindowLongPtrW(hwndLine, GWL_STYLE) & WS_VISIBLE) != 0) << n;
     }
 }

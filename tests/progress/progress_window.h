@@ -10,7 +10,7 @@
 
 // The dialog of a Progress as it is seen from the worker's thread. Ids are those of the library's
 // dialog.
-constexpr int kLineId = IDC_PROGRESS_LINE_0, kBarId = IDC_PROGRESS_BAR;
+constexpr int kShownLineId = IDC_PROGRESS_LINE_0, kShownBarId = IDC_PROGRESS_BAR;
 
 inline HWND WindowOf(Progress& progress) { return progress.GetDlgHWND(); }
 inline bool IsShown(Progress& progress) { return WindowOf(progress) != nullptr; }
@@ -22,11 +22,12 @@ inline std::wstring TitleOf(Progress& progress) {
 }
 inline std::wstring TextOf(Progress& progress, int nLine) {
     wchar_t sz[2048] = L"";
-    ::GetDlgItemTextW(WindowOf(progress), kLineId + nLine, sz, 2048);
+    ::GetDlgItemTextW(WindowOf(progress), kShownLineId + nLine, sz, 2048);
     return sz;
 }
 inline int AskBar(Progress& progress, UINT uMsg, WPARAM wParam = 0) {
-    return static_cast<int>(::SendDlgItemMessageW(WindowOf(progress), kBarId, uMsg, wParam, 0));
+    return static_cast<int>(
+        ::SendDlgItemMessageW(WindowOf(progress), kShownBarId, uMsg, wParam, 0));
 }
 inline int PosOf(Progress& progress) { return AskBar(progress, PBM_GETPOS); }
 inline int LowOf(Progress& progress) { return AskBar(progress, PBM_GETRANGE, TRUE); }
@@ -54,7 +55,7 @@ inline int CountProgressWindows() {
     auto Count = [](HWND hwnd, LPARAM lCount) -> BOOL {
         DWORD dwProcess = 0;
         ::GetWindowThreadProcessId(hwnd, &dwProcess);
-        if (dwProcess == ::GetCurrentProcessId() && ::GetDlgItem(hwnd, kBarId)) {
+        if (dwProcess == ::GetCurrentProcessId() && ::GetDlgItem(hwnd, kShownBarId)) {
             ++*reinterpret_cast<int*>(lCount);
         }
         return TRUE;
