@@ -24,6 +24,20 @@
 #define IDC_ABOUT_DETAILS 20117
 #define IDC_ABOUT_TITLE 20118
 
+// The dialogs about updates and their items, 21500 to 21559 and 21800 to 21809
+#define IDD_CHECK_FOR_UPDATES 21802
+#define IDD_GET_UPDATES 21804
+#define IDC_UPDATE_AUTO_CHECK 1008
+#define IDC_UPDATE_DESCRIPTION 1009
+#define IDC_UPDATE_CONTINUE 1032 // the text beside the button
+#define IDC_UPDATE_REMIND_LABEL 1037
+#define IDC_UPDATE_QUESTION 1038
+#define IDC_UPDATE_DAYS 21503 // %d: days since the last check
+#define IDC_UPDATE_YES 21536
+#define IDC_UPDATE_NO 21537
+#define IDC_UPDATE_TITLE 21542
+#define IDC_UPDATE_REMIND 21543
+
 // Icons of captions and buttons, 20070 to 20099
 #define IDI_DLG_CLOSE 20074
 #define IDI_DLG_CLOSE_HOVER 20075
@@ -45,7 +59,9 @@
 #define IDS_FILE_NOT_WRITTEN 20013  // %s: the file's name
 #define IDS_HELP_FILE_MISSING 20015 // %s: the file's path
 #define IDS_ABOUT 20022
+#define IDS_NO_UPDATE_SERVER 20101
 #define IDS_NO_UPDATES 20102
+#define IDS_UPDATE_ERROR 20103 // %s: what the server says
 #define IDS_COPY 20114
 #define IDS_REGISTRY_NEEDS_ADMIN 21651
 #define IDS_WEB_PAGE_NOT_OPENED 22022
