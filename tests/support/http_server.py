@@ -6,7 +6,7 @@
 Listens on free ports of the loopback address and writes them into FOLDER/ports: that of the server,
 one that nobody listens on, and one that takes no connection (a client waits there until it gives up).
 Each request is kept as FOLDER/requests/000001 and so on, as it came: request line, headers, body.
-It ends when FOLDER/ports is gone.
+It ends when FOLDER/ports is gone, and leaves a file FOLDER/ended.
 
 How it answers is told by the path, or, for any other path, by the next line of FOLDER/script (the
 last line stays; the first one, a number, makes a new script known). DATA is in hexadecimal digits.
@@ -246,6 +246,8 @@ class Server:
         end = loop.time() + LONGEST_LIFE_SECONDS
         while os.path.exists(ports) and loop.time() < end:
             await asyncio.sleep(POLL_SECONDS)
+        if os.path.isdir(self.folder):
+            self.write(os.path.join(self.folder, "ended"), b"1")
         os._exit(0)  # at once, whatever is still being dripped
 
 
