@@ -16,15 +16,23 @@ constexpr Switch kSwitches[] = {
     {L"AUTOSTART=ON", [](HostOptions& options) { options.autoStart = AutoStart::On; }},
     {L"AUTOSTART:OFF", [](HostOptions& options) { options.autoStart = AutoStart::Off; }},
     {L"AUTOSTART=OFF", [](HostOptions& options) { options.autoStart = AutoStart::Off; }},
+    {L"CHECK4UPDATES", [](HostOptions& options) { options.updateCheck = UpdateCheck::Silent; }},
+    {L"?", [](HostOptions& options) { options.bHelp = true; }},
 };
+constexpr Switch kWord = {L"check4updates",
+                          [](HostOptions& options) { options.updateCheck = UpdateCheck::Person; }};
+
+/// Not by the user's language, in some of which "i" is no small "I".
+bool IsSameName(const wchar_t* pszText, const wchar_t* pszName) {
+    return ::CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, pszText, -1, pszName, -1) ==
+           CSTR_EQUAL;
+}
 
 const Switch* FindSwitch(const wchar_t* pszArgument) {
-    if (*pszArgument != L'/' && *pszArgument != L'-') return nullptr;
+    if (*pszArgument != L'/' && *pszArgument != L'-')
+        return IsSameName(pszArgument, kWord.pszName) ? &kWord : nullptr;
     for (const Switch& known : kSwitches) {
-        // Not by the user's language, in some of which "i" is no small "I".
-        int nOrder = ::CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, pszArgument + 1, -1,
-                                      known.pszName, -1);
-        if (nOrder == CSTR_EQUAL) return &known;
+        if (IsSameName(pszArgument + 1, known.pszName)) return &known;
     }
     return nullptr;
 }

@@ -17,6 +17,7 @@ constexpr const char* kFunctions[] = {
     "_Z16GetMyProductInfov",
     "_Z18GetSetAutoRunDll32iPiiiPKwS1_",
     "_Z16PostMyCompanyMsgP6HWND__yx",
+    "_Z22DoCheckForUpdatesCmdlnPKwi",
     "_ZN16SingleInstanceXP15IsFirstInstanceEiPKw",
 };
 

@@ -3,6 +3,7 @@
 #include "app/identity/product_info.h"
 #include "app/instance/single_instance.h"
 #include "app/launch/auto_run.h"
+#include "app/update/update_check.h"
 #include "host/command_line.h"
 #include "host/library.h"
 #include "host/running.h"
@@ -33,19 +34,29 @@ constexpr DWORD kClosePollMs = 50;
 constexpr DWORD kMarkTimeoutMs = 1000;
 constexpr int kBoxTextSize = 1024;
 
+constexpr const wchar_t* kSwitchList =
+    L"/QUIET\tstarts without the opening balloon\n"
+    L"/EXIT\tcloses the running program\n"
+    L"/AUTOSTART:ON\tstarts with Windows from now on\n"
+    L"/AUTOSTART:OFF\tno longer starts with Windows\n"
+    L"/AUTOSTART\ttells whether it starts with Windows\n"
+    L"check4updates\tasks for an update now and tells the answer\n"
+    L"/CHECK4UPDATES\tthe same, but speaks only of an update";
+
 int TellBadSwitch(const wchar_t* pszUnknown) {
     wchar_t szText[kBoxTextSize];
-    FormatText(szText,
-               L"\"%.200s\" is not a switch of this program.\n\n"
-               L"It knows:\n"
-               L"/QUIET\tstarts without the opening balloon\n"
-               L"/EXIT\tcloses the running program\n"
-               L"/AUTOSTART:ON\tstarts with Windows from now on\n"
-               L"/AUTOSTART:OFF\tno longer starts with Windows\n"
-               L"/AUTOSTART\ttells whether it starts with Windows",
-               pszUnknown);
+    FormatText(szText, L"\"%.200s\" is not a switch of this program.\n\nIt knows:\n%s", pszUnknown,
+               kSwitchList);
     Msg(nullptr, MB_ICONWARNING, szText);
     return kExitBadSwitch;
+}
+
+int TellSwitches() {
+    wchar_t szText[kBoxTextSize];
+    FormatText(szText, L"Without a switch the program watches the desktop. It knows:\n%s",
+               kSwitchList);
+    Msg(nullptr, MB_ICONINFORMATION, szText);
+    return kExitDone;
 }
 
 /// The one box that the library cannot show: what stands against the library.
@@ -143,6 +154,14 @@ int RunAutoStart(const HostOptions& options) {
     return SetAutoStart(options.autoStart == AutoStart::On);
 }
 
+// Updates
+
+/// Beside a monitor that runs, which has this done by a process of its own so as not to wait for
+/// the network. Daily and automatic is forced as there.
+void CheckNow(UpdateCheck check) {
+    DoCheckForUpdatesCmdln(check == UpdateCheck::Silent ? kSilentCheckSwitch : kCheckSwitch, 1);
+}
+
 // The one that runs
 
 int TellMarkTaken() {
@@ -183,13 +202,15 @@ int Run(const HostOptions& options) {
     if (GetLibraryPath(szPath)) problem = MapLibrary(szPath);
     if (problem != LibraryProblem::None) return TellNoLibrary(problem, szPath);
     if (options.pszUnknown) return TellBadSwitch(options.pszUnknown);
+    if (options.bHelp) return TellSwitches();
     bool bAutoStart = options.autoStart != AutoStart::None;
     int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
     if (options.bExit) {
         int nCloseCode = CloseTheRunningOne();
-        return nCloseCode != kExitDone ? nCloseCode : nExitCode;
+        if (nCloseCode != kExitDone) nExitCode = nCloseCode;
     }
-    if (bAutoStart) return nExitCode;
+    if (options.updateCheck != UpdateCheck::None) CheckNow(options.updateCheck);
+    if (bAutoStart || options.bExit || options.updateCheck != UpdateCheck::None) return nExitCode;
     return RunMonitor(options.bQuiet);
 }
 } // namespace

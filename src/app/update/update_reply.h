@@ -42,6 +42,8 @@ UpdateReply ReadUpdateReply(const wchar_t* pszReply);
 /// begin with that word. A place in the answer.
 const wchar_t* GetReplyDetail(const wchar_t* pszReply);
 
+/// The name of the maker's server, which the product is built with.
+const wchar_t* GetUpdateServer();
 /// Characters of the body of the question, with the terminator.
 constexpr std::size_t kRequestSize = 256;
 /// Writes the body: who asks, as the values of a form, percent-encoded as UTF-8 where it takes

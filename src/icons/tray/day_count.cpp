@@ -1,5 +1,7 @@
 #include "icons/tray/day_count.h"
 #include "app/identity/product_info.h"
+#include "app/update/update_check.h"
+#include "app/update/update_state.h"
 #include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
 
@@ -37,6 +39,19 @@ void ReadLastUse(const RegKey& key, LastUseText& szLastUse) {
     LastUseText szRead{};
     if (key.GetBin(kLastUse, szRead, kMaxLastUse)) std::wcscpy(szLastUse, szRead);
 }
+
+/// Counts the day if it is a new one. Gives the counter.
+DWORD CountToday(RegKey& key) {
+    DWORD dwCount = key.GetDword(kDayCount, 0);
+    LastUseText szLastUse;
+    ReadLastUse(key, szLastUse);
+    wchar_t szToday[kDateSize];
+    FormatToday(0, szToday, kDateSize);
+    if (std::wcscmp(szToday, szLastUse) == 0) return dwCount;
+    if (*szLastUse) key.PutDword(kDayCount, ++dwCount, 1);
+    key.PutStr(kLastUse, szToday, 1);
+    return dwCount;
+}
 } // namespace
 
 bool FormatToday(DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer) {
@@ -67,17 +82,10 @@ bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st) {
 
 DWORD UpdateDayCount() {
     RegKey key;
-    if (!OpenSetupKey(key)) return dwLastCount;
-    DWORD dwCount = key.GetDword(kDayCount, 0);
-    LastUseText szLastUse;
-    ReadLastUse(key, szLastUse);
-    wchar_t szToday[kDateSize];
-    FormatToday(0, szToday, kDateSize);
-    if (std::wcscmp(szToday, szLastUse) != 0) {
-        if (*szLastUse) key.PutDword(kDayCount, ++dwCount, 1);
-        key.PutStr(kLastUse, szToday, 1);
+    if (OpenSetupKey(key)) dwLastCount = CountToday(key);
+    if (dwLastCount) { // not on the first day
+        EnforceCheckForUpdates(kCheckDaily | kForceFrequency | kForceAutoCheck | kForceAutoCheckOn);
+        CheckForUpdates(nullptr);
     }
-    dwLastCount = dwCount;
-    // From the second day on the update check is asked for here, once it exists.
-    return dwCount;
+    return dwLastCount;
 }

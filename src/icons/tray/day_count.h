@@ -20,6 +20,9 @@ bool FormatLocalTime(const SYSTEMTIME& st, wchar_t* pszBuffer, int cchBuffer);
 /// have passed in between. Counter and date are the values "DayCount" and "LastUse" of the key
 /// "Setup" below the product's root; on a day that is remembered already nothing is written.
 ///
+/// From the second day on, each call also has the check for updates looked after (CheckForUpdates),
+/// daily and automatic, whatever the registry says.
+///
 /// Returns the counter; if the key can't be opened, as it was last known in this process, 0 at
 /// first. On the monitor's thread only.
 // QUIRK: a date of 32 characters or more is never read back, so that in such a locale the counter
