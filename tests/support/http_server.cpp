@@ -96,6 +96,11 @@ void HttpServer::Say(const std::vector<std::string>& lines) {
     WriteAtOnce(folder.File(L"script"), strText);
 }
 
+void HttpServer::HangUp() {
+    const std::wstring strFile = folder.MakeFile(L"hang-up", "1");
+    WaitUntil([&] { return ::GetFileAttributesW(strFile.c_str()) == INVALID_FILE_ATTRIBUTES; });
+}
+
 std::vector<HttpRequest> HttpServer::TakeRequests() {
     std::vector<HttpRequest> requests;
     for (;; ++nTaken) {

@@ -35,6 +35,9 @@ class HttpServer {
 
     /// The answers to the next requests, one after the other; the last one stays.
     void Say(const std::vector<std::string>& lines);
+    /// Ends all connections that would last, and lets in whoever waits at FullPort, which is no
+    /// such port any more.
+    void HangUp();
     /// The requests that came since the last time.
     std::vector<HttpRequest> TakeRequests();
 

@@ -6,7 +6,8 @@
 Listens on free ports of the loopback address and writes them into FOLDER/ports: that of the server,
 one that nobody listens on, and one that takes no connection (a client waits there until it gives up).
 Each request is kept as FOLDER/requests/000001 and so on, as it came: request line, headers, body.
-It ends when FOLDER/ports is gone, and leaves a file FOLDER/ended.
+It ends when FOLDER/ports is gone, and leaves a file FOLDER/ended. When there is a FOLDER/hang-up it
+takes that away and ends all connections, and lets in whoever waits at the third port.
 
 How it answers is told by the path, or, for any other path, by the next line of FOLDER/script (the
 last line stays; the first one, a number, makes a new script known). DATA is in hexadecimal digits.
@@ -19,7 +20,7 @@ last line stays; the first one, a number, makes a new script known). DATA is in 
     late/MS/DATA          after a pause, before the first byte
     status/CODE/DATA      another status
     redirect/CODE/DATA    to the address in DATA
-    loop                  to the same address for ever
+    loop                  to itself, again and again
     cookie/DATA           sets cookies, one of them for good
     cacheable/DATA        may be kept for a day
     auth/DATA             asks for a name and a password
@@ -45,11 +46,16 @@ POLL_SECONDS = 0.1
 LONGEST_LIFE_SECONDS = 900
 
 
+# What stands between a kind and its DATA.
+WITH_ARGUMENT = ("pieces", "late", "status", "redirect")
+
+
 def parse(spec):
-    """The parts of a line or path, and the bytes that its last part stands for (b'' if none)."""
-    parts = spec.strip("/").split("/")
+    """The parts of a line or path, and the bytes that its DATA stands for (b'' if none)."""
+    parts = spec.lstrip("/").split("/")
+    place = 2 if parts[0] in WITH_ARGUMENT else 1
     try:
-        data = bytes.fromhex(parts[-1])
+        data = bytes.fromhex(parts[place]) if place < len(parts) else b""
     except ValueError:
         data = b""
     return parts, data
@@ -58,8 +64,11 @@ def parse(spec):
 class Raw:
     """Writes past the library, for replies that are none."""
 
+    open = set()  # all that may last; see Server.hang_up
+
     def __init__(self, request):
         self.transport = request.transport
+        self.open.add(self)
 
     def is_open(self):
         return self.transport is not None and not self.transport.is_closing()
@@ -79,6 +88,7 @@ class Raw:
             await asyncio.sleep(POLL_SECONDS)
 
     def close(self):
+        self.open.discard(self)
         if self.transport is not None:
             self.transport.close()
 
@@ -127,7 +137,8 @@ async def broken(parts, data, raw):
     return True
 
 
-async def good(request, parts, data):
+async def good(request, parts, data, loops):
+    """loops: how often all of them were ended."""
     kind = parts[0]
     if kind == "text":
         return web.Response(body=data)
@@ -157,7 +168,10 @@ async def good(request, parts, data):
     if kind == "redirect":
         return web.Response(status=int(parts[1]), headers={"Location": data.decode()})
     if kind == "loop":
-        return web.Response(status=302, headers={"Location": request.raw_path})
+        mine = parts[1] if len(parts) > 1 else str(loops)
+        if mine != str(loops):
+            return web.Response(status=404)
+        return web.Response(status=302, headers={"Location": "/loop/" + mine})
     if kind == "cookie":
         response = web.Response(body=data)
         response.set_cookie("session", "1")
@@ -184,6 +198,7 @@ class Server:
         self.count = 0
         self.script = None
         self.line = 0
+        self.loops = 0
         os.makedirs(self.requests, exist_ok=True)
 
     def write(self, path, data):
@@ -216,9 +231,24 @@ class Server:
         parts, data = parse(request.path)
         if parts[0] not in KINDS:
             parts, data = parse(self.next_line())
-        if await broken(parts, data, Raw(request)):
-            raise asyncio.CancelledError  # the library has no reply to send
-        return await good(request, parts, data)
+        raw = Raw(request)
+        try:
+            if not await broken(parts, data, raw):
+                return await good(request, parts, data, self.loops)
+        except ConnectionResetError:  # whoever asked has gone
+            pass
+        finally:
+            raw.open.discard(raw)
+        raise asyncio.CancelledError  # the library has no reply to send
+
+    def hang_up(self, full):
+        """Ends what would last."""
+        self.loops += 1
+        for raw in list(Raw.open):
+            raw.close()
+        loop = asyncio.get_running_loop()
+        loop.remove_reader(full)
+        loop.add_reader(full, lambda: full.accept()[0].close())
 
     async def run(self):
         app = web.Application(client_max_size=1 << 20)
@@ -244,7 +274,11 @@ class Server:
         self.write(ports, b"%d %d %d\n" % (port, refused.getsockname()[1], full.getsockname()[1]))
         loop = asyncio.get_running_loop()
         end = loop.time() + LONGEST_LIFE_SECONDS
+        hang_up = os.path.join(self.folder, "hang-up")
         while os.path.exists(ports) and loop.time() < end:
+            if os.path.exists(hang_up):
+                self.hang_up(full)
+                os.remove(hang_up)
             await asyncio.sleep(POLL_SECONDS)
         if os.path.isdir(self.folder):
             self.write(os.path.join(self.folder, "ended"), b"1")

@@ -223,26 +223,36 @@ wchar_t* Exchange::TakeText() const {
 
 // The threads
 
+/// This module, whatever it is a part of. With bHold a reference more.
+HMODULE ThisModule(bool bHold) {
+    HMODULE hmod = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                             (bHold ? 0 : GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT),
+                         reinterpret_cast<LPCWSTR>(&ThisModule), &hmod);
+    return hmod;
+}
+
 /// Runs a step of the exchange, which it owns a part of, and then lets this module go, which may be
 /// waited for by nobody any more.
 template <void (Exchange::*pfnStep)()>
 DWORD WINAPI ExchangeThread(void* pArgument) {
-    HMODULE hmodHeld = nullptr;
     {
         const OwnedExchange exchange(static_cast<Exchange*>(pArgument));
-        ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                             reinterpret_cast<LPCWSTR>(&ExchangeThread<pfnStep>), &hmodHeld);
         (exchange.get()->*pfnStep)();
     }
-    if (hmodHeld) ::FreeLibraryAndExitThread(hmodHeld, 0);
-    return 0;
+    ::FreeLibraryAndExitThread(ThisModule(false), 0);
 }
 
+/// The module is held for the thread before it begins: it may begin after all who wait have gone.
 template <void (Exchange::*pfnStep)()>
 OwnedHandle StartThread(Exchange& exchange) {
+    const HMODULE hmod = ThisModule(true);
     exchange.AddOwner();
     OwnedHandle thread(::CreateThread(nullptr, 0, &ExchangeThread<pfnStep>, &exchange, 0, nullptr));
-    if (!thread) exchange.RemoveOwner();
+    if (!thread) {
+        exchange.RemoveOwner();
+        ::FreeLibrary(hmod);
+    }
     return thread;
 }
 

@@ -107,7 +107,6 @@ class DoCheck : public HttpTest {
     void SetUp() override {
         HttpTest::SetUp();
         if (!internet) return;
-        internet->SetName(kServer);
         GetMyProductInfo().PushAppRootKey(L"HKCU\\Software\\TessalyUpdateTest");
         setup.emplace(L"Software\\TessalyUpdateTest\\Setup");
         Plant(kLastBefore, kNextBefore, kMonthly, 0);
@@ -328,7 +327,7 @@ TEST_F(DoCheck, OwnerOwnsTheBox) {
 }
 
 TEST_F(DoCheck, NoAnswerCanBeTriedAgain) {
-    server->Say({"close", "text/", "text/4F4B"});
+    server->Say({"text/", "status/500/", "text/4F4B"});
     MessageBoxDriver boxes({IDRETRY, IDRETRY, IDOK});
     int bGet = 7;
     EXPECT_EQ(1, Check(nullptr, &bGet));
@@ -448,7 +447,7 @@ TEST_F(DoCheck, YesOpensTheAddress) {
             ASSERT_FALSE(shell.calls.empty()) << row.pszName;
             EXPECT_EQ(row.strOpened.c_str(), shell.calls[0].file) << row.pszName;
         }
-        shell.calls.clear();
+        std::vector<ShellCall>().swap(shell.calls);
         ExpectDone(30);
     }
 }
@@ -514,7 +513,7 @@ TEST_F(DoCheck, DescriptionIsShownWhateverItsEncoding) {
 }
 
 TEST_F(DoCheck, ErrorAndThenAnUpdate) {
-    server->Say({"close", Answer("text", "error x"), Update("urldownload=http://a.example/\r\n")});
+    server->Say({"text/", Answer("text", "error x"), Update("urldownload=http://a.example/\r\n")});
     ShellStartRecorder shell;
     MessageBoxDriver boxes({IDRETRY, IDRETRY});
     UpdateDialogDriver dialog({});
@@ -522,7 +521,7 @@ TEST_F(DoCheck, ErrorAndThenAnUpdate) {
     EXPECT_EQ(2u, boxes.Finish().size());
     EXPECT_TRUE(dialog.Finish());
     EXPECT_FALSE(shell.calls.empty());
-    shell.calls.clear();
+    std::vector<ShellCall>().swap(shell.calls);
     ExpectDone(30);
 }
 
@@ -553,6 +552,7 @@ using DoCheckDeathTest = DoCheck;
 // In a process of its own: what is forced stays so for its life.
 TEST_F(DoCheckDeathTest, ForcedCheckIsDailyAndLeavesTheUsersSettings) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
+    bBlocksStay = 1;
     EXPECT_EXIT(
         {
             server->Say({"text/4F4B"});

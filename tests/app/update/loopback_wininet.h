@@ -51,9 +51,8 @@ class LoopbackWinInet {
         hRelease = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
         ports = {{L"server", server.Port()},
                  {L"refused", server.RefusedPort()},
-                 {L"full", server.FullPort()}};
-        failing.clear();
-        told.clear();
+                 {L"full", server.FullPort()},
+                 {L"updates.orvanta.example", server.Port()}}; // as the product is built
         Clear();
         Find(real.pfnOpen, "InternetOpenW");
         Find(real.pfnConnect, "InternetConnectW");
@@ -75,11 +74,6 @@ class LoopbackWinInet {
     LoopbackWinInet(const LoopbackWinInet&) = delete;
     LoopbackWinInet& operator=(const LoopbackWinInet&) = delete;
 
-    /// Another name for the server.
-    void SetName(const std::wstring& strServer) {
-        std::lock_guard lock(mutex);
-        ports[strServer] = ports[L"server"];
-    }
     /// What that name stands for from now on: that of another one.
     void SetName(const std::wstring& strServer, const std::wstring& strOther) {
         std::lock_guard lock(mutex);
@@ -103,8 +97,13 @@ class LoopbackWinInet {
     std::vector<Sent> TakeSent() { return Take(sent); }
     /// Option and value of each one that was set.
     std::vector<std::pair<DWORD, DWORD>> TakeOptions() { return Take(options); }
-    /// Forgets what was kept, without a block of memory left.
+    /// Forgets what was kept and told, without a block of memory left.
     void Clear() {
+        {
+            std::lock_guard lock(mutex);
+            failing.clear();
+            told.clear();
+        }
         TakeOpened();
         TakeConnected();
         TakeRequested();
@@ -124,6 +123,8 @@ class LoopbackWinInet {
     /// "?", of an object ends with does not reach the platform before
     /// ("text/4F4B?InternetReadFile"). Nothing else ends it, for far longer than any test takes.
     static void Release() { ::SetEvent(hRelease); }
+    /// From now on they wait again.
+    static void Hold() { ::ResetEvent(hRelease); }
     ~LoopbackWinInet() { ::CloseHandle(std::exchange(hRelease, nullptr)); }
 
   private:

@@ -173,13 +173,6 @@ TEST_F(SendHttpTest, EndsAtTheMaximumOfAHugeAnswer) {
     EXPECT_EQ(1021u, AnswerTo(Answer("text", "\xEF\xBB\xBF" + std::string(2000, 'a')))->size());
 }
 
-TEST_F(SendHttpTest, MaximumThatCannotBeHadGivesNoMoreThanTheAnswer) {
-    for (unsigned cbMax : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
-        auto text = AnswerTo("text/4F4B", cbMax);
-        if (text) EXPECT_EQ(L"OK", *text) << cbMax;
-    }
-}
-
 TEST_F(SendHttpTest, TakesTheBodyInWhateverWayItComes) {
     EXPECT_EQ(L"OKOKO", AnswerTo(Answer("chunked", "OKOKO")));
     EXPECT_EQ(Wide(Digits(1024)), AnswerTo(Answer("chunked", Digits(2000))));
@@ -258,8 +251,8 @@ TEST_F(SendHttpTest, LackOfMemoryGivesNull) {
         wchar_t* psz = SendHttp(L"server", L"text/4F4B", 1024, L"a=1", 8);
         FailBlock(0);
         nNulls += !psz;
-        if (psz) EXPECT_STREQ(L"OK", psz);
-        StrRealloc(psz, nullptr);
+        auto text = TakeText(psz);
+        EXPECT_TRUE(!text || *text == L"OK");
         EXPECT_EQ(0, LoopbackWinInet::CountOpen()) << n;
     }
     EXPECT_LE(1, nNulls);
@@ -274,10 +267,10 @@ TEST_F(SendHttpTest, LeavesNoHandlesAndNoThreads) {
         (void)Ask(L"refused", L"text/4F4B");
     };
     Round();
-    int nHandles = CountHandles(), nThreads = CountThreads();
+    int nHandles = CountHandles(), nBefore = CountThreads();
     for (int n = 0; n < 4; ++n) Round();
-    // (The platform's idle connections come and go.)
+    // (The platform's idle connections, and its thread for them, come and go.)
     EXPECT_GE(nHandles + 3, CountHandles());
-    EXPECT_GE(nThreads + 1, CountThreads());
+    EXPECT_TRUE(WaitUntil([&] { return CountThreads() <= nBefore + 1; }));
 }
 } // namespace
