@@ -175,7 +175,8 @@ async def good(request, parts, data, loops):
     if kind == "cookie":
         response = web.Response(body=data)
         response.set_cookie("session", "1")
-        response.set_cookie("trace", "1", max_age=86400 * 365)
+        response.set_cookie("trace", "1", max_age=86400 * 365,
+                            expires="Fri, 31 Dec 2100 00:00:00 GMT")
         return response
     if kind == "cacheable":
         return web.Response(body=data, headers={
