@@ -212,6 +212,7 @@ void Exchange::Run() {
     SetTimeout(hRequest, INTERNET_OPTION_CONNECT_TIMEOUT);
     SetTimeout(hRequest, INTERNET_OPTION_RECEIVE_TIMEOUT);
     if (Send(hRequest)) Read(hRequest);
+    if (bCancelled) return; // by whoever has closed the handles, whose numbers may be another's now
     const CachedCopy copy(web, hRequest);
     CloseHandles();
     copy.Delete();

@@ -9,13 +9,17 @@
 #include "runtime/system/system_facts.h"
 #include "support/message_box_driver.h"
 #include "support/registry.h"
+#include "support/replace_import.h"
 #include "support/test_window.h"
 
 #include <cstdlib>
 #include <map>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
+
+extern "C" FARPROC __imp_CreateThread;
 
 namespace {
 constexpr const wchar_t* kServer = L"updates.orvanta.example";
@@ -191,6 +195,26 @@ TEST_F(DoCheck, AsksTheMakersServer) {
     MakeUpdateRequest(szBody);
     EXPECT_EQ(szBody, Wide(requests[0].strBody));
     EXPECT_EQ(0u, requests[0].strBody.find("app="));
+}
+
+std::vector<HCURSOR> cursors;
+FARPROC pfnCreateThread;
+
+HANDLE WINAPI NoteCursor(LPSECURITY_ATTRIBUTES pSecurity, SIZE_T cbStack,
+                         LPTHREAD_START_ROUTINE pfnThread, LPVOID p, DWORD dwFlags, LPDWORD pdw) {
+    cursors.push_back(::GetCursor());
+    return FuncOfType<decltype(::CreateThread)>(pfnCreateThread)(pSecurity, cbStack, pfnThread, p,
+                                                                 dwFlags, pdw);
+}
+
+TEST_F(DoCheck, WaitCursorShowsWhileTheServerIsAsked) {
+    server->Say({"text/4F4B"});
+    pfnCreateThread = __imp_CreateThread;
+    {
+        ReplaceImport replaced(__imp_CreateThread, &NoteCursor);
+        EXPECT_EQ(1, CheckSilently());
+    }
+    EXPECT_EQ(std::vector<HCURSOR>{::LoadCursorW(nullptr, IDC_WAIT)}, std::exchange(cursors, {}));
 }
 
 TEST_F(DoCheck, AnyOtherSwitchDoesNothing) {
