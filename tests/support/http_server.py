@@ -32,7 +32,7 @@ last line stays; the first one, a number, makes a new script known). DATA is in 
     drip-headers/MS       headers without end, a byte every MS milliseconds
     drip-body/MS          a body without end, likewise
     endless               a body without end, as fast as it is taken
-    endless-headers       headers likewise
+    endless-headers       headers without end, a thousand bytes every five milliseconds
 """
 import asyncio
 import os
@@ -130,7 +130,7 @@ async def broken(parts, data, raw):
         await raw.repeat(b"a" * 4096, 0.001)
     elif kind == "endless-headers":
         await raw.write(HEAD)
-        await raw.repeat(b"X-Endless: " + b"a" * 1000 + b"\r\n", 0)
+        await raw.repeat(b"X-Endless: " + b"a" * 1000 + b"\r\n", 0.005)
     else:
         return False
     raw.close()

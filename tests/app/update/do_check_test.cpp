@@ -108,6 +108,13 @@ class UpdateDialogDriver {
 
 class DoCheck : public HttpTest {
   protected:
+    void WarmUp() override {
+        GetMyProductInfo().PushAppRootKey(L"HKCU\\Software\\TessalyUpdateTest");
+        server->Say({"text/4F4B"});
+        (void)CheckSilently();
+        GetMyProductInfo().PopAppRootKey();
+        TestKey key(L"Software\\TessalyUpdateTest"); // and away with what it wrote
+    }
     void SetUp() override {
         HttpTest::SetUp();
         if (!internet) return;
