@@ -138,7 +138,8 @@ void ProgressDlg::SharePlacement() {
 }
 
 __int64 ProgressDlg::OnCancel() {
-    if (bAsking) return 1; // one question is enough
+    // Where Cancel is grey, not every platform keeps Escape and the caption's button away.
+    if (!bCanCancel || bAsking) return 1; // one question is enough
     bAsking = true;
     const int nAnswer = ::Msg(hWnd, MB_YESNO | MB_ICONQUESTION, -IDS_PROGRESS_CANCEL);
     bAsking = false;

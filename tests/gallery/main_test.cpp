@@ -22,6 +22,10 @@ const PageRow kPages[] = {
      {IDC_GO, IDC_GO + 1, IDC_UNDO, IDC_UNDO + 1, IDC_WEB, IDC_WEB + 1, IDC_APP, IDC_APP + 1,
       IDC_ICON_CLOSE, IDC_ICON_CLOSE + 1, IDC_ICON_MINIMIZE, IDC_ICON_MINIMIZE + 1, IDC_FACE,
       IDC_FACE + 1, IDC_LINK, IDC_LINK + 1}},
+    {L"progress",
+     {IDC_ON_THIS_THREAD, IDC_DELAY, IDC_LINES, IDC_STEPS, IDC_CAN_CANCEL, IDC_BY_TICKER,
+      IDC_RUN_JOB, IDC_BAR_GO, IDC_BAR_PAUSE, IDC_BAR_MARQUEE, IDC_BAR_TASKBAR, IDC_FOLDER,
+      IDC_BROWSE, IDC_DIGEST, IDC_DIGESTS}},
 };
 constexpr int kPageCount = static_cast<int>(std::size(kPages));
 } // namespace
