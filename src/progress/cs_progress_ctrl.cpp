@@ -1,7 +1,6 @@
 #include "progress/cs_progress_ctrl.h"
 #include "runtime/system/system_facts.h"
 #include "runtime/threads/message_pump.h"
-#include "wnd/core/wnd_free.h"
 #include "wnd/dialog/csdlg.h"
 
 #include <commctrl.h>
@@ -50,7 +49,7 @@ void ProgressExForCtrl::DoStepIt() {
     if (!pCtrl || !pCtrl->IsReady()) return;
     pCtrl->SendMsg(PBM_STEPIT, 0, 0);
     nPos = static_cast<int>(pCtrl->SendMsg(PBM_GETPOS, 0, 0));
-    CSProgressCtrl::MirrorUse(*pCtrl).SetValue(nPos, nHigh);
+    pCtrl->ShowMirror();
 }
 
 void ProgressExForCtrl::DoSetPos(int nBarPos) {
@@ -64,6 +63,18 @@ void ProgressExForCtrl::DoSetRange(int nBarLow, int nBarHigh) {
     pCtrl->SendMsg(PBM_SETRANGE32, static_cast<WPARAM>(nBarLow), nBarHigh);
     pCtrl->SendMsg(PBM_SETSTEP, 1, 0);
     CSProgressCtrl::MirrorUse(*pCtrl).SetState(TBPF_NORMAL);
+    RECT rc{};
+    ::GetClientRect(*pCtrl, &rc);
+    bFine = static_cast<__int64>(nBarHigh) - nBarLow > rc.right;
+}
+
+/// StepBar for later, where that is not seen. Not for the last step, behind which nothing may come.
+bool ProgressExForCtrl::PutOffStep() {
+    if (!bFine || nPos >= nHigh - 1) return false;
+    ++nPos;
+    ++nPutOff;
+    TimeStep();
+    return true;
 }
 
 int ProgressExForCtrl::ProcessAllMessages() {
@@ -83,6 +94,13 @@ CSProgressCtrl::~CSProgressCtrl() { EnableTaskbarProgress(nullptr); }
 
 LRESULT CSProgressCtrl::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     switch (uMsg) {
+    case PBM_SETPOS: progressEx.nPutOff = 0; break;
+    case PBM_STEPIT:
+    case PBM_DELTAPOS:
+    case PBM_GETPOS:
+    case PBM_SETRANGE:
+    case PBM_SETRANGE32:
+    case WM_PAINT: CatchUp(); break;
     case WM_ENABLE: EnableLines(); break;
     case WM_DROPFILES: return OnDropFilesMessage(wParam, lParam);
     }
@@ -94,6 +112,15 @@ void CSProgressCtrl::Init(CSDlg* pDlg, unsigned int nId, int nLow, int nHigh, in
     std::fill(std::begin(idText), std::end(idText), 0u);
     Setup(nLow, nHigh, nPos);
 }
+
+/// On the bar's thread: gives it the steps that were put off. Whether there were any.
+bool CSProgressCtrl::CatchUp() {
+    const int nSteps = progressEx.nPutOff.exchange(0);
+    if (nSteps) SendMsg(PBM_DELTAPOS, static_cast<WPARAM>(nSteps), 0);
+    return nSteps != 0;
+}
+
+void CSProgressCtrl::ShowMirror() { MirrorUse(*this).SetValue(progressEx.nPos, progressEx.nHigh); }
 
 // The lines
 

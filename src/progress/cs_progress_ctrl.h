@@ -5,11 +5,16 @@
 #include "runtime/threads/crit_sec.h"
 #include "wnd/control/csctrl.h"
 #include <windows.h>
+#include <atomic>
 
 class CSProgressCtrl;
 struct ITaskbarList3;
 
 /// The arithmetic of a CSProgressCtrl: moves its bar, and the mirror of that if there is one.
+///
+/// Each step is a message that the worker waits for. Where a step is less than a pixel, a dialog
+/// that looks itself now and then (ProgressDlg) has them put off: the bar gets them together. Who
+/// asks the bar for its position, or for a picture, sees no difference.
 class TESSALY_API ProgressExForCtrl : public ProgressEx {
   public:
     ProgressExForCtrl() = default;
@@ -27,10 +32,14 @@ class TESSALY_API ProgressExForCtrl : public ProgressEx {
     void SetText(int nLine, const wchar_t* pszFormat, char* pArgs) override;
 
   private:
-    friend class CSProgressCtrl; // Pause
-    friend class ProgressDlg;    // its steps
+    friend class CSProgressCtrl;
+    friend class ProgressDlg;
+
+    bool PutOffStep();
 
     CSProgressCtrl* pCtrl = nullptr;
+    bool bFine = false;          // the bar has more units than pixels
+    std::atomic<int> nPutOff{0}; // steps that the bar has not got yet
 };
 
 /// A progress bar of a dialog with 64-bit ranges, up to four lines of text that belong to it, a
@@ -81,10 +90,12 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
 
   private:
     friend class ProgressExForCtrl;
-    friend class ProgressDlg; // its steps
-    class MirrorUse;          // one use of the mirror, which may be dropped meanwhile
+    friend class ProgressDlg;
+    class MirrorUse; // one use of the mirror, which may be dropped meanwhile
 
     void EnableLines();
+    bool CatchUp();
+    void ShowMirror();
 
     ProgressExForCtrl progressEx;
     ITaskbarList3* pTaskbarList = nullptr; // owned; null: no mirror

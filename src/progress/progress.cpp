@@ -81,7 +81,9 @@ void Progress::Close() {
         ::ProcessAllMessages(hwnd);
         pEnding->Stop(INFINITE);
         pThread = nullptr;
-        pEnding->pNext = std::exchange(pEndedThread, pEnding);
+        pEnding->pNext = pEndedThread;
+        while (!pEndedThread.compare_exchange_weak(pEnding->pNext, pEnding)) {
+        }
         if (nCalls == 0) DeleteEndedThreads();
     } else {
         ::ProcessAllMessages();
@@ -90,9 +92,8 @@ void Progress::Close() {
 }
 
 void Progress::DeleteEndedThreads() {
-    while (ProgressThread* pEnded = pEndedThread) {
-        pEndedThread = pEnded->pNext;
-        delete pEnded;
+    for (ProgressThread* pEnded = pEndedThread.exchange(nullptr); pEnded;) {
+        delete std::exchange(pEnded, pEnded->pNext);
     }
 }
 

@@ -158,12 +158,13 @@ class TESSALY_API Progress {
     unsigned dwTickerMax = 0;
     unsigned long* pTickerResult = nullptr; // borrowed
 
-    std::atomic<int> bClosing{0};           // Close is under way
-    std::atomic<int> nCalls{0};             // under way, see Call
-    int bParentDisabled = 0;                // by this object
-    int bHandedOver = 0;                    // what was stored, to the present dialog
-    int bHandingOver = 0;                   // just now: handlers that run meanwhile store
-    ProgressThread* pEndedThread = nullptr; // closed while calls were under way; a chain, owned
+    std::atomic<int> bClosing{0}; // Close is under way
+    std::atomic<int> nCalls{0};   // under way, see Call
+    int bParentDisabled = 0;      // by this object
+    int bHandedOver = 0;          // what was stored, to the present dialog
+    int bHandingOver = 0;         // just now: handlers that run meanwhile store
+    std::atomic<ProgressThread*> pEndedThread{
+        nullptr}; // closed while calls were under way; a chain, owned
 };
 
 /// Destroys and frees a Progress, which was made with new, at the end of a block.

@@ -1,5 +1,4 @@
 #include "progress/progress_dlg.h"
-#include "progress/progress.h"
 #include "progress/progress_ticker.h"
 #include "resources/resource_ids.h"
 #include "runtime/base/current_product.h"
@@ -17,14 +16,16 @@ constexpr DWORD kEndTimeoutMs = 6000;
 constexpr unsigned kLineIds[] = {IDC_PROGRESS_LINE_0, IDC_PROGRESS_LINE_1, IDC_PROGRESS_LINE_2,
                                  IDC_PROGRESS_LINE_3};
 constexpr unsigned kLineCount = std::size(kLineIds);
+constexpr UINT_PTR kShowTimer = 2; // 1 is CSDlg's own
+constexpr UINT kShowPeriodMs = 40;
 
 constinit SpinLock placementLock; // for wpResizing, which several dialogs' threads share
 
-/// A message box of the calling thread over that window is answered with No.
+/// A message box over that window is answered with No; one without that button is closed.
 BOOL CALLBACK AnswerNo(HWND hwnd, LPARAM lParam) {
-    if (::GetWindow(hwnd, GW_OWNER) == reinterpret_cast<HWND>(lParam) && ::GetDlgItem(hwnd, IDNO)) {
-        ::PostMessageW(hwnd, WM_COMMAND, IDNO, 0);
-    }
+    if (::GetWindow(hwnd, GW_OWNER) != reinterpret_cast<HWND>(lParam)) return TRUE;
+    const bool bHasNo = ::GetDlgItem(hwnd, IDNO) != nullptr;
+    ::PostMessageW(hwnd, bHasNo ? WM_COMMAND : WM_CLOSE, bHasNo ? IDNO : 0, 0);
     return TRUE;
 }
 } // namespace
@@ -36,33 +37,11 @@ constinit MyWindowPlacement ProgressDlg::wpResizing;
 ProgressThread::ProgressThread(Progress* pOf)
     : pProgress(pOf), hDlgReady(::CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
 
+// Before the dialog goes, which the worker uses.
 ProgressThread::~ProgressThread() { Destroy(kEndTimeoutMs); }
 
 int ProgressThread::WaitForDlgReady(unsigned long dwTimeoutMs) {
     return WaitForEvent(hDlgReady.Get(), dwTimeoutMs);
-}
-
-unsigned ProgressThread::DoThreadEx() {
-    // Whoever waits for the dialog need not go on waiting for one that will not come up.
-    ScopeExit ready([this] { SetDlgReady(); });
-    if (IsCanceled()) return 0; // closed before it began
-    __int64 nResult = -1;
-    pDlg.reset(new (std::nothrow) ProgressDlg(this));
-    if (pDlg) {
-        pDlg->hwndParent = pProgress->hwndParent;
-        pDlg->SetLinesCount(pProgress->nLines);
-        pDlg->bCanCancel = pProgress->bCanCancel;
-        pProgress->bModeless = 1;
-        pProgress->pDlg = pDlg.get();
-        nResult = pDlg->Modal(-IDD_PROGRESS, nullptr, nullptr);
-        pDlg->bUp = false;
-    }
-    pProgress->bCanceled = nResult != IDOK;
-    pProgress->pDlg = nullptr;
-    // The worker may be in a call that uses the object, and be held up there by another one that
-    // closes: it is never waited for. The object, without its window, goes with this one.
-    if (pDlg) pDlg->EndRun();
-    return 0;
 }
 
 // The dialog's life
@@ -102,7 +81,8 @@ __int64 ProgressDlg::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     } else {
         EnableDlgItem(IDCANCEL, 0);
     }
-    if (pThread && !pThread->pProgress->bModeless) CutSystemMenu();
+    if (!bModelessProgress) CutSystemMenu();
+    ::SetTimer(hwnd, kShowTimer, kShowPeriodMs, nullptr);
     bUp = true;
     if (pThread) {
         pThread->SetDlgReady();
@@ -125,6 +105,13 @@ __int64 ProgressDlg::OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __
     switch (uMsg) {
     case WM_ENTERSIZEMOVE: bInSizeMove = 1; break;
     case WM_EXITSIZEMOVE: bInSizeMove = 0; break;
+    case WM_COMMAND:
+        // Without a button that could take it, the Enter key comes as IDOK, which is Close's alone.
+        if (wParam == IDOK && !bCanCancel && pThread && !pThread->IsCanceled()) return 1;
+        break;
+    case WM_TIMER:
+        if (wParam == kShowTimer) ShowSteps();
+        break;
     }
     __int64 nResult = CSDlg::OnDlgMessage(uMsg, wParam, lParam);
     if (uMsg == WM_WINDOWPOSCHANGED && isInitialized) SharePlacement();
@@ -153,8 +140,7 @@ __int64 ProgressDlg::OnCancel() {
 void ProgressDlg::DoClose(int nResult) {
     CSDlg::DoClose(nResult);
     HWND hwnd = hWnd;
-    if (bAsking)
-        ::EnumThreadWindows(::GetCurrentThreadId(), &AnswerNo, reinterpret_cast<LPARAM>(hwnd));
+    if (!::IsWindowEnabled(hwnd)) ::EnumWindows(&AnswerNo, reinterpret_cast<LPARAM>(hwnd));
     if (bInSizeMove) ::PostMessageW(hwnd, WM_LBUTTONUP, 0, 0);
     ::SendMessageW(hwnd, WM_CANCELMODE, 0, 0); // menus
 }
@@ -227,13 +213,22 @@ void ProgressDlg::StepIt() {
 
 /// The second half of StepIt, when the bar is to move.
 void ProgressDlg::StepBar() {
-    if (!IsWindowThere()) return;
+    if (!IsWindowThere() || progressCtrl.progressEx.PutOffStep()) return;
     progressCtrl.progressEx.StepBar();
     BringUp();
 }
 
+/// On the dialog's thread: the steps that were put off.
+void ProgressDlg::ShowSteps() {
+    if (!progressCtrl.CatchUp()) return;
+    progressCtrl.ShowMirror();
+    if (::IsWindowVisible(hWnd)) BringUp(); // hidden meanwhile, it leaves the front to others
+}
+
 void ProgressDlg::BringUp() {
-    ::BringWindowToTop(hWnd);
+    // Not out of the question, which would lose the keyboard at each step; and a look costs far
+    // less than the call.
+    if (!bAsking && ::GetForegroundWindow() != hWnd) ::BringWindowToTop(hWnd);
     ::UpdateWindow(hWnd);
 }
 

@@ -41,6 +41,7 @@ class TESSALY_API ProgressThread : public CSThreadEx {
 
 /// The dialog of a long operation: title, four lines, bar, Cancel. Runs on its ProgressThread; the
 /// worker calls the setters from its own thread. All of these do nothing while there is no window.
+/// Steps of less than a pixel are shown a few times a second, by the dialog itself.
 class TESSALY_API ProgressDlg : public CSDlg {
   public:
     /// pOf may be null: then nobody is told that the dialog is up.
@@ -82,6 +83,7 @@ class TESSALY_API ProgressDlg : public CSDlg {
 
     bool IsUp() const { return bUp.load(); }
     bool IsWindowThere() const;
+    void ShowSteps();
     /// The two halves of StepIt: whether the bar is to move, and its move.
     bool CountSubStep() { return progressCtrl.progressEx.CountSubStep(); }
     void StepBar();
@@ -102,6 +104,7 @@ class TESSALY_API ProgressDlg : public CSDlg {
 
     CritSec csTicker;                 // for it: worker and dialog may both end it
     bool bEnded = false;              // no new ticker
+    bool bModelessProgress = true;    // what the Progress said
     std::atomic<bool> bUp{false};     // from the end of OnInitDialog on
     std::atomic<bool> bAsking{false}; // the question is on the screen
     MyWindowPlacement wpOwn;          // this dialog's part in wpResizing

@@ -87,9 +87,11 @@ void ProgressEx::SetPos64(__int64 qnPos) {
 int ProgressEx::StepBar() {
     if (nPos < INT_MAX) ++nPos;
     DoStepIt();
-    CountTime(dwLastTick, qwTotalMs, dwSteps);
+    TimeStep();
     return 1;
 }
+
+void ProgressEx::TimeStep() { CountTime(dwLastTick, qwTotalMs, dwSteps); }
 
 // State
 

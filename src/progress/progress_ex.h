@@ -105,6 +105,8 @@ class TESSALY_API ProgressEx {
         return true;
     }
     int StepBar();
+    /// Takes the time of a bar step.
+    void TimeStep();
 
     std::atomic<int> bCanceled{0};
     unsigned dwDivisor = 1; // real units per bar unit, at least 1

@@ -30,10 +30,10 @@ ProgressTickerThread::~ProgressTickerThread() { Destroy(kTickerEndTimeoutMs); }
 
 unsigned ProgressTickerThread::DoThreadEx() {
     // A wait on the event that stops it in place of a plain sleep: the end need not wait for it.
-    do {
-        if (!pTicker) break;
+    while (!IsCanceled()) {
         pTicker->StepIt();
-    } while (!IsCanceled() && !WaitForCancel(dwInterval));
+        if (WaitForCancel(dwInterval)) break;
+    }
     return 0;
 }
 
@@ -55,10 +55,8 @@ ProgressTicker::~ProgressTicker() {
     QuitKeeper keeper;
     if (std::unique_ptr<ProgressTickerThread> pEnding{pThread}) {
         // The thread may be sending to the bar, and that may be this thread's: this wait lets the
-        // message in. The object goes only when the thread has left it.
-        pEnding->SetCancel();
-        const unsigned __int64 qwTwice = 2ull * dwInterval;
-        pEnding->WaitForDone(static_cast<DWORD>(std::min<unsigned __int64>(qwTwice, MAXLONG)));
+        // message in. Without a limit, as the thread uses this object; its own waits have one.
+        pEnding->Stop(INFINITE);
     }
     if (bShowHide) ::ShowWindow(hwndBar, SW_HIDE);
     if (pResult) *pResult = dwPos;

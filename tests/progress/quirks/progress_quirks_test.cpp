@@ -1,4 +1,4 @@
-// The oddities of progress that are kept on purpose.
+// The oddities of progress that are kept on purpose, and a first look at the whole.
 
 #include "progress/progress.h"
 #include "progress/progress_dlg.h"
@@ -92,10 +92,9 @@ TEST(ProgressSmoke, DialogShowsWhatItIsToldAndCloses) {
     progress.SetText(1, L"12 of 100 files");
     progress.SetText(2, L"3 minute(s) 10 seconds");
     progress.SetRange64(0, 1000000);
-    for (int n = 0; n < 400; ++n) progress.StepIt();
-    EXPECT_EQ(25, GetBarPos(progress));
+    for (int n = 0; n < 400000; ++n) progress.StepIt();
+    EXPECT_EQ(25000, GetBarPos(progress));
     EXPECT_EQ(L"12 of 100 files", GetText(hwnd, IDC_PROGRESS_LINE_1));
-    if (::GetEnvironmentVariableW(L"TESSALY_LOOK", nullptr, 0)) ::Sleep(4000);
     progress.Close();
     progress.Close();
     EXPECT_FALSE(::IsWindow(hwnd));
@@ -110,6 +109,16 @@ TEST(ProgressSmoke, QuestionDoesNotHoldTheEndUp) {
     ASSERT_TRUE(WaitUntil([&] { return !::IsWindowEnabled(hwnd); }));
     progress.Close();
     EXPECT_FALSE(progress.IsCanceled());
+}
+
+TEST(ProgressSmoke, EnterDoesNotEndADialogThatCannotBeCancelled) {
+    Progress progress(nullptr, 0, 0, 0, 0);
+    HWND hwnd = progress.GetDlgHWND();
+    ::SendMessageW(hwnd, WM_COMMAND, IDOK, 0);
+    progress.SetText(0, L"goes on");
+    EXPECT_EQ(L"goes on", GetText(hwnd, IDC_PROGRESS_LINE_0));
+    progress.Close();
+    EXPECT_FALSE(::IsWindow(hwnd));
 }
 
 TEST(ProgressSmoke, QuitStaysInTheQueue) {

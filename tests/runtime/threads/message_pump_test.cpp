@@ -51,6 +51,33 @@ TEST(ProcessAllMessages, QuitGivesZeroOnceAndIsNotSeenAgain) {
     EXPECT_EQ(FALSE, ::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE));
 }
 
+TEST(QuitKeeper, GivesBackWhatWasTaken) {
+    ::PostQuitMessage(3);
+    {
+        QuitKeeper keeper;
+        EXPECT_EQ(0, ProcessAllMessages());
+        EXPECT_EQ(1, ProcessAllMessages());
+        QuitKeeper inner; // has nothing to give back
+    }
+    MSG msg{};
+    ASSERT_TRUE(::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(static_cast<UINT>(WM_QUIT), msg.message);
+    EXPECT_EQ(3u, msg.wParam);
+    EXPECT_FALSE(::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE));
+}
+
+TEST(QuitKeeper, IsOfItsThreadAlone) {
+    QuitKeeper keeper;
+    std::thread other([] {
+        ::PostQuitMessage(3);
+        EXPECT_EQ(0, ProcessAllMessages());
+        MSG msg;
+        EXPECT_FALSE(::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE));
+    });
+    other.join();
+    EXPECT_EQ(1, ProcessAllMessages());
+}
+
 TEST(WaitPumpingMessages, DispatchesWhileItWaits) {
     CountingWindow wnd;
     HANDLE hEvent = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
