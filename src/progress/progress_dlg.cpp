@@ -78,6 +78,8 @@ __int64 ProgressDlg::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     progressCtrl.EnableTaskbarProgress(hwnd);
     if (bCanCancel) {
         SetDlgItemFocus(IDCANCEL);
+        // The Enter key too: without a default button it comes as IDOK, which is Close's alone.
+        ::SendMessageW(hwnd, DM_SETDEFID, IDCANCEL, 0);
     } else {
         EnableDlgItem(IDCANCEL, 0);
     }

@@ -100,6 +100,35 @@ TEST_F(ProgressCancel, YesCancels) {
     }
 }
 
+TEST_F(ProgressCancel, EnterPressesCancelAlsoAfterAQuestion) {
+    Progress progress;
+    HWND hwnd = progress.GetDlgHWND();
+    for (int nAnswer : {IDNO, IDNO, IDYES}) {
+        HWND hwndFocus = nullptr;
+        ASSERT_TRUE(WaitUntil([&] { return (hwndFocus = FocusOf(hwnd)) != nullptr; }));
+        EXPECT_EQ(hwndFocus, ::GetDlgItem(hwnd, IDCANCEL));
+        ::PostMessageW(hwndFocus, WM_KEYDOWN, VK_RETURN, 1);
+        ASSERT_TRUE(AnswerQuestion(nAnswer));
+        if (nAnswer == IDNO) {
+            EXPECT_TRUE(WaitUntil([&] { return ::IsWindowEnabled(hwnd) != 0; }));
+        }
+    }
+    EXPECT_TRUE(HasGone(progress));
+}
+
+TEST_F(ProgressCancel, EnterElsewhereDoesNotEndTheDialog) {
+    Progress progress;
+    HWND hwnd = progress.GetDlgHWND();
+    ::PostMessageW(::GetDlgItem(hwnd, kBarId), WM_KEYDOWN, VK_RETURN, 1);
+    ::SendMessageW(hwnd, WM_NULL, 0, 0);
+    EXPECT_TRUE(HoldsFor([&] { return ::IsWindow(hwnd) != 0; }, 100));
+    if (FindQuestion()) {
+        EXPECT_TRUE(AnswerQuestion(IDNO));
+    }
+    EXPECT_FALSE(progress.IsCanceled());
+    EXPECT_TRUE(progress.GetDlgHWND());
+}
+
 TEST_F(ProgressCancel, WorkerThatKeepsReportingHarmsNothingAndSeesNoSecondDialog) {
     DialogRun run;
     Progress progress;
