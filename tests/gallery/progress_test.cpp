@@ -251,7 +251,9 @@ TEST_F(GalleryProgress, DigestsTellHowFarTheyAreAndAreCanceled) {
         ASSERT_TRUE(hwndBox);
         ClickOn(::GetDlgItem(hwndBox, nAnswer));
         EXPECT_TRUE(WaitUntilGone(hwndBox));
-        if (nAnswer == IDNO) EXPECT_TRUE(Moves(::GetDlgItem(hwnd, kBarId)));
+        if (nAnswer == IDNO) {
+            EXPECT_TRUE(Moves(::GetDlgItem(hwnd, kBarId)));
+        }
     }
     EXPECT_TRUE(WaitUntilGone(hwnd));
     EXPECT_TRUE(
