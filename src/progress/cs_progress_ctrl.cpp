@@ -49,7 +49,7 @@ void ProgressExForCtrl::DoStepIt() {
     if (!pCtrl || !pCtrl->IsReady()) return;
     pCtrl->SendMsg(PBM_STEPIT, 0, 0);
     nPos = static_cast<int>(pCtrl->SendMsg(PBM_GETPOS, 0, 0));
-    pCtrl->ShowMirror();
+    pCtrl->ShowMirror(nPos);
 }
 
 void ProgressExForCtrl::DoSetPos(int nBarPos) {
@@ -73,6 +73,7 @@ bool ProgressExForCtrl::PutOffStep() {
     if (!bFine || nPos >= nHigh - 1) return false;
     ++nPos;
     ++nPutOff;
+    bUnshown = true;
     TimeStep();
     return true;
 }
@@ -90,7 +91,7 @@ void ProgressExForCtrl::SetText(int nLine, const wchar_t* pszFormat, char* pArgs
 
 CSProgressCtrl::CSProgressCtrl() { progressEx.SetCtrl(this); }
 
-CSProgressCtrl::~CSProgressCtrl() { EnableTaskbarProgress(nullptr); }
+CSProgressCtrl::~CSProgressCtrl() { DropMirror(); }
 
 LRESULT CSProgressCtrl::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     switch (uMsg) {
@@ -113,14 +114,27 @@ void CSProgressCtrl::Init(CSDlg* pDlg, unsigned int nId, int nLow, int nHigh, in
     Setup(nLow, nHigh, nPos);
 }
 
-/// On the bar's thread: gives it the steps that were put off. Whether there were any.
-bool CSProgressCtrl::CatchUp() {
-    const int nSteps = progressEx.nPutOff.exchange(0);
-    if (nSteps) SendMsg(PBM_DELTAPOS, static_cast<WPARAM>(nSteps), 0);
-    return nSteps != 0;
+/// On the bar's thread: gives it the steps that were put off.
+void CSProgressCtrl::CatchUp() {
+    // Its own message and what that paints come by here again: with a quick worker, deeper and
+    // deeper, until the platform would drop one.
+    if (bCatchingUp) return;
+    bCatchingUp = true;
+    if (const int nSteps = progressEx.nPutOff.exchange(0)) {
+        SendMsg(PBM_DELTAPOS, static_cast<WPARAM>(nSteps), 0);
+    }
+    bCatchingUp = false;
 }
 
-void CSProgressCtrl::ShowMirror() { MirrorUse(*this).SetValue(progressEx.nPos, progressEx.nHigh); }
+/// On the bar's thread: the same for all that shows the bar. Whether there was anything to show,
+/// which may have reached the bar already.
+bool CSProgressCtrl::ShowPutOff() {
+    if (!progressEx.bUnshown.exchange(false)) return false;
+    ShowMirror(static_cast<int>(SendMsg(PBM_GETPOS, 0, 0)));
+    return true;
+}
+
+void CSProgressCtrl::ShowMirror(int nPos) { MirrorUse(*this).SetValue(nPos, progressEx.nHigh); }
 
 // The lines
 
@@ -161,15 +175,19 @@ void CSProgressCtrl::SetTextFmt(int nLine, const wchar_t* pszFormat, ...) {
 
 // The taskbar's button
 
-void CSProgressCtrl::EnableTaskbarProgress(HWND hwndButton) {
-    OwnedInterface<ITaskbarList3> listBefore;
+void CSProgressCtrl::DropMirror() {
+    OwnedInterface<ITaskbarList3> list;
     HWND hwndBefore = nullptr;
     {
         CritSecLock lock(csTaskbar);
-        listBefore = OwnedInterface<ITaskbarList3>(std::exchange(pTaskbarList, nullptr));
+        list = OwnedInterface<ITaskbarList3>(std::exchange(pTaskbarList, nullptr));
         hwndBefore = std::exchange(hwndTaskbar, nullptr);
     }
-    if (listBefore) listBefore.Get()->SetProgressState(hwndBefore, TBPF_NOPROGRESS);
+    if (list) list.Get()->SetProgressState(hwndBefore, TBPF_NOPROGRESS);
+}
+
+void CSProgressCtrl::EnableTaskbarProgress(HWND hwndButton) {
+    DropMirror();
     if (!hwndButton || !::Win7()) return;
     OwnedInterface<ITaskbarList3> list;
     if (FAILED(::CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER,

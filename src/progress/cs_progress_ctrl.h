@@ -38,8 +38,9 @@ class TESSALY_API ProgressExForCtrl : public ProgressEx {
     bool PutOffStep();
 
     CSProgressCtrl* pCtrl = nullptr;
-    bool bFine = false;          // the bar has more units than pixels
-    std::atomic<int> nPutOff{0}; // steps that the bar has not got yet
+    bool bFine = false;                // the bar has more units than pixels
+    std::atomic<int> nPutOff{0};       // steps that the bar has not got yet
+    std::atomic<bool> bUnshown{false}; // there were some since the dialog last looked
 };
 
 /// A progress bar of a dialog with 64-bit ranges, up to four lines of text that belong to it, a
@@ -94,10 +95,13 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
     class MirrorUse; // one use of the mirror, which may be dropped meanwhile
 
     void EnableLines();
-    bool CatchUp();
-    void ShowMirror();
+    void DropMirror();
+    void CatchUp();
+    bool ShowPutOff();
+    void ShowMirror(int nPos);
 
     ProgressExForCtrl progressEx;
+    bool bCatchingUp = false;
     ITaskbarList3* pTaskbarList = nullptr; // owned; null: no mirror
     HWND hwndTaskbar = nullptr;            // whose button shows it
     unsigned idText[4] = {};               // 0: none

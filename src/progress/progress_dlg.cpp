@@ -222,8 +222,7 @@ void ProgressDlg::StepBar() {
 
 /// On the dialog's thread: the steps that were put off.
 void ProgressDlg::ShowSteps() {
-    if (!progressCtrl.CatchUp()) return;
-    progressCtrl.ShowMirror();
+    if (!progressCtrl.ShowPutOff()) return;
     if (::IsWindowVisible(hWnd)) BringUp(); // hidden meanwhile, it leaves the front to others
 }
 
