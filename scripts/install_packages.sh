@@ -9,7 +9,7 @@ packages=(
     googletest
     clang-format clang-tidy
     wine wine64 fonts-wine fonts-dejavu-core
-    xvfb xdotool imagemagick procps
+    xvfb xdotool xclip imagemagick procps
 )
 packages+=("$@") # what a caller needs besides
 missing=()
