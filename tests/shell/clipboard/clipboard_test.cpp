@@ -197,10 +197,10 @@ TEST_F(ClipboardTest, GetTextMeasuresAndStores) {
     EXPECT_EQ(0, Clipboard::GetText(psz, 5));
     EXPECT_EQ(0x5555, psz[0]);
     EXPECT_EQ(6, Clipboard::GetText(psz, 6));
-    EXPECT_STREQ(L"12345", psz);
+    EXPECT_EQ(0, std::memcmp(L"12345", psz, 12));
     std::memset(psz, 0x55, 12);
     EXPECT_EQ(6, Clipboard::GetText(psz, 0)); // does not count
-    EXPECT_STREQ(L"12345", psz);
+    EXPECT_EQ(0, std::memcmp(L"12345", psz, 12));
     EXPECT_EQ(6, Clipboard::GetText(psz, 0x80000000));
     EXPECT_EQ(nullptr, ::GetOpenClipboardWindow());
     EXPECT_FALSE(::EmptyClipboard()); // it is closed again

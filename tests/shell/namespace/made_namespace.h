@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <objbase.h>
 #include <shlobj.h>
+#include <algorithm>
 #include <cwchar>
 #include <functional>
 #include <set>
@@ -125,11 +126,9 @@ class MadeNamespace {
     MadeNamespace() : replaced(__imp_SHGetDesktopFolder, &GiveDesktop) { pCurrent = this; }
     ~MadeNamespace() { pCurrent = nullptr; }
 
-    /// How many lines of the log begin with that.
-    int Count(const std::wstring& strBegin) const {
-        int n = 0;
-        for (const auto& str : log) n += str.starts_with(strBegin);
-        return n;
+    /// How many lines of the log are that.
+    auto Count(const std::wstring& strLine) const {
+        return std::count(log.begin(), log.end(), strLine);
     }
     static std::wstring NameOf(const ITEMIDLIST* pidl) {
         if (!pidl || pidl->mkid.cb < 4) return L"";
