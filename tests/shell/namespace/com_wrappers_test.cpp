@@ -1,6 +1,7 @@
 #include "shell/folders/shell_folder.h"
 #include "shell/folders/shell_link.h"
 #include "shell/namespace/com_wrappers.h"
+#include "shell/namespace/freed_blocks.h"
 #include "shell/namespace/made_namespace.h"
 #include "shell/namespace/pidl.h"
 #include "support/temp_folder.h"
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 extern "C" FARPROC __imp_CoCreateInstance;
-extern "C" FARPROC __imp_SHGetMalloc;
 
 namespace {
 /// Counts its references, and is what it is asked for unless told otherwise. Its first members are
@@ -168,7 +168,6 @@ TEST(ComWrappers, MallocIsTheShells) {
     EXPECT_EQ(Bytes(100, 7), BytesAt(p, 100));
     EXPECT_GE(pMalloc->GetSize(p), 5000u);
     memory.Free(p);
-    EXPECT_EQ(0, pMalloc->DidAlloc(p));
     memory.Free(nullptr);
     p = memory.Realloc(nullptr, 10);
     EXPECT_NE(nullptr, p);
@@ -179,6 +178,19 @@ TEST(ComWrappers, MallocIsTheShells) {
     p = PIDL::csiMem.Realloc(p, 20);
     memory.Free(p);
     PIDL::csiMem.HeapMinimize();
+}
+
+TEST(ComWrappers, MallocForwards) {
+    FreedBlocks shells;
+    iMalloc memory;
+    EXPECT_EQ(static_cast<IMalloc*>(&shells), static_cast<IMalloc*>(memory));
+    void* p = memory.Alloc(10);
+    memory.Free(p);
+    EXPECT_TRUE(shells.Has(p));
+    memory.HeapMinimize();
+    EXPECT_EQ(1, shells.nMinimized);
+    PIDL::csiMem.HeapMinimize();
+    EXPECT_EQ(2, shells.nMinimized);
 }
 
 HRESULT WINAPI RefuseMalloc(LPMALLOC* pp) {
@@ -341,9 +353,10 @@ class EnumWrapper : public testing::Test {
     }
     int CountAlive() const {
         int n = 0;
-        for (void* p : items.given) n += GetShellMalloc()->DidAlloc(p);
+        for (void* p : items.given) n += !freed.Has(p);
         return n;
     }
+    FreedBlocks freed;
     MadeNamespace space;
     CountedEnum items{5};
     HWND hwndAsked = nullptr;

@@ -1,12 +1,11 @@
 #include "shell/namespace/com_wrappers.h"
+#include "shell/namespace/freed_blocks.h"
 #include "shell/namespace/made_lists.h"
 #include "shell/namespace/pidl.h"
 #include "support/replace_import.h"
 
 #include <gtest/gtest.h>
 #include <random>
-
-extern "C" FARPROC __imp_SHGetMalloc;
 
 namespace {
 const Bytes kEmpty = ListBytes({});
@@ -130,7 +129,6 @@ TEST(PidlMemory, IsTheShells) {
     PIDL list(pidl);
     EXPECT_EQ(1, pMalloc->DidAlloc(static_cast<ITEMIDLIST*>(list)));
     PIDL::Free(pidl);
-    EXPECT_EQ(0, pMalloc->DidAlloc(pidl));
     PIDL::Free(nullptr);
     void* pBlock = PIDL::csiMem.Alloc(3);
     EXPECT_EQ(1, pMalloc->DidAlloc(pBlock));
@@ -138,27 +136,49 @@ TEST(PidlMemory, IsTheShells) {
 }
 
 TEST(PidlObject, EndFreesTheList) {
+    FreedBlocks freed;
     ITEMIDLIST* pidl = PIDL::Alloc(2);
     PIDL::Copy(pidl, AsList(kEmpty), 2);
     {
         PIDL list;
         list.Attach(pidl);
         EXPECT_EQ(pidl, static_cast<ITEMIDLIST*>(list));
+        EXPECT_FALSE(freed.Has(pidl));
     }
-    EXPECT_EQ(0, GetShellMalloc()->DidAlloc(pidl));
+    EXPECT_TRUE(freed.Has(pidl));
+    pidl = PIDL::Alloc(2);
+    PIDL::Free(pidl);
+    EXPECT_TRUE(freed.Has(pidl));
 }
 
 TEST(PidlObject, DetachForgetsAndClearFrees) {
+    FreedBlocks freed;
     PIDL list(AsList(kTen));
     ITEMIDLIST* pidl = list;
     list.Detach();
     EXPECT_EQ(nullptr, static_cast<ITEMIDLIST*>(list));
-    EXPECT_EQ(1, GetShellMalloc()->DidAlloc(pidl));
+    EXPECT_FALSE(freed.Has(pidl));
     list.Attach(pidl);
     list.Clear();
     EXPECT_EQ(nullptr, static_cast<ITEMIDLIST*>(list));
-    EXPECT_EQ(0, GetShellMalloc()->DidAlloc(pidl));
+    EXPECT_TRUE(freed.Has(pidl));
     list.Clear();
+}
+
+TEST(PidlObject, WhatWasHeldIsFreed) {
+    FreedBlocks freed;
+    PIDL list(AsList(kTen));
+    ITEMIDLIST* pidl = list;
+    list.Reset();
+    EXPECT_TRUE(freed.Has(pidl) || pidl == list);
+    // With the old one alive the new one lies elsewhere.
+    pidl = list;
+    list.CopyAll(AsList(kThree));
+    EXPECT_TRUE(freed.Has(pidl));
+    pidl = list;
+    list.CopyOne(AsList(kTen));
+    EXPECT_TRUE(freed.Has(pidl));
+    EXPECT_FALSE(freed.Has(list));
 }
 
 TEST(PidlObject, ResetAndMakeGiveTheEmptyList) {

@@ -67,15 +67,20 @@ TEST_F(RealPidl, OneObjectEqualsItself) {
 TEST_F(RealPidl, ListsOfManyKindsAreInOneOrder) {
     std::vector<std::wstring> paths = {L"C:\\", L"Z:\\", L"C:\\windows", L"C:\\windows\\system32",
                                        L"C:\\windows\\system32\\kernel32.dll"};
-    for (const wchar_t* psz : kNames) {
+    std::wstring strFolder;
+    for (std::size_t n = 0; n < std::size(kNames); n += 2) {
         // The test platform compares names as single bytes, in which one script is like another;
         // a number keeps them apart.
-        std::wstring strName = psz + std::to_wstring(paths.size());
+        std::wstring strName = kNames[n] + std::to_wstring(paths.size());
+        if (paths.size() % 2) {
+            paths.push_back(temp.MakeFile(strName + L".txt", "x"));
+            continue;
+        }
         ASSERT_TRUE(::CreateDirectoryW(temp.File(strName).c_str(), nullptr));
         paths.push_back(temp.File(strName));
-        paths.push_back(temp.MakeFile(strName + L".txt", "x"));
-        paths.push_back(temp.MakeFile(strName + L"\\" + psz + L".bin", "x"));
+        strFolder = strName;
     }
+    paths.push_back(temp.MakeFile(strFolder + L"\\in it", "x"));
     std::vector<PIDL> lists(paths.size() + 2);
     for (std::size_t n = 0; n < paths.size(); ++n) Take(lists[n], paths[n]);
     lists[paths.size()].Reset();
@@ -105,7 +110,8 @@ TEST_F(RealPidl, ParentsComeBeforeWhatIsInThem) {
         Take(folder, temp.File(psz));
         Take(file, temp.MakeFile(std::wstring(psz) + L"\\" + psz, "x"));
         PIDL parent(static_cast<ITEMIDLIST*>(file));
-        while (!parent.IsEmpty()) {
+        // All the way up for one of them, and one step for the others.
+        for (unsigned nSteps = psz == kNames[0] ? file.GetCount() : 1; nSteps > 0; --nSteps) {
             parent.RemoveLast();
             EXPECT_EQ(-2, parent.CompareAbs(file));
             EXPECT_EQ(2, file.CompareAbs(parent));

@@ -62,9 +62,13 @@ TEST(PidlGetPut, PutLooksForTheEndIn64KiBOnly) {
     EXPECT_EQ(kCap, list.GetPut(0, static_cast<BYTE*>(longest.Get())));
     EXPECT_EQ(ListBytes({Bytes(65532, 7)}), BytesOfList(list));
     list.CopyAll(AsList(kTen));
-    for (const auto& items : {Items{Bytes(65533, 7)}, Items(32767, Bytes{1}), Items(40000, Bytes{}),
-                              Items{Bytes(40000, 7), Bytes(40000, 7)}}) {
-        Bytes bytes = ListBytes(items);
+    // One item, many of one size, and two: the end of each comes too late.
+    for (unsigned cb : {65535u, 3u, 2u, 40002u}) {
+        Bytes bytes;
+        while (bytes.size() < kCap) {
+            PutWord(bytes, cb);
+            bytes.resize(bytes.size() + cb - 2, 7);
+        }
         bytes.resize(kCap); // nothing behind may be read
         GuardedBytes guarded(bytes);
         EXPECT_EQ(0u, list.GetPut(0, static_cast<BYTE*>(guarded.Get())));
