@@ -22,6 +22,8 @@ const PageRow kPages[] = {
      {IDC_GO, IDC_GO + 1, IDC_UNDO, IDC_UNDO + 1, IDC_WEB, IDC_WEB + 1, IDC_APP, IDC_APP + 1,
       IDC_ICON_CLOSE, IDC_ICON_CLOSE + 1, IDC_ICON_MINIMIZE, IDC_ICON_MINIMIZE + 1, IDC_FACE,
       IDC_FACE + 1, IDC_LINK, IDC_LINK + 1}},
+    {L"shell", // the desktop has nothing above it, and its first object is a folder and no link
+     {IDC_SHELL_ROOT, IDC_SHELL_LIST, IDC_OBJECT_OPEN, IDC_OBJECT_LINK}},
 };
 constexpr int kPageCount = static_cast<int>(std::size(kPages));
 } // namespace
