@@ -5,6 +5,7 @@
 #include "progress_page.h"
 #include "resource_ids.h"
 #include "rich_text_page.h"
+#include "shell_page.h"
 #include "texts_page.h"
 #include "updates_page.h"
 #include "tessaly.h"
@@ -33,6 +34,7 @@ class MainDialog : public CSDlgMain {
     ButtonsPage buttonsPage;
     UpdatesPage updatesPage;
     ProgressPage progressPage;
+    ShellPage shellPage;
     struct Page {
         GalleryPage& page;
         int nTemplateId;
@@ -40,7 +42,7 @@ class MainDialog : public CSDlgMain {
         const wchar_t* pszHelp;
     };
     // Add a row for a new page.
-    const Page pages[6] = {
+    const Page pages[8] = {
         {dialogsPage, IDD_DIALOGS, L"Dialogs", L"dialogs.htm"},
         {editsPage, IDD_EDITS, L"Edits and combos", L"edits.htm"},
         {textsPage, IDD_TEXTS, L"Texts", L"texts.htm"},
@@ -48,6 +50,7 @@ class MainDialog : public CSDlgMain {
         {buttonsPage, IDD_BUTTONS, L"Buttons", L"buttons.htm"},
         {updatesPage, IDD_UPDATES, L"Updates", L"updates.htm"},
         {progressPage, IDD_PROGRESS, L"Progress", L"progress.htm"},
+        {shellPage, IDD_SHELL, L"Shell", L"shell.htm"},
     };
     GalleryPage* pShown = nullptr;
 };

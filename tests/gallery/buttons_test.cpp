@@ -43,7 +43,7 @@ bool Holds(const Pixels& pixels, COLORREF cr) {
 class GalleryButtons : public Gallery {
   protected:
     GalleryButtons() {
-        GoToPage(4);
+        GoToPage(kButtonsPage);
         MoveAway();
         WaitUntil([&] { // the last control is painted
             return Holds(LookOf(IDC_BUTTON_PRESSED), ::GetSysColor(COLOR_BTNTEXT));

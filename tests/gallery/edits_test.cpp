@@ -9,7 +9,7 @@ constexpr int kEditOfCombo = 1001; // the platform's id
 
 class GalleryEdits : public Gallery {
   protected:
-    GalleryEdits() { GoToPage(1); }
+    GalleryEdits() { GoToPage(kEditsPage); }
     /// Of an edit of the page: start and end in characters.
     std::pair<int, int> Selection(int nId) {
         LRESULT nResult = ::SendMessageW(PageItem(nId), EM_GETSEL, 0, 0);

@@ -9,6 +9,18 @@
 #include <string>
 #include <vector>
 
+/// The pages as they follow each other in the gallery's list.
+enum PageNumber {
+    kDialogsPage,
+    kEditsPage,
+    kTextsPage,
+    kRichTextPage,
+    kButtonsPage,
+    kUpdatesPage,
+    kProgressPage,
+    kShellPage,
+};
+
 /// The gallery, started anew for each test, with nothing in its registry key.
 class Gallery : public testing::Test {
   protected:
@@ -26,7 +38,7 @@ class Gallery : public testing::Test {
     HWND Main() const { return hwndMain; }
     /// The page that is to be seen.
     HWND Page() const;
-    /// Goes to a page by the keyboard: 0 is the first.
+    /// Goes to a page by the keyboard: one of the numbers below.
     void GoToPage(int nPage);
     /// A control of the main dialog, and one of the page.
     HWND Item(int nId) const { return ::GetDlgItem(hwndMain, nId); }

@@ -27,6 +27,8 @@ const PageRow kPages[] = {
      {IDC_ON_THIS_THREAD, IDC_DELAY, IDC_LINES, IDC_STEPS, IDC_CAN_CANCEL, IDC_BY_TICKER,
       IDC_RUN_JOB, IDC_BAR_GO, IDC_BAR_PAUSE, IDC_BAR_MARQUEE, IDC_BAR_TASKBAR, IDC_FOLDER,
       IDC_BROWSE, IDC_DIGEST, IDC_DIGESTS}},
+    {L"shell", // the desktop has nothing above it, and its first object is a folder and no link
+     {IDC_SHELL_ROOT, IDC_SHELL_LIST, IDC_OBJECT_OPEN, IDC_OBJECT_LINK}},
 };
 constexpr int kPageCount = static_cast<int>(std::size(kPages));
 } // namespace
@@ -67,7 +69,7 @@ TEST_F(GalleryMain, PagesFollowTheWindowAndALateOneCatchesUp) {
     EXPECT_EQ(RectOf(Item(IDCANCEL)).top, rcClose.top + dh);
     EXPECT_EQ(FaultsOfLayout(Page()), L"");
 
-    GoToPage(1); // created now
+    GoToPage(kEditsPage); // created now
     RECT rcSlot = RectOf(Item(IDC_PAGE_SLOT)), rcLate = RectOf(Page());
     EXPECT_TRUE(::EqualRect(&rcSlot, &rcLate));
     EXPECT_EQ(WidthOf(RectOf(PageItem(IDC_EDIT_GROUP))), WidthOf(rcGroup) + dw);
@@ -79,7 +81,7 @@ TEST_F(GalleryMain, PagesFollowTheWindowAndALateOneCatchesUp) {
     ASSERT_TRUE(WaitUntil([&] { return WidthOf(RectOf(Main())) == WidthOf(rcMain); }));
     EXPECT_EQ(HeightOf(RectOf(Main())), HeightOf(rcMain));
     EXPECT_EQ(FaultsOfLayout(Page()), L"");
-    GoToPage(0); // was hidden, and followed
+    GoToPage(kDialogsPage); // was hidden, and followed
     EXPECT_EQ(WidthOf(RectOf(PageItem(IDC_RUN_GROUP))), WidthOf(rcGroup));
     EXPECT_EQ(FaultsOfLayout(Page()), L"");
 }

@@ -39,7 +39,7 @@ class FolderOfFiles {
 
 class GalleryProgress : public Gallery {
   protected:
-    GalleryProgress() { GoToPage(5); }
+    GalleryProgress() { GoToPage(kProgressPage); }
 
     void Set(const wchar_t* pszKey, const std::wstring& strValue) {
         PressKeys(Main(), {pszKey});

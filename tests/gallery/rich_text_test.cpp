@@ -12,7 +12,7 @@ constexpr size_t kOfAWord = 20;                 // pixels of a word's colour, at
 
 class GalleryRichText : public Gallery {
   protected:
-    GalleryRichText() { GoToPage(3); }
+    GalleryRichText() { GoToPage(kRichTextPage); }
     /// A point within a control of the page; x below 0 is from its right edge.
     POINT PointIn(int nId, int x, int y) {
         RECT rc = RectOf(PageItem(nId));

@@ -6,7 +6,7 @@
 namespace {
 class GalleryTexts : public Gallery {
   protected:
-    GalleryTexts() { GoToPage(2); }
+    GalleryTexts() { GoToPage(kTextsPage); }
     /// The box that tells of the missing help file; its text.
     std::wstring AnswerHelpBox() {
         HWND hwndBox = nullptr;

@@ -12,7 +12,7 @@ constexpr const wchar_t* kOffer = L"An update is available:";
 
 class GalleryUpdates : public Gallery {
   protected:
-    GalleryUpdates() { GoToPage(5); }
+    GalleryUpdates() { GoToPage(kUpdatesPage); }
     HWND Open(int nButton, const wchar_t* pszTitle) {
         ClickOn(PageItem(nButton));
         return WaitForDialog(pszTitle);

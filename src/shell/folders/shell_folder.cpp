@@ -148,6 +148,7 @@ int iShellFolder::GetDisplayNameOf(const ITEMIDLIST* pidlItem, DWORD nFlags, wch
     if (!pFolder || !pidlItem) return Keep(E_POINTER);
     if (!Keep(pFolder->GetDisplayNameOf(pidlItem, nFlags, &ret))) return 0;
     static_cast<void>(StrRetToText(ret, pidlItem, pszOut, cchOut));
+    if (pszOut && cchOut) pszOut[cchOut - 1] = 0; // whatever stood behind a shorter name
     return 1;
 }
 

@@ -136,6 +136,7 @@ int iShellLink::Save(const wchar_t* pszPath) {
 }
 
 int iShellLink::Execute(HWND hwnd) {
+    if (!pUnk) return Keep(E_POINTER); // nothing at all would open some folder
     wchar_t szPath[MAX_PATH] = L"", szDir[MAX_PATH] = L"", szArgs[kMaxArgs] = L"";
     int nShow = SW_SHOWNORMAL;
     PIDL list;
