@@ -3,6 +3,7 @@
 #include "files/path_tables.h"
 #include "files/read_only.h"
 #include "files/text/cs_file.h"
+#include "files/version_module.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -373,9 +374,9 @@ TEST_P(CopyVersions, AnOlderOneIsNotCopied) {
         std::string strBytes;
     };
     const File files[] = {{0, "no module"},
-                          {kVersion1, MadeModule(kVersion1)},
-                          {kVersion1, MadeModule(kVersion1, 'b')},
-                          {kVersion2, MadeModule(kVersion2)}};
+                          {kVersion1, ModuleOfVersion(kVersion1) + "a"},
+                          {kVersion1, ModuleOfVersion(kVersion1) + "b"},
+                          {kVersion2, ModuleOfVersion(kVersion2)}};
     for (const File& source : files) {
         for (const File& target : files) {
             SCOPED_TRACE(std::to_string(&source - files) + " onto " +
@@ -398,8 +399,8 @@ INSTANTIATE_TEST_SUITE_P(Flags, CopyVersions,
                                          kCopyVerifyOnly | kCopyAnyVersion));
 
 TEST_F(FileCopy, ANewerSourceFailsToVerifyUnread) {
-    Put(L"s.dll", MadeModule(kVersion2));
-    Put(L"t.dll", MadeModule(kVersion1));
+    Put(L"s.dll", ModuleOfVersion(kVersion2));
+    Put(L"t.dll", ModuleOfVersion(kVersion1));
     BrokenDisk disk;
     EXPECT_EQ(0, Copy(L"t.dll", L"s.dll", kCopyVerifyOnly));
     EXPECT_TRUE(disk.reads.empty());
@@ -410,7 +411,8 @@ TEST_F(FileCopy, AVersionCountsInAllItsParts) {
                                          0x00000000FFFFFFFF, 0x0000000100000000, 0x0001000000000000,
                                          0x8000000000000000, 0xFFFFFFFFFFFFFFFF};
     for (std::size_t i = 1; i < std::size(versions); ++i) {
-        std::string strOlder = MadeModule(versions[i - 1]), strNewer = MadeModule(versions[i]);
+        std::string strOlder = ModuleOfVersion(versions[i - 1]),
+                    strNewer = ModuleOfVersion(versions[i]);
         ExpectCopy(strOlder, strNewer, 0, 1, strNewer, L"s.dll");
         ExpectCopy(strNewer, strOlder, 0, 1, strNewer, L"s.dll");
     }
@@ -423,7 +425,7 @@ struct ExtensionCase {
 };
 class CopyExtension : public CopyTest, public testing::WithParamInterface<ExtensionCase> {};
 TEST_P(CopyExtension, OfTheSourceTellsWhetherItIsAProgram) {
-    std::string strOlder = MadeModule(kVersion1), strNewer = MadeModule(kVersion2);
+    std::string strOlder = ModuleOfVersion(kVersion1), strNewer = ModuleOfVersion(kVersion2);
     ExpectCopy(strOlder, strNewer, 0, 1, GetParam().bCompared ? strNewer : strOlder,
                GetParam().pszSource, L"target.txt");
     if (!GetParam().bCompared)

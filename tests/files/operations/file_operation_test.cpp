@@ -430,24 +430,4 @@ TEST_F(OlderShell, WhatIsMissingFails) {
     EXPECT_EQ(0, Run(kFileOpRename, L""));
     EXPECT_EQ("text", folder.ReadFile(L"a.txt"));
 }
-
-// FileSet
-
-TEST(FileSets, CountTheirEntries) {
-    FileSet set;
-    EXPECT_EQ(0u, set.GetCount());
-    set.nCount = 7;
-    EXPECT_EQ(0u, set.GetCount()) << "without a set";
-    int nEntries = 0;
-    set.pSet = &nEntries;
-    EXPECT_EQ(7u, set.GetCount());
-    set.nCount = ~0u;
-    FileSet other;
-    other = set;
-    EXPECT_EQ(&nEntries, other.pSet);
-    EXPECT_EQ(~0u, other.GetCount());
-    set.nCount = 0;
-    EXPECT_EQ(0u, set.GetCount());
-    EXPECT_EQ(~0u, other.GetCount());
-}
 } // namespace
