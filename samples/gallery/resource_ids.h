@@ -15,6 +15,7 @@
 #define IDD_TEXTS 103
 #define IDD_RICH_TEXT 104
 #define IDD_BUTTONS 105
+#define IDD_FILES 109
 #define IDD_NOTE 110
 #define IDD_SIZABLE 111
 #define IDD_FOLD 112
@@ -120,3 +121,14 @@
 #define IDC_ICON_GROUP 1631
 #define IDC_LABEL_GROUP 1632
 #define IDC_BUTTON_PRESSED 1633
+
+// Page "Files": texts from 2000 on, copies and deletions from 2020 on
+#define IDC_TEXT_GROUP 2000
+#define IDC_TEXT_PATH 2001
+#define IDC_TEXT_OPEN 2002
+#define IDC_TEXT_FORMAT 2003
+#define IDC_TEXT_SAVE 2004
+#define IDC_TEXT_APPEND 2005
+#define IDC_TEXT_TOLD 2006
+#define IDC_TEXT_RESULT 2007
+#define IDC_TEXT_BODY 2008

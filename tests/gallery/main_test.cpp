@@ -22,6 +22,9 @@ const PageRow kPages[] = {
      {IDC_GO, IDC_GO + 1, IDC_UNDO, IDC_UNDO + 1, IDC_WEB, IDC_WEB + 1, IDC_APP, IDC_APP + 1,
       IDC_ICON_CLOSE, IDC_ICON_CLOSE + 1, IDC_ICON_MINIMIZE, IDC_ICON_MINIMIZE + 1, IDC_FACE,
       IDC_FACE + 1, IDC_LINK, IDC_LINK + 1}},
+    {L"files",
+     {IDC_TEXT_PATH, IDC_TEXT_OPEN, IDC_TEXT_BODY, IDC_TEXT_FORMAT, IDC_TEXT_SAVE,
+      IDC_TEXT_APPEND}},
 };
 constexpr int kPageCount = static_cast<int>(std::size(kPages));
 } // namespace

@@ -31,6 +31,28 @@ TEST(TextSanitize, ReplacesControlCharactersOfEveryByte) {
     }
 }
 
+TEST(TextSanitize, FindsOneControlCharacterInALongText) {
+    for (int ch = 0; ch < 128; ++ch) {
+        const bool bKept = IsTextCharacter(static_cast<unsigned>(ch));
+        for (std::size_t nAt : {0u, 63u, 64u, 100u, 127u, 128u, 149u}) {
+            std::wstring str(150, L'\x20AC');
+            std::string bytes(150, '\xE4');
+            str[nAt] = static_cast<wchar_t>(ch);
+            bytes[nAt] = static_cast<char>(ch);
+            std::wstring strExpected = str;
+            std::string expected = bytes;
+            if (!bKept) {
+                strExpected[nAt] = L'?';
+                expected[nAt] = '?';
+            }
+            CSFile::Sanitize(str.data(), 150, L'?');
+            CSFile::Sanitize(bytes.data(), 150, '?');
+            ASSERT_EQ(strExpected, str) << ch << " " << nAt;
+            ASSERT_EQ(expected, bytes) << ch << " " << nAt;
+        }
+    }
+}
+
 TEST(TextSanitize, LooksAtSoManyCharactersAndNoTerminator) {
     wchar_t sz[] = L"\1\0\2\3";
     CSFile::Sanitize(sz, 3, L'\1'); // a replacement may be of the same kind

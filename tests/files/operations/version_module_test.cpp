@@ -1,4 +1,4 @@
-// Versions of files; FileSet.
+// Versions of modules that are made byte by byte, and of texts; FileSet.
 #include "files/operations/file_operation.h"
 #include "files/operations/file_version.h"
 #include "files/version_module.h"
@@ -20,7 +20,7 @@ struct VersionCase {
     unsigned __int64 nVersion;
 };
 void PrintTo(const VersionCase& row, std::ostream* pOut) { *pOut << row.pszName; }
-class VersionTextTest : public testing::TestWithParam<VersionCase> {};
+class VersionNumberTest : public testing::TestWithParam<VersionCase> {};
 
 struct StripCase {
     const wchar_t* pszText;
@@ -29,7 +29,7 @@ struct StripCase {
 };
 } // namespace
 
-TEST(FileVersion, IsWhatTheResourceTells) {
+TEST(VersionModule, IsWhatTheResourceTells) {
     TempFolder folder;
     for (unsigned __int64 nVersion :
          {kVersion, 0xFFFF0000FFFF0001ull, 1ull, 0x000A000000000000ull}) {
@@ -47,7 +47,7 @@ TEST(FileVersion, IsWhatTheResourceTells) {
                              nullptr));
 }
 
-TEST(FileVersion, OfAFileWithoutOneIsZero) {
+TEST(VersionModule, OfAFileWithoutOneIsZero) {
     TempFolder folder;
     VS_FIXEDFILEINFO info{};
     EXPECT_EQ(0u,
@@ -65,7 +65,7 @@ TEST(FileVersion, OfAFileWithoutOneIsZero) {
     EXPECT_EQ(0u, info.dwSignature); // nothing was told
 }
 
-TEST(FileVersion, OfACutOrBrokenModuleIsZeroOrTold) {
+TEST(VersionModule, OfACutOrBrokenModuleIsZeroOrTold) {
     TempFolder folder;
     const std::string bytes = ModuleOfVersion(kVersion);
     std::mt19937 random(5);
@@ -83,7 +83,7 @@ TEST(FileVersion, OfACutOrBrokenModuleIsZeroOrTold) {
     }
 }
 
-TEST(FileVersionText, HasFourParts) {
+TEST(VersionNumberText, HasFourParts) {
     wchar_t sz[32];
     EXPECT_EQ(1, GetFileVersionStr(sz, 32, kVersion));
     EXPECT_STREQ(L"1.2.3.4", sz);
@@ -95,7 +95,7 @@ TEST(FileVersionText, HasFourParts) {
     EXPECT_STREQ(L"10.0.19041.32768", sz);
 }
 
-TEST(FileVersionText, FitsOrGivesZero) {
+TEST(VersionNumberText, FitsOrGivesZero) {
     for (unsigned cch = 0; cch < 12; ++cch) {
         GuardedMemory memory(cch * sizeof(wchar_t));
         auto* psz = static_cast<wchar_t*>(memory.Get());
@@ -105,7 +105,7 @@ TEST(FileVersionText, FitsOrGivesZero) {
     }
 }
 
-TEST(FileVersionText, OfAFileIsThatOfItsVersion) {
+TEST(VersionNumberText, OfAFileIsThatOfItsVersion) {
     TempFolder folder;
     wchar_t sz[32] = L"old";
     VS_FIXEDFILEINFO info{};
@@ -119,7 +119,7 @@ TEST(FileVersionText, OfAFileIsThatOfItsVersion) {
     EXPECT_STREQ(L"0.0.0.0", sz);
 }
 
-TEST_P(VersionTextTest, IsParsed) {
+TEST_P(VersionNumberTest, IsParsed) {
     GuardedArea area(1024);
     wchar_t* psz = area.Put(GetParam().strText);
     EXPECT_EQ(GetParam().nVersion, ParseFileVersionStr(psz));
@@ -130,7 +130,7 @@ TEST_P(VersionTextTest, IsParsed) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Cases, VersionTextTest,
+    Cases, VersionNumberTest,
     testing::Values(
         VersionCase{"Empty", L"", 0}, VersionCase{"One", L"7", 7},
         VersionCase{"Two", L"1.2", 0x10002}, VersionCase{"Three", L"1.2.3", 0x100020003},
@@ -142,9 +142,9 @@ INSTANTIATE_TEST_SUITE_P(
         VersionCase{"FirstEmpty", L".5", 5}),
     [](const auto& row) { return row.param.pszName; });
 
-TEST(FileVersionText, OfNullIsZero) { EXPECT_EQ(0u, ParseFileVersionStr(nullptr)); }
+TEST(VersionNumberText, OfNullIsZero) { EXPECT_EQ(0u, ParseFileVersionStr(nullptr)); }
 
-TEST(FileVersionText, RoundTrips) {
+TEST(VersionNumberText, RoundTrips) {
     std::mt19937_64 random(6);
     for (int n = 0; n < 1000; ++n) {
         unsigned __int64 nVersion = random();
@@ -154,7 +154,7 @@ TEST(FileVersionText, RoundTrips) {
     }
 }
 
-TEST(StripBuildNumber, KeepsThreeParts) {
+TEST(VersionWithoutBuild, KeepsThreeParts) {
     const std::wstring strLong(300, L'1');
     const StripCase rows[] = {
         {L"1.2.3.4", 32, L"1.2.3"},
@@ -187,7 +187,7 @@ TEST(StripBuildNumber, KeepsThreeParts) {
     StripBuildNumberIfAny(nullptr, 0, L"1.2.3.4");
 }
 
-TEST(StripBuildNumber, WorksInPlaceAndReadsNoFurtherThanTheText) {
+TEST(VersionWithoutBuild, WorksInPlaceAndReadsNoFurtherThanTheText) {
     wchar_t sz[] = L"6.1.7601.17514";
     StripBuildNumberIfAny(sz, 15, sz);
     EXPECT_STREQ(L"6.1.7601", sz);
@@ -197,7 +197,7 @@ TEST(StripBuildNumber, WorksInPlaceAndReadsNoFurtherThanTheText) {
     EXPECT_STREQ(L"1.2.3", szOut);
 }
 
-TEST(FileSetCount, IsThatOfItsEntriesIfThereAreAny) {
+TEST(FileSetHandle, IsThatOfItsEntriesIfThereAreAny) {
     int entries[3] = {};
     FileSet files;
     EXPECT_EQ(0u, files.GetCount());

@@ -1,0 +1,20 @@
+#pragma once
+#include "gallery_page.h"
+
+/// A text file: opened, recognised, edited, saved in any encoding, appended to.
+class FilesPage : public GalleryPage {
+  public:
+    __int64 OnInitDialog(unsigned __int64 wParam, __int64 lParam) override;
+    int UpdateControls() override;
+    void OnButtonClicked(unsigned short nId) override;
+    void OnResize(int dw, int dh) override;
+
+  private:
+    void OpenText();
+    void SaveText();
+    void AppendText();
+    void ShowResult(int bDone, const wchar_t* pszDone);
+
+    CSEdit pathEdit;
+    CSComboList formatList;
+};
