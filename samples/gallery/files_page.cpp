@@ -40,6 +40,7 @@ std::wstring TextOf(CSDlg& dialog, int nId) {
 __int64 FilesPage::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     pathEdit.Init(this, IDC_TEXT_PATH, nullptr, kDropAnyPath);
     formatList.Init(this, IDC_TEXT_FORMAT, nullptr, 0);
+    work.OnInitDialog();
     return GalleryPage::OnInitDialog(wParam, lParam);
 }
 
@@ -52,7 +53,13 @@ int FilesPage::UpdateControls() {
     pathEdit.SetText(szPath);
     SetDlgItemTextW(IDC_TEXT_BODY, L"A first line\r\nand a second one.\r\n");
     SetDlgItemTextFmtCtrl(IDC_TEXT_TOLD, L"not saved yet");
+    work.UpdateControls();
     return GalleryPage::UpdateControls();
+}
+
+__int64 FilesPage::OnCommand(unsigned short nId, unsigned short nCode, HWND hwndCtl) {
+    work.OnCommand(nId, nCode);
+    return GalleryPage::OnCommand(nId, nCode, hwndCtl);
 }
 
 void FilesPage::OnButtonClicked(unsigned short nId) {
@@ -61,6 +68,7 @@ void FilesPage::OnButtonClicked(unsigned short nId) {
     case IDC_TEXT_SAVE: SaveText(); break;
     case IDC_TEXT_APPEND: AppendText(); break;
     }
+    work.OnButtonClicked(nId);
     GalleryPage::OnButtonClicked(nId);
 }
 
@@ -98,4 +106,7 @@ void FilesPage::ShowResult(int bDone, const wchar_t* pszDone) {
     SetDlgItemTextW(IDC_TEXT_RESULT, bDone ? pszDone : L"Not possible");
 }
 
-void FilesPage::OnResize(int dw, int dh) { FollowSize(*this, kRules, dw, dh); }
+void FilesPage::OnResize(int dw, int dh) {
+    FollowSize(*this, kRules, dw, dh);
+    work.OnResize(dw, dh);
+}
