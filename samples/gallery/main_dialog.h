@@ -2,6 +2,7 @@
 #include "buttons_page.h"
 #include "dialogs_page.h"
 #include "edits_page.h"
+#include "files_page.h"
 #include "progress_page.h"
 #include "resource_ids.h"
 #include "rich_text_page.h"
@@ -35,6 +36,7 @@ class MainDialog : public CSDlgMain {
     UpdatesPage updatesPage;
     ProgressPage progressPage;
     ShellPage shellPage;
+    FilesPage filesPage;
     struct Page {
         GalleryPage& page;
         int nTemplateId;
@@ -42,7 +44,7 @@ class MainDialog : public CSDlgMain {
         const wchar_t* pszHelp;
     };
     // Add a row for a new page.
-    const Page pages[8] = {
+    const Page pages[9] = {
         {dialogsPage, IDD_DIALOGS, L"Dialogs", L"dialogs.htm"},
         {editsPage, IDD_EDITS, L"Edits and combos", L"edits.htm"},
         {textsPage, IDD_TEXTS, L"Texts", L"texts.htm"},
@@ -51,6 +53,7 @@ class MainDialog : public CSDlgMain {
         {updatesPage, IDD_UPDATES, L"Updates", L"updates.htm"},
         {progressPage, IDD_PROGRESS, L"Progress", L"progress.htm"},
         {shellPage, IDD_SHELL, L"Shell", L"shell.htm"},
+        {filesPage, IDD_FILES, L"Files", L"files.htm"},
     };
     GalleryPage* pShown = nullptr;
 };

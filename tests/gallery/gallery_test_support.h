@@ -19,6 +19,7 @@ enum PageNumber {
     kUpdatesPage,
     kProgressPage,
     kShellPage,
+    kFilesPage,
 };
 
 /// The gallery, started anew for each test, with nothing in its registry key.

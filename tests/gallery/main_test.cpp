@@ -29,6 +29,10 @@ const PageRow kPages[] = {
       IDC_BROWSE, IDC_DIGEST, IDC_DIGESTS}},
     {L"shell", // the desktop has nothing above it, and its first object is a folder and no link
      {IDC_SHELL_ROOT, IDC_SHELL_LIST, IDC_OBJECT_OPEN, IDC_OBJECT_LINK}},
+    {L"files",
+     {IDC_TEXT_PATH, IDC_TEXT_OPEN, IDC_TEXT_BODY, IDC_TEXT_FORMAT, IDC_TEXT_SAVE, IDC_TEXT_APPEND,
+      IDC_WORK_FROM, IDC_WORK_BROWSE, IDC_WORK_INTO, IDC_WORK_COPY, IDC_WORK_LIST, IDC_WORK_THREE,
+      IDC_WORK_WIPE, IDC_WORK_VERIFY, IDC_WORK_DELETE}},
 };
 constexpr int kPageCount = static_cast<int>(std::size(kPages));
 } // namespace

@@ -70,11 +70,20 @@ bool CopyBytes(CoreFile& source, CoreFile& target, DWORD cb) {
     return target.SetEndOfFile();
 }
 
+/// The low half of the size. Any value can be one, unlike what CoreFile::GetSize gives, which would
+/// take the largest for an empty file. False if the file does not tell.
+bool GetLowSize(CoreFile& file, DWORD* pcb) {
+    const __int64 cb = file.MoveTo64(0, FILE_END);
+    *pcb = static_cast<DWORD>(cb);
+    return cb >= 0 && file.MoveTo64(0, FILE_BEGIN) == 0;
+}
+
 int Verify(CoreFile& source, const wchar_t* pszTarget) {
     CoreFile target(pszTarget, 0);
     if (!target.IsReady()) return 0;
-    const DWORD cb = source.GetSize(nullptr);
-    return target.GetSize(nullptr) == cb && (!cb || CompareBytes(source, target, cb));
+    DWORD cb, cbTarget;
+    if (!GetLowSize(source, &cb) || !GetLowSize(target, &cbTarget)) return 0;
+    return cbTarget == cb && (!cb || CompareBytes(source, target, cb));
 }
 
 // QUIRK: only the low half of the size counts, as in CoreFile::CopyFileW, here and in Verify.
@@ -84,9 +93,9 @@ int CopyContentsAndTimes(CoreFile& source, const wchar_t* pszSource, const wchar
     if (!target.IsReady()) return 0;
     FILETIME ftCreation, ftAccess, ftWrite;
     const bool bTimes = source.GetTime(&ftCreation, &ftAccess, &ftWrite);
-    ::SetLastError(NO_ERROR); // tells an empty source from one that does not tell its size
-    const DWORD cb = source.GetSize(nullptr);
-    if (!cb) return ::GetLastError() == NO_ERROR && target.SetEndOfFile();
+    DWORD cb;
+    if (!GetLowSize(source, &cb)) return 0;
+    if (!cb) return target.SetEndOfFile();
     if (!CopyBytes(source, target, cb)) return 0;
     // The contents are right by now: a file system that keeps neither times nor attributes is no
     // failure.

@@ -12,11 +12,14 @@
 namespace {
 const wchar_t* NextText(const wchar_t* psz) { return psz + std::wcslen(psz) + 1; }
 
-/// The characters of a list, with its last terminator.
-std::size_t GetListSize(const wchar_t* pszList) {
-    const wchar_t* psz = pszList;
-    while (*psz) psz = NextText(psz);
-    return static_cast<std::size_t>(psz - pszList) + 1;
+/// The characters of a list, with its last terminator; 0 if it does not end within cchMost.
+std::size_t GetListSize(const wchar_t* pszList, std::size_t cchMost) {
+    bool bTextEnded = true; // a terminator now is the list's
+    for (std::size_t n = 0; n < cchMost; ++n) {
+        if (!pszList[n] && bTextEnded) return n + 1;
+        bTextEnded = !pszList[n];
+    }
+    return 0;
 }
 
 /// Writes a folder, a separator where it has none, and a name, if there is an output. Returns the
@@ -75,8 +78,8 @@ int CSFile::DeleteByList(const wchar_t* pszList, DWORD nFlags) {
 
 int CSFile::CopyDoubleZeroTerminatedList(wchar_t* pszOut, unsigned cchOut, const wchar_t* pszList) {
     if (!pszOut || !pszList) return 0;
-    const std::size_t cch = GetListSize(pszList);
-    if (cch > cchOut) return 0;
+    const std::size_t cch = GetListSize(pszList, cchOut); // what does not fit is not read either
+    if (!cch) return 0;
     std::wmemmove(pszOut, pszList, cch);
     return 1;
 }

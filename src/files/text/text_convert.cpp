@@ -172,7 +172,12 @@ int TextMaker::Convert(const BYTE* p, std::size_t cb) {
     const int nMade =
         ::MultiByteToWideChar(nCodePage, 0, reinterpret_cast<const char*>(p), static_cast<int>(cb),
                               psz + n, static_cast<int>(std::min<DWORD>(cchRoom, INT_MAX)));
-    return nMade > 0 ? nMade : -1;
+    // Where there is room for half of a last character of two, some platforms cut it and say
+    // nothing: what fills the room is counted again.
+    const bool bLost = nMade > 0 && static_cast<DWORD>(nMade) + 1 >= cchRoom &&
+                       ::MultiByteToWideChar(nCodePage, 0, reinterpret_cast<const char*>(p),
+                                             static_cast<int>(cb), nullptr, 0) != nMade;
+    return nMade > 0 && !bLost ? nMade : -1;
 }
 
 std::size_t TextMaker::Take(const BYTE* p, std::size_t cb, bool bLast) {

@@ -4,8 +4,9 @@
 
 // How the characters of a text stand in a file.
 
-/// The encoding of a text file, as far as its start tells.
-enum CSFileTextFmt {
+/// The encoding of a text file, as far as its start tells. Any other value is read like fmtAnsi,
+/// and nothing is written in it.
+enum CSFileTextFmt : int {
     fmtUnknown = 0,   // not yet known, or the file could not be read
     fmtAnsi = 1,      // bytes in the ANSI code page, lines end in CR LF, or no line end was seen
     fmtUnicode = 2,   // UTF-16 little-endian with its mark, FF FE
