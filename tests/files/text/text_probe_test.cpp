@@ -211,7 +211,7 @@ TEST(TextFormat, IsToldFromEveryPrefixThatEndsAroundTheBlock) {
     const std::wstring strPath = folder.File(L"a.txt");
     const std::string tail = "a\r\n\xC3\xB6\xE2\x82\xAC\r\n\xF0\x9F\x98\x80\r\nb\n";
     for (const std::string& mark : {std::string(), kUtf8}) {
-        for (std::size_t cbLine : {8174u, 8183u}) {
+        for (std::size_t cbLine : {8180u}) {
             const std::string bytes = mark + std::string(cbLine - mark.size(), 'a') + tail;
             for (std::size_t cb = 8186; cb <= bytes.size(); ++cb) {
                 const std::string prefix = bytes.substr(0, cb);
