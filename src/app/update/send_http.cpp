@@ -58,6 +58,31 @@ struct WebFunctions {
     }
 };
 
+/// Where the platform keeps a copy of an answer on the disk, which it does even of one that it was
+/// told to fetch anew.
+class CachedCopy {
+  public:
+    CachedCopy(const WebFunctions& webFunctions, HINTERNET hRequest) {
+        DWORD cb = sizeof(szUrl);
+        if (!webFunctions.pfnQueryOption(hRequest, INTERNET_OPTION_URL, szUrl, &cb)) *szUrl = 0;
+        cb = sizeof(szFile);
+        if (!webFunctions.pfnQueryOption(hRequest, INTERNET_OPTION_DATAFILE_NAME, szFile, &cb))
+            *szFile = 0;
+    }
+    /// Deletes it. Not before the request is closed, which puts it there.
+    void Delete() const {
+        static constexpr RuntimeFunc<decltype(::DeleteUrlCacheEntryW)> deleteEntry(
+            L"wininet.dll", "DeleteUrlCacheEntryW");
+        auto* pfn = deleteEntry.Get();
+        // The file of an answer that was not read to its end has no entry.
+        if (pfn && *szUrl && !pfn(szUrl) && *szFile) ::DeleteFileW(szFile);
+    }
+
+  private:
+    wchar_t szUrl[INTERNET_MAX_URL_LENGTH + 1] = {}; // the last one of those asked
+    wchar_t szFile[MAX_PATH] = {};
+};
+
 /// One question and its answer. Owned by who waits and by each thread that works on it.
 class Exchange {
   public:
@@ -182,12 +207,15 @@ void Exchange::Read(HINTERNET hRequest) {
 
 void Exchange::Run() {
     if (!web.Load()) return;
-    if (HINTERNET hRequest = OpenRequest()) {
-        SetTimeout(hRequest, INTERNET_OPTION_CONNECT_TIMEOUT);
-        SetTimeout(hRequest, INTERNET_OPTION_RECEIVE_TIMEOUT);
-        if (Send(hRequest)) Read(hRequest);
-    }
+    HINTERNET hRequest = OpenRequest();
+    if (!hRequest) return CloseHandles();
+    SetTimeout(hRequest, INTERNET_OPTION_CONNECT_TIMEOUT);
+    SetTimeout(hRequest, INTERNET_OPTION_RECEIVE_TIMEOUT);
+    if (Send(hRequest)) Read(hRequest);
+    if (bCancelled) return; // by whoever has closed the handles, whose numbers may be another's now
+    const CachedCopy copy(web, hRequest);
     CloseHandles();
+    copy.Delete();
 }
 
 // The answer's text

@@ -19,7 +19,7 @@
 /// platform goes when that lets it. The calling thread handles no messages meanwhile.
 ///
 /// Cookies are the platform's matter: it sends those that it has for the server, and may keep what
-/// the server sends.
+/// the server sends. Of the answer no copy stays in its cache.
 [[nodiscard]] TESSALY_API wchar_t* SendHttp(const wchar_t* pszServer, const wchar_t* pszObject,
                                             unsigned cbMax, const wchar_t* pszPost,
                                             unsigned nSeconds);
