@@ -9,7 +9,7 @@ packages=(
     googletest
     clang-format clang-tidy
     wine wine64 fonts-wine fonts-dejavu-core
-    xvfb xdotool imagemagick procps python3-aiohttp curl
+    xvfb xdotool xclip imagemagick procps python3-aiohttp curl
 )
 packages+=("$@") # what a caller needs besides
 missing=()

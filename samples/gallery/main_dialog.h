@@ -2,6 +2,7 @@
 #include "buttons_page.h"
 #include "dialogs_page.h"
 #include "edits_page.h"
+#include "progress_page.h"
 #include "resource_ids.h"
 #include "rich_text_page.h"
 #include "texts_page.h"
@@ -31,6 +32,7 @@ class MainDialog : public CSDlgMain {
     RichTextPage richTextPage;
     ButtonsPage buttonsPage;
     UpdatesPage updatesPage;
+    ProgressPage progressPage;
     struct Page {
         GalleryPage& page;
         int nTemplateId;
@@ -45,6 +47,7 @@ class MainDialog : public CSDlgMain {
         {richTextPage, IDD_RICH_TEXT, L"Rich text", L"richtext.htm"},
         {buttonsPage, IDD_BUTTONS, L"Buttons", L"buttons.htm"},
         {updatesPage, IDD_UPDATES, L"Updates", L"updates.htm"},
+        {progressPage, IDD_PROGRESS, L"Progress", L"progress.htm"},
     };
     GalleryPage* pShown = nullptr;
 };

@@ -1,3 +1,4 @@
+#include "shell/namespace/freed_blocks.h"
 #include "shell/namespace/pidl.h"
 
 #include <shlobj.h>
@@ -5,7 +6,7 @@
 
 namespace {
 TEST(Pidl, AttachAndMakeDoNotFreeWhatWasHeld) {
-    IMalloc* pMalloc = GetShellMalloc();
+    FreedBlocks freed;
     ITEMIDLIST* pidlFirst = PIDL::Alloc(2);
     pidlFirst->mkid.cb = 0;
     PIDL list;
@@ -14,8 +15,8 @@ TEST(Pidl, AttachAndMakeDoNotFreeWhatWasHeld) {
     ITEMIDLIST* pidlSecond = list;
     EXPECT_NE(pidlFirst, pidlSecond);
     list.Attach(static_cast<ITEMIDLIST*>(nullptr));
-    EXPECT_EQ(1, pMalloc->DidAlloc(pidlFirst));
-    EXPECT_EQ(1, pMalloc->DidAlloc(pidlSecond));
+    EXPECT_FALSE(freed.Has(pidlFirst));
+    EXPECT_FALSE(freed.Has(pidlSecond));
     PIDL::Free(pidlFirst);
     PIDL::Free(pidlSecond);
 }
@@ -24,10 +25,9 @@ TEST(Pidl, MakeRootOfARawListFreesIt) {
     ::CoInitialize(nullptr);
     ITEMIDLIST* pidl = GetPidlOf(L"C:\\windows");
     ASSERT_NE(nullptr, pidl);
-    IMalloc* pMalloc = GetShellMalloc();
-    EXPECT_EQ(1, pMalloc->DidAlloc(pidl));
+    FreedBlocks freed;
     PIDL::MakeRoot(pidl);
-    EXPECT_EQ(0, pMalloc->DidAlloc(pidl));
+    EXPECT_TRUE(freed.Has(pidl));
     ::CoUninitialize();
 }
 } // namespace
