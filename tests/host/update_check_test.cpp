@@ -112,6 +112,24 @@ DWORD ProductTime() {
     return static_cast<DWORD>(qw / kTicksPerSecond - kUnixEpoch - kOurs);
 }
 
+std::set<std::wstring> FilesOfUsers() {
+    std::set<std::wstring> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(
+             L"C:\\users", std::filesystem::directory_options::skip_permission_denied)) {
+        if (entry.path().wstring().find(L"tessaly_test_") == std::wstring::npos)
+            files.insert(entry.path().wstring());
+    }
+    return files;
+}
+
+/// Those that are there now and are none of the ones before.
+std::set<std::wstring> NewFilesOfUsers(const std::set<std::wstring>& before) {
+    std::set<std::wstring> left;
+    for (const std::wstring& str : FilesOfUsers())
+        if (!before.contains(str)) left.insert(str);
+    return left;
+}
+
 class HostUpdateCheck : public testing::Test {
   protected:
     static void SetUpTestSuite() { server = std::make_unique<HttpServer>(); }
@@ -267,6 +285,10 @@ TEST_F(HostUpdateCheck, BothWorkBesideTheRunningOne) {
 }
 
 TEST_F(HostUpdateCheck, EndsInTimeWhateverTheServerDoes) {
+    server->Say({"text/4F4B"});
+    HostRun(L"/CHECK4UPDATES").WaitForEnd(); // the platform makes its folders
+    (void)server->TakeRequests();
+    auto filesBefore = FilesOfUsers();
     Plant(1000, 2000);
     server->Say({"silent", "drip-body/1000", "drip-headers/1000"});
     HostRun runs[] = {HostRun(L"/CHECK4UPDATES"), HostRun(L"/CHECK4UPDATES"),
@@ -278,16 +300,7 @@ TEST_F(HostUpdateCheck, EndsInTimeWhateverTheServerDoes) {
     EXPECT_EQ(3u, server->TakeRequests().size());
     ExpectTomorrow();
     EXPECT_EQ(1000u, Stored(L"LastUpdate"));
-}
-
-std::set<std::wstring> FilesOfUsers() {
-    std::set<std::wstring> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(
-             L"C:\\users", std::filesystem::directory_options::skip_permission_denied)) {
-        if (entry.path().wstring().find(L"tessaly_test_") == std::wstring::npos)
-            files.insert(entry.path().wstring());
-    }
-    return files;
+    EXPECT_EQ(std::set<std::wstring>{}, NewFilesOfUsers(filesBefore));
 }
 
 // But for cookies: what the server wants kept, the platform keeps.
@@ -310,9 +323,6 @@ TEST_F(HostUpdateCheck, LeavesItsScheduleAndNothingElse) {
     EXPECT_EQ((std::set<std::wstring>{L"LastUpdate", L"NextUpdate"}), names);
     setup.Delete();
     EXPECT_EQ(userBefore, RegTree::DumpOf(HKEY_CURRENT_USER, L"Software"));
-    std::set<std::wstring> left;
-    for (const std::wstring& str : FilesOfUsers())
-        if (!filesBefore.contains(str)) left.insert(str);
-    EXPECT_EQ(std::set<std::wstring>{}, left);
+    EXPECT_EQ(std::set<std::wstring>{}, NewFilesOfUsers(filesBefore));
 }
 } // namespace

@@ -39,8 +39,10 @@ struct WebFunctions {
     decltype(&::InternetQueryDataAvailable) pfnQueryDataAvailable;
     decltype(&::InternetReadFile) pfnReadFile;
     decltype(&::InternetCloseHandle) pfnCloseHandle;
+    decltype(&::DeleteUrlCacheEntryW) pfnDeleteEntry; // may be null
 
     bool Load() {
+        Find(pfnDeleteEntry, "DeleteUrlCacheEntryW");
         return Find(pfnOpen, "InternetOpenW") && Find(pfnConnect, "InternetConnectW") &&
                Find(pfnOpenRequest, "HttpOpenRequestW") &&
                Find(pfnQueryOption, "InternetQueryOptionW") &&
@@ -62,20 +64,20 @@ struct WebFunctions {
 /// told to fetch anew.
 class CachedCopy {
   public:
-    CachedCopy(const WebFunctions& webFunctions, HINTERNET hRequest) {
+    /// Asks for its names, once the answer has begun.
+    void Find(const WebFunctions& webFunctions, HINTERNET hRequest) {
         DWORD cb = sizeof(szUrl);
         if (!webFunctions.pfnQueryOption(hRequest, INTERNET_OPTION_URL, szUrl, &cb)) *szUrl = 0;
         cb = sizeof(szFile);
         if (!webFunctions.pfnQueryOption(hRequest, INTERNET_OPTION_DATAFILE_NAME, szFile, &cb))
             *szFile = 0;
     }
+    void Forget() { *szUrl = *szFile = 0; }
     /// Deletes it. Not before the request is closed, which puts it there.
-    void Delete() const {
-        static constexpr RuntimeFunc<decltype(::DeleteUrlCacheEntryW)> deleteEntry(
-            L"wininet.dll", "DeleteUrlCacheEntryW");
-        auto* pfn = deleteEntry.Get();
+    void Delete(const WebFunctions& webFunctions) const {
+        if (*szUrl && webFunctions.pfnDeleteEntry && webFunctions.pfnDeleteEntry(szUrl)) return;
         // The file of an answer that was not read to its end has no entry.
-        if (pfn && *szUrl && !pfn(szUrl) && *szFile) ::DeleteFileW(szFile);
+        if (*szFile) ::DeleteFileW(szFile);
     }
 
   private:
@@ -109,7 +111,8 @@ class Exchange {
   private:
     enum Level { kSession, kConnection, kRequest, kLevels };
 
-    ~Exchange() = default;
+    /// The last of the owners: nobody has a handle open any more.
+    ~Exchange() { copy.Delete(web); }
     HINTERNET Keep(Level level, HINTERNET hOpened);
     void CloseHandles();
     HINTERNET OpenRequest();
@@ -127,6 +130,7 @@ class Exchange {
     WebFunctions web{};
     std::atomic<HINTERNET> handles[kLevels] = {};
     std::atomic<bool> bCancelled{false};
+    CachedCopy copy; // the worker's, and then the last owner's
 };
 
 struct ExchangeOwner {
@@ -207,15 +211,16 @@ void Exchange::Read(HINTERNET hRequest) {
 
 void Exchange::Run() {
     if (!web.Load()) return;
-    HINTERNET hRequest = OpenRequest();
-    if (!hRequest) return CloseHandles();
-    SetTimeout(hRequest, INTERNET_OPTION_CONNECT_TIMEOUT);
-    SetTimeout(hRequest, INTERNET_OPTION_RECEIVE_TIMEOUT);
-    if (Send(hRequest)) Read(hRequest);
-    if (bCancelled) return; // by whoever has closed the handles, whose numbers may be another's now
-    const CachedCopy copy(web, hRequest);
+    if (HINTERNET hRequest = OpenRequest()) {
+        SetTimeout(hRequest, INTERNET_OPTION_CONNECT_TIMEOUT);
+        SetTimeout(hRequest, INTERNET_OPTION_RECEIVE_TIMEOUT);
+        if (Send(hRequest)) {
+            copy.Find(web, hRequest);
+            if (bCancelled) copy.Forget(); // the number may have been another's request by then
+            Read(hRequest);
+        }
+    }
     CloseHandles();
-    copy.Delete();
 }
 
 // The answer's text

@@ -13,10 +13,11 @@
 /// (runtime/text/str_copy.h). Null if nothing was read: no connection, no WinINet, an empty answer,
 /// or out of memory.
 ///
-/// It shows nothing, and comes back nSeconds and at most 2 seconds later, whatever the server or
-/// the network does: what was read until then is the answer. The platform's part of the work is
-/// done on a thread of its own, which is normally gone when this comes back; one that hangs in the
-/// platform goes when that lets it. The calling thread handles no messages meanwhile.
+/// It shows nothing, and comes back at most 2 seconds after nSeconds (more than a day counts as a
+/// day), whatever the server or the network does: what was read until then is the answer. The
+/// platform's part of the work is done on a thread of its own, which is normally gone when this
+/// comes back; one that hangs in the platform goes when that lets it. The calling thread handles no
+/// messages meanwhile.
 ///
 /// Cookies are the platform's matter: it sends those that it has for the server, and may keep what
 /// the server sends. Of the answer no copy stays in its cache.

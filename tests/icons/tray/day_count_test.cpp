@@ -1,4 +1,5 @@
 #include "app/identity/product_info.h"
+#include "app/shell_start_recorder.h"
 #include "icons/menu_test_support.h"
 #include "icons/tray/day_count.h"
 
@@ -172,4 +173,23 @@ TEST_F(DayCount, WithoutItsKeyTheCounterIsWhatItLastWas) {
     today.Set(2017, 12, 24);
     EXPECT_EQ(13u, UpdateDayCount());
     EXPECT_EQ(13, Stored());
+}
+
+TEST_F(DayCount, CheckForUpdatesIsAskedForFromTheSecondDayOn) {
+    ShellStartRecorder shell;
+    setup.PutDword(L"NextUpdate", 2); // long due
+    setup.PutDword(L"RemindFreq", 3); // never, and not unasked: both count for nothing here
+    setup.PutDword(L"AutoCheck", 0);
+    UpdateDayCount();
+    EXPECT_TRUE(shell.calls.empty());
+    today.Set(2017, 11, 4);
+    for (int n = 0; n < 2; ++n) { // each call asks
+        UpdateDayCount();
+        EXPECT_EQ(MaybeText(L"/CHECK4UPDATES"), shell.TakeOne().parameters) << n;
+    }
+    EXPECT_EQ(3, setup.Value(L"RemindFreq").bytes[0]);
+    EXPECT_EQ(0, setup.Value(L"AutoCheck").bytes[0]);
+    setup.PutDword(L"NextUpdate", 0xFFFFFFFF); // none is wanted
+    UpdateDayCount();
+    EXPECT_TRUE(shell.calls.empty());
 }
