@@ -2,6 +2,7 @@
 #include "buttons_page.h"
 #include "dialogs_page.h"
 #include "edits_page.h"
+#include "progress_page.h"
 #include "resource_ids.h"
 #include "rich_text_page.h"
 #include "texts_page.h"
@@ -30,6 +31,7 @@ class MainDialog : public CSDlgMain {
     TextsPage textsPage;
     RichTextPage richTextPage;
     ButtonsPage buttonsPage;
+    ProgressPage progressPage;
     UpdatesPage updatesPage;
     struct Page {
         GalleryPage& page;
@@ -38,12 +40,13 @@ class MainDialog : public CSDlgMain {
         const wchar_t* pszHelp;
     };
     // Add a row for a new page.
-    const Page pages[6] = {
+    const Page pages[7] = {
         {dialogsPage, IDD_DIALOGS, L"Dialogs", L"dialogs.htm"},
         {editsPage, IDD_EDITS, L"Edits and combos", L"edits.htm"},
         {textsPage, IDD_TEXTS, L"Texts", L"texts.htm"},
         {richTextPage, IDD_RICH_TEXT, L"Rich text", L"richtext.htm"},
         {buttonsPage, IDD_BUTTONS, L"Buttons", L"buttons.htm"},
+        {progressPage, IDD_PROGRESS, L"Progress", L"progress.htm"},
         {updatesPage, IDD_UPDATES, L"Updates", L"updates.htm"},
     };
     GalleryPage* pShown = nullptr;

@@ -40,7 +40,10 @@ Progress::~Progress() {
         ::EnableWindow(hwndParent, TRUE);
         ::SetForegroundWindow(hwndParent);
     }
+    const bool bHadThread = pThread != nullptr;
     Close();
+    // A dialog that has only just come up takes the foreground once more, from the loop it runs in.
+    if (hwndParent && bHadThread) ::SetForegroundWindow(hwndParent);
     DeleteEndedThreads();
     delete[] pszTitle;
     for (wchar_t* psz : pszText) delete[] psz;

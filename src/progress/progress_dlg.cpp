@@ -78,6 +78,8 @@ __int64 ProgressDlg::OnInitDialog(unsigned __int64 wParam, __int64 lParam) {
     progressCtrl.EnableTaskbarProgress(hwnd);
     if (bCanCancel) {
         SetDlgItemFocus(IDCANCEL);
+        // The Enter key too: without a default button it comes as IDOK, which is Close's alone.
+        ::SendMessageW(hwnd, DM_SETDEFID, IDCANCEL, 0);
     } else {
         EnableDlgItem(IDCANCEL, 0);
     }
@@ -125,7 +127,8 @@ void ProgressDlg::SharePlacement() {
 }
 
 __int64 ProgressDlg::OnCancel() {
-    if (bAsking) return 1; // one question is enough
+    // Where Cancel is grey, not every platform keeps Escape and the caption's button away.
+    if (!bCanCancel || bAsking) return 1; // one question is enough
     bAsking = true;
     const int nAnswer = ::Msg(hWnd, MB_YESNO | MB_ICONQUESTION, -IDS_PROGRESS_CANCEL);
     bAsking = false;
