@@ -178,6 +178,7 @@ void Progress::Show(int bShow) {
     ProgressDlg* pShown = GetLiveDlg();
     if (!pShown || !pShown->IsWindowThere()) return;
     HWND hwnd = *pShown;
+    pShown->bHidden = !bShow;
     ::ShowWindow(hwnd, bShow ? SW_SHOW : SW_HIDE);
     if (bShow) ::SetForegroundWindow(hwnd);
 }
