@@ -101,7 +101,8 @@ LRESULT CSProgressCtrl::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     case PBM_GETPOS:
     case PBM_SETRANGE:
     case PBM_SETRANGE32:
-    case WM_PAINT: CatchUp(); break;
+    case WM_PAINT:
+    case WM_PRINTCLIENT: CatchUp(); break;
     case WM_ENABLE: EnableLines(); break;
     case WM_DROPFILES: return OnDropFilesMessage(wParam, lParam);
     }
@@ -130,7 +131,10 @@ void CSProgressCtrl::CatchUp() {
 /// which may have reached the bar already.
 bool CSProgressCtrl::ShowPutOff() {
     if (!progressEx.bUnshown.exchange(false)) return false;
-    ShowMirror(static_cast<int>(SendMsg(PBM_GETPOS, 0, 0)));
+    const int nPos = static_cast<int>(SendMsg(PBM_GETPOS, 0, 0));
+    ShowMirror(nPos);
+    // The worker may have set another one meanwhile, whose place on the taskbar this one has taken.
+    if (static_cast<int>(SendMsg(PBM_GETPOS, 0, 0)) != nPos) progressEx.bUnshown = true;
     return true;
 }
 

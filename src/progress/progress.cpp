@@ -134,6 +134,7 @@ void Progress::HandOver(ProgressDlg* pShown) {
     }
     if (nPendingSteps) pShown->SetPos64(std::exchange(nPendingSteps, 0));
     if (nPendingPos >= 0) pShown->SetPos64(std::exchange(nPendingPos, kNone));
+    for (; nLateSteps && nPendingPos < 0; --nLateSteps) pShown->StepIt();
     if (dwTickerInterval) {
         pShown->EnableTicker(std::exchange(dwTickerInterval, 0u), dwTickerMax, pTickerResult);
     }
@@ -146,7 +147,7 @@ bool Progress::IsAnythingStored() const {
     bool bText = pszTitle != nullptr;
     for (const wchar_t* psz : pszText) bText = bText || psz;
     return bText || (nPendingLow >= 0 && nPendingHigh >= 0) || nPendingSteps || nPendingPos >= 0 ||
-           dwTickerInterval;
+           nLateSteps || dwTickerInterval;
 }
 
 HWND Progress::GetDlgHWND() {
@@ -177,6 +178,7 @@ void Progress::Show(int bShow) {
     ProgressDlg* pShown = GetLiveDlg();
     if (!pShown || !pShown->IsWindowThere()) return;
     HWND hwnd = *pShown;
+    pShown->bHidden = !bShow;
     ::ShowWindow(hwnd, bShow ? SW_SHOW : SW_HIDE);
     if (bShow) ::SetForegroundWindow(hwnd);
 }

@@ -163,6 +163,7 @@ class TESSALY_API Progress {
     int bParentDisabled = 0;      // by this object
     int bHandedOver = 0;          // what was stored, to the present dialog
     int bHandingOver = 0;         // just now: handlers that run meanwhile store
+    int nLateSteps = 0;           // theirs, behind the position that is handed over
     std::atomic<ProgressThread*> pEndedThread{
         nullptr}; // closed while calls were under way; a chain, owned
 };

@@ -28,6 +28,21 @@ BOOL CALLBACK AnswerNo(HWND hwnd, LPARAM lParam) {
     ::PostMessageW(hwnd, bHasNo ? WM_COMMAND : WM_CLOSE, bHasNo ? IDNO : 0, 0);
     return TRUE;
 }
+
+/// In the foreground, and with nothing over it but windows that are always on top. The foreground
+/// alone does not tell: another window can come to the top without it.
+bool IsOnTop(HWND hwnd) {
+    constexpr int kMaxAbove = 256; // the order may change meanwhile: no walk in circles
+    if (::GetForegroundWindow() != hwnd) return false;
+    HWND hwndAbove = hwnd;
+    for (int n = 0; n < kMaxAbove; ++n) {
+        hwndAbove = ::GetWindow(hwndAbove, GW_HWNDPREV);
+        if (!hwndAbove) return true;
+        if (!::IsWindowVisible(hwndAbove)) continue;
+        return (::GetWindowLongPtrW(hwndAbove, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+    }
+    return false;
+}
 } // namespace
 
 constinit MyWindowPlacement ProgressDlg::wpResizing;
@@ -113,6 +128,16 @@ __int64 ProgressDlg::OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __
         break;
     case WM_TIMER:
         if (wParam == kShowTimer) ShowSteps();
+        break;
+    case WM_WINDOWPOSCHANGING:
+        // The loop that runs a dialog shows it once more when it has nothing to do for the first
+        // time: not one that the worker has hidden before that.
+        if (bHidden && !::InSendMessage()) {
+            auto* pPos = reinterpret_cast<WINDOWPOS*>(lParam);
+            if (pPos->flags & SWP_SHOWWINDOW) {
+                pPos->flags = (pPos->flags & ~static_cast<UINT>(SWP_SHOWWINDOW)) | SWP_NOACTIVATE;
+            }
+        }
         break;
     }
     __int64 nResult = CSDlg::OnDlgMessage(uMsg, wParam, lParam);
@@ -229,7 +254,7 @@ void ProgressDlg::ShowSteps() {
 void ProgressDlg::BringUp() {
     // Not out of the question, which would lose the keyboard at each step; and a look costs far
     // less than the call.
-    if (!bAsking && ::GetForegroundWindow() != hWnd) ::BringWindowToTop(hWnd);
+    if (!bAsking && !IsOnTop(hWnd)) ::BringWindowToTop(hWnd);
     ::UpdateWindow(hWnd);
 }
 

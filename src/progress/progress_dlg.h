@@ -107,5 +107,6 @@ class TESSALY_API ProgressDlg : public CSDlg {
     bool bModelessProgress = true;    // what the Progress said
     std::atomic<bool> bUp{false};     // from the end of OnInitDialog on
     std::atomic<bool> bAsking{false}; // the question is on the screen
+    std::atomic<bool> bHidden{false}; // by Progress::Show
     MyWindowPlacement wpOwn;          // this dialog's part in wpResizing
 };

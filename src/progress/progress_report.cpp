@@ -113,6 +113,7 @@ void Progress::SetPos64(__int64 qnPos) {
         pShown->SetPos64(qnPos);
     } else {
         nPendingPos = qnPos;
+        nLateSteps = 0;
     }
 }
 
@@ -126,6 +127,8 @@ void Progress::StepDlg() {
         pShown->StepBar();
     } else if ((pShown = GetLiveDlg()) != nullptr) {
         pShown->StepIt();
+    } else if (bHandingOver) {
+        ++nLateSteps;
     } else {
         ++nPendingSteps;
         TestClock();

@@ -6,6 +6,7 @@
 #include <shobjidl.h>
 #include <windows.h>
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -43,8 +44,9 @@ class FakeTaskbar {
                "; ";
     }
 
-    HRESULT hrCreate = S_OK;      // what the creation gives
-    std::atomic<int> nCreated{0}; // times that the taskbar was asked for
+    HRESULT hrCreate = S_OK;       // what the creation gives
+    std::function<void()> fnValue; // before a value is written down
+    std::atomic<int> nCreated{0};  // times that the taskbar was asked for
 
   private:
     void Add(const std::string& strCall) {
@@ -76,6 +78,7 @@ class FakeTaskbar {
         }
         HRESULT STDMETHODCALLTYPE SetProgressValue(HWND hwnd, ULONGLONG nDone,
                                                    ULONGLONG nAll) override {
+            if (pTaskbar->fnValue) pTaskbar->fnValue();
             pTaskbar->Add(Value(hwnd, nDone, nAll));
             return S_OK;
         }

@@ -5,6 +5,14 @@
 
 namespace {
 class ProgressCalls : public ProgressDialogTest {};
+
+/// Which of the two lies over the other.
+bool IsOver(HWND hwnd, HWND hwndOther) {
+    for (HWND h = ::GetTopWindow(nullptr); h; h = ::GetWindow(h, GW_HWNDNEXT)) {
+        if (h == hwnd || h == hwndOther) return h == hwnd;
+    }
+    return false;
+}
 } // namespace
 
 TEST_F(ProgressCalls, TitleAndLinesAreSetAtOnce) {
@@ -61,12 +69,7 @@ TEST_F(ProgressCalls, StepsThatMoveTheBarBringTheDialogToTheTop) {
     HWND hwnd = progress.GetDlgHWND();
     progress.SetRange64(0, 131070); // 2 to a unit
     TestWindow other;
-    auto isFirst = [&] {
-        for (HWND h = ::GetTopWindow(nullptr); h; h = ::GetWindow(h, GW_HWNDNEXT)) {
-            if (h == hwnd || h == other) return h == hwnd;
-        }
-        return false;
-    };
+    auto isFirst = [&] { return IsOver(hwnd, other); };
     auto coverBy = [&] {
         ::SetWindowPos(other, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
     };
@@ -79,6 +82,20 @@ TEST_F(ProgressCalls, StepsThatMoveTheBarBringTheDialogToTheTop) {
     coverBy();
     progress.SetPos64(77);
     EXPECT_TRUE(PumpUntil(isFirst));
+}
+
+TEST_F(ProgressCalls, StepBringsADialogUpThatIsInTheForegroundButCovered) {
+    Progress progress;
+    HWND hwnd = progress.GetDlgHWND();
+    progress.SetRange(0, 10);
+    TestWindow other;
+    ASSERT_TRUE(PumpUntil([&] { // the dialog's loop may show it once more meanwhile
+        ::SetWindowPos(other, HWND_TOP, 0, 0, 0, 0,
+                       SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW | SWP_NOACTIVATE);
+        return IsOver(other, hwnd) && ::GetForegroundWindow() == hwnd;
+    }));
+    progress.StepIt();
+    EXPECT_TRUE(PumpUntil([&] { return IsOver(hwnd, other); }));
 }
 
 TEST_F(ProgressCalls, NextStepStepsTellsAndGoesOn) {
@@ -123,6 +140,17 @@ TEST_F(ProgressCalls, ShowHidesAndShows) {
     progress.Close(); // also of a hidden one
     EXPECT_FALSE(::IsWindow(hwnd));
     progress.Show(1);
+}
+
+TEST_F(ProgressCalls, DialogHiddenWhileItComesUpStaysHidden) {
+    for (int n = 0; n < 10; ++n) {
+        Progress progress;
+        progress.Show(0);
+        HWND hwnd = progress.GetDlgHWND();
+        EXPECT_TRUE(HoldsFor([&] { return !::IsWindowVisible(hwnd); }, 50));
+        progress.Show(1);
+        EXPECT_TRUE(::IsWindowVisible(hwnd));
+    }
 }
 
 TEST_F(ProgressCalls, TextKeepsTheWorkersOwnWindowsAlive) {

@@ -1,6 +1,7 @@
 // What a worker told its handle before there was a dialog.
 
 #include "progress/dlg_support.h"
+#include "support/test_window.h"
 
 namespace {
 class ProgressHandOver : public ProgressDialogTest {};
@@ -224,6 +225,40 @@ TEST_F(ProgressHandOver, NeverLeavesNothingBehind) {
         for (const auto& call : {kCalls[0], kCalls[1], kCalls[9], kCalls[11]}) call(progress);
     }
     EXPECT_EQ(CountLiveBlocks(), nBlocks);
+}
+
+namespace {
+constexpr WPARAM kHandedPos = 500;
+HWND hwndWorker;
+HHOOK hAskHook;
+
+/// On the dialog's thread: the worker's window is asked something while the bar gets its position.
+LRESULT CALLBACK AskWorker(int nCode, WPARAM wParam, LPARAM lParam) {
+    auto* p = reinterpret_cast<const CWPSTRUCT*>(lParam);
+    if (nCode >= 0 && p->message == PBM_SETPOS && p->wParam == kHandedPos) {
+        ::SendMessageW(hwndWorker, WM_APP, 0, 0);
+    }
+    return ::CallNextHookEx(nullptr, nCode, wParam, lParam);
+}
+} // namespace
+
+TEST_F(ProgressHandOver, StepsOfAHandlerThatRunsMeanwhileGoOnFromThePosition) {
+    DialogRun run;
+    run.fnBefore = [] {
+        hAskHook = ::SetWindowsHookExW(WH_CALLWNDPROC, &AskWorker, nullptr, ::GetCurrentThreadId());
+    };
+    run.fnAfter = [] { ::UnhookWindowsHookEx(hAskHook); };
+    OpenProgress progress(nullptr, 60000, 0, 0, 1);
+    TestWindow window([&](UINT uMsg, WPARAM, LPARAM) -> std::optional<LRESULT> {
+        if (uMsg == WM_APP) progress.StepIt();
+        return {};
+    });
+    hwndWorker = window;
+    progress.SetRange64(0, 1000);
+    progress.SetPos64(kHandedPos);
+    progress.StartThread();
+    EXPECT_EQ(BarPos(progress.GetDlgHWND()), 501);
+    EXPECT_EQ(progress.GetPos64(), 501);
 }
 
 // Text updates that come too fast

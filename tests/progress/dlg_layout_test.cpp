@@ -173,8 +173,11 @@ TEST_F(ProgressLayout, WidthAndPlaceAreKeptFromOneDialogToTheNext) {
 TEST_F(ProgressLayout, DialogThatWasLeftMinimisedDoesNotComeBackSo) {
     {
         Progress progress;
-        ::ShowWindow(progress.GetDlgHWND(), SW_MINIMIZE);
-        EXPECT_TRUE(::IsIconic(progress.GetDlgHWND()));
+        HWND hwnd = progress.GetDlgHWND();
+        EXPECT_TRUE(WaitUntil([&] { // the dialog's loop shows it once more when it first has a rest
+            ::ShowWindow(hwnd, SW_MINIMIZE);
+            return HoldsFor([&] { return ::IsIconic(hwnd) != 0; }, 50);
+        }));
     }
     Progress progress;
     EXPECT_FALSE(::IsIconic(progress.GetDlgHWND()));

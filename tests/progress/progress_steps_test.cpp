@@ -4,6 +4,7 @@
 #include "progress/progress_window.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 // A bar with more units than pixels gets its steps together, now and then.
 
@@ -181,6 +182,56 @@ TEST(ProgressFineSteps, ReachTheTaskbar) {
     taskbar.Take();
     progress.Close();
     EXPECT_EQ(FakeTaskbar::State(hwnd, TBPF_NOPROGRESS) + "gone; ", taskbar.Take());
+}
+
+TEST(ProgressFineSteps, TaskbarEndsWithThePositionThatTheBarHas) {
+    FakeTaskbar taskbar;
+    Progress progress;
+    HWND hwnd = WindowOf(progress);
+    progress.SetRange64(0, kMany);
+    const DWORD nWorker = ::GetCurrentThreadId();
+    std::atomic<bool> bSet{false};
+    // As a worker that sets a position while the dialog tells the taskbar an earlier one.
+    taskbar.fnValue = [&] {
+        if (::GetCurrentThreadId() == nWorker || bSet.exchange(true)) return;
+        ::SendDlgItemMessageW(hwnd, kShownBarId, PBM_SETPOS, 500, 0);
+    };
+    StepUnits(progress, 3);
+    std::string str;
+    EXPECT_TRUE(PumpInRealTime([&] {
+        str += taskbar.Take();
+        return str.ends_with(FakeTaskbar::Value(hwnd, 500, kUnits));
+    })) << str;
+    progress.Close();
+}
+
+TEST(ProgressFineSteps, AreInAPictureOfTheBar) {
+    Progress progress;
+    HWND hwndBar = ::GetDlgItem(WindowOf(progress), kShownBarId);
+    progress.SetRange64(0, kMany);
+    constexpr int kWidth = 400, kHeight = 40;
+    auto draw = [&] {
+        BITMAPINFO info{};
+        info.bmiHeader = {sizeof(info.bmiHeader), kWidth, kHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* pBits = nullptr;
+        HBITMAP hbm = ::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pBits, nullptr, 0);
+        HDC hdc = ::CreateCompatibleDC(nullptr);
+        HGDIOBJ hOld = ::SelectObject(hdc, hbm);
+        ::SendMessageW(hwndBar, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(hdc), PRF_CLIENT);
+        ::GdiFlush();
+        auto* p = static_cast<const DWORD*>(pBits);
+        std::vector<DWORD> picture(p, p + kWidth * kHeight);
+        ::SelectObject(hdc, hOld);
+        ::DeleteDC(hdc);
+        ::DeleteObject(hbm);
+        return picture;
+    };
+    const std::vector<DWORD> empty = draw();
+    StepUnits(progress, 8'000);
+    const std::vector<DWORD> stepped = draw();
+    EXPECT_NE(empty, stepped);
+    EXPECT_EQ(8'000, PosOf(progress));
+    EXPECT_EQ(stepped, draw());
 }
 
 TEST(ProgressFineSteps, MayBeLeftBehindAtTheEnd) {
