@@ -36,15 +36,14 @@ unsigned GetSizeWithin(const ITEMIDLIST* pidl, unsigned cbMax) {
 
 ITEMIDLIST* GetPidlOf(const wchar_t* pszPath) {
     if (!pszPath) return nullptr;
-    IShellFolder* pDesktop = nullptr;
-    if (FAILED(::SHGetDesktopFolder(&pDesktop)) || !pDesktop) return nullptr;
-    ScopeExit release([&] { pDesktop->Release(); });
+    OwnedInterface<IShellFolder> desktop;
+    if (FAILED(::SHGetDesktopFolder(desktop.Put())) || !desktop) return nullptr;
     HeapArray<wchar_t> path = CopyToHeap(pszPath); // the parser takes a text that it may write to
     if (!path.IsReady()) return nullptr;
     ITEMIDLIST* pidl = nullptr;
-    if (FAILED(pDesktop->ParseDisplayName(nullptr, nullptr, path.Get(), nullptr, &pidl, nullptr)))
-        return nullptr;
-    return pidl;
+    const HRESULT hr =
+        desktop.Get()->ParseDisplayName(nullptr, nullptr, path.Get(), nullptr, &pidl, nullptr);
+    return SUCCEEDED(hr) ? pidl : nullptr;
 }
 
 const unsigned PIDL::iMinSize; // its value stands in the header
