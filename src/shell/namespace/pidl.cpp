@@ -21,17 +21,6 @@ ITEMIDLIST* Behind(ITEMIDLIST* pidl, unsigned cb) {
 
 /// Stores the end behind that many bytes of items.
 void EndAt(ITEMIDLIST* pidl, unsigned cbItems) { Behind(pidl, cbItems)->mkid.cb = 0; }
-
-/// The size with the end of the list at pidl; 0 if it has none within cbMax bytes.
-unsigned GetSizeWithin(const ITEMIDLIST* pidl, unsigned cbMax) {
-    unsigned cbItems = 0;
-    while (cbItems + PIDL::iMinSize <= cbMax) {
-        const unsigned cb = Behind(pidl, cbItems)->mkid.cb;
-        if (!cb) return cbItems + PIDL::iMinSize;
-        cbItems += cb;
-    }
-    return 0;
-}
 } // namespace
 
 ITEMIDLIST* GetPidlOf(const wchar_t* pszPath) {
@@ -78,6 +67,17 @@ unsigned PIDL::GetSizeAll(const ITEMIDLIST* pidlAsked) {
 
 unsigned PIDL::GetSizeTotal(const ITEMIDLIST* pidlAsked) {
     return pidlAsked ? GetSizeAll(pidlAsked) + iMinSize : 0;
+}
+
+unsigned PIDL::GetSizeWithin(const ITEMIDLIST* pidlAsked, unsigned cbMax) {
+    unsigned cbItems = 0;
+    while (pidlAsked && cbItems < cbMax && cbMax - cbItems >= iMinSize) {
+        const unsigned cb = Behind(pidlAsked, cbItems)->mkid.cb;
+        if (!cb) return cbItems + iMinSize;
+        if (cb > cbMax - cbItems) return 0;
+        cbItems += cb;
+    }
+    return 0;
 }
 
 unsigned PIDL::GetCount(const ITEMIDLIST* pidlAsked) {
