@@ -116,6 +116,7 @@ int iShellFolder::BindToAbs(const ITEMIDLIST* pidlAbs) {
 // Asking
 
 int iShellFolder::CreateShellViewObject(HWND hwnd, IShellView** ppOut) {
+    if (ppOut) *ppOut = nullptr;
     IShellFolder* pFolder = *this;
     if (!pFolder || !ppOut) return Keep(E_POINTER);
     return Keep(pFolder->CreateViewObject(hwnd, IID_IShellView, reinterpret_cast<void**>(ppOut)));
@@ -131,6 +132,7 @@ DWORD iShellFolder::GetAttributesOf(const ITEMIDLIST* pidlItem, DWORD nMask) {
 
 int iShellFolder::GetUIObjectOf(HWND hwnd, UINT nCount, const ITEMIDLIST** ppidlItems, REFIID iid,
                                 void** ppOut) {
+    if (ppOut) *ppOut = nullptr;
     IShellFolder* pFolder = *this;
     if (!pFolder || !ppOut) return Keep(E_POINTER);
     return Keep(pFolder->GetUIObjectOf(hwnd, nCount, ppidlItems, iid, nullptr, ppOut));
@@ -148,7 +150,8 @@ int iShellFolder::GetDisplayNameOf(const ITEMIDLIST* pidlItem, DWORD nFlags, wch
     if (!pFolder || !pidlItem) return Keep(E_POINTER);
     if (!Keep(pFolder->GetDisplayNameOf(pidlItem, nFlags, &ret))) return 0;
     static_cast<void>(StrRetToText(ret, pidlItem, pszOut, cchOut));
-    if (pszOut && cchOut) pszOut[cchOut - 1] = 0; // whatever stood behind a shorter name
+    if (pszOut && cchOut)
+        pszOut[cchOut - 1] = 0; // also behind a shorter name, for who fills the buffer
     return 1;
 }
 

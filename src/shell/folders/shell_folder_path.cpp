@@ -30,6 +30,7 @@ iShellFolder::iShellFolder(const wchar_t* pszPath, PIDL& pidlOut) {
     ConvertSlashes(path.Get());
     if (BindToPath(path.Get(), path.end() - 1, pidlOut)) return;
     Detach();
+    SetupAttributes(nullptr); // no trace of how far it came
     pidlOut.Clear();
 }
 

@@ -105,20 +105,10 @@ int iShellLink::Resolve(HWND hwnd, DWORD nFlags) {
 
 // Files, and what the link opens
 
-int iShellLink::Query(REFIID iid, iUnk& out) {
-    out.Detach();
-    if (!pUnk) return Keep(E_POINTER);
-    IUnknown* pFound = nullptr;
-    if (!Keep(pUnk->QueryInterface(iid, reinterpret_cast<void**>(&pFound)))) return 0;
-    out.Attach(pFound); // with a reference of its own
-    if (pFound) pFound->Release();
-    return 1;
-}
-
-int iShellLink::GetPersistFile(iPersistFile& file) { return Query(IID_IPersistFile, file); }
+int iShellLink::GetPersistFile(iPersistFile& file) { return Keep(Query(IID_IPersistFile, file)); }
 
 int iShellLink::GetPersistStream(iPersistStream& stream) {
-    return Query(IID_IPersistStream, stream);
+    return Keep(Query(IID_IPersistStream, stream));
 }
 
 int iShellLink::Load(const wchar_t* pszPath) {

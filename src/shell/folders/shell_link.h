@@ -48,5 +48,4 @@ class TESSALY_API iShellLink : public iUnkResult {
   private:
     template <class... Params, class... Args>
     int Call(HRESULT (STDMETHODCALLTYPE IShellLinkW::*pfn)(Params...), Args... args);
-    int Query(REFIID iid, iUnk& out);
 };

@@ -160,11 +160,11 @@ int CoreResolveShortcut(HWND hwndUnused, const wchar_t* pszPath, wchar_t* pszOut
     if (!pszPath || !CopyTextCut(pszOut, cchOut, L"")) return 0;
     IShellLinkW* pLink = nullptr;
     IPersistFile* pFile = nullptr;
-    int bInitialized = 0, bFound = 0;
-    if (CoreResolveShortcut_Init(&pLink, &pFile, &bInitialized)) {
-        bFound = CoreResolveShortcut(hwndUnused, pLink, pFile, pszPath, pszOut, cchOut);
-        CoreResolveShortcut_Done(&pLink, &pFile, &bInitialized);
-    }
+    int bInitialized = 0;
+    // Also without the objects: a path that is no shortcut needs none.
+    static_cast<void>(CoreResolveShortcut_Init(&pLink, &pFile, &bInitialized));
+    const int bFound = CoreResolveShortcut(hwndUnused, pLink, pFile, pszPath, pszOut, cchOut);
+    CoreResolveShortcut_Done(&pLink, &pFile, &bInitialized);
     if (!*pszOut) CopyTextCut(pszOut, cchOut, pszPath);
     return bFound;
 }

@@ -7,8 +7,8 @@ class iPersistFile;
 class iShellLink;
 
 // Shortcut files. COM is the caller's, on its thread, unless told otherwise. Results are 1 for
-// success and 0 for failure unless told otherwise; null paths fail. Buffers without a size have 260
-// characters.
+// success and 0 for failure unless told otherwise; null paths of shortcuts and targets fail.
+// Buffers without a size have 260 characters.
 
 // Making and changing
 

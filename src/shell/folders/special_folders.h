@@ -16,7 +16,7 @@ struct SPEC_FOLDER_DATA {
 
 /// The desktop's, the network neighbourhood's and the user's documents' records, closed by null,
 /// which are made at the first use. With bRelease they are freed, and the result is null; a later
-/// use makes them anew. For one thread at a time. Null when out of memory.
+/// use makes them anew. For one thread at a time. Out of memory, too, a record has null texts.
 TESSALY_API SPEC_FOLDER_DATA** GetSPEC_FOLDER_DATA(int bRelease);
 /// The first record below whose folder the path lies, at any depth; null if there is none.
 TESSALY_API SPEC_FOLDER_DATA* GetAnySpecialSubFolderData(const wchar_t* pszPath);

@@ -21,13 +21,15 @@ void iUnk::Detach() {
     if (pHeld) pHeld->Release();
 }
 
-int iUnk::QueryInterface(REFIID iid, iUnk& out) const {
+int iUnk::QueryInterface(REFIID iid, iUnk& out) const { return SUCCEEDED(Query(iid, out)); }
+
+HRESULT iUnk::Query(REFIID iid, iUnk& out) const {
     void* pFound = nullptr;
     const HRESULT hrQuery = pUnk ? pUnk->QueryInterface(iid, &pFound) : E_POINTER;
     if (FAILED(hrQuery)) pFound = nullptr;
     out.Detach(); // after the question: out may be this object
     out.pUnk = static_cast<IUnknown*>(pFound);
-    return SUCCEEDED(hrQuery);
+    return hrQuery;
 }
 
 ULONG iUnk::AddRef() const { return pUnk ? pUnk->AddRef() : 0; }

@@ -45,6 +45,9 @@ class TESSALY_API iUnk {
     operator IUnknown*() const { return pUnk; }
 
   protected:
+    /// QueryInterface with the interface's own result; E_POINTER without one.
+    HRESULT Query(REFIID iid, iUnk& out) const;
+
     IUnknown* pUnk = nullptr;
 };
 

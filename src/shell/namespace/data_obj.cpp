@@ -12,8 +12,12 @@ int iDataObj::GetData(WORD nFormat, void** phBlock) {
     request.tymed = TYMED_HGLOBAL;
     medium = {};
     IDataObject* pObject = *this;
-    const int bGot = Keep(pObject ? pObject->GetData(&request, &medium) : E_POINTER);
+    int bGot = Keep(pObject ? pObject->GetData(&request, &medium) : E_POINTER);
     if (!bGot) medium = {}; // whatever the object did to it: there is nothing to give back
+    if (medium.tymed != TYMED_NULL && medium.tymed != TYMED_HGLOBAL) {
+        ReleaseMedium(); // not what was asked for: a stream taken for a block would be no memory
+        bGot = Keep(DV_E_TYMED);
+    }
     if (phBlock) *phBlock = bGot ? medium.hGlobal : nullptr;
     return bGot;
 }

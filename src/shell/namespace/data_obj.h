@@ -14,7 +14,8 @@ class TESSALY_API iDataObj : public iUnkResult {
 
     /// Asks for one format, a registered one or CF_.... *phBlock is the block, which belongs to the
     /// object's medium and is good until ReleaseMedium. 1; 0 and a null block if there is no such
-    /// format. What an earlier call gave is not released by this one.
+    /// format, or only as something else than a block. What an earlier call gave is not released by
+    /// this one.
     int GetData(WORD nFormat, void** phBlock);
     /// Gives back what GetData got; nothing else, and nothing twice.
     void ReleaseMedium();

@@ -1,21 +1,10 @@
 #include "shell/namespace/id_list.h"
 #include "shell/namespace/data_obj.h"
+#include "shell/namespace/pidl.h"
 
 #include <algorithm>
+#include <climits>
 #include <new>
-
-namespace {
-/// Whether the bytes up to pEnd begin with a whole list.
-bool HoldsList(const BYTE* p, const BYTE* pEnd) {
-    while (pEnd - p >= static_cast<std::ptrdiff_t>(sizeof(USHORT))) {
-        const USHORT cb = reinterpret_cast<const ITEMIDLIST*>(p)->mkid.cb;
-        if (!cb) return true;
-        if (cb > pEnd - p) return false;
-        p += cb;
-    }
-    return false;
-}
-} // namespace
 
 constinit UINT ID_List::cfIDLIST = 0;
 
@@ -56,9 +45,10 @@ const ITEMIDLIST* ID_List::GetListAt(UINT nIndex) const {
     if (cb < offsetof(CIDA, aoffset) + (SIZE_T{nIndex} + 1) * sizeof(UINT)) return nullptr;
     const UINT nOffset = pArray->aoffset[nIndex];
     if (nOffset >= cb) return nullptr;
-    const auto* pStart = reinterpret_cast<const BYTE*>(pArray);
-    if (!HoldsList(pStart + nOffset, pStart + cb)) return nullptr;
-    return reinterpret_cast<const ITEMIDLIST*>(pStart + nOffset);
+    const auto* pidl =
+        reinterpret_cast<const ITEMIDLIST*>(reinterpret_cast<const BYTE*>(pArray) + nOffset);
+    const auto cbRest = static_cast<unsigned>(std::min<SIZE_T>(cb - nOffset, UINT_MAX));
+    return PIDL::GetSizeWithin(pidl, cbRest) ? pidl : nullptr;
 }
 
 const ITEMIDLIST* ID_List::GetFolderPidl() const { return GetListAt(0); }

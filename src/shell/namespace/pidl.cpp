@@ -21,30 +21,18 @@ ITEMIDLIST* Behind(ITEMIDLIST* pidl, unsigned cb) {
 
 /// Stores the end behind that many bytes of items.
 void EndAt(ITEMIDLIST* pidl, unsigned cbItems) { Behind(pidl, cbItems)->mkid.cb = 0; }
-
-/// The size with the end of the list at pidl; 0 if it has none within cbMax bytes.
-unsigned GetSizeWithin(const ITEMIDLIST* pidl, unsigned cbMax) {
-    unsigned cbItems = 0;
-    while (cbItems + PIDL::iMinSize <= cbMax) {
-        const unsigned cb = Behind(pidl, cbItems)->mkid.cb;
-        if (!cb) return cbItems + PIDL::iMinSize;
-        cbItems += cb;
-    }
-    return 0;
-}
 } // namespace
 
 ITEMIDLIST* GetPidlOf(const wchar_t* pszPath) {
     if (!pszPath) return nullptr;
-    IShellFolder* pDesktop = nullptr;
-    if (FAILED(::SHGetDesktopFolder(&pDesktop)) || !pDesktop) return nullptr;
-    ScopeExit release([&] { pDesktop->Release(); });
+    OwnedInterface<IShellFolder> desktop;
+    if (FAILED(::SHGetDesktopFolder(desktop.Put())) || !desktop) return nullptr;
     HeapArray<wchar_t> path = CopyToHeap(pszPath); // the parser takes a text that it may write to
     if (!path.IsReady()) return nullptr;
     ITEMIDLIST* pidl = nullptr;
-    if (FAILED(pDesktop->ParseDisplayName(nullptr, nullptr, path.Get(), nullptr, &pidl, nullptr)))
-        return nullptr;
-    return pidl;
+    const HRESULT hr =
+        desktop.Get()->ParseDisplayName(nullptr, nullptr, path.Get(), nullptr, &pidl, nullptr);
+    return SUCCEEDED(hr) ? pidl : nullptr;
 }
 
 const unsigned PIDL::iMinSize; // its value stands in the header
@@ -79,6 +67,17 @@ unsigned PIDL::GetSizeAll(const ITEMIDLIST* pidlAsked) {
 
 unsigned PIDL::GetSizeTotal(const ITEMIDLIST* pidlAsked) {
     return pidlAsked ? GetSizeAll(pidlAsked) + iMinSize : 0;
+}
+
+unsigned PIDL::GetSizeWithin(const ITEMIDLIST* pidlAsked, unsigned cbMax) {
+    unsigned cbItems = 0;
+    while (pidlAsked && cbItems < cbMax && cbMax - cbItems >= iMinSize) {
+        const unsigned cb = Behind(pidlAsked, cbItems)->mkid.cb;
+        if (!cb) return cbItems + iMinSize;
+        if (cb > cbMax - cbItems) return 0;
+        cbItems += cb;
+    }
+    return 0;
 }
 
 unsigned PIDL::GetCount(const ITEMIDLIST* pidlAsked) {

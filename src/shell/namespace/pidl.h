@@ -48,6 +48,9 @@ class TESSALY_API PIDL {
     static unsigned GetSizeOne(const ITEMIDLIST* pidlAsked);
     static unsigned GetSizeAll(const ITEMIDLIST* pidlAsked);
     static unsigned GetSizeTotal(const ITEMIDLIST* pidlAsked);
+    /// The size with the end for a list that may be none: nothing beyond cbMax bytes is read, and
+    /// it is 0 if the end is not within them.
+    static unsigned GetSizeWithin(const ITEMIDLIST* pidlAsked, unsigned cbMax);
     unsigned GetSizeOne() const { return GetSizeOne(pidl); }
     unsigned GetSizeAll() const { return GetSizeAll(pidl); }
     unsigned GetSizeTotal() const { return GetSizeTotal(pidl); }

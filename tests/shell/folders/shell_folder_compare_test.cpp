@@ -109,6 +109,7 @@ TEST_F(ShellFolderTest, PathThatFailsLeavesNothing) {
         list.CopyAll(shell.List(nFolder)); // is freed
         iShellFolder folder(pszPath, list);
         EXPECT_EQ(0, folder.IsReady());
+        EXPECT_EQ(0, folder.IsFolder() | folder.IsInFileSystem() | folder.IsPlainFolder());
         EXPECT_EQ(nullptr, static_cast<ITEMIDLIST*>(list));
     }
 }

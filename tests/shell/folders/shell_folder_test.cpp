@@ -28,8 +28,8 @@ TEST(ShellFolder, WithoutAFolderEverythingFails) {
     MadeList item{{4, 0, 1, 2, 0, 0}};
     IShellFolder* pFolder = nullptr;
     IShellItem* pItem = nullptr;
-    IShellView* pView = nullptr;
-    void* p = nullptr;
+    IShellView* pView = reinterpret_cast<IShellView*>(&folder);
+    void *p = &folder, *pOne = &folder;
     const ITEMIDLIST* pidl = item;
     wchar_t sz[8] = L"old";
     int nResult = 77;
@@ -38,7 +38,7 @@ TEST(ShellFolder, WithoutAFolderEverythingFails) {
     EXPECT_EQ(0, folder.CreateShellViewObject(nullptr, &pView));
     EXPECT_EQ(0u, folder.GetAttributesOf(item, 0xFFFFFFFF));
     EXPECT_EQ(0, folder.GetUIObjectOf(nullptr, 1, &pidl, IID_IDataObject, &p));
-    EXPECT_EQ(0, folder.GetItemObj(nullptr, item, IID_IDataObject, &p));
+    EXPECT_EQ(0, folder.GetItemObj(nullptr, item, IID_IDataObject, &pOne));
     EXPECT_EQ(0, folder.GetDisplayNameOf(item, 0, sz, 8));
     EXPECT_STREQ(L"", sz);
     EXPECT_EQ(nullptr, folder.ParseDisplayName(L"C:\\", nullptr));
@@ -51,6 +51,7 @@ TEST(ShellFolder, WithoutAFolderEverythingFails) {
     EXPECT_EQ(nullptr, pItem);
     EXPECT_EQ(nullptr, pView);
     EXPECT_EQ(nullptr, p);
+    EXPECT_EQ(nullptr, pOne);
 }
 
 TEST_F(ShellFolderTest, WithoutAParentIsTheDesktopWhateverTheItemIs) {

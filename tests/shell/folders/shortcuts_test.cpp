@@ -378,6 +378,20 @@ TEST(CoreResolve, CopiesWhatIsNoLinkWithinTheSize) {
     question.nGiven = SFGAO_LINK;
 }
 
+TEST(CoreResolve, WhatIsNoLinkNeedsNoObjects) {
+    FakeLink fake;
+    LinkQuestion question;
+    question.nGiven = 0;
+    for (const wchar_t* psz : {L"Create", L"QueryFile"}) {
+        fake.results = {{psz, E_FAIL}};
+        wchar_t sz[16] = L"old";
+        EXPECT_EQ(1, CoreResolveShortcut(nullptr, L"C:\\f", sz, 16)) << psz;
+        EXPECT_STREQ(L"C:\\f", sz) << psz;
+    }
+    question.nGiven = SFGAO_LINK;
+    EXPECT_EQ(0, fake.nAlive);
+}
+
 TEST(CoreResolve, WithItsOwnObjectsFallsBackToThePath) {
     FakeLink fake;
     LinkQuestion question;

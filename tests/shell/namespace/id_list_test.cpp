@@ -253,6 +253,7 @@ struct CountedDataObject : IDataObject {
     IUnknown* pOfBlock = nullptr;
     FORMATETC asked{};
     STGMEDIUM mediumBefore{};
+    DWORD nGivenMedium = TYMED_HGLOBAL;
     int nAsked = 0;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** ppOut) override {
@@ -266,7 +267,7 @@ struct CountedDataObject : IDataObject {
         asked = *pFormat;
         mediumBefore = *pMedium;
         if (hrAnswer < 0) return hrAnswer;
-        pMedium->tymed = TYMED_HGLOBAL;
+        pMedium->tymed = nGivenMedium;
         pMedium->hGlobal = hBlock;
         pMedium->pUnkForRelease = pOfBlock;
         if (pOfBlock) pOfBlock->AddRef();
@@ -348,6 +349,33 @@ TEST_F(DataObj, FailureGivesANullBlock) {
     EXPECT_EQ(object.hBlock, h);
     EXPECT_EQ(S_FALSE, data.GetLastResult());
     data.ReleaseMedium();
+}
+
+TEST_F(DataObj, AnotherMediumIsGivenBackAndNoBlock) {
+    object.nGivenMedium = TYMED_ISTREAM;
+    CountedDataObject stream; // counts its references as any stream does
+    ::GlobalFree(object.hBlock);
+    object.hBlock = &stream;
+    {
+        iDataObj data(&object);
+        void* h = &object;
+        stream.AddRef(); // of the medium
+        EXPECT_EQ(0, data.GetData(CF_HDROP, &h));
+        EXPECT_EQ(nullptr, h);
+        EXPECT_EQ(DV_E_TYMED, data.GetLastResult());
+        EXPECT_EQ(1, stream.nReferences);
+        EXPECT_EQ(1, keeper.nReferences);
+        data.ReleaseMedium(); // nothing twice
+        EXPECT_EQ(1, stream.nReferences);
+        stream.AddRef();
+        ID_List list(&object);
+        EXPECT_EQ(1, list.IsReady());
+        EXPECT_EQ(0u, list.GetCount());
+        EXPECT_EQ(nullptr, list.GetFolderPidl());
+    }
+    EXPECT_EQ(1, stream.nReferences);
+    EXPECT_EQ(1, object.nReferences);
+    object.hBlock = nullptr;
 }
 
 TEST_F(DataObj, WithoutAnObject) {

@@ -330,6 +330,15 @@ TEST(PidlValid, BySizeAlone) {
     EXPECT_EQ(0, PIDL::IsValid(AsList(kEmpty), 0));
 }
 
+TEST(PidlValid, SizeWithinSomeBytes) {
+    GuardedBytes three(kThree);
+    for (unsigned cb = 0; cb < 12; ++cb) EXPECT_EQ(0u, PIDL::GetSizeWithin(three.List(), cb)) << cb;
+    for (unsigned cb : {12u, 13u, 0x10000u, 0xFFFFFFFFu})
+        EXPECT_EQ(12u, PIDL::GetSizeWithin(three.List(), cb)) << cb;
+    EXPECT_EQ(0u, PIDL::GetSizeWithin(nullptr, 2));
+    EXPECT_EQ(2u, PIDL::GetSizeWithin(AsList(kEmpty), 2));
+}
+
 /// Whether bytes are one list, said another way: each place once, by bounds alone.
 int IsOneList(const Bytes& bytes) {
     for (std::size_t n = 0; n + 2 <= bytes.size();) {

@@ -210,7 +210,7 @@ TEST(PidlDisplayPath, EveryKindOfName) {
     wchar_t sz[100];
     EXPECT_EQ('o', PIDL::GetDisplayPath(guarded.List(), sz, 100));
     EXPECT_STREQ(L"one \u00BB two", sz);
-    space.nNameKind = 77; // an unknown one ends it
+    space.nNameKind = 77; // an unknown one is no name, and is left out
     EXPECT_EQ(L"", PathOf({L"a", L"bc"}));
     EXPECT_EQ(0, space.nFolders);
 }
