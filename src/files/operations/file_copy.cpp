@@ -59,12 +59,11 @@ bool CompareBytes(CoreFile& source, CoreFile& target, DWORD cb) {
     return true;
 }
 
-bool CopyBytes(CoreFile& source, CoreFile& target, DWORD cb) {
-    HeapArray<BYTE> buffer(std::min(cb, kFileCopyChunk));
-    if (!buffer.IsReady()) return false;
+/// Through a buffer of one chunk, or of cb bytes if that is less.
+bool CopyBytes(CoreFile& source, CoreFile& target, BYTE* pBuffer, DWORD cb) {
     while (cb) {
         const DWORD cbChunk = std::min(cb, kFileCopyChunk);
-        if (!target.CopyBinFrom(source, buffer.Get(), cbChunk)) return false;
+        if (!target.CopyBinFrom(source, pBuffer, cbChunk)) return false;
         cb -= cbChunk;
     }
     return target.SetEndOfFile();
@@ -89,14 +88,17 @@ int Verify(CoreFile& source, const wchar_t* pszTarget) {
 // QUIRK: only the low half of the size counts, as in CoreFile::CopyFileW, here and in Verify.
 // Test: FileQuirks.OnlyTheLowHalfOfTheSizeCounts
 int CopyContentsAndTimes(CoreFile& source, const wchar_t* pszSource, const wchar_t* pszTarget) {
-    CoreFile target(pszTarget, 1);
-    if (!target.IsReady()) return 0;
     FILETIME ftCreation, ftAccess, ftWrite;
     const bool bTimes = source.GetTime(&ftCreation, &ftAccess, &ftWrite);
+    // Before the target is opened, which makes it: without a size or memory nothing is touched.
     DWORD cb;
     if (!GetLowSize(source, &cb)) return 0;
+    HeapArray<BYTE> buffer(std::min(cb, kFileCopyChunk));
+    if (cb && !buffer.IsReady()) return 0;
+    CoreFile target(pszTarget, 1);
+    if (!target.IsReady()) return 0;
     if (!cb) return target.SetEndOfFile();
-    if (!CopyBytes(source, target, cb)) return 0;
+    if (!CopyBytes(source, target, buffer.Get(), cb)) return 0;
     // The contents are right by now: a file system that keeps neither times nor attributes is no
     // failure.
     if (bTimes) target.SetTime(&ftCreation, &ftAccess, &ftWrite);

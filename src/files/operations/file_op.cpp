@@ -1,8 +1,8 @@
-#include "files/disk/uni_path.h"
 #include "files/operations/file_operation.h"
 #include "files/operations/file_operation_object.h"
 #include "files/operations/shell_file_op.h"
 #include "files/text/cs_file.h"
+#include "files/text/text_probe.h"
 #include "runtime/base/ownership.h"
 #include "runtime/system/runtime_func.h"
 
@@ -21,7 +21,7 @@ constexpr RuntimeFunc<CreateItemFunc> kCreateItem(L"shell32.dll", "SHCreateItemF
 /// The shell's item of a path; the last result tells why there is none.
 OwnedInterface<IShellItem> CreateItem(const UniPath* pPath) {
     OwnedInterface<IShellItem> item;
-    const wchar_t* pszPath = pPath ? pPath->Path() : nullptr; // null as well for any other kind
+    const wchar_t* pszPath = PathOf(pPath); // null as well for any other kind
     CreateItemFunc* pfnCreate = kCreateItem.Get();
     HRESULT hr = E_NOTIMPL;
     if (pszPath && pfnCreate) {

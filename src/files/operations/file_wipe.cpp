@@ -53,25 +53,26 @@ void MakeWipedPath(wchar_t (&szWiped)[kPathChars], const wchar_t* pszPath, wchar
     szWiped[cchWiped] = 0;
 }
 
-/// Whether an open file that bears a tag is a link that leads to another file. One that only lies
-/// elsewhere, as in a store or packed, is none: its bytes are its own.
-bool IsLink(HANDLE hFile) {
+enum class FileKind { plain, link, tagged, kept };
+
+/// What an open file that bears a tag is: a link, which leads to another file, or a tagged one,
+/// which only lies elsewhere, as in a store or packed, but whose bytes are its own. Kept if nobody
+/// tells: it is not followed, and must not go with its bytes as they are either.
+FileKind GetTaggedKind(HANDLE hFile) {
     HeapArray<BYTE> block(MAXIMUM_REPARSE_DATA_BUFFER_SIZE);
     DWORD cb = 0;
     if (!block.IsReady() ||
         !::DeviceIoControl(hFile, FSCTL_GET_REPARSE_POINT, nullptr, 0, block.Get(),
                            static_cast<DWORD>(block.GetCount()), &cb, nullptr)) {
-        return true; // nobody knows where it leads: it is not followed
+        return FileKind::kept;
     }
     DWORD nTag = 0;
-    if (cb < sizeof(nTag)) return true;
+    if (cb < sizeof(nTag)) return FileKind::kept;
     std::memcpy(&nTag, block.Get(), sizeof(nTag));
-    return IsReparseTagNameSurrogate(nTag);
+    return IsReparseTagNameSurrogate(nTag) ? FileKind::link : FileKind::tagged;
 }
 
-enum class FileKind { plain, link, tagged, kept };
-
-/// What an open file is; kept: it cannot be deleted, and is not to be overwritten then.
+/// What an open file is; kept: it cannot be wiped whole, and stays as it is then.
 FileKind GetFileKind(HANDLE hFile) {
     BY_HANDLE_FILE_INFORMATION info;
     if (!::GetFileInformationByHandle(hFile, &info)) return FileKind::plain;
@@ -79,7 +80,7 @@ FileKind GetFileKind(HANDLE hFile) {
     // such a file was opened all the same.
     if (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) return FileKind::kept;
     if (!(info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) return FileKind::plain;
-    return IsLink(hFile) ? FileKind::link : FileKind::tagged;
+    return GetTaggedKind(hFile);
 }
 
 /// One pass: where it writes, with what, and whom it tells.

@@ -1,10 +1,11 @@
 #include "files/operations/shell_file_op.h"
 #include "files/disk/path_fs.h"
-#include "files/disk/uni_path.h"
 #include "files/operations/file_operation.h"
 #include "files/path/path_chars.h"
+#include "files/path/path_shape.h"
 #include "files/path/path_split.h"
 #include "files/stream/core_io.h"
+#include "files/text/text_probe.h"
 
 #include <windows.h>
 #include <shellapi.h>
@@ -21,7 +22,7 @@ constexpr UINT kShellFuncs[] = {FO_MOVE, FO_COPY, FO_DELETE, FO_RENAME};
 struct PathList {
     wchar_t sz[kPathChars + 1] = {}; // with the list's own terminator
 
-    /// Both parts, of which the second may be null. False if they do not fit, or one is a mask.
+    /// Both parts, of which the second may be null. False if they do not fit.
     bool Set(const wchar_t* pszFolder, const wchar_t* pszName) {
         if (!FitsPath(pszFolder)) return false;
         CopyPath(sz, pszFolder);
@@ -32,25 +33,28 @@ struct PathList {
     }
 };
 
-/// Where the source goes: into the target's folder, or under its new name beside itself.
+/// Where the source goes: into the target's folder, or under its new name beside itself. A new name
+/// is no mask and does not lead elsewhere, as the object would not take one either.
 bool SetTarget(PathList& to, unsigned nOp, const wchar_t* pszSource, const UniPath* pTarget,
                const wchar_t* pszNewName) {
     if (nOp == kFileOpDelete) return true;
+    const bool bNewName = pszNewName && *pszNewName;
+    if (bNewName && !IsValidFileName(pszNewName)) return false;
     if (nOp == kFileOpRename) {
         wchar_t szFolder[kPathChars];
         CopyPath(szFolder, pszSource);
         StripFileName(szFolder);
-        return pszNewName && *pszNewName && to.Set(szFolder, pszNewName);
+        return bNewName && to.Set(szFolder, pszNewName);
     }
-    const wchar_t* pszFolder = pTarget ? pTarget->Path() : nullptr;
+    const wchar_t* pszFolder = PathOf(pTarget);
     if (!IsFolderExists(pszFolder)) return false;
-    return to.Set(pszFolder, pszNewName && *pszNewName ? pszNewName : LocateFileName(pszSource));
+    return to.Set(pszFolder, bNewName ? pszNewName : LocateFileName(pszSource));
 }
 } // namespace
 
 int RunShellFileOp(HWND hwnd, unsigned nOp, const UniPath* pSource, const UniPath* pTarget,
                    const wchar_t* pszNewName) {
-    const wchar_t* pszSource = pSource ? pSource->Path() : nullptr;
+    const wchar_t* pszSource = PathOf(pSource);
     if (!pszSource) {
         CoreIOObj::SetLastHRESULT(E_NOTIMPL); // as of a path of another kind
         return 0;

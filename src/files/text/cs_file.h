@@ -41,9 +41,9 @@ class TESSALY_API CSFile : public CoreFile {
 
     /// Maps cb bytes (nSizeLow) of the open file from nOffset on, which may be any, and returns the
     /// first of them; with nSizeLow 0 all up to the end. The mapping's size is nSizeHigh and
-    /// nSizeLow: both 0 mean the whole file, and a file that is open for writing grows to more than
-    /// it has. A view that was open is closed first. Null on failure, and then no view is open. The
-    /// view is writable if the file is.
+    /// nSizeLow, and nOffset more if the view would end behind it: both 0 mean the whole file, and
+    /// a file that is open for writing grows to more than it has. A view that was open is closed
+    /// first. Null on failure, and then no view is open. The view is writable if the file is.
     [[nodiscard]] void* OpenMap(DWORD nOffset, DWORD nSizeLow, DWORD nSizeHigh);
     /// Closes the view and its mapping, if there is one.
     void CloseMap();
@@ -102,11 +102,12 @@ class TESSALY_API CSFile : public CoreFile {
     // Whole files: copies, lists, wiping. Flags: files/operations/file_copy.h
 
     /// Makes the target equal to the source, or with kCopyVerifyOnly tells whether it is; nFlags
-    /// decide about files that are missing. A program file (".exe", ".dll", ".sys") whose version
-    /// is older than the target's is not copied, which counts as done. Times and attributes go
-    /// along, but for an empty source. A copy that fails leaves the target as it stands then. Of a
-    /// size only the low half counts, so that files of 4 GiB and over are copied in part. 1 if the
-    /// target is right in the end.
+    /// decide about files that are missing, of which a path that is null or empty is none: with
+    /// such a one nothing is touched, and the result is 0. A program file (".exe", ".dll", ".sys")
+    /// whose version is older than the target's is not copied, which counts as done. Times and
+    /// attributes go along, but for an empty source. A copy that fails leaves the target as it
+    /// stands then. Of a size only the low half counts, so that files of 4 GiB and over are copied
+    /// in part. 1 if the target is right in the end.
     [[nodiscard]] static int Copy(const wchar_t* pszTarget, const wchar_t* pszSource, DWORD nFlags);
     /// Writes a list for CopyByList, or for DeleteByList if pszSourceFolder is null, into pszOut:
     /// for each of the names, each terminated, with a terminator behind the last, the target's path
@@ -128,10 +129,10 @@ class TESSALY_API CSFile : public CoreFile {
 
     /// Overwrites a file, its name too, and deletes it; a missing one is made first. pfnCallback
     /// may be null. A link is renamed and deleted itself, and what it leads to stays as it is. 0 if
-    /// it cannot be opened, as when somebody else has it open, a folder or read-only; if a write
-    /// failed; if it was cancelled, and then all passes have begun and the file stays, overwritten;
-    /// and if it could not be renamed, and then it has its name again. With bNotify the shell is
-    /// told.
+    /// it cannot be opened, as when somebody else has it open, a folder or read-only; if nobody
+    /// tells whether it is a link; if a write failed; if it was cancelled, and then all passes have
+    /// begun and the file stays, overwritten; and if it could not be renamed, and then it has its
+    /// name again. With bNotify the shell is told.
     [[nodiscard]] static int WipeDelete(const wchar_t* pszPath, WipeMethod nMethod, int bNotify,
                                         WipeCallback pfnCallback, void* pContext);
     /// Renames a file, or a link itself, twice, to names that fill the path: of U+5555 alone, then

@@ -6,7 +6,7 @@
 class CoreFile;
 class UniPath;
 
-// What the members of CSFile that read and write texts share.
+// What the members of CSFile share: those that read and write texts, and of the paths all.
 
 /// The object's text; null without one, and for no object.
 const wchar_t* PathOf(const UniPath* pPath);

@@ -154,6 +154,16 @@ TEST_F(InterruptedCopy, WithoutMemoryNothingIsLost) {
     EXPECT_EQ(1, nResult);
 }
 
+TEST_F(InterruptedCopy, WithoutMemoryNoTargetIsMade) {
+    ::DeleteFileW(strTarget.c_str());
+    FailBlock(1);
+    int nResult = CSFile::Copy(strTarget.c_str(), strSource.c_str(), 0);
+    FailBlock(0);
+    EXPECT_EQ(0, nResult);
+    EXPECT_FALSE(IsThere(strTarget));
+    EXPECT_EQ(1, Copy());
+}
+
 TEST_F(InterruptedCopy, LeavesNoBlockBehind) {
     long nBefore = CountLiveBlocks();
     for (int n = 0; n < 3; ++n) {

@@ -417,6 +417,16 @@ TEST_F(OlderShell, Renames) {
     EXPECT_EQ("text", folder.ReadFile(L"b.txt"));
     EXPECT_FALSE(Has(L"a.txt"));
 }
+TEST_F(OlderShell, ANewNameIsNoMaskAndNoPath) {
+    for (const wchar_t* pszName : {L"*.bak", L"b?.txt", L"to\\b.txt", L"to/b.txt", L"b:c"}) {
+        for (unsigned nOp : {kFileOpMove, kFileOpCopy, kFileOpRename}) {
+            EXPECT_EQ(0, Run(nOp, pszName)) << nOp;
+            EXPECT_LT(CSFile::GetLastHRESULT(), 0) << nOp;
+        }
+    }
+    EXPECT_EQ("text", folder.ReadFile(L"a.txt"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.File(L"to")));
+}
 TEST_F(OlderShell, WhatIsMissingFails) {
     for (unsigned nOp : {kFileOpMove, kFileOpCopy, kFileOpDelete, kFileOpRename}) {
         EXPECT_EQ(0, Run(nOp, L"b.txt", L"missing.txt")) << nOp;

@@ -336,7 +336,7 @@ class LinkTeller {
 
 TEST_F(WipeDelete, ALinkIsDeletedAndNotFollowed) {
     constexpr DWORD kSymlink = 0xA000000C, kMountPoint = 0xA0000003;
-    for (DWORD nTag : {kSymlink, kMountPoint, DWORD{0}}) {
+    for (DWORD nTag : {kSymlink, kMountPoint}) {
         std::wstring strPath = folder.MakeFile(L"link", "what it leads to");
         Progress progress;
         WipeWatch watch;
@@ -352,6 +352,31 @@ TEST_F(WipeDelete, ALinkIsDeletedAndNotFollowed) {
         EXPECT_EQ(2u, watch.renames.size());
         EXPECT_TRUE(IsEmpty());
     }
+}
+
+TEST_F(WipeDelete,
+       WhatMayBeALinkStays) { // it is not followed, nor deleted with its bytes as they are
+    std::wstring strPath = folder.MakeFile(L"untold", "secret");
+    WipeWatch watch;
+    LinkTeller link(0);
+    EXPECT_EQ(0, Wipe(strPath, 2));
+    EXPECT_TRUE(watch.passes.empty() && watch.renames.empty() && watch.deleted.empty());
+    EXPECT_EQ("secret", folder.ReadFile(L"untold"));
+}
+
+TEST_F(WipeDelete, WithoutMemoryALinkIsNotTold) {
+    constexpr DWORD kDedup = 0x80000013;
+    std::wstring strPath = folder.MakeFile(L"packed", "secret");
+    int nResult = 1;
+    {
+        LinkTeller link(kDedup);
+        link.openFlags.reserve(4);
+        FailBlock(1);
+        nResult = CSFile::WipeDelete(strPath.c_str(), wipeZeros, 0, nullptr, nullptr);
+        FailBlock(0);
+    }
+    EXPECT_EQ(0, nResult);
+    EXPECT_EQ("secret", folder.ReadFile(L"packed"));
 }
 
 TEST_F(WipeDelete, WhatOnlyLiesElsewhereIsOverwritten) {

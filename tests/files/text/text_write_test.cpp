@@ -381,7 +381,7 @@ TEST(TextAppend, MakesNoFile) {
 TEST(TextAppend, LeavesWhatIsNoText) {
     TempFolder folder;
     const std::wstring strPath = folder.MakeFile(L"a.bin", "a\1b");
-    static_cast<void>(CSFile::AppendText(strPath.c_str(), L"text", 0));
+    EXPECT_EQ(0, CSFile::AppendText(strPath.c_str(), L"text", 0));
     EXPECT_EQ("a\1b", folder.ReadFile(L"a.bin"));
 }
 
@@ -421,6 +421,6 @@ TEST(TextAppend, WithoutMemoryLeavesTheFile) {
     }
     EXPECT_EQ(0, nResult);
     EXPECT_EQ("old", folder.ReadFile(L"a.txt"));
-    static_cast<void>(CSFile::AppendText(strPath.c_str(), nullptr, 0));
+    EXPECT_EQ(0, CSFile::AppendText(strPath.c_str(), nullptr, 0));
     EXPECT_EQ("old", folder.ReadFile(L"a.txt"));
 }
