@@ -174,7 +174,10 @@ TEST_F(HostFolder, LibraryOfAnotherVersionIsTold) {
 
 TEST_F(HostFolder, LibraryWithoutAVersionIsTold) {
     Bytes bytes = RealLibrary();
-    ASSERT_EQ(1, Patch(bytes, "\xBD\x04\xEF\xFE", "\xBD\x04\xEF\xFF"));
+    // The signature of the version resource's fixed part and its layout's number: code that looks
+    // for the signature has it, too.
+    ASSERT_EQ(1, Patch(bytes, std::string("\xBD\x04\xEF\xFE\0\0\1\0", 8),
+                       std::string("\xBD\x04\xEF\xFF\0\0\1\0", 8)));
     PutLibrary(bytes);
     EXPECT_EQ(3u, RunHost(strFolder, L"").dwExitCode);
 }
