@@ -12,6 +12,7 @@
 #include <shlobj.h>
 #include <commdlg.h>
 #include <gtest/gtest.h>
+#include <atomic>
 #include <string>
 #include <thread>
 
@@ -212,6 +213,7 @@ TEST(BrowseFolderDialog, RealOneIsAnswered) {
     wcscpy(szPath, temp.Get().c_str());
     // The dialog goes down its tree step by step: OK is for when it has arrived.
     const std::wstring strName = std::filesystem::path(temp.Get()).filename().wstring();
+    std::atomic<bool> bEnded{false};
     std::thread hand([&] {
         HWND hwndDialog = nullptr;
         WaitUntil(
@@ -224,9 +226,16 @@ TEST(BrowseFolderDialog, RealOneIsAnswered) {
                                   SMTO_NORMAL, kTestDeadlineMs, &nResult);
             return strName == sz;
         });
-        ::PostMessageW(hwndDialog, WM_COMMAND, IDOK, 0);
+        // Again until it has gone: what comes while it is being built is lost.
+        WaitUntil(
+            [&] {
+                ::PostMessageW(FindMessageBox(::GetCurrentProcessId()), WM_COMMAND, IDOK, 0);
+                return bEnded.load();
+            },
+            10 * kTestDeadlineMs);
     });
     int bDone = BrowseForFolder(nullptr, szPath, L"t", BIF_RETURNONLYFSDIRS, nullptr);
+    bEnded = true;
     hand.join();
     EXPECT_EQ(1, bDone);
     EXPECT_EQ(0, ::lstrcmpiW(temp.Get().c_str(), szPath))
