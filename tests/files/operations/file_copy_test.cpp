@@ -90,7 +90,7 @@ TEST_P(CopyDecision, DependsOnWhatIsThere) {
         }
     }
 }
-INSTANTIATE_TEST_SUITE_P(Flags, CopyDecision, testing::Range(DWORD{0}, DWORD{32}));
+INSTANTIATE_TEST_SUITE_P(Exhaustive, CopyDecision, testing::Range(DWORD{0}, DWORD{32}));
 
 using FileCopy = CopyTest;
 
