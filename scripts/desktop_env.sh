@@ -132,14 +132,19 @@ desktop_env_stop() {
     DESKTOP_ENV=
 }
 
-# Has the programs of these files run with checked heaps: a write beside a block or into a freed one
-# is told as "err:heap" at one of the next heap calls. (Tail, free and parameter checks with
-# validation; fewer flags find nothing.)
+# Has programs run with checked heaps; what is found is told as "err:heap". Each argument is one of
+#   marks:FILE  the ends of blocks and what is freed are marked; the program looks at them itself
+#   calls:FILE  and the platform looks at all blocks at each call of a heap (fewer flags find nothing)
 desktop_env_check_heaps() {
-    local options='HKLM\Software\Microsoft\Windows NT\CurrentVersion\Image File Execution Options' file
+    local options='HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\Image File Execution Options'
+    local check flags
     { echo 'REGEDIT4'
-      for file in "$@"; do
-          printf '\n[%s\\%s]\n"GlobalFlag"=dword:000000f0\n' "${options/HKLM/HKEY_LOCAL_MACHINE}" "$(basename "$file")"
+      for check in "$@"; do
+          case $check in
+              marks:*) flags=30 ;; # tail and free checking
+              calls:*) flags=f0 ;; # and validation of parameters and of all
+          esac
+          printf '\n[%s\%s]\n"GlobalFlag"=dword:000000%s\n' "$options" "${check#*:}" "$flags"
       done; } >"$DESKTOP_ENV/heap.reg"
     wine regedit /S "$DESKTOP_ENV/heap.reg"
 }

@@ -49,6 +49,14 @@ class ShellStartRecorder {
         dwError = ERROR_SUCCESS;
         fnDuring = nullptr;
     }
+    /// What is recorded goes with it: a later test may count blocks.
+    ~ShellStartRecorder() {
+        std::vector<ShellCall>().swap(calls);
+        fnDuring = nullptr;
+    }
+    ShellStartRecorder(const ShellStartRecorder&) = delete;
+    ShellStartRecorder& operator=(const ShellStartRecorder&) = delete;
+
     /// The one call that there was since the last time.
     ShellCall TakeOne() {
         if (calls.size() != 1) return ShellCall{};

@@ -1,4 +1,4 @@
-set_target_properties(tests_files PROPERTIES HEAP_CHECKED tests_files.exe PIECES 5 SECONDS 60)
+set_target_properties(tests_files PROPERTIES SECONDS 60)
 # (The script that this one runs.)
 set_source_files_properties(files/text/text_decoder_test_support.cpp PROPERTIES
     COMPILE_DEFINITIONS "TESSALY_TEXT_FILES=L\"${CMAKE_CURRENT_SOURCE_DIR}/files/text/text_files.py\""

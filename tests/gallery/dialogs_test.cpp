@@ -64,7 +64,7 @@ TEST_F(GalleryDialogs, ModelessOneLeavesTheOthersUsable) {
     RECT rcOk = RectOf(::GetDlgItem(hwnd, IDOK));
     POINT ptBody{rcOk.left - 40, rcOk.bottom - 4};
     const int nUp = RectOf(hwnd).bottom - RectOf(Main()).top + 10;
-    mouse::Drag(ptBody, {ptBody.x, ptBody.y - nUp});
+    DragWindow(ptBody, 0, -nUp);
     EXPECT_TRUE(WaitUntil([&] { return RectOf(hwnd).bottom == RectOf(Main()).top - 10; }));
     ClickOn(PageItem(IDC_CASCADED)); // the main window, meanwhile
     EXPECT_TRUE(WaitUntil([&] { return IsChecked(PageItem(IDC_CASCADED)); }));
@@ -130,7 +130,7 @@ TEST_F(GalleryDialogs, IsDraggedByItsBodyUnlessThatIsOff) {
     ASSERT_TRUE(hwnd);
     RECT rc = RectOf(hwnd), rcOk = RectOf(::GetDlgItem(hwnd, IDOK));
     POINT ptBody{rcOk.left - 40, rcOk.bottom - 4};
-    mouse::Drag(ptBody, {ptBody.x + 30, ptBody.y + 50});
+    DragWindow(ptBody, 30, 50);
     EXPECT_TRUE(WaitUntil([&] { return RectOf(hwnd).left == rc.left + 30; }));
     EXPECT_EQ(RectOf(hwnd).top, rc.top + 50);
 

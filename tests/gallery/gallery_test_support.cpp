@@ -123,6 +123,12 @@ std::vector<int> Gallery::WalkByTab() {
     }
 }
 
+void Gallery::DragWindow(POINT pt, int dx, int dy) {
+    mouse::Drag(pt, {pt.x + dx, pt.y + dy}, mouse::Button::Left, [this] {
+        EXPECT_TRUE(WaitUntil([&] { return (ThreadInfo().flags & GUI_INMOVESIZE) != 0; }));
+    });
+}
+
 void Gallery::DragCorner(HWND hwnd, int dx, int dy) {
     constexpr int kIntoGrip = 4; // pixels from the corner of the client area
     RECT rc{};

@@ -60,6 +60,9 @@ class Gallery : public testing::Test {
     /// Presses Tab until the focus is back, and gives the ids on the way.
     std::vector<int> WalkByTab();
 
+    /// Moves a window by the mouse, at a point of its own that moves it. The mouse waits for the
+    /// window to be held, which begins where the mouse is by then.
+    void DragWindow(POINT pt, int dx, int dy);
     /// A corner is pulled by the mouse; returns when the window has come to rest.
     void DragCorner(HWND hwnd, int dx, int dy);
 

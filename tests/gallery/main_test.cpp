@@ -113,7 +113,7 @@ TEST_F(GalleryMain, IsDraggedByItsBodyAndComesBackThere) {
     RECT rc = RectOf(Main());
     RECT rcList = RectOf(Item(IDC_PAGES));
     POINT ptBody{rcList.left + 20, RectOf(Item(IDCANCEL)).top + 8}; // nothing stands there
-    mouse::Drag(ptBody, {ptBody.x - 70, ptBody.y - 40});
+    DragWindow(ptBody, -70, -40);
     ASSERT_TRUE(WaitUntil([&] { return RectOf(Main()).left == rc.left - 70; }));
     EXPECT_EQ(RectOf(Main()).top, rc.top - 40);
     ASSERT_TRUE(Leave());

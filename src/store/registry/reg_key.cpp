@@ -70,8 +70,9 @@ bool RegKey::ReadStr(const wchar_t* pszName, wchar_t* pszBuffer, int cchBuffer) 
     if (!QuerySize(pszName, cb) || cb > kMaxValueSize) return false;
     if (cb > 2 * static_cast<unsigned long long>(cchBuffer)) return false;
     // Stored text need not be terminated, and the buffer may be the default at the same time: it is
-    // read elsewhere first.
-    HeapArray<wchar_t> text(cb / sizeof(wchar_t) + 1);
+    // read elsewhere first. Behind a text of one byte the platform itself writes a terminator,
+    // however little room it is told of.
+    HeapArray<wchar_t> text(cb / sizeof(wchar_t) + 2);
     if (!text.IsReady()) return false;
     auto* pBytes = reinterpret_cast<BYTE*>(text.Get());
     if (::RegQueryValueExW(hkey, pszName, nullptr, nullptr, pBytes, &cb) != ERROR_SUCCESS)
@@ -164,8 +165,8 @@ int RegKey::PutStrOrDelEmpty(const wchar_t* pszName, const wchar_t* pszText, int
 bool RegKey::HoldsBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes) const {
     DWORD cb = 0;
     if (!QuerySize(pszName, cb) || !cb || cb != cbBytes) return false;
-    HeapArray<BYTE> stored(cb);
-    if (!stored.IsReady()) return false; // written without a comparison then
+    HeapArray<BYTE> stored(cb + sizeof(wchar_t)); // with a terminator, as in ReadStr
+    if (!stored.IsReady()) return false;          // written without a comparison then
     if (::RegQueryValueExW(hkey, pszName, nullptr, nullptr, stored.Get(), &cb) != ERROR_SUCCESS)
         return false;
     return cb == cbBytes && std::memcmp(stored.Get(), pBytes, cb) == 0;

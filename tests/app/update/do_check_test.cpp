@@ -438,7 +438,6 @@ struct UpdateCase {
 };
 
 TEST_F(DoCheck, YesOpensTheAddress) {
-    bBlocksStay = 1; // one does in checked heaps, of whom is not known yet
     using namespace std::string_literals;
     const std::string strGet = "urldownload=http://a.example/get?x=1&y=%20z\r\n";
     const std::string strMore = "urlmoreinfo=https://a.example/more\r\n";

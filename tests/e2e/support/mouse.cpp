@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -82,8 +83,12 @@ void mouse::Click(POINT pt, Button button) {
                   {Step::Kind::Up, pt, button}});
 }
 
-void mouse::Drag(POINT ptFrom, POINT ptTo, Button button) {
+void mouse::Drag(POINT ptFrom, POINT ptTo, Button button, const std::function<void()>& onDown) {
     std::vector<Step> steps{{Step::Kind::Move, ptFrom, button}, {Step::Kind::Down, ptFrom, button}};
+    if (onDown) {
+        TheHand().Do(std::exchange(steps, {}));
+        onDown();
+    }
     for (int n = 1; n <= kSteps; ++n) {
         POINT pt{ptFrom.x + (ptTo.x - ptFrom.x) * n / kSteps,
                  ptFrom.y + (ptTo.y - ptFrom.y) * n / kSteps};

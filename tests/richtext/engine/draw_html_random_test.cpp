@@ -228,7 +228,7 @@ constexpr LongCase kLongCases[] = {
     {"Nearly", L"</CENTER</SMALL<CENTER", 400},
 };
 
-class DrawHTMLLongTexts : public testing::TestWithParam<LongCase> {};
+class DrawHTMLHugeTexts : public testing::TestWithParam<LongCase> {};
 
 std::wstring RepeatTo(const wchar_t* pszPiece, std::size_t n) {
     std::wstring str;
@@ -237,7 +237,7 @@ std::wstring RepeatTo(const wchar_t* pszPiece, std::size_t n) {
     return str;
 }
 
-TEST_P(DrawHTMLLongTexts, RandomLengthOfAnyKindIsDrawn) {
+TEST_P(DrawHTMLHugeTexts, RandomLengthOfAnyKindIsDrawn) {
     // A time that grew with the square of the length would be hours here; the bench looks closer.
     ModelGdi gdi;
     DrawHTMLTools tools(FontCustom);
@@ -257,7 +257,7 @@ TEST_P(DrawHTMLLongTexts, RandomLengthOfAnyKindIsDrawn) {
     EXPECT_EQ(0, gdi.GetLiveFonts()) << "the fonts go with the object";
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, DrawHTMLLongTexts, testing::ValuesIn(kLongCases),
+INSTANTIATE_TEST_SUITE_P(Kinds, DrawHTMLHugeTexts, testing::ValuesIn(kLongCases),
                          [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(DrawHTMLAnything, TenMegabytesOfRandomMarkupAreDrawn) {

@@ -1,9 +1,8 @@
 // Objects that end while their workers begin, work or end. What goes wrong there ends the process,
 // so each of these runs in a process of its own: the test program again, with one test of the kind
 // that only runs when it is asked for.
-#include "runtime/base/ownership.h"
 #include "runtime/threads/cs_thread.h"
-#include "support/start_process.h"
+#include "support/child_test.h"
 
 #include <gtest/gtest.h>
 #include <atomic>
@@ -12,31 +11,6 @@
 
 namespace {
 constexpr int kRounds = 800; // 5,000 objects in all
-constexpr DWORD kChildMs = 120000;
-
-/// The exit code of the test CSThreadExChild.DISABLED_<name> in another process.
-DWORD RunInChild(const wchar_t* pszName) {
-    wchar_t szProgram[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, szProgram, MAX_PATH);
-    std::wstring strLine = std::wstring(L"\"") + szProgram +
-                           L"\" --gtest_brief=1 --gtest_also_run_disabled_tests "
-                           L"--gtest_filter=CSThreadExChild.DISABLED_" +
-                           pszName;
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION process{};
-    if (!StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0ul, nullptr, nullptr,
-                            &start, &process)) {
-        return ::GetLastError();
-    }
-    OwnedHandle hProcess(process.hProcess), hThread(process.hThread);
-    DWORD dwCode = STILL_ACTIVE;
-    if (::WaitForSingleObject(hProcess.Get(), kChildMs) != WAIT_OBJECT_0) {
-        ::TerminateProcess(hProcess.Get(), WAIT_TIMEOUT);
-    }
-    ::GetExitCodeProcess(hProcess.Get(), &dwCode);
-    return dwCode;
-}
 
 std::atomic<int> nLiving{0}; // objects, or parts of them, that a worker could touch
 std::atomic<int> nTouchedDead{0};
@@ -152,8 +126,7 @@ TEST(CSThreadExChild, DISABLED_ObjectsThatBeginElsewhere) {
 
 class CSThreadExEnd : public testing::TestWithParam<const char*> {};
 TEST_P(CSThreadExEnd, LeavesNothingBehindThatAWorkerCouldTouch) {
-    std::string strName = GetParam();
-    EXPECT_EQ(0u, RunInChild(std::wstring(strName.begin(), strName.end()).c_str()));
+    EXPECT_EQ(0u, RunInChild("CSThreadExChild", GetParam()));
 }
 INSTANTIATE_TEST_SUITE_P(Cases, CSThreadExEnd,
                          testing::Values("LocalObjects", "LocalDerivedObjects", "DeletedObjects",

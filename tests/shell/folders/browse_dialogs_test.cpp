@@ -213,26 +213,28 @@ TEST(BrowseFolderDialog, RealOneIsAnswered) {
     wcscpy(szPath, temp.Get().c_str());
     // The dialog goes down its tree step by step: OK is for when it has arrived.
     const std::wstring strName = std::filesystem::path(temp.Get()).filename().wstring();
+    constexpr DWORD kLong = 10 * kTestDeadlineMs; // each of the tree's folders is read anew
     std::atomic<bool> bEnded{false};
     std::thread hand([&] {
         HWND hwndDialog = nullptr;
-        WaitUntil(
-            [&] { return (hwndDialog = FindMessageBox(::GetCurrentProcessId())) != nullptr; });
-        WaitUntil([&] {
+        WaitUntil([&] { return (hwndDialog = FindMessageBox(::GetCurrentProcessId())) != nullptr; },
+                  kLong);
+        auto HasArrived = [&] {
             wchar_t sz[MAX_PATH] = L"";
             HWND hwndEdit = ::FindWindowExW(hwndDialog, nullptr, L"Edit", nullptr);
             DWORD_PTR nResult = 0;
             ::SendMessageTimeoutW(hwndEdit, WM_GETTEXT, MAX_PATH, reinterpret_cast<LPARAM>(sz),
                                   SMTO_NORMAL, kTestDeadlineMs, &nResult);
             return strName == sz;
-        });
+        };
+        WaitUntil(HasArrived, kLong);
         // Again until it has gone: what comes while it is being built is lost.
         WaitUntil(
             [&] {
                 ::PostMessageW(FindMessageBox(::GetCurrentProcessId()), WM_COMMAND, IDOK, 0);
                 return bEnded.load();
             },
-            10 * kTestDeadlineMs);
+            kLong);
     });
     int bDone = BrowseForFolder(nullptr, szPath, L"t", BIF_RETURNONLYFSDIRS, nullptr);
     bEnded = true;
