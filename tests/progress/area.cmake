@@ -1,1 +1,1 @@
-set_target_properties(tests_progress PROPERTIES SECONDS 60)
+set_target_properties(tests_progress PROPERTIES PIECES 2 SECONDS 66)

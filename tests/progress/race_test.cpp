@@ -4,9 +4,13 @@
 #include "progress/dlg_support.h"
 #include "progress/race_blocks.h"
 #include "progress/race_watch.h"
+#include "support/test_window.h"
+#include "wnd/core/cswnd.h"
 
+#include <memory>
 #include <random>
 #include <thread>
+#include <vector>
 
 namespace {
 constexpr int kOperations = 2000; // calls of workers, and presses of the person's
@@ -118,14 +122,29 @@ void LetThreadsMeet() {
     }
     for (std::thread& lane : lanes) lane.join();
 }
+/// The library keeps the table of its objects as large as it had to be, by the chance of their
+/// addresses: here far larger than the lanes' few hundred windows could have it.
+void LetTheTableGrow() {
+    constexpr int kWindows = 1000;
+    struct Subclassed {
+        TestWindow window{L"STATIC"};
+        CSWnd wnd;
+    };
+    std::vector<std::unique_ptr<Subclassed>> all;
+    for (int n = 0; n < kWindows; ++n) {
+        all.push_back(std::make_unique<Subclassed>());
+        ASSERT_EQ(1, all.back()->wnd.Subclass(all.back()->window));
+    }
+}
 } // namespace
 
-// (Random tests run without the platform's heap checks, which find faults in dialogs on many
-// threads that have nothing of ours: the blocks of this program are checked here instead.)
+// (The platform's own checks, where they look at each call, find faults in dialogs on many threads
+// that have nothing of ours: the blocks of this program are checked here instead.)
 TEST_F(ProgressRace, WorkersDialogsAndCancelMeetAtRandomMoments) {
     HangWatch watch(150);
     CheckBlocks();
     LetThreadsMeet();
+    LetTheTableGrow();
     // What the platform keeps for as many windows and threads as there were at a time.
     RunLanes(kOperations / 5, 1000);
     const Belongings before;

@@ -1,1 +1,1 @@
-set_target_properties(tests_richtext PROPERTIES UNCHECKED *HugeTexts* SECONDS 45)
+set_target_properties(tests_richtext PROPERTIES UNCHECKED *HugeTexts* PIECES 2 SECONDS 40)

@@ -1,6 +1,6 @@
 // That the heap checks of the test programs find what they are for. Each of these damages a heap,
 // in a process of its own.
-#include "support/child_test.h"
+#include "support/run_in_child.h"
 #include "support/heap_checks.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // so each of these runs in a process of its own: the test program again, with one test of the kind
 // that only runs when it is asked for.
 #include "runtime/threads/cs_thread.h"
-#include "support/child_test.h"
+#include "support/run_in_child.h"
 
 #include <gtest/gtest.h>
 #include <atomic>
