@@ -1,4 +1,5 @@
 #include "progress/race_blocks.h"
+#include "support/heap_checks.h"
 #include "support/replace_import.h"
 
 #include <windows.h>
@@ -12,6 +13,9 @@ extern "C" FARPROC __imp_free;
 extern "C" FARPROC __imp_realloc;
 
 namespace {
+// In all of this program's tests dialogs have threads.
+[[maybe_unused]] const bool bLeftOut = (LeaveOutProcessHeap(), true);
+
 constexpr unsigned __int64 kLive = 0x4C6976654C697665, kFreed = 0x4672656446726564;
 constexpr unsigned char kTailByte = 0xA7, kFreedByte = 0xDD;
 constexpr std::size_t kTail = 16;
