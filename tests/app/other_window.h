@@ -1,7 +1,10 @@
 #pragma once
 #include "support/wait_until.h"
 #include "support/window_thread.h"
+
+#include <gtest/gtest.h>
 #include <windows.h>
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -94,3 +97,20 @@ class OtherWindow {
     std::atomic<bool> bHangs{false};
     WindowThread thread;
 };
+
+/// Whether the window is in front, or comes there.
+inline bool HasForeground(HWND hwnd) {
+    return WaitUntil([=] { return ::GetForegroundWindow() == hwnd; });
+}
+inline void GiveForeground(HWND hwnd) {
+    ::SetForegroundWindow(hwnd);
+    ASSERT_TRUE(HasForeground(hwnd));
+}
+
+/// How long fn runs: for what asks windows that hang.
+template <class Fn>
+double Seconds(Fn fn) {
+    auto start = std::chrono::steady_clock::now();
+    fn();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}

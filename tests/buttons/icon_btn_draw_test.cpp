@@ -1,119 +1,13 @@
-// The drawing calls of an icon button: worked out by hand for some, and by the rules for all
-// states.
-#include "buttons/draw_log.h"
-#include "buttons/icon_probe.h"
-#include "resources/resource_ids.h"
-#include "support/memory_picture.h"
+// The drawing calls of an icon button, worked out by hand, and what else it does when it draws.
+#include "buttons/display_picture.h"
+#include "buttons/icon_look.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <string>
 #include <vector>
 
-extern "C" FARPROC __imp_CreateDCW;
-
 namespace {
-using Btn = ProbeIconBtn;
-using Lines = std::vector<std::string>;
-
-/// Values that do not depend on the system's, for the length of a test.
-class KnownColors {
-  public:
-    KnownColors() {
-        for (int i : {0, 1}) {
-            Btn::rgbBk[i] = i ? 0xB1B1B1 : 0xB0B0B0;
-            Btn::rgbText[i] = i ? 0x111111 : 0x101010;
-        }
-        Btn::rgbGray = 0x777777;
-        LOGFONTW lf{};
-        lf.lfHeight = -11;
-        lf.lfQuality = NONANTIALIASED_QUALITY;
-        wcscpy(lf.lfFaceName, L"Tahoma");
-        Btn::hFontText = ::CreateFontIndirectW(&lf);
-        lf.lfHeight = -16;
-        Btn::hFontLink = ::CreateFontIndirectW(&lf);
-    }
-    ~KnownColors() {
-        ::DeleteObject(Btn::hFontText);
-        ::DeleteObject(Btn::hFontLink);
-        Btn::hFontText = before.hfontText;
-        Btn::hFontLink = before.hfontLink;
-        std::copy_n(before.rgbBk, 2, Btn::rgbBk);
-        std::copy_n(before.rgbText, 2, Btn::rgbText);
-        Btn::rgbGray = before.rgbGray;
-    }
-
-  private:
-    struct {
-        COLORREF rgbBk[2] = {Btn::rgbBk[0], Btn::rgbBk[1]};
-        COLORREF rgbText[2] = {Btn::rgbText[0], Btn::rgbText[1]};
-        COLORREF rgbGray = Btn::rgbGray;
-        HFONT hfontText = Btn::hFontText, hfontLink = Btn::hFontLink;
-    } before;
-};
-
-/// How a button is made and what is said of it at a drawing.
-struct Look {
-    unsigned long dwFlags = 3;
-    const wchar_t* pszText = L"&Open";
-    bool bIcon = false, bHoverIcon = false;
-    bool bSelected = false, bFocused = false, bDisabled = false, bChecked = false, bHover = false;
-    int x = 7, y = 9;
-
-    UINT ItemState() const {
-        return (bSelected ? ODS_SELECTED : 0u) | (bDisabled ? ODS_DISABLED : 0u) |
-               (bFocused ? ODS_FOCUS : 0u);
-    }
-    std::string Name() const {
-        return Format("flags %lu '%s' icon %d %d selected %d focused %d disabled %d checked %d "
-                      "hover %d",
-                      dwFlags, Narrow(pszText).c_str(), bIcon, bHoverIcon, bSelected, bFocused,
-                      bDisabled, bChecked, bHover);
-    }
-};
-
-constexpr RECT kItem{5, 4, 105, 45}; // 100 by 41
-
-struct IconBtnDraw : testing::Test {
-    /// Draws a button of that look.
-    void Draw(const Look& look, HDC hdc, DrawLog* pLog, const RECT& rc = kItem,
-              HFONT hfontThis = nullptr) {
-        ProbeIconBtn button(look.bIcon ? static_cast<unsigned>(-IDI_DLG_CLOSE) : 0,
-                            look.bHoverIcon ? static_cast<unsigned>(-IDI_DLG_CLOSE_HOVER) : 0,
-                            look.dwFlags, look.x, look.y);
-        ::SetWindowTextW(window, look.pszText);
-        ASSERT_EQ(1, button.Subclass(window));
-        button.bHover = look.bHover;
-        button.dwCheck = look.bChecked;
-        button.hFontThis = hfontThis;
-        DRAWITEMSTRUCT item{};
-        item.CtlType = ODT_BUTTON;
-        item.itemState = look.ItemState();
-        item.hwndItem = window;
-        item.hDC = hdc;
-        item.rcItem = rc;
-        if (pLog) {
-            pLog->hicon = button.hIcon;
-            pLog->hiconHover = button.hIconHover;
-        }
-        button.OnDrawItem(&item);
-        button.hFontThis = nullptr;
-        button.Unsubclass();
-    }
-    /// The calls, with texts of 6 by 13 pixels a character.
-    Lines Calls(const Look& look, const RECT& rc = kItem) {
-        MemoryPicture picture(120, 60, Btn::rgbBk[0]);
-        DrawLog log;
-        log.bFixedText = true;
-        Draw(look, picture, &log, rc);
-        return log.Take();
-    }
-
-    ProbeIconBtn first{0, 0, 3, 0, 0}; // keeps what is shared
-    KnownColors known;
-    ShownButton window;
-};
-
 // By hand: "Open" is 24 by 13, an icon 16 by 16.
 
 TEST_F(IconBtnDraw, Plain) {
@@ -369,115 +263,6 @@ TEST_F(IconBtnDraw, PrefersItsOwnFont) {
     ::DeleteObject(hfont);
 }
 
-// By the rules, in every state
-
-SIZE MeasureText(HDC hdc, HFONT hfont, std::wstring str) {
-    if (auto n = str.find(L'&'); n != std::wstring::npos) str.erase(n, 1);
-    HGDIOBJ hBefore = ::SelectObject(hdc, hfont);
-    SIZE size{};
-    ::GetTextExtentPoint32W(hdc, str.c_str(), static_cast<int>(str.size()), &size);
-    ::SelectObject(hdc, hBefore);
-    return size;
-}
-
-Lines RulesFor(const Look& look, HDC hdc) {
-    constexpr UINT kFormat = 0x124;
-    Lines lines;
-    const bool bLink = look.dwFlags & 4, bText = *look.pszText;
-    HFONT hfont = bLink ? Btn::hFontLink : Btn::hFontText;
-    const COLORREF crBk = Btn::rgbBk[!bLink && look.bSelected];
-    SIZE sizeText = MeasureText(hdc, hfont, look.pszText);
-    int cx = (bText ? sizeText.cx : 0) + (look.bIcon ? 16 : 0) + (bText && look.bIcon ? 2 : 0);
-    int cy = std::max(bText ? sizeText.cy : 0L, look.bIcon ? 16L : 0L);
-    int x = kItem.left + (kItem.right - kItem.left - cx) / 2;
-    int y = kItem.top + (kItem.bottom - kItem.top - cy) / 2;
-    if (!(look.dwFlags & 1)) y = look.y;
-    if (!(look.dwFlags & 2)) x = look.x;
-    if ((look.bSelected || look.bChecked) && !bLink) {
-        ++x;
-        ++y;
-    }
-    RECT rc{x, y, x + cx, y + cy};
-    if (bText && look.bIcon) rc.left += 18;
-    if (!bLink) {
-        lines.push_back(Format("face %s 4 %x", RectText(kItem).c_str(),
-                               0x2010 | (look.bChecked ? 0x400 : 0) | (look.bSelected ? 0x200 : 0) |
-                                   (look.bDisabled ? 0x100 : 0)));
-    }
-    if (bText) {
-        auto strText = Narrow(look.pszText);
-        auto AddText = [&](const RECT& rcText, COLORREF cr) {
-            lines.push_back(Format("text '%s' %s %x color %06lx on %06lx font %s", strText.c_str(),
-                                   RectText(rcText).c_str(), kFormat, cr, crBk,
-                                   bLink ? "link" : "text"));
-        };
-        if (look.bDisabled && !look.bSelected)
-            AddText({rc.left + 1, rc.top + 1, rc.right + 1, rc.bottom + 1}, 0xFFFFFF);
-        COLORREF cr = Btn::rgbText[look.bSelected];
-        if (bLink) cr = look.bHover ? Btn::rgbHover : Btn::rgbLink[look.bSelected];
-        if (look.bDisabled) cr = Btn::rgbGray;
-        AddText(rc, cr);
-        lines.push_back(Format("rect '%s' %s 524", strText.c_str(), RectText(rc).c_str()));
-        HGDIOBJ hBefore = ::SelectObject(hdc, hfont);
-        ::DrawTextW(hdc, look.pszText, -1, &rc, kFormat);
-        ::DrawTextW(hdc, look.pszText, -1, &rc, 0x524);
-        ::SelectObject(hdc, hBefore);
-        rc = {rc.left - 2, rc.top - 1, rc.right + 2, rc.bottom + 1};
-        if (bLink) {
-            RECT rcLine{rc.left + 2, rc.bottom, rc.right - 2, rc.bottom};
-            auto AddRound = [&](const char* pszPen) {
-                lines.push_back(Format("round %s by 4,4 %s", RectText(rc).c_str(), pszPen));
-            };
-            auto AddLine = [&](const char* pszPen) {
-                lines.push_back(Format("line %s %s", RectText(rcLine).c_str(), pszPen));
-            };
-            AddRound("bkg");
-            AddLine("bkg");
-            if (look.bFocused)
-                AddRound(look.bHover ? "hoverDotted" : "linkDotted");
-            else
-                AddLine(look.bDisabled ? "grayDashed" : look.bHover ? "hoverSolid" : "linkSolid");
-        }
-    }
-    if (!bLink) {
-        lines.push_back(Format("round %s by 4,4 %s", RectText(rc).c_str(),
-                               look.bFocused ? "focusText" : "focusBkg"));
-    }
-    if (look.bIcon) {
-        lines.push_back(Format("icon %s (%d,%d) 16x16 0 bkg 3",
-                               look.bHover && look.bHoverIcon ? "hover" : "normal", x, y));
-    }
-    return lines;
-}
-
-class IconBtnDrawAll : public IconBtnDraw, public testing::WithParamInterface<unsigned long> {};
-
-TEST_P(IconBtnDrawAll, FollowsTheRulesInEveryState) {
-    constexpr int kStates = 256;
-    MemoryPicture picture(120, 60), scratch(120, 60);
-    for (const wchar_t* pszText : {L"&Open", L""}) {
-        for (int n = 0; n < kStates; ++n) {
-            Look look;
-            look.dwFlags = GetParam();
-            look.pszText = pszText;
-            look.bIcon = n & 1;
-            look.bHoverIcon = n & 2;
-            look.bSelected = n & 4;
-            look.bFocused = n & 8;
-            look.bDisabled = n & 16;
-            look.bChecked = n & 32;
-            look.bHover = n & 64;
-            look.x = n & 128 ? kCommonValue - 1 : 7;
-            Lines expected = RulesFor(look, scratch);
-            DrawLog log;
-            Draw(look, picture, &log);
-            ASSERT_EQ(expected, log.Take()) << look.Name();
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Flags, IconBtnDrawAll, testing::Range(0ul, 8ul));
-
 // The context and the face
 
 TEST_F(IconBtnDraw, LeavesTheContextAsItWas) {
@@ -503,31 +288,19 @@ TEST_F(IconBtnDraw, LeavesTheContextAsItWas) {
     EXPECT_EQ(1, ::SaveDC(picture)) << "no state is left saved";
 }
 
-/// A picture in the place of a context for the display.
-struct Screen {
-    static HDC WINAPI Create(LPCWSTR pszDriver, LPCWSTR, LPCWSTR, const DEVMODEW*) {
-        bDisplay = pszDriver && wcscmp(pszDriver, L"DISPLAY") == 0;
-        HDC hdc = ::CreateCompatibleDC(nullptr);
-        ::SelectObject(hdc, hbm);
-        return hdc;
-    }
-    static inline HBITMAP hbm = nullptr;
-    static inline bool bDisplay = false;
-};
-
 TEST_F(IconBtnDraw, WithoutAContextItTakesTheDisplays) {
     void* pBits = nullptr;
-    Screen::hbm = MakeDibSection(120, 60, &pBits);
+    DisplayPicture::hbm = MakeDibSection(120, 60, &pBits);
     Look look;
     look.dwFlags = 7;
     {
-        ReplaceImport create(__imp_CreateDCW, &Screen::Create);
+        ReplaceImport create(__imp_CreateDCW, &DisplayPicture::Create);
         Draw(look, nullptr, nullptr);
     }
-    EXPECT_TRUE(Screen::bDisplay);
+    EXPECT_TRUE(DisplayPicture::bDisplay);
     const auto* p = static_cast<const Pixel*>(pBits);
     EXPECT_TRUE(std::any_of(p, p + 120 * 60, [](Pixel pixel) { return pixel != 0; }));
-    EXPECT_TRUE(::DeleteObject(Screen::hbm)) << "the context is gone";
+    EXPECT_TRUE(::DeleteObject(DisplayPicture::hbm)) << "the context is gone";
 }
 
 TEST_F(IconBtnDraw, ASubclassDrawsAnotherFace) {
@@ -594,175 +367,5 @@ TEST_F(IconBtnDraw, DrawsWithoutAWindow) {
     EXPECT_EQ((Lines{"face (5,4)-(105,45) 4 2010", "round (47,16)-(63,32) by 4,4 focusBkg",
                      "icon normal (47,16) 16x16 0 bkg 3"}),
               log.Take());
-}
-
-// Pixels
-
-using Pixels = std::vector<COLORREF>;
-Pixels ReadAll(const MemoryPicture& picture) {
-    Pixels pixels;
-    for (int y = 0; y < 60; ++y)
-        for (int x = 0; x < 120; ++x) pixels.push_back(picture.Get(x, y));
-    return pixels;
-}
-int CountOf(const MemoryPicture& picture, COLORREF cr) {
-    Pixels pixels = ReadAll(picture);
-    return static_cast<int>(std::count(pixels.begin(), pixels.end(), cr));
-}
-
-struct IconBtnPixels : IconBtnDraw {
-    void SetUp() override {
-        penBefore = Btn::penBkg;
-        Btn::penBkg = ::CreatePen(PS_SOLID, 0, Btn::rgbBk[0]); // the colour that this test knows
-    }
-    void TearDown() override {
-        ::DeleteObject(Btn::penBkg);
-        Btn::penBkg = penBefore;
-    }
-    /// The looks painted one after another into one picture.
-    Pixels Paint(const std::vector<Look>& looks) {
-        MemoryPicture picture(120, 60, Btn::rgbBk[0]);
-        for (const Look& look : looks) Draw(look, picture, nullptr);
-        return ReadAll(picture);
-    }
-
-    HPEN penBefore = nullptr;
-};
-
-Look LinkLook(bool bFocused, bool bHover) {
-    Look look;
-    look.dwFlags = 7;
-    look.bFocused = bFocused;
-    look.bHover = bHover;
-    return look;
-}
-
-TEST_F(IconBtnPixels, OfALinkLeaveNothingOfThePaintingBefore) {
-    for (int nBefore = 0; nBefore < 4; ++nBefore) {
-        for (int nAfter = 0; nAfter < 4; ++nAfter) {
-            Look before = LinkLook(nBefore & 1, nBefore & 2),
-                 after = LinkLook(nAfter & 1, nAfter & 2);
-            EXPECT_EQ(Paint({after}), Paint({before, after}))
-                << before.Name() << " then " << after.Name();
-            if (nBefore == nAfter) continue;
-            EXPECT_NE(Paint({before}), Paint({after}));
-        }
-    }
-}
-
-TEST_F(IconBtnPixels, OfALinkAreItsColoursAndTheBackground) {
-    const struct {
-        Look look;
-        COLORREF cr;
-    } rows[] = {{LinkLook(false, false), RGB(0, 0, 187)},
-                {LinkLook(false, true), RGB(187, 0, 0)},
-                {LinkLook(true, false), RGB(0, 0, 187)},
-                {LinkLook(true, true), RGB(187, 0, 0)}};
-    for (const auto& row : rows) {
-        Pixels pixels = Paint({row.look});
-        auto nInk = std::count(pixels.begin(), pixels.end(), row.cr);
-        auto nPaper = std::count(pixels.begin(), pixels.end(), Btn::rgbBk[0]);
-        EXPECT_LT(40, nInk) << row.look.Name();
-        EXPECT_EQ(static_cast<long long>(pixels.size()), nInk + nPaper) << row.look.Name();
-    }
-}
-
-TEST_F(IconBtnPixels, OfAnUnderlineEndTwoPixelsInside) {
-    MemoryPicture picture(120, 60, Btn::rgbBk[0]);
-    Look look = LinkLook(false, false);
-    DrawLog log;
-    Draw(look, picture, &log);
-    RECT rc{};
-    std::string str = log.Take().back();
-    ASSERT_EQ(4, std::sscanf(str.c_str(), "line (%ld,%ld)-(%ld,%ld) linkSolid", &rc.left, &rc.top,
-                             &rc.right, &rc.bottom))
-        << str;
-    for (int x = 0; x < 120; ++x) {
-        COLORREF crExpected = x >= rc.left && x < rc.right ? RGB(0, 0, 187) : Btn::rgbBk[0];
-        ASSERT_EQ(crExpected, picture.Get(x, rc.top)) << x;
-    }
-}
-
-// Everything in which the two differ lies in one row, below the first letter.
-TEST_F(IconBtnPixels, OfTheMnemonicAreUnderlined) {
-    for (unsigned long dwFlags : {3ul, 7ul}) {
-        Look look;
-        look.dwFlags = dwFlags;
-        look.bFocused = true; // for a link: no underline of its own
-        Pixels with = Paint({look});
-        look.pszText = L"Open";
-        Pixels without = Paint({look});
-        int nRow = -1, nFirst = 120, nLast = -1, nCount = 0;
-        for (int i = 0; i < 120 * 60; ++i) {
-            if (with[i] == without[i]) continue;
-            if (nRow < 0) nRow = i / 120;
-            EXPECT_EQ(nRow, i / 120);
-            nFirst = std::min(nFirst, i % 120);
-            nLast = std::max(nLast, i % 120);
-            ++nCount;
-        }
-        HDC hdc = ::CreateCompatibleDC(nullptr);
-        SIZE sizeO = MeasureText(hdc, dwFlags & 4 ? Btn::hFontLink : Btn::hFontText, L"O");
-        SIZE sizeAll = MeasureText(hdc, dwFlags & 4 ? Btn::hFontLink : Btn::hFontText, L"Open");
-        ::DeleteDC(hdc);
-        int xText = 5 + (100 - sizeAll.cx) / 2;
-        EXPECT_LE(sizeO.cx - 2, nCount);
-        EXPECT_LE(xText, nFirst);
-        EXPECT_GE(xText + sizeO.cx, nLast);
-    }
-}
-
-TEST_F(IconBtnPixels, OfTheIconAreThoseThatThePlatformDraws) {
-    for (bool bHover : {false, true}) {
-        Look look = LinkLook(false, bHover);
-        look.pszText = L"";
-        look.bIcon = look.bHoverIcon = true;
-        Pixels drawn = Paint({look});
-        MemoryPicture expected(120, 60, Btn::rgbBk[0]);
-        auto hicon = static_cast<HICON>(::LoadImageW(
-            ::GetModuleHandleW(nullptr),
-            MAKEINTRESOURCEW(bHover ? IDI_DLG_CLOSE_HOVER : IDI_DLG_CLOSE), IMAGE_ICON, 16, 16, 0));
-        ::DrawIconEx(expected, 47, 16, hicon, 16, 16, 0, Btn::hbrBkg, DI_NORMAL);
-        ::DestroyIcon(hicon);
-        EXPECT_EQ(ReadAll(expected), drawn) << bHover;
-    }
-}
-
-TEST_F(IconBtnPixels, OfADisabledTextHaveAWhiteShadow) {
-    MemoryPicture picture(120, 60, Btn::rgbBk[0]);
-    Look look;
-    look.dwFlags = 7;
-    look.bDisabled = true;
-    Draw(look, picture, nullptr);
-    EXPECT_LT(40, CountOf(picture, Btn::rgbGray));
-    EXPECT_EQ(0, CountOf(picture, RGB(0, 0, 187)));
-}
-
-// The platform's face, text and frame, put together here.
-TEST_F(IconBtnPixels, OfAPlainButtonAreTheFaceTheTextAndTheFrame) {
-    for (bool bFocused : {false, true}) {
-        for (bool bSelected : {false, true}) {
-            Look look;
-            look.bFocused = bFocused;
-            look.bSelected = bSelected;
-            MemoryPicture expected(120, 60, Btn::rgbBk[0]);
-            RECT rcFace = kItem;
-            ::DrawFrameControl(expected, &rcFace, DFC_BUTTON,
-                               DFCS_BUTTONPUSH | DFCS_ADJUSTRECT | (bSelected ? DFCS_PUSHED : 0));
-            SIZE size = MeasureText(expected, Btn::hFontText, L"Open");
-            int nShift = bSelected ? 1 : 0;
-            RECT rc{5 + (100 - size.cx) / 2 + nShift, 4 + (41 - size.cy) / 2 + nShift, 0, 0};
-            rc.right = rc.left + size.cx;
-            rc.bottom = rc.top + size.cy;
-            ::SelectObject(expected, Btn::hFontText);
-            ::SetBkColor(expected, Btn::rgbBk[bSelected]);
-            ::SetTextColor(expected, Btn::rgbText[bSelected]);
-            ::DrawTextW(expected, L"&Open", -1, &rc, DT_SINGLELINE | DT_VCENTER | DT_NOCLIP);
-            ::SelectObject(expected, ::GetStockObject(NULL_BRUSH));
-            ::SelectObject(expected, bFocused ? Btn::penFocusText : Btn::penFocusBkg);
-            ::RoundRect(expected, rc.left - 2, rc.top - 1, rc.right + 2, rc.bottom + 1, 4, 4);
-            EXPECT_EQ(ReadAll(expected), Paint({look})) << look.Name();
-        }
-    }
 }
 } // namespace

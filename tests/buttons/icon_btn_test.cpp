@@ -1,14 +1,12 @@
 // An icon button's icons, its life, and its messages outside of a dialog.
 #include "app/identity/product_info.h"
-#include "buttons/call_log.h"
+#include "buttons/button_messages.h"
 #include "buttons/icon_probe.h"
-#include "buttons/message_spy.h"
 #include "resources/resource_ids.h"
 #include "support/gui_objects.h"
 #include "support/test_resource_ids.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 
 namespace {
@@ -142,26 +140,10 @@ TEST(IconBtnLife, OneHundredLeaveNoDrawingObjects) {
 
 // Messages
 
-struct IconBtnMessages : testing::TestWithParam<unsigned long> {
-    IconBtnMessages() : button(0, 0, GetParam(), 2, 2) {}
-    void SetUp() override {
-        ASSERT_EQ(1, button.Subclass(window));
-        spy = std::make_unique<MessageSpy>(button);
-        log = std::make_unique<CallLog>(window);
-    }
-    void TearDown() override {
-        log.reset();
-        spy.reset();
-        if (button.IsReady()) button.Unsubclass();
-    }
-    LRESULT Send(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) {
-        return ::SendMessageW(window, uMsg, wParam, lParam);
-    }
-
-    ShownButton window{L"&Open"};
-    ProbeIconBtn button;
-    std::unique_ptr<MessageSpy> spy;
-    std::unique_ptr<CallLog> log;
+struct IconBtnMessages : testing::TestWithParam<unsigned long>, ButtonMessages<ProbeIconBtn> {
+    IconBtnMessages() : ButtonMessages(L"&Open", 0u, 0u, GetParam(), 2, 2) {}
+    void SetUp() override { Tie(); }
+    void TearDown() override { Untie(); }
 };
 constexpr unsigned long kPlain = 3, kLink = 5;
 
@@ -177,28 +159,11 @@ TEST_P(IconBtnBothLooks, OnInitMakesTheButtonDrawnByItsOwner) {
 }
 
 TEST_P(IconBtnBothLooks, TheCursorStaysWhileTheMouseIsOver) {
-    HCURSOR hcurCross = ::LoadCursorW(nullptr, IDC_CROSS);
-    ::SetCursor(hcurCross);
-    auto wParam = reinterpret_cast<WPARAM>(static_cast<HWND>(window));
-    button.bHover = 1;
-    EXPECT_EQ(1, Send(WM_SETCURSOR, wParam, MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)));
-    EXPECT_EQ(0, spy->Count(WM_SETCURSOR));
-    EXPECT_EQ(hcurCross, ::GetCursor());
-    button.bHover = 0;
-    Send(WM_SETCURSOR, wParam, MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
-    EXPECT_EQ(1, spy->Count(WM_SETCURSOR));
-    EXPECT_EQ(::LoadCursorW(nullptr, IDC_ARROW), ::GetCursor());
+    ExpectTheCursorStaysWhileTheMouseIsOver();
 }
 
 TEST_P(IconBtnBothLooks, DroppedFilesComeOnceAndBeforeTheDefault) {
-    int nDropsBefore = -1;
-    spy->onMessage = [&](UINT uMsg) {
-        if (uMsg == WM_DROPFILES) nDropsBefore = button.nDrops;
-    };
-    Send(WM_DROPFILES);
-    EXPECT_EQ(1, button.nDrops);
-    EXPECT_EQ(1, nDropsBefore);
-    EXPECT_EQ(1, spy->Count(WM_DROPFILES));
+    ExpectDroppedFilesComeOnceAndBeforeTheDefault();
 }
 
 TEST_P(IconBtnBothLooks, EnablingErases) {

@@ -1,4 +1,5 @@
 // What an image button shows, beside a composition of its images' own pixels.
+#include "buttons/display_picture.h"
 #include "buttons/image_probe.h"
 #include "resources/resource_ids.h"
 #include "support/memory_picture.h"
@@ -6,8 +7,6 @@
 #include <gtest/gtest.h>
 #include <array>
 #include <string>
-
-extern "C" FARPROC __imp_CreateDCW;
 
 namespace {
 enum Frame { kNormal, kHover, kPressed, kDisabled, kFocus, kFrames };
@@ -273,31 +272,19 @@ TEST_F(ImageBtnDraw, AMissingStripShowsNothing) {
     for (int n = 0; n < State::kAll; ++n) ExpectLayers(kItem, 0, 0, State(n), {}, "no strip: ");
 }
 
-/// A picture in the place of a context for the display.
-struct Screen {
-    static HDC WINAPI Create(LPCWSTR pszDriver, LPCWSTR, LPCWSTR, const DEVMODEW*) {
-        bDisplay = pszDriver && wcscmp(pszDriver, L"DISPLAY") == 0;
-        HDC hdc = ::CreateCompatibleDC(nullptr);
-        ::SelectObject(hdc, hbm);
-        return hdc;
-    }
-    static inline HBITMAP hbm = nullptr;
-    static inline bool bDisplay = false;
-};
-
 TEST_F(ImageBtnDraw, WithoutAContextItTakesTheDisplays) {
     LoadMade(true, 0);
     void* pBits = nullptr;
-    Screen::hbm = MakeDibSection(20, 20, &pBits);
+    DisplayPicture::hbm = MakeDibSection(20, 20, &pBits);
     {
-        ReplaceImport create(__imp_CreateDCW, &Screen::Create);
+        ReplaceImport create(__imp_CreateDCW, &DisplayPicture::Create);
         Draw(button, nullptr, {3, 2, 17, 13}, State(0));
     }
-    EXPECT_TRUE(Screen::bDisplay);
+    EXPECT_TRUE(DisplayPicture::bDisplay);
     const auto* pPixels = static_cast<const Pixel*>(pBits);
     EXPECT_EQ(ColorOfFrame(kNormal), pPixels[2 * 20 + 3] & 0xFFFFFF);
     EXPECT_EQ(0u, pPixels[1 * 20 + 3] & 0xFFFFFF);
-    EXPECT_TRUE(::DeleteObject(Screen::hbm)) << "the context is gone";
+    EXPECT_TRUE(::DeleteObject(DisplayPicture::hbm)) << "the context is gone";
 }
 
 TEST_F(ImageBtnDraw, LeavesTheContextAsItWas) {

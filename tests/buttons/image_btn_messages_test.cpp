@@ -1,34 +1,21 @@
 // What an image button does with its messages, outside of a dialog; in one: buttons_in_dialog_test.
-#include "buttons/call_log.h"
+#include "buttons/button_messages.h"
 #include "buttons/image_probe.h"
-#include "buttons/message_spy.h"
 #include "resources/resource_ids.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 
 namespace {
-struct ImageBtnMessages : testing::Test {
+struct ImageBtnMessages : testing::Test, ButtonMessages<ProbeImageBtn> {
+    ImageBtnMessages() : ButtonMessages(L"") {}
     void SetUp() override {
         button.LoadBmp(48, 48, nullptr, -IDB_BUTTON_STRIP_1, 0, 3);
-        ASSERT_EQ(1, button.Subclass(window));
-        spy = std::make_unique<MessageSpy>(button);
-        log = std::make_unique<CallLog>(window);
+        Tie();
     }
     void TearDown() override {
         ::ReleaseCapture();
-        log.reset();
-        spy.reset();
-        if (button.IsReady()) button.Unsubclass();
+        Untie();
     }
-    LRESULT Send(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) {
-        return ::SendMessageW(window, uMsg, wParam, lParam);
-    }
-
-    ShownButton window;
-    ProbeImageBtn button;
-    std::unique_ptr<MessageSpy> spy;
-    std::unique_ptr<CallLog> log;
 };
 
 TEST_F(ImageBtnMessages, OnInitMakesTheButtonDrawnByItsOwner) {
@@ -55,29 +42,11 @@ TEST_F(ImageBtnMessages, CheckErases) {
 }
 
 TEST_F(ImageBtnMessages, TheCursorStaysWhileTheMouseIsOver) {
-    HCURSOR hcurCross = ::LoadCursorW(nullptr, IDC_CROSS);
-    ::SetCursor(hcurCross);
-    button.bHover = 1;
-    EXPECT_EQ(1, Send(WM_SETCURSOR, reinterpret_cast<WPARAM>(static_cast<HWND>(window)),
-                      MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)));
-    EXPECT_EQ(0, spy->Count(WM_SETCURSOR)) << "no default handling";
-    EXPECT_EQ(hcurCross, ::GetCursor());
-    button.bHover = 0;
-    Send(WM_SETCURSOR, reinterpret_cast<WPARAM>(static_cast<HWND>(window)),
-         MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
-    EXPECT_EQ(1, spy->Count(WM_SETCURSOR));
-    EXPECT_EQ(::LoadCursorW(nullptr, IDC_ARROW), ::GetCursor());
+    ExpectTheCursorStaysWhileTheMouseIsOver();
 }
 
 TEST_F(ImageBtnMessages, DroppedFilesComeOnceAndBeforeTheDefault) {
-    int nDropsBefore = -1;
-    spy->onMessage = [&](UINT uMsg) {
-        if (uMsg == WM_DROPFILES) nDropsBefore = button.nDrops;
-    };
-    Send(WM_DROPFILES);
-    EXPECT_EQ(1, button.nDrops);
-    EXPECT_EQ(1, nDropsBefore);
-    EXPECT_EQ(1, spy->Count(WM_DROPFILES));
+    ExpectDroppedFilesComeOnceAndBeforeTheDefault();
 }
 
 TEST_F(ImageBtnMessages, TheMouseBringsHandAndHover) {

@@ -3,33 +3,14 @@
 #include "runtime/base/current_product.h"
 #include "runtime/system/elevation.h"
 #include "runtime/system/system_facts.h"
+#include "runtime/version_questions.h"
 
 #include <cstdio>
 #include <cwchar>
 
 int wmain() {
-    struct Row {
-        const char* pszName;
-        int (*pfn)();
-    };
-    const Row kRows[] = {
-        {"WinNT", &WinNT},
-        {"Win2K", &Win2K},
-        {"WinXP", &WinXP},
-        {"WinServer2003", &WinServer2003},
-        {"WinVista", &WinVista},
-        {"Win7", &Win7},
-        {"Win8", &Win8},
-        {"Win81", &Win81},
-        {"Win10", &Win10},
-        {"Win2K_only", &Win2K_only},
-        {"WinXP_only", &WinXP_only},
-        {"WinVista_only", &WinVista_only},
-        {"Win7_only", &Win7_only},
-        {"WinServer", &WinServer},
-        {"WinPro", &WinPro},
-    };
-    for (const Row& row : kRows) std::printf("%s %d\n", row.pszName, row.pfn());
+    for (const VersionQuestion& row : kVersionQuestions)
+        std::printf("%s %d\n", row.pszName, row.pfn());
     DWORD dwServicePack = 0;
     unsigned long long qw = GetWinVersion(&dwServicePack);
     std::printf("GetWinVersion %u.%u.%u\n", static_cast<unsigned>(qw >> 48),

@@ -25,13 +25,13 @@ constinit bool bAutoCheckForced = false;
 constinit DWORD dwForcedAutoCheck = 0;
 
 bool IsFrequencyForced() { return dwForcedFrequency != kNotForced; }
+} // namespace
 
 bool OpenSetupKey(RegKey& key, int bWrite) {
     wchar_t szPath[kPathSize];
     FormatText(szPath, L"%s\\%s", GetMyProductInfo().GetAppRootKey(), L"Setup");
     return key.Open(szPath, bWrite) != 0;
 }
-} // namespace
 
 DWORD AddUpdateJitter(DWORD dwTime) {
     // A linear congruential generator's first result; whoever knows the time knows it too.

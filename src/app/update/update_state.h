@@ -3,6 +3,7 @@
 #include <windows.h>
 
 class CSComboList;
+class RegKey;
 
 // When the next check for updates is due. The schedule lies in four numbers of the key "Setup"
 // below the product's root (ProductInfo::GetAppRootKey). Times are the product's own: seconds since
@@ -55,6 +56,10 @@ class TESSALY_API UpdateState {
     DWORD dwFrequency;      // a Check4UpdatesFreq
     DWORD dwAutoCheck;      // nonzero: check without asking
 };
+
+/// Opens the key "Setup" below the product's root, which has the schedule and what else the program
+/// keeps of its use; made if it is to be written and missing. False if it can't be opened.
+[[nodiscard]] bool OpenSetupKey(RegKey& key, int bWrite);
 
 /// That time and less than an hour more, with the lowest bit clear. The same for the same time.
 DWORD AddUpdateJitter(DWORD dwTime);

@@ -1,8 +1,6 @@
 #include "icons/tray/day_count.h"
-#include "app/identity/product_info.h"
 #include "app/update/update_check.h"
 #include "app/update/update_state.h"
-#include "runtime/text/str_format.h"
 #include "store/registry/reg_key.h"
 
 #include <cwchar>
@@ -12,7 +10,6 @@ constexpr const wchar_t* kDayCount = L"DayCount";
 constexpr const wchar_t* kLastUse = L"LastUse";
 constexpr int kDateSize = 64;        // characters of today's date
 constexpr unsigned kMaxLastUse = 64; // bytes of the one that is remembered
-constexpr std::size_t kPathSize = ProductInfo::kRootKeySize + 16;
 
 constinit DWORD dwLastCount = 0; // as it was last known in this process
 
@@ -20,12 +17,6 @@ constinit DWORD dwLastCount = 0; // as it was last known in this process
 bool EndText(int cch, wchar_t* pszBuffer, int cchBuffer) {
     pszBuffer[cchBuffer - 1] = 0;
     return cch > 0;
-}
-
-bool OpenSetupKey(RegKey& key) {
-    wchar_t szPath[kPathSize];
-    FormatText(szPath, L"%s\\%s", GetMyProductInfo().GetAppRootKey(), L"Setup");
-    return key.Open(szPath, 1) != 0;
 }
 
 /// One character more than is read, so that a text that was stored without its end has one.
@@ -82,7 +73,7 @@ bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st) {
 
 DWORD UpdateDayCount() {
     RegKey key;
-    if (OpenSetupKey(key)) dwLastCount = CountToday(key);
+    if (OpenSetupKey(key, 1)) dwLastCount = CountToday(key);
     if (dwLastCount) { // not on the first day
         EnforceCheckForUpdates(kCheckDaily | kForceFrequency | kForceAutoCheck | kForceAutoCheckOn);
         CheckForUpdates(nullptr);

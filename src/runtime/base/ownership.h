@@ -40,6 +40,7 @@ class OwnedHandleOf {
 using OwnedHandle = OwnedHandleOf<HANDLE, &::CloseHandle>;
 using OwnedModule = OwnedHandleOf<HMODULE, &::FreeLibrary>;
 using OwnedLocal = OwnedHandleOf<HLOCAL, &::LocalFree>;
+using OwnedGlobal = OwnedHandleOf<HGLOBAL, &::GlobalFree>;
 
 template <class Interface>
 void ReleaseInterface(Interface* p) {

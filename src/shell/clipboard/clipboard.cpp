@@ -8,8 +8,6 @@
 #include <cwchar>
 
 namespace {
-using OwnedGlobal = OwnedHandleOf<HGLOBAL, &::GlobalFree>;
-
 /// A moveable block, which the clipboard wants; the other flag is what programs ask for since ever.
 HGLOBAL AllocateBlock(UINT cb) { return ::GlobalAlloc(GMEM_MOVEABLE | GMEM_DDESHARE, cb); }
 

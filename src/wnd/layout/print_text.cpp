@@ -11,7 +11,6 @@
 
 namespace {
 using OwnedPrinter = OwnedHandleOf<HDC, &::DeleteDC>;
-using OwnedGlobal = OwnedHandleOf<HGLOBAL, &::GlobalFree>;
 
 constexpr int kMarginsPerInch = 10;
 constexpr int kFarOff = 0x10000000; // pixels: beyond any page, and far from where an int ends

@@ -83,20 +83,6 @@ class OtherProgram {
     HWND hwndBox = nullptr;
     PROCESS_INFORMATION pi{};
 };
-
-SIZE SizeOfIcon(HICON hicon) {
-    ICONINFO info{};
-    if (!::GetIconInfo(hicon, &info)) return {};
-    BITMAP bitmap{};
-    ::GetObjectW(info.hbmMask, sizeof(bitmap), &bitmap);
-    if (info.hbmColor) ::DeleteObject(info.hbmColor);
-    ::DeleteObject(info.hbmMask);
-    return {bitmap.bmWidth, bitmap.bmHeight};
-}
-
-HICON IconOfWindow(HWND hwnd, WPARAM nWhich) {
-    return reinterpret_cast<HICON>(::SendMessageW(hwnd, WM_GETICON, nWhich, 0));
-}
 } // namespace
 
 // What is in the box

@@ -5,7 +5,6 @@
 #include "wnd/core/company_msg.h"
 
 #include <gtest/gtest.h>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -127,22 +126,6 @@ OtherWindow::Handler HandlerOfMainWindow(unsigned nId) {
         if (LRESULT n = OnActivatePreviousInstance(nId, hwnd, uMsg, wParam, lParam)) return n;
         return {};
     };
-}
-
-bool HasForeground(HWND hwnd) {
-    return WaitUntil([=] { return ::GetForegroundWindow() == hwnd; }, 3000);
-}
-
-void GiveForeground(HWND hwnd) {
-    ::SetForegroundWindow(hwnd);
-    ASSERT_TRUE(HasForeground(hwnd));
-}
-
-template <class Fn>
-double Seconds(Fn fn) {
-    auto start = std::chrono::steady_clock::now();
-    fn();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 /// One time-out, and what a loaded machine may add.

@@ -12,7 +12,6 @@
 #include "support/test_window.h"
 
 #include <gtest/gtest.h>
-#include <chrono>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -76,22 +75,6 @@ struct NumberedDialog {
     std::atomic<int> nAskedNumber{0}, nAskedActivate{0};
     OtherWindow window;
 };
-
-bool HasForeground(HWND hwnd) {
-    return WaitUntil([=] { return ::GetForegroundWindow() == hwnd; });
-}
-
-void GiveForeground(HWND hwnd) {
-    ::SetForegroundWindow(hwnd);
-    ASSERT_TRUE(HasForeground(hwnd));
-}
-
-template <class Fn>
-double Seconds(Fn fn) {
-    auto start = std::chrono::steady_clock::now();
-    fn();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 /// A call that is to come back without a dialog of that number. One that it shows all the same is a
 /// failure, and cancelled.

@@ -5,6 +5,7 @@
 #include "app/fake_clock.h"
 #include "app/fake_wininet.h"
 #include "app/shell_start_recorder.h"
+#include "support/gui_objects.h"
 #include "support/heap_count.h"
 #include "support/message_box_driver.h"
 #include "support/test_window.h"
@@ -75,17 +76,6 @@ struct ExposedGet : DlgGetUpdates {
     using DlgUpdateBase::daysLine;
     using DlgUpdateBase::title;
 };
-
-SIZE SizeOfWindowIcon(HWND hwnd, WPARAM nWhich) {
-    auto hicon = reinterpret_cast<HICON>(::SendMessageW(hwnd, WM_GETICON, nWhich, 0));
-    ICONINFO info{};
-    if (!::GetIconInfo(hicon, &info)) return {};
-    BITMAP bitmap{};
-    ::GetObjectW(info.hbmMask, sizeof(bitmap), &bitmap);
-    if (info.hbmColor) ::DeleteObject(info.hbmColor);
-    ::DeleteObject(info.hbmMask);
-    return {bitmap.bmWidth, bitmap.bmHeight};
-}
 } // namespace
 
 // What both have
@@ -122,8 +112,8 @@ TEST_P(UpdateDlg, HasNoTitleBarAndTheTemplatesSize) {
 
 TEST_P(UpdateDlg, WindowHasTheProductsIconInBothSizes) {
     Shown shown;
-    EXPECT_EQ(::GetSystemMetrics(SM_CXSMICON), SizeOfWindowIcon(shown.dlg, ICON_SMALL).cx);
-    EXPECT_EQ(::GetSystemMetrics(SM_CXICON), SizeOfWindowIcon(shown.dlg, ICON_BIG).cx);
+    EXPECT_EQ(::GetSystemMetrics(SM_CXSMICON), SizeOfIcon(IconOfWindow(shown.dlg, ICON_SMALL)).cx);
+    EXPECT_EQ(::GetSystemMetrics(SM_CXICON), SizeOfIcon(IconOfWindow(shown.dlg, ICON_BIG)).cx);
 }
 
 TEST_P(UpdateDlg, AnswersToItsNumberAlone) {

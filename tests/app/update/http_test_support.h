@@ -68,7 +68,7 @@ class HttpTest : public testing::Test {
         auto IsClean = [&] {
             if (CountThreads() > nThreads || LoopbackWinInet::CountOpen()) return false;
             ClearRecords();
-            return bBlocksStay || HasFailure() || CountLiveBlocks() == nBlocks;
+            return HasFailure() || CountLiveBlocks() == nBlocks;
         };
         // (A connection that nobody took is tried again after longer and longer pauses, and the
         // platform's thread for idle ones stays for half a minute.)
@@ -88,7 +88,6 @@ class HttpTest : public testing::Test {
 
     static inline std::unique_ptr<HttpServer> server;
     std::optional<LoopbackWinInet> internet;
-    int bBlocksStay = 0; // of the test's own framework
     int bLasting = 0; // the server may still talk: the test platform lets nobody close it the mouth
 
   private:

@@ -1,15 +1,13 @@
 #pragma once
-#include "app/about/about_box.h"
+#include "app/shown_dialog.h"
 #include "app/update/dlg_update.h"
-#include "support/wait_until.h"
-#include "support/window_thread.h"
 #include "wnd/core/company_msg.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <atomic>
 #include <functional>
 #include <string>
+#include <utility>
 
 /// What a dialog takes at most to answer; one that hangs on purpose is not the one looked for.
 constexpr UINT kAnswerMs = 300;
@@ -29,60 +27,26 @@ inline HWND FindUpdateDlg(DWORD dwProcess, unsigned short nNumber) {
 }
 
 /// A function that shows an update dialog and returns when that is closed, running on a thread of
-/// its own. The dialog is cancelled with the object unless it is gone already.
-class ShownUpdateDlg {
+/// its own.
+class ShownUpdateDlg : public ShownDialog {
   public:
     static constexpr unsigned short kCheck = 109, kGet = 108;
 
-    ShownUpdateDlg(unsigned short nNumber, std::function<void()> fnShow) {
-        thread.Post([this, fnShow] {
-            fnShow();
-            bDone = true;
-        });
-        WaitFor(nNumber);
-    }
-    ~ShownUpdateDlg() {
-        WaitUntil([this] {
-            if (!bDone && ::IsWindowEnabled(hwnd)) ::PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0);
-            return bDone.load();
-        });
-    }
-    ShownUpdateDlg(const ShownUpdateDlg&) = delete;
-    ShownUpdateDlg& operator=(const ShownUpdateDlg&) = delete;
+    ShownUpdateDlg(unsigned short nNumber, std::function<void()> fnShow)
+        : ShownDialog(std::move(fnShow), [=] { return Find(nNumber); }) {}
 
-    operator HWND() const { return hwnd; }
     /// From now on it is the dialog of that number, once that is to be seen.
     void WaitFor(unsigned short nNumber) {
-        WaitUntil([&] {
-            return bDone || (hwnd = FindUpdateDlg(::GetCurrentProcessId(), nNumber)) != nullptr;
-        });
-        EXPECT_NE(nullptr, hwnd) << nNumber;
-        ::SendMessageW(hwnd, WM_NULL, 0, 0); // answered when its loop runs
-    }
-    HWND Item(int nId) const { return ::GetDlgItem(hwnd, nId); }
-    bool IsOpen() const { return !bDone; }
-    bool HasClosed() const {
-        return WaitUntil([this] { return bDone.load(); });
-    }
-    HWND Focus() const {
-        GUITHREADINFO info{};
-        info.cbSize = sizeof(info);
-        return ::GetGUIThreadInfo(thread.GetId(), &info) ? info.hwndFocus : nullptr;
+        ShownDialog::WaitFor([=] { return Find(nNumber); });
     }
     int FocusId() const { return ::GetDlgCtrlID(Focus()); }
     bool WaitForFocus(int nId) const {
         return WaitUntil([&] { return FocusId() == nId; });
     }
-    /// As if the key came from the queue, so that the dialog's loop sees it.
-    void PressKey(WPARAM wKey) const {
-        ::PostMessageW(Focus(), WM_KEYDOWN, wKey, 1);
-        ::PostMessageW(Focus(), WM_KEYUP, wKey, LPARAM{0xC0000001});
-    }
     void PressAltF4() const {
         constexpr LPARAM kAltDown = 0x20000000;
         ::PostMessageW(Focus(), WM_SYSKEYDOWN, VK_F4, kAltDown | 1);
     }
-    void Click(int nId) const { ::SendMessageW(Item(nId), BM_CLICK, 0, 0); }
     bool IsChecked(int nId) const {
         return ::SendMessageW(Item(nId), BM_GETCHECK, 0, 0) == BST_CHECKED;
     }
@@ -94,9 +58,9 @@ class ShownUpdateDlg {
     }
 
   private:
-    HWND hwnd = nullptr;
-    std::atomic<bool> bDone{false};
-    WindowThread thread;
+    static HWND Find(unsigned short nNumber) {
+        return FindUpdateDlg(::GetCurrentProcessId(), nNumber);
+    }
 };
 
 /// A dialog of the test's thread, shown without a loop of its own, and drawn.

@@ -1,5 +1,6 @@
 #include "runtime/messages/msg.h"
 #include "runtime/system/system_facts.h"
+#include "runtime/version_questions.h"
 #include "support/other_windows.h"
 #include "support/replace_import.h"
 #include "support/runtime_lookup.h"
@@ -87,29 +88,12 @@ struct ToldCase {
 class ToldVersionTest : public testing::TestWithParam<ToldCase> {};
 
 TEST_P(ToldVersionTest, EachTestAnswersForTheWindowsThatIsTold) {
-    const std::map<std::string, int (*)()> kTests = {
-        {"WinNT", &WinNT},
-        {"Win2K", &Win2K},
-        {"WinXP", &WinXP},
-        {"WinServer2003", &WinServer2003},
-        {"WinVista", &WinVista},
-        {"Win7", &Win7},
-        {"Win8", &Win8},
-        {"Win81", &Win81},
-        {"Win10", &Win10},
-        {"Win2K_only", &Win2K_only},
-        {"WinXP_only", &WinXP_only},
-        {"WinVista_only", &WinVista_only},
-        {"Win7_only", &Win7_only},
-        {"WinServer", &WinServer},
-        {"WinPro", &WinPro},
-    };
     ToldVersion told(GetParam().info);
     std::istringstream stream(GetParam().pszTrue);
     std::set<std::string> wanted{std::istream_iterator<std::string>(stream), {}};
-    for (const auto& [strName, pfn] : kTests) {
-        EXPECT_EQ(wanted.contains(strName), pfn() == 1) << strName;
-        EXPECT_EQ(!wanted.contains(strName), pfn() == 0) << strName;
+    for (const auto& [pszName, pfn] : kVersionQuestions) {
+        EXPECT_EQ(wanted.contains(pszName), pfn() == 1) << pszName;
+        EXPECT_EQ(!wanted.contains(pszName), pfn() == 0) << pszName;
     }
 }
 INSTANTIATE_TEST_SUITE_P(

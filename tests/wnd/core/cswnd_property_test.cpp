@@ -16,21 +16,9 @@ bool SetFromOutside(HWND hwnd, const void* pValue) {
     auto textOf = [](const void* p) {
         return std::to_wstring(reinterpret_cast<unsigned long long>(p));
     };
-    std::wstring strProgram = ProgramFolder() + L"property_probe.exe";
-    std::wstring strLine = L"\"" + strProgram + L"\" " + textOf(hwnd) + L" CSWND " + textOf(pValue);
-    STARTUPINFOW si{};
-    si.cb = sizeof(si);
-    PROCESS_INFORMATION pi{};
-    if (!StartProcessSurely(strProgram.c_str(), strLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                            nullptr, &si, &pi)) {
-        return false;
-    }
-    DWORD dwExit = STILL_ACTIVE;
-    ::WaitForSingleObject(pi.hProcess, 30000);
-    ::GetExitCodeProcess(pi.hProcess, &dwExit);
-    ::CloseHandle(pi.hThread);
-    ::CloseHandle(pi.hProcess);
-    return dwExit == 0 && ::GetPropW(hwnd, L"CSWND") == pValue;
+    return RunToEnd(L"\"" + ProgramFolder() + L"property_probe.exe\" " + textOf(hwnd) + L" CSWND " +
+                    textOf(pValue)) &&
+           ::GetPropW(hwnd, L"CSWND") == pValue;
 }
 
 /// What a hostile program may find to write there.

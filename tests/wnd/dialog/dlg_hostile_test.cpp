@@ -8,26 +8,13 @@
 namespace {
 /// Has another program post a message, and waits for that program; whether it could.
 bool PostFromOutside(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
-    std::wstring strProgram = ProgramFolder() + L"post_probe.exe";
-    std::wstring strLine = L"\"" + strProgram + L"\"";
+    std::wstring strLine = L"\"" + ProgramFolder() + L"post_probe.exe\"";
     for (unsigned long long n :
          {reinterpret_cast<unsigned long long>(hwnd), static_cast<unsigned long long>(uMsg), wParam,
           static_cast<unsigned long long>(lParam)}) {
         strLine += L' ' + std::to_wstring(n);
     }
-    STARTUPINFOW si{};
-    si.cb = sizeof(si);
-    PROCESS_INFORMATION pi{};
-    if (!StartProcessSurely(strProgram.c_str(), strLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                            nullptr, &si, &pi)) {
-        return false;
-    }
-    DWORD dwExit = STILL_ACTIVE;
-    ::WaitForSingleObject(pi.hProcess, 30000);
-    ::GetExitCodeProcess(pi.hProcess, &dwExit);
-    ::CloseHandle(pi.hThread);
-    ::CloseHandle(pi.hProcess);
-    return dwExit == 0;
+    return RunToEnd(strLine);
 }
 
 TEST(CSDlgHostile, AnotherProgramMayCloseADialogLikeItsUser) {
