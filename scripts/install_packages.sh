@@ -7,7 +7,7 @@ packages=(
     cmake ninja-build ccache python3
     g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
     googletest
-    clang-format clang-tidy
+    clang clang-format clang-tidy
     wine wine64 fonts-wine fonts-dejavu-core
     xvfb xdotool xclip imagemagick procps python3-aiohttp curl
 )
