@@ -38,9 +38,10 @@ MACROS = ("UNICODE", "NOMINMAX", "WIN32_LEAN_AND_MEAN", "_WIN32_WINNT=0x0502")
 LEAST = ("UNICODE", "NOMINMAX", "WIN32_LEAN_AND_MEAN")
 # As the library is compiled (cmake/flags.cmake).
 BUILT = (*MACROS, "WINVER=0x0502", "_WIN32_IE=0x0603", "NTDDI_VERSION=0x05020000", "STRICT")
+OUTER = re.compile(r"^#include <(.+?)>", re.MULTILINE)
 INCLUDE = re.compile(r'^#include "(.+?)"', re.MULTILINE)
-# (Not what stands behind "template <...>".)
-CLASS = re.compile(r"(?<!>\n)^(?:class|struct)(?: TESSALY_API)? (\w+)(?: final)?(?: :[^;]*?)? \{", re.MULTILINE)
+TEMPLATE = re.compile(r"^template <.*\n.*", re.MULTILINE)
+CLASS = re.compile(r"^(?:class|struct)(?: TESSALY_API)? (\w+)(?: final)?(?: :[^;]*?)? \{", re.MULTILINE)
 
 
 def run(call, **options):
@@ -83,6 +84,10 @@ class Headers:
         self.folder, self.scratch, self.report = folder, scratch, report
         self.names = sorted(closure("tessaly.h"))
         self.orders = {"forward": includes(self.names), "in reverse": includes(reversed(self.names))}
+        # mingw-w64 has the platform's min and max for C alone, other headers bring them to C++ as well.
+        texts = [(folder / name).read_text() for name in self.names]
+        self.minmax = includes(["windows.h", *sorted({name for text in texts for name in OUTER.findall(text)})])
+        self.minmax += "#define min(a, b) (((a) < (b)) ? (a) : (b))\n#define max(a, b) (((a) > (b)) ? (a) : (b))\n"
         self.compilers = {"g++": [f"{PREFIX}-g++-posix"], "clang": ["clang++", *platform_flags()]}
 
     def digest(self):
@@ -109,8 +114,9 @@ class Headers:
         jobs = []
         for number, macros in enumerate(macro_sets(every)):
             for order in self.orders if every else list(self.orders)[number % 2 :][:1]:
+                text = ("" if "NOMINMAX" in macros else self.minmax) + self.orders[order]
                 for compiler in self.compilers if every else ("clang",):
-                    jobs.append((f"all headers {order}", compiler, macros, self.orders[order], "-fsyntax-only"))
+                    jobs.append((f"all headers {order}", compiler, macros, text, "-fsyntax-only"))
         self.compile_many(jobs)
 
     def check_alone(self, every):
@@ -132,7 +138,8 @@ class Headers:
 
     def check_sizes(self):
         """For a user with the compiler's own settings, and as the library is compiled; g++'s opinion on all."""
-        classes = sorted({c for name in self.names for c in CLASS.findall((self.folder / name).read_text())})
+        texts = [TEMPLATE.sub("", (self.folder / name).read_text()) for name in self.names]
+        classes = sorted({name for text in texts for name in CLASS.findall(text)})
         table = "extern const unsigned long long sizes[];\nconst unsigned long long sizes[] = {"
         table += ", ".join(f"sizeof({name})" for name in classes) + "};\n"
         sizes = []
