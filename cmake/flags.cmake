@@ -31,10 +31,12 @@ add_library(tessaly_image_flags INTERFACE)
 target_link_options(tessaly_image_flags INTERFACE
     -static -static-libgcc -s
     -Wl,--gc-sections -Wl,--major-os-version,5 -Wl,--minor-os-version,2
-    -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+    -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va
+    -Wl,--no-insert-timestamp) # the same sources give the same bytes
 # Makes read-only what only the loader writes: the functions that run at start and end (.CRT), and with
 # IMPORTS the addresses of imports; a program with delayed imports writes those itself. GNU's tools
-# insist that a section ".idata" can be written; by another name it is found as well.
+# insist that a section ".idata" can be written; by another name it is found as well. (The preserved
+# date is that in the image, too.)
 function(tessaly_protect_image target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "IMPORTS" "" "")
     set(read_only contents,alloc,load,readonly,data)
@@ -43,7 +45,7 @@ function(tessaly_protect_image target)
         set(renaming --rename-section .idata=.imports,${read_only})
     endif()
     add_custom_command(TARGET ${target} POST_BUILD
-        COMMAND ${CMAKE_OBJCOPY} --set-section-flags .CRT=${read_only} ${renaming} $<TARGET_FILE:${target}>
+        COMMAND ${CMAKE_OBJCOPY} --preserve-dates --set-section-flags .CRT=${read_only} ${renaming} $<TARGET_FILE:${target}>
         VERBATIM)
 endfunction()
 

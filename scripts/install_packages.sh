@@ -8,6 +8,7 @@ packages=(
     g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
     googletest
     clang clang-format clang-tidy
+    nsis
     wine wine64 fonts-wine fonts-dejavu-core
     xvfb xdotool xclip imagemagick procps python3-aiohttp curl
 )

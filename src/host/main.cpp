@@ -116,8 +116,10 @@ bool CloseRunning(DWORD nTimeoutMs) {
     return false;
 }
 
-int CloseTheRunningOne() {
+/// With bQuiet only the exit code tells.
+int CloseTheRunningOne(bool bQuiet) {
     if (CloseRunning(kCloseTimeoutMs)) return kExitDone;
+    if (bQuiet) return kExitStillRunning;
     Msg(nullptr, MB_ICONWARNING,
         L"Tessaly is still running: it was asked to close and did not in time.");
     return kExitStillRunning;
@@ -132,8 +134,10 @@ bool ProcessAutoStart(bool bWrite, bool bOn, int* pnOn) {
                               kStartMonitorEntry) != 0;
 }
 
-int SetAutoStart(bool bOn) {
+/// With bQuiet only the exit code tells.
+int SetAutoStart(bool bOn, bool bQuiet) {
     if (ProcessAutoStart(true, bOn, nullptr)) return kExitDone;
+    if (bQuiet) return kExitNotWritten;
     Msg(nullptr, MB_ICONWARNING, -IDS_REGISTRY_NOT_WRITTEN);
     return kExitNotWritten;
 }
@@ -150,7 +154,7 @@ int TellAutoStart(bool bQuiet) {
 
 int RunAutoStart(const HostOptions& options) {
     if (options.autoStart == AutoStart::Tell) return TellAutoStart(options.bQuiet);
-    return SetAutoStart(options.autoStart == AutoStart::On);
+    return SetAutoStart(options.autoStart == AutoStart::On, options.bQuiet);
 }
 
 // Updates
@@ -205,7 +209,7 @@ int Run(const HostOptions& options) {
     bool bAutoStart = options.autoStart != AutoStart::None;
     int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
     if (options.bExit) {
-        int nCloseCode = CloseTheRunningOne();
+        int nCloseCode = CloseTheRunningOne(options.bQuiet);
         if (nCloseCode != kExitDone) nExitCode = nCloseCode;
     }
     if (options.updateCheck != UpdateCheck::None) CheckNow(options.updateCheck);

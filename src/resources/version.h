@@ -6,6 +6,14 @@
 #define TESSALY_VERSION_BUILD 0
 #define TESSALY_REVISION 2409
 
+// What the version resources, the installer and the names of what is released say. These and the
+// numbers are read by scripts/package as they stand here.
+#define TESSALY_NAME_TEXT "Tessaly"
+#define TESSALY_MAKER_TEXT "Orvanta"
+#define TESSALY_COPYRIGHT_TEXT "Copyright (c) 2017 Orvanta"
+/// The day of the release; what is released is dated by it, at 00:00 UTC.
+#define TESSALY_RELEASE_DATE_TEXT "2026-11-22"
+
 // The text of one token, or of several without blanks between them, whose macros are expanded
 // first.
 #define TESSALY_TEXT_OF(tokens) TESSALY_TEXT_OF_EXPANDED(tokens)

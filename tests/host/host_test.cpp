@@ -452,6 +452,8 @@ TEST_F(AutoStartValue, RefusalIsTold) {
     ASSERT_TRUE(run.Block());
     for (const wchar_t* psz : {L"/autostart:on", L"/autostart:off", L"/exit /autostart:on"})
         Expect(psz, 5, ResStr(-IDS_REGISTRY_NOT_WRITTEN));
+    for (const wchar_t* psz : {L"/autostart:on /quiet", L"/quiet /autostart:off"})
+        Expect(psz, 5, L"");
     Expect(L"/autostart", 4, L"Tessaly does not start with Windows.");
 }
 
@@ -476,5 +478,12 @@ TEST(Host, ExitTellsWhenTheRunningOneStays) {
               ended.strBox);
     EXPECT_EQ(1, nAsked);
     EXPECT_EQ(GetMyProductInfo().GetID(), lAskedFor);
+}
+
+TEST(Host, ExitWithQuietTellsByItsCodeAlone) {
+    FakeMonitor window(&DeafProc);
+    Ended ended = RunHost(BinFolder(), L"/exit /quiet");
+    EXPECT_EQ(1u, ended.dwExitCode);
+    EXPECT_EQ(L"", ended.strBox);
 }
 } // namespace
