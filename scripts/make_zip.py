@@ -3,7 +3,7 @@
 
 FILE then holds PARENT/NAME with all below it, as NAME/... Order, times and rights of the files do not
 depend on the disk: each has the time SOURCE_DATE_EPOCH (seconds since 1970) if that is set, else the
-first that the format knows.
+first that the format knows. scripts/package calls pack itself.
 """
 
 import os
@@ -15,9 +15,10 @@ import zipfile
 FIRST_TIME = 315532800  # 1980-01-01 00:00:00 UTC
 
 
-def pack(file, parent, name):
-    when = time.gmtime(max(FIRST_TIME, int(os.environ.get("SOURCE_DATE_EPOCH", FIRST_TIME))))[:6]
-    paths = {p.relative_to(parent).as_posix(): p for p in (parent / name).rglob("*") if p.is_file()}
+def pack(file, folder, prefix="", seconds=FIRST_TIME):
+    """All files below the folder, each by its way from there behind the prefix, in the order of names."""
+    when = time.gmtime(max(FIRST_TIME, seconds))[:6]
+    paths = {prefix + p.relative_to(folder).as_posix(): p for p in folder.rglob("*") if p.is_file()}
     part = file.with_name(file.name + ".part")
     with zipfile.ZipFile(part, "w") as archive:
         for inside in sorted(paths):
@@ -31,7 +32,8 @@ def pack(file, parent, name):
 def main():
     if len(sys.argv) != 4:
         sys.exit("usage: make_zip.py FILE PARENT NAME")
-    pack(pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.argv[3])
+    file, parent, name = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.argv[3]
+    pack(file, parent / name, f"{name}/", int(os.environ.get("SOURCE_DATE_EPOCH", FIRST_TIME)))
 
 
 if __name__ == "__main__":

@@ -13,7 +13,6 @@ import re
 import shutil
 import subprocess
 import time
-import zipfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 BINARIES = ("TSEXE64.exe", "TSDLL64.dll")
@@ -63,18 +62,6 @@ def stage_product(version, binaries, folder):
     for path in folder.iterdir():
         path.chmod(0o644)
         os.utime(path, (version.time, version.time))
-
-
-def write_zip(version, folder, path):
-    """All files below the folder, in the order of their names and with the release's date."""
-    date = time.gmtime(version.time)[:6]
-    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
-        for file in sorted(file for file in folder.rglob("*") if file.is_file()):
-            entry = zipfile.ZipInfo(file.relative_to(folder).as_posix(), date)
-            entry.create_system = 3  # Unix: so that what follows are a file's type and rights
-            entry.external_attr = 0o100644 << 16
-            entry.compress_type = zipfile.ZIP_DEFLATED
-            archive.writestr(entry, file.read_bytes())
 
 
 def write_setup(version, folder, path):
