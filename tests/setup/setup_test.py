@@ -10,6 +10,7 @@ import contextlib
 import dataclasses
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -58,10 +59,8 @@ def reg(*arguments):
 
 
 def read_value(key, name):
-    for line in reg("query", key, "/v", name).splitlines():
-        if line.split()[:1] == [name]:
-            return line.split(None, 2)[2]
-    return ""
+    found = re.search(rf"^ +{re.escape(name)} +REG_[A-Z_]+ +(.*?)\r?$", reg("query", key, "/v", name), re.MULTILINE)
+    return found[1] if found else ""
 
 
 def wait_until(condition):
@@ -327,7 +326,7 @@ class Setup(unittest.TestCase):
         finally:
             shutil.rmtree(profile)
             for (key, name), place in before.items():
-                reg("add", key, "/v", name, "/d", place, "/f")
+                reg(*(("add", key, "/v", name, "/d", place) if place else ("delete", key, "/v", name)), "/f")
 
 
 if __name__ == "__main__":
