@@ -58,7 +58,7 @@ EXCEPTIONS = {
 }
 
 STRING = r'L?"(?:[^"\\\n]|\\.)*"'
-TOKENS = re.compile(rf"//[^\n]*|/\*.*?\*/|'(?:[^'\\\n]|\\.)+'|({STRING})|(TEXT\(\w+\))|(\s+)|(.)", re.DOTALL)
+TOKENS = re.compile(rf"//[^\n]*|/\*.*?\*/|'(?:[^'\\\n]|\\[^\n']*|\\')'|({STRING})|(TEXT\(\w+\))|(\s+)|(.)", re.DOTALL)
 PUT_IN = "\0"  # stands where the program puts something in
 FORMAT = re.compile(r"%%|%[-+0 #]*\d*(?:\.\d+)?(?:h|l|ll|I64)?[a-zA-Z]")
 WORDS = re.compile(r"[^\W\d_][^\n\t]* +[^\n\t]*[^\W\d_]|[^\W\d_]{2,}\.\.\.")
@@ -92,18 +92,21 @@ def literals_in(text):
     return found
 
 
+def sources_of(root):
+    return sorted(p for folder in FOLDERS for p in (root / folder).rglob("*") if p.suffix in (".cpp", ".h"))
+
+
 def source_texts(root):
-    """(place, text) of the sources."""
-    for folder in FOLDERS:
-        for path in sorted(p for p in (root / folder).rglob("*") if p.suffix in (".cpp", ".h")):
-            for line, text, wide, before in literals_in(path.read_text()):
-                bare = FORMAT.sub(PUT_IN, text)
-                if wide and (WORDS.search(bare) or (re.search(CALLS, before) and re.search(r"[^\W\d_]", bare))):
-                    yield f"{path.relative_to(root).as_posix()}:{line}", text, text
+    """(place, text, text) of the sources."""
+    for path in sources_of(root):
+        for line, text, wide, before in literals_in(path.read_text()):
+            bare = FORMAT.sub(PUT_IN, text)
+            if wide and (WORDS.search(bare) or (re.search(CALLS, before) and re.search(r"[^\W\d_]", bare))):
+                yield f"{path.relative_to(root).as_posix()}:{line}", text, text
 
 
 def table_texts(root):
-    """(place, text, id) of the string table and the dialogs."""
+    """(place, text, the id or text by which EXCEPTIONS know it) of the string table and the dialogs."""
     name = "src/resources/strings.rc"
     text = (root / name).read_text()
     for found in re.finditer(rf"^ *(IDS_\w+),? +({STRING})", text, re.MULTILINE):
@@ -119,7 +122,7 @@ def table_texts(root):
 
 
 def setup_texts(root):
-    """(place, text) of the installer."""
+    """(place, text, text) of the installer."""
     name = "setup/setup.nsi"
     text = (root / name).read_text()
     quoted = r"(?:\s|\\\n)*\"([^\"]+)\""
@@ -200,9 +203,7 @@ def switch_faults(root, guide):
 
 def exit_code_faults(root, guide):
     codes = {}
-    for path in sorted((root / "src/host").rglob("*")):
-        if path.suffix not in (".cpp", ".h"):
-            continue
+    for path in sources_of(root):
         for body in re.findall(r"enum (?:class )?\w*ExitCode\w*[^{;]*\{(.*?)\}", path.read_text(), re.DOTALL):
             number = -1
             for line in re.sub(r"//[^\n]*", "", body).split(","):
@@ -210,9 +211,9 @@ def exit_code_faults(root, guide):
                     number = int(found[2]) if found[2] else number + 1
                     codes[found[1]] = number
     rows = first_cells(section(guide, "Exit codes"))
-    faults = [] if codes else ["src/host: there are no exit codes any more where they are looked for"]
+    faults = [] if codes else ["there are no exit codes any more where they are looked for"]
     return faults + [
-        f"src/host: the guide's table has no exit code {number} ({name})"
+        f"the guide's table has no exit code {number} ({name})"
         for name, number in codes.items()
         if str(number) not in rows
     ]
