@@ -8,7 +8,9 @@
 #include "e2e/support/test_desktop.h"
 #include "e2e/support/tray_menu.h"
 #include "e2e/support/unix_shell.h"
+#include "support/http_server.h"
 #include "support/message_box_driver.h"
+#include "support/platform_proxy.h"
 #include "support/wait_until.h"
 
 #include <windows.h>
@@ -24,6 +26,14 @@ constexpr DWORD kDebounceMs = 10000;
 constexpr const wchar_t* kFiles[] = {L"Budget.txt",  L"Holiday photos.txt", L"Letter to Anna.txt",
                                      L"Recipes.txt", L"To do.txt",          L"\u00DCbersicht.txt"};
 constexpr const wchar_t* kDragged = L"Recipes.txt";
+constexpr const wchar_t* kTitle = L"Tessaly"; // of the product's boxes
+
+// The server's answers to a check for updates.
+constexpr const char* kNothingNew = "OK";
+constexpr const char* kUpdate =
+    "[dl]\nversion=1.2\ndescr=<b>Tessaly 1.2</b><br>Knows screens that are turned round.<br>"
+    "<a>What is new</a>\nurlmoreinfo=https://orvanta.example/tessaly/news\n"
+    "urldownload=https://orvanta.example/tessaly/1.2\n";
 
 void Check(bool bHolds, const char* pszWhat) {
     printf("   %s %s\n", bHolds ? "[ok]    " : "[FAILED]", pszWhat);
@@ -53,6 +63,42 @@ const DesktopItem* Find(const std::vector<DesktopItem>& items, const std::wstrin
     return it == items.end() ? nullptr : &*it;
 }
 
+/// Starts the product as the start menu does: from no console, with its output nowhere.
+void StartFromNoConsole(const wchar_t* pszArguments) {
+    std::wstring strLine = L"cmd.exe /c \"\"" + ProductFolder() + L"\\TSEXE64.exe\" ";
+    strLine += std::wstring(pszArguments) + L"\"";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    PROCESS_INFORMATION info{};
+    if (!::CreateProcessW(nullptr, strLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS,
+                          nullptr, nullptr, &startup, &info)) {
+        throw std::runtime_error("the program could not be started");
+    }
+    ::CloseHandle(info.hThread);
+    ::CloseHandle(info.hProcess);
+}
+
+/// The box or dialog of that title; null if none comes in time.
+HWND WaitForBox(const wchar_t* pszTitle) {
+    HWND hwnd = nullptr;
+    WaitUntil([&] {
+        do {
+            hwnd = ::FindWindowExW(nullptr, hwnd, L"#32770", pszTitle);
+        } while (hwnd && !::IsWindowVisible(hwnd));
+        return hwnd != nullptr;
+    });
+    return hwnd;
+}
+
+/// Clicks on a control of a box; false if the box stays.
+bool ClickAway(HWND hwndBox, int nControl) {
+    RECT rc{};
+    ::GetWindowRect(::GetDlgItem(hwndBox, nControl), &rc);
+    mouse::Click({(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
+    return WaitUntil([&] { return !::IsWindow(hwndBox); });
+}
+
 /// The same icons, in any order, at the same places.
 bool IsLaidOutAs(const std::vector<DesktopItem>& wanted, const std::vector<DesktopItem>& items) {
     return items.size() == wanted.size() &&
@@ -74,13 +120,21 @@ class Tour {
     void DragAndCapture();
     void RememberFromMenu();
     void ScatterAndRestore();
+    void AskBeforeRestore();
     void RestartShell();
     void DeleteAllFromMenu();
     void ShowAbout();
+    void TellInBoxes();
+    void CheckForUpdates();
     void LeaveByMenu();
     TrayMenu Menu() const { return TrayMenu(monitor.ProcessId()); }
     int RowOf(const StoredSnapshot& snapshot) const;
     void TakeScreenshot(const std::wstring& strName);
+    void TakePictureOf(HWND hwndBox, const std::wstring& strName);
+    void TakePicture(const RECT& rc, const std::wstring& strName);
+    void ShowBox(const wchar_t* pszArguments, const wchar_t* pszPart, const std::wstring& strName,
+                 int nButton = IDOK);
+    void ChooseSnapshot(int nRow);
     bool Holds(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& items) const;
     void Restore(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& wanted);
 
@@ -192,15 +246,20 @@ int Tour::RowOf(const StoredSnapshot& snapshot) const {
     throw std::runtime_error("the snapshot is no longer stored");
 }
 
-/// Restores it from the menu and compares every icon with where it shall lie.
-void Tour::Restore(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& wanted) {
-    std::vector<DesktopItem> before = desktop.Items();
+/// Chooses that row of the sub-menu, with the keyboard.
+void Tour::ChooseSnapshot(int nRow) {
     Menu().Open(mouse::Button::Right);
     Menu().Press({Key::Down, Key::Right}, 2);
-    std::vector<Key> keys(static_cast<size_t>(RowOf(snapshot)), Key::Down);
+    std::vector<Key> keys(static_cast<size_t>(nRow), Key::Down);
     if (!keys.empty()) Menu().Press(keys, 2);
     TakeScreenshot(L"submenu");
     Menu().Press({Key::Return}, 0);
+}
+
+/// Restores it from the menu and compares every icon with where it shall lie.
+void Tour::Restore(const StoredSnapshot& snapshot, const std::vector<DesktopItem>& wanted) {
+    std::vector<DesktopItem> before = desktop.Items();
+    ChooseSnapshot(RowOf(snapshot));
     std::vector<DesktopItem> after;
     bool bAll = WaitUntil([&] { return IsLaidOutAs(wanted, after = desktop.Items()); });
     printf("   %-22s %12s %12s %12s\n", "icon", "snapshot", "before", "after");
@@ -226,6 +285,17 @@ void Tour::ScatterAndRestore() {
     Restore(chosen, layout);
 }
 
+void Tour::AskBeforeRestore() {
+    Say("Where the desktop arranges its icons by itself, the program asks before it restores");
+    desktop.SetAutoArrange(true);
+    ChooseSnapshot(RowOf(chosen));
+    HWND hwndBox = WaitForBox(kTitle);
+    Check(hwndBox != nullptr, "it asks");
+    TakePictureOf(hwndBox, L"auto-arrange");
+    Check(ClickAway(hwndBox, IDNO) && desktop.IsAutoArranged(), "after a no nothing is changed");
+    desktop.SetAutoArrange(false);
+}
+
 void Tour::RestartShell() {
     Say("The shell is killed and started again; the icons lie as the new shell puts them");
     DWORD dwBefore = desktop.ProcessId();
@@ -243,16 +313,10 @@ void Tour::DeleteAllFromMenu() {
     Say("The menu deletes all snapshots, after a question");
     Menu().Open();
     Menu().Press({Key::Down, Key::Down, Key::Return}, 0);
-    HWND hwndBox = nullptr;
-    Check(WaitUntil([&] {
-              hwndBox = FindMessageBox(monitor.ProcessId(), L"Tessaly");
-              return hwndBox != nullptr;
-          }),
-          "it asks");
-    TakeScreenshot(L"question");
-    RECT rc{};
-    ::GetWindowRect(::GetDlgItem(hwndBox, IDYES), &rc);
-    mouse::Click({(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
+    HWND hwndBox = WaitForBox(kTitle);
+    Check(hwndBox != nullptr, "it asks");
+    TakePictureOf(hwndBox, L"question");
+    Check(ClickAway(hwndBox, IDYES), "a click on Yes closes the box");
     Check(WaitUntil([&] { return store.Count() == 0; }), "there is no snapshot any more");
 }
 
@@ -270,10 +334,47 @@ void Tour::ShowAbout() {
               n == 0 ? "the box is there" : "it is the same one, in front");
     }
     TakeScreenshot(L"about");
-    RECT rc{};
-    ::GetWindowRect(::GetDlgItem(hwndBox, IDOK), &rc);
-    mouse::Click({(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
-    Check(WaitUntil([&] { return !::IsWindow(hwndBox); }), "a click on OK closes it");
+    Check(ClickAway(hwndBox, IDOK), "a click on OK closes it");
+}
+
+/// Starts the program with these arguments and looks at the box that it shows.
+void Tour::ShowBox(const wchar_t* pszArguments, const wchar_t* pszPart, const std::wstring& strName,
+                   int nButton) {
+    StartFromNoConsole(pszArguments);
+    HWND hwndBox = WaitForBox(kTitle);
+    Check(
+        hwndBox && ReadMessageBox(hwndBox).strText.find(pszPart) != std::wstring::npos,
+        ("TSEXE64.exe " + Utf8(pszArguments) + ": a box tells \"" + Utf8(pszPart) + "\"").c_str());
+    TakePictureOf(hwndBox, strName);
+    Check(ClickAway(hwndBox, nButton), "a click closes it");
+}
+
+void Tour::TellInBoxes() {
+    Say("Switches that tell something do so in a box, where there is no console");
+    ShowBox(L"/?", L"/AUTOSTART:ON", L"switches");
+    ShowBox(L"/AUTOSTART", L"does not start with Windows", L"autostart");
+}
+
+void Tour::CheckForUpdates() {
+    Say("A check for updates: nothing new, no server, an update");
+    HttpServer server;
+    Check(server.IsRunning(), "a server of this tour answers in the place of the maker's");
+    PlatformProxy proxy(server.Port());
+    server.Say({Answer("text", kNothingNew)});
+    ShowBox(L"check4updates", L"No updates are available", L"no-update");
+    proxy.SetPort(server.RefusedPort());
+    ShowBox(L"check4updates", L"Cannot connect", L"no-server", IDCANCEL);
+    proxy.SetPort(server.Port());
+    server.Say({Answer("text", kUpdate)});
+    // The colour of links is nearly white on the test platform; this is that of Windows.
+    const int nColor = COLOR_HOTLIGHT;
+    const COLORREF crLink = RGB(0, 102, 204);
+    ::SetSysColors(1, &nColor, &crLink);
+    StartFromNoConsole(L"check4updates");
+    HWND hwndDialog = WaitForBox(L"An update is available:");
+    Check(hwndDialog != nullptr, "a dialog offers the update");
+    TakePictureOf(hwndDialog, L"update");
+    Check(ClickAway(hwndDialog, IDCANCEL), "a click on its cross closes it");
 }
 
 void Tour::LeaveByMenu() {
@@ -287,13 +388,31 @@ void Tour::LeaveByMenu() {
 }
 
 void Tour::TakeScreenshot(const std::wstring& strName) {
-    const wchar_t* pszFolder = _wgetenv(L"TESSALY_SCREENSHOTS");
-    if (!pszFolder) return;
+    if (!_wgetenv(L"TESSALY_SCREENSHOTS")) return;
     ::RedrawWindow(desktop.Progman(), nullptr, nullptr,
                    RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     desktop.Count(); // answered after the painting
-    std::wstring strFile = std::wstring(pszFolder) + L"/screenshot-" + strName + L".png";
-    RunUnixShell(L"import -window root -crop 1024x768+0+0 +repage '" + strFile + L"'");
+    TakePicture({0, 0, 1024, 768}, strName);
+}
+
+void Tour::TakePictureOf(HWND hwndBox, const std::wstring& strName) {
+    if (!_wgetenv(L"TESSALY_SCREENSHOTS")) return;
+    ::RedrawWindow(desktop.Progman(), nullptr, nullptr,
+                   RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    desktop.Count(); // answered after the painting
+    ::SendMessageW(hwndBox, WM_NULL, 0, 0);
+    RECT rc{};
+    ::GetWindowRect(hwndBox, &rc);
+    TakePicture(rc, strName);
+}
+
+void Tour::TakePicture(const RECT& rc, const std::wstring& strName) {
+    std::wstring strFile =
+        std::wstring(_wgetenv(L"TESSALY_SCREENSHOTS")) + L"/screenshot-" + strName + L".png";
+    std::wstring strPlace = std::to_wstring(rc.right - rc.left) + L"x" +
+                            std::to_wstring(rc.bottom - rc.top) + L"+" + std::to_wstring(rc.left) +
+                            L"+" + std::to_wstring(rc.top);
+    RunUnixShell(L"import -window root -crop " + strPlace + L" +repage '" + strFile + L"'");
     printf("   picture: %s\n", Utf8(strFile).c_str());
 }
 
@@ -305,9 +424,12 @@ void Tour::Run() {
     RememberFromMenu();
     ScatterAndRestore();
     TakeScreenshot(L"desktop");
+    AskBeforeRestore();
     RestartShell();
     DeleteAllFromMenu();
     ShowAbout();
+    TellInBoxes();
+    CheckForUpdates();
     LeaveByMenu();
 }
 

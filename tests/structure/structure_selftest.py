@@ -7,6 +7,7 @@ Runs alone: python3 tests/structure/structure_selftest.py
 import json
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -14,6 +15,7 @@ import unittest
 
 sys.dont_write_bytecode = True
 
+import check_guide  # noqa: E402
 import check_tidy  # noqa: E402
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -239,6 +241,88 @@ class Quirks(Tree):
         self.put("src/low/g.h", f"{quirk}\nstruct Cog {{}};\n")
         text = self.run_check("check_quirks.py", ".", "--list").stdout
         self.assertEqual(["Turn", "Wheel::Go", "Wheel::Go", "kA", "Cog"], re.findall(r"- `(.+?)`", text))
+
+
+class Guide(Tree):
+    """Of what the real tree shows nothing is changed; each fault is something new."""
+
+    def setUp(self):
+        super().setUp()
+        for name in (*check_guide.FOLDERS, "src/resources", "setup", "docs"):
+            shutil.copytree(HERE.parents[1] / name, self.root / name)
+        self.assertEqual(0, self.check().returncode, self.check().stdout)
+
+    def check(self):
+        return self.run_check("check_guide.py", ".")
+
+    def say(self, *lines):
+        with (self.root / "docs/guide.md").open("a") as guide:
+            guide.write("\n".join(["", *lines, ""]))
+
+    def test_text_of_a_source(self):
+        text = 'L"The mill has "\n         L"%.20s wheels.\\nBye, mill"'
+        self.put("src/icons/tray/new.cpp", f"void F() {{\n    Tell({text});\n}}\n")
+        result = self.check()
+        self.expect_fault(result, "src/icons/tray/new.cpp:2:", "'The mill has ... wheels.'")
+        self.expect_fault(result, "src/icons/tray/new.cpp:2:", "'Bye, mill'")
+        self.say("> The mill", '> has *NUMBER* `wheels`. It says "Bye, mill".')
+        self.assertEqual(0, self.check().returncode, self.check().stdout)
+
+    def test_text_that_is_there_as_a_part_of_another_alone(self):
+        self.put("src/host/new.cpp", 'auto k = L"the mill turns";\n')
+        self.say("bathe mill turns. the mill turnstile")
+        self.expect_fault(self.check(), "'the mill turns'")
+
+    def test_single_word_counts_where_it_is_shown(self):
+        self.put("src/icons/new.cpp", 'F(L"Millword");\nmenu.AppendItem(7,\n                L"Millrow");\n')
+        result = self.check()
+        self.expect_fault(result, "src/icons/new.cpp:3:", "'Millrow'")
+        self.assertNotIn("Millword", result.stdout)
+
+    def test_comments_and_narrow_texts_do_not_count(self):
+        comments = '// L"a mill"\n/* L"a mill" */\n'
+        self.put("src/app/update/new.h", comments + "static_assert(k, \"a mill\");\nint c = '\"';\n")
+        self.assertEqual(0, self.check().returncode, self.check().stdout)
+
+    def test_string_dialog_and_installer(self):
+        def add(name, line):
+            self.put(name, (self.root / name).read_text() + line)
+
+        add("src/resources/strings.rc", '    IDS_MILL L"Millstring"\n')
+        add("src/resources/dialogs.rc", 'IDD_MILL DIALOGEX 0, 0, 1, 1\nCAPTION "Mill&box"\n    LTEXT "Millstone", 1\n')
+        add("setup/setup.nsi", '    MessageBox MB_OK|MB_ICONSTOP \\\n        "${NAME} mills in $INSTDIR." /SD IDOK\n')
+        result = self.check()
+        for text in ("Millstring", "Millbox", "Millstone", "Tessaly mills in ...."):
+            self.expect_fault(result, f"'{text}'")
+
+    def test_switch_and_exit_code(self):
+        self.put("src/host/new.h", "enum class ExitCode {\n    kA, // first\n    kMilled = 77,\n    kNext,\n};\n")
+        self.put("src/host/command_line.cpp", '{L"QUIET", f}, {L"MILL=ON", f}, {L"GRIND", f}, {L"mill", f}')
+        result = self.check()
+        for part in ("exit code 77 (kMilled)", "exit code 78", "switch MILL=ON", "switch GRIND", "switch mill"):
+            self.expect_fault(result, part)
+        self.assertNotIn("QUIET", result.stdout)
+        self.change("docs/guide.md", "| `/QUIET` |", "| `/MILL:ON` | |\n| `/GRIND:FILE` | |\n| `mill` | |\n| `/QUIET` |")
+        self.change("docs/guide.md", "| 0 | done", "| 77 | |\n| 78 | |\n| 0 | done")
+        self.assertEqual(0, self.check().returncode, self.check().stdout)
+
+    def test_links_and_chapters(self):
+        self.say("## Mills & more", "![M](images/mill.png) [a](#wheels) [b](library.md#mills) [c](http://a.example/x)")
+        result = self.check()
+        for part in ("images/mill.png", "#wheels", "library.md#mills", "chapters has no mills--more"):
+            self.expect_fault(result, part)
+        self.assertIn("4 faults", result.stdout)
+
+    def test_exception_that_is_none_any_more(self):
+        self.change("src/resources/dialogs.rc", '"Btn3"', '""')
+        self.expect_fault(self.check(), "exception Btn3")
+
+    def test_nothing_to_look_for(self):
+        self.put("src/host/command_line.cpp", "")
+        self.put("setup/setup.nsi", "")
+        result = self.check()
+        self.expect_fault(result, "no switches")
+        self.expect_fault(result, "setup_texts", "no texts")
 
 
 class Format(Tree):
