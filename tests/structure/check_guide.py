@@ -132,7 +132,8 @@ def setup_texts(root):
         r'^!define MUI_\w*TEXT\w* "([^"]+)"',
     )
     for found in (found for pattern in patterns for found in re.finditer(pattern, text, re.MULTILINE)):
-        said = found[1].replace("${NAME}", "Tessaly").replace("$\\r", "").replace("$\\n", "\n")
+        said = re.sub(r"\\\n\s*", "", found[1]).replace("${NAME}", "Tessaly")
+        said = said.replace("$\\r", "").replace("$\\n", "\n")
         said = re.sub(r"\$\{\w+\}|\$\w+", PUT_IN, said)
         yield f"{name}:{text[: found.start(1)].count(chr(10)) + 1}", said, said
 

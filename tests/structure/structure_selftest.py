@@ -290,7 +290,7 @@ class Guide(Tree):
 
         add("src/resources/strings.rc", '    IDS_MILL L"Millstring"\n')
         add("src/resources/dialogs.rc", 'IDD_MILL DIALOGEX 0, 0, 1, 1\nCAPTION "Mill&box"\n    LTEXT "Millstone", 1\n')
-        add("setup/setup.nsi", '    MessageBox MB_OK|MB_ICONSTOP \\\n        "${NAME} mills in $INSTDIR." /SD IDOK\n')
+        add("setup/setup.nsi", '    MessageBox MB_OK|MB_ICONSTOP \\\n  "${NAME} mills \\\n in $INSTDIR." /SD IDOK\n')
         result = self.check()
         for text in ("Millstring", "Millbox", "Millstone", "Tessaly mills in ...."):
             self.expect_fault(result, f"'{text}'")
@@ -302,7 +302,8 @@ class Guide(Tree):
         for part in ("exit code 77 (kMilled)", "exit code 78", "switch MILL=ON", "switch GRIND", "switch mill"):
             self.expect_fault(result, part)
         self.assertNotIn("QUIET", result.stdout)
-        self.change("docs/guide.md", "| `/QUIET` |", "| `/MILL:ON` | |\n| `/GRIND:FILE` | |\n| `mill` | |\n| `/QUIET` |")
+        rows = "| `/MILL:ON` | |\n| `/GRIND:FILE` | |\n| `mill` | |\n"
+        self.change("docs/guide.md", "| `/QUIET` |", f"{rows}| `/QUIET` |")
         self.change("docs/guide.md", "| 0 | done", "| 77 | |\n| 78 | |\n| 0 | done")
         self.assertEqual(0, self.check().returncode, self.check().stdout)
 
