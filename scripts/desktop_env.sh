@@ -1,7 +1,11 @@
 # Sourced. A throw-away Windows-like environment: its own home, Wine prefix and virtual display,
 # with one desktop for all programs. Nothing of the caller's session is read or written.
 #
-#   desktop_env_start [BASE]   makes it; BASE is a prefix made by desktop_env_template, if given
+#   desktop_env_template FOLDER [WINDOWS]
+#                              makes a prefix to copy from, once per Wine version: FOLDER, which shows
+#                              itself as the platform does without being told, as Windows 7. With a
+#                              name of windows_versions.sh also FOLDER-WINDOWS, which shows itself so
+#   desktop_env_start [BASE]   makes it; BASE is such a prefix, if given
 #   desktop_env_stop           ends every process of it and removes it
 #   desktop_env_own_mounts COMMAND...
 #                              to be called first, if the environment shall have two small disks:
@@ -15,6 +19,8 @@
 # With DESKTOP_ENV_DISPLAY set, that display is used and no virtual one is started. Of the disks tell,
 # as Wine spells them, TESSALY_SMALL_DISK (256 KiB, empty) and TESSALY_READ_ONLY_DISK (holds a file
 # "file" with "old" in it); they are not set where this user may not mount.
+
+. "$(dirname "${BASH_SOURCE[0]}")/windows_versions.sh"
 
 desktop_env_variables() {
     export HOME="$1/home" WINEPREFIX="$1/prefix"
@@ -43,14 +49,27 @@ desktop_env_make_prefix() (
     cp -n /usr/share/wine/fonts/*.ttf /usr/share/wine/fonts/*.fon "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
 )
 
-# A prefix to copy from, made once per folder and Wine version.
 desktop_env_template() {
-    local stamp="$1/made-by"
     local version; version=$(wine --version 2>/dev/null)
-    [ "$(cat "$stamp" 2>/dev/null)" = "$version" ] && return 0
-    rm -rf "$1"; mkdir -p "$1"
-    desktop_env_make_prefix "$1" || return 1
-    echo "$version" >"$stamp"
+    if [ "$(cat "$1/made-by" 2>/dev/null)" != "$version" ]; then
+        rm -rf "$1"; mkdir -p "$1"
+        desktop_env_make_prefix "$1" || return 1
+        echo "$version" >"$1/made-by"
+    fi
+    [ -z "${2:-}" ] || desktop_env_windows_template "$1" "$1-$2" "$2"
+}
+
+# Every program of such a prefix is told that Windows: it stands where Windows itself has it.
+desktop_env_windows_template() {
+    local registry made_by
+    registry=$(windows_registry "$3") || { echo "desktop_env: no Windows is called $3" >&2; return 1; }
+    made_by=$(cat "$1/made-by" <(echo "$registry"))
+    [ "$(cat "$2/made-by" 2>/dev/null)" = "$made_by" ] && return 0
+    rm -rf "$2"; mkdir -p "$2"
+    cp -a --reflink=auto "$1/prefix" "$2/prefix"
+    echo "$registry" >"$2/windows.reg"
+    (desktop_env_variables "$2"; unset DISPLAY; wine regedit /S "$2/windows.reg" && wineserver -w) || return 1
+    echo "$made_by" >"$2/made-by"
 }
 
 # The first call notes the mounts that everybody sees; later ones find the note and do nothing.

@@ -2,7 +2,8 @@
 """Sums up a folder of test logs: summarize_tests.py LOGS
 
 NAME.code holds a program's exit code and NAME.log its output. If NAME.gtest exists, the output is
-GoogleTest's; any other program counts as one test. left-over.log names processes that outlived the
+GoogleTest's; any other program counts as one test. A NAME with "@WINDOWS" in it is a program that ran on
+another Windows: its tests are told with that. left-over.log names processes that outlived the
 run. Exits with 0 only if a test passed and none failed.
 
 GoogleTest's own reports are not used: making one takes a program with checked heaps as long as its
@@ -20,6 +21,7 @@ CRASH = re.compile(r"Unhandled (exception|page fault)|^wine: Unhandled", re.MULT
 # GoogleTest's lines. What a program writes without a line end may stand before them.
 BEGIN = re.compile(r"\[ RUN      \] (\S+)$")
 END = re.compile(r"\[  (     OK|FAILED |SKIPPED) \] (\S+?)(, where .*)? \(\d+ ms\)$")
+WINDOWS = re.compile(r"@(\w+)")
 COUNT = re.compile(r"^\[==========\] Running (\d+) tests? from ", re.MULTILINE)
 
 
@@ -34,7 +36,8 @@ class Summary:
         output = (logs / f"{name}.log").read_text(errors="replace")
         failed_before = len(self.failed)
         if (logs / f"{name}.gtest").exists():
-            missing = self.add_tests(output)
+            windows = WINDOWS.search(name)
+            missing = self.add_tests(output, f" on {windows[1]}" if windows else "")
         else:
             missing = None
             self.passed += code == 0
@@ -56,7 +59,7 @@ class Summary:
             return f"exit code {code}"
         return None
 
-    def add_tests(self, output):
+    def add_tests(self, output, where):
         """What is missing of the results; nothing if each test that was to run has one."""
         ended, text = 0, []
         for line in output.splitlines():
@@ -66,7 +69,7 @@ class Summary:
                 text.append(line)
             else:
                 ended += 1
-                self.add_test(end[1].strip(), end[2], text)
+                self.add_test(end[1].strip(), end[2] + where, text)
         expected = COUNT.search(output)
         if not expected:
             return "no results"

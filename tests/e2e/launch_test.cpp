@@ -3,6 +3,7 @@
 #include "e2e/engine_test_support.h"
 #include "support/launch_reports.h"
 #include "support/start_process.h"
+#include "support/this_windows.h"
 
 #include <winternl.h>
 #include <algorithm>
@@ -85,9 +86,12 @@ TEST_F(Launch, ShellsProcessStartsWhatIsHandedOver) {
     desktop->Move(0, {77, 88}); // and goes on as before
 }
 
+// Before Vista there is nothing to hand over for.
 TEST_F(Launch, ElevatedProcessHandsOverWithoutBeingTold) {
     StartPlain(1);
-    ExpectStartedBy(desktop->ProcessId(), library.RunNonElevated(), 0);
+    const DWORD dwStarter =
+        IsThisWindowsAtLeast(6, 0) ? desktop->ProcessId() : ::GetCurrentProcessId();
+    ExpectStartedBy(dwStarter, library.RunNonElevated(), 0);
     // The other way round it asks for itself.
     ExpectStartedBy(::GetCurrentProcessId(), library.RunElevated(), 0);
 }

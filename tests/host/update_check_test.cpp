@@ -8,6 +8,7 @@
 #include "support/message_box_driver.h"
 #include "support/platform_proxy.h"
 #include "support/start_process.h"
+#include "support/this_windows.h"
 #include "support/wait_until.h"
 
 #include <gtest/gtest.h>
@@ -193,6 +194,22 @@ TEST_F(HostUpdateCheck, SilentOneAsksThroughThePlatformsProxy) {
     EXPECT_NE(std::string::npos, requests[0].strBody.find("&appver=1.1.0.2409&"));
     EXPECT_GE(256u, requests[0].strBody.size());
     ExpectDone();
+}
+
+// The program's manifest names every Windows, so that none tells it of an older one.
+TEST_F(HostUpdateCheck, TellsTheWindowsThatItRunsOn) {
+    server->Say({"text/4F4B"});
+    HostRun run(L"/CHECK4UPDATES");
+    EXPECT_EQ(0u, run.WaitForSilentEnd());
+    auto requests = server->TakeRequests();
+    ASSERT_EQ(1u, requests.size());
+    const OSVERSIONINFOEXW info = ThisWindows();
+    std::string strExpected = "&winver=" + std::to_string(info.dwMajorVersion) + "." +
+                              std::to_string(info.dwMinorVersion) + ".0." +
+                              std::to_string(info.dwBuildNumber) + "&winlang=";
+    strExpected += IsThisWindowsAtLeast(6, 0) ? "en-US" : "English";
+    strExpected += "&winsp=" + std::to_string(info.wServicePackMajor) + ".0&";
+    EXPECT_NE(std::string::npos, requests[0].strBody.find(strExpected)) << requests[0].strBody;
 }
 
 TEST_F(HostUpdateCheck, SilentOneIsSilentWhateverTheServerSays) {

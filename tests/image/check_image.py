@@ -27,12 +27,13 @@ STACK_CHECK_FAILS = bytes.fromhex("b902000000cd290f0b")
 # Functions with buffers in their frames that an image has at least; half of what they were once.
 GUARDED_FUNCTIONS = {"TSDLL64.dll": 150, "TSEXE64.exe": 3}
 IMPORT_ADDRESSES = 12 # the directory of the addresses that the loader writes
+SETTINGS_2016 = "http://schemas.microsoft.com/SMI/2016/WindowsSettings"
 SUPPORTED_SYSTEMS = {
     "Vista": "e2011457-1546-43c5-a5fe-008deee3d3f0",
     "7": "35138b9a-5d96-4fbd-8e2d-a2440225f93a",
     "8": "4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38",
     "8.1": "1f676c76-80e1-4239-95bb-83d0f6d0da78",
-    "10": "8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a",
+    "10 and 11": "8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a",
 }
 
 
@@ -284,6 +285,9 @@ def check_program(report, image):
         ("touches no other program's windows", 'uiAccess="false"'),
         ("has common controls 6", 'name="Microsoft.Windows.Common-Controls" version="6.0.0.0"'),
         ("is DPI aware", ">true</dpiAware>"),
+        # Its boxes have one scale for their life (docs/architecture.md).
+        ("has one scale for all screens from Windows 10 on", f'xmlns="{SETTINGS_2016}">system</dpiAwareness>'),
+        ("takes long paths", f'xmlns="{SETTINGS_2016}">true</longPathAware>'),
     ):
         report.check(f"TSEXE64.exe {what}", text in manifest)
     for system, guid in SUPPORTED_SYSTEMS.items():

@@ -1,6 +1,7 @@
 #include "progress/ctrl_dlg.h"
 #include "progress/ctrl_taskbar.h"
 #include "support/test_window.h"
+#include "support/this_windows.h"
 
 #include <gtest/gtest.h>
 
@@ -156,6 +157,18 @@ INSTANTIATE_TEST_SUITE_P(Cases, CSProgressCtrlTaskbarVersions,
                                          OldCase{"Windows10", 2, 10, 0, 1},
                                          OldCase{"NotOfNT", 1, 6, 1, 0}),
                          [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(CSProgressCtrlTaskbar, ThisWindowsHasAMirrorFrom7On) {
+    const int nExpected = IsThisWindowsAtLeast(6, 1) ? 1 : 0;
+    TestWindow window;
+    FakeTaskbar taskbar;
+    ToldVersion told(ThisWindows());
+    ProgressDialog test;
+    test.ctrl.EnableTaskbarProgress(window);
+    EXPECT_EQ(nExpected, taskbar.nCreated.load());
+    test.ctrl.StepIt();
+    EXPECT_EQ(nExpected == 0, taskbar.Take().empty());
+}
 
 TEST(CSProgressCtrlTaskbar, OlderWindowsStillDropsWhatThereWas) {
     Mirror mirror;

@@ -2,6 +2,7 @@
 
 #include "progress/dlg_support.h"
 #include "support/test_window.h"
+#include "support/told_version.h"
 
 #include <objbase.h>
 
@@ -127,6 +128,8 @@ TEST_F(ProgressStart, TaskbarMirrorIsAskedForOnTheDialogsThread) {
         0x56fdf344, 0xfd6d, 0x11d0, {0x95, 0x8a, 0x00, 0x60, 0x97, 0xc9, 0xa0, 0x90}};
     constexpr GUID kTaskbarList3{
         0xea1afb91, 0x9e28, 0x4b86, {0x90, 0xe9, 0x9e, 0x9f, 0x8a, 0x5e, 0xef, 0xaf}};
+    ToldVersion told(
+        Version(VER_PLATFORM_WIN32_NT, 6, 1, VER_NT_WORKSTATION)); // the first with one
     ReplaceImport replaced(__imp_CoCreateInstance, &RefuseInstance);
     nTaskbarAsked = 0;
     Progress progress;

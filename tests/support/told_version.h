@@ -43,3 +43,8 @@ class ToldVersion {
     static inline BOOL bTells;
     ReplaceImport replaced{__imp_GetVersionExW, &Tell};
 };
+
+/// The first one whose menus show pictures.
+class ToldVista {
+    ToldVersion told{Version(VER_PLATFORM_WIN32_NT, 6, 0, VER_NT_WORKSTATION)};
+};

@@ -7,6 +7,7 @@
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
+#include "support/this_windows.h"
 #include "support/window_thread.h"
 
 #include <gtest/gtest.h>
@@ -193,7 +194,7 @@ TEST_F(Elevate, SatellitesOnlyHaveTheirPathFound) {
     EXPECT_EQ(1, RunSatelliteFileElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 0));
     call = shell.TakeOne();
     EXPECT_EQ(strPath.c_str(), call.file);
-    EXPECT_EQ(L"runas", call.verb);
+    EXPECT_EQ(ElevatingVerb(), call.verb);
     wstring strLong(MAX_PATH, L'x');
     EXPECT_EQ(
         0, RunSatelliteFileElevated(nullptr, strLong.c_str(), L"p", L"d", &hProcess, &dwError, 0));
@@ -214,7 +215,7 @@ TEST_F(Elevate, LocalFilesOnlyHaveTheirPathFound) {
     EXPECT_EQ(1, RunLocalFileElevated(nullptr, L"x.exe", L"p", L"d", nullptr, &dwError, 0));
     call = shell.TakeOne();
     EXPECT_EQ(strPath.c_str(), call.file);
-    EXPECT_EQ(L"runas", call.verb);
+    EXPECT_EQ(ElevatingVerb(), call.verb);
     wstring strLong(MAX_PATH, L'x');
     for (auto* pfn : {&RunLocalFileNonElevated, &RunLocalFileElevated}) {
         for (const wchar_t* psz : {strLong.c_str(), static_cast<const wchar_t*>(nullptr)}) {

@@ -7,6 +7,7 @@
 #include "support/runtime_lookup.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
+#include "support/this_windows.h"
 #include "support/wait_until.h"
 
 #include <gtest/gtest.h>
@@ -250,7 +251,7 @@ TEST_F(RunRecorded, RunMyselfElevatedAsksForIt) {
     ShellCall call = shell.TakeOne();
     EXPECT_EQ(1, call.bEx);
     EXPECT_EQ(window.Get(), call.hwnd);
-    EXPECT_EQ(L"runas", call.verb);
+    EXPECT_EQ(ElevatingVerb() ? ElevatingVerb() : L"open", call.verb);
     EXPECT_EQ(OwnPath().c_str(), call.file);
     EXPECT_EQ(L"p", call.parameters);
     EXPECT_EQ(OwnFolder().c_str(), call.directory);

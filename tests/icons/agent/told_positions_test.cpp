@@ -1,8 +1,10 @@
 #include "icons/agent/agent.h"
+#include "icons/agent/desktop_folder_view.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/folder_view_test_support.h"
 #include "icons/icons_test_support.h"
 #include "shell/subclass/shell_subclass.h"
+#include "support/this_windows.h"
 #include "wnd/core/company_msg.h"
 
 #include <gtest/gtest.h>
@@ -456,6 +458,10 @@ INSTANTIATE_TEST_SUITE_P(
                     BuildCase{"TenLast", 19045, 0, true}, BuildCase{"Eleven", 22000, 0, true},
                     BuildCase{"ElevenNewest", 26100, 0, true}),
     [](const auto& row) { return std::string(row.param.pszName); });
+
+TEST(ToldPositionsOfThisWindows, AreTheFolderViewsFromTheFirstBuildOn) {
+    EXPECT_EQ(ThisWindows().dwBuildNumber >= kFirstBuildInCharge, IsFolderViewInCharge());
+}
 
 // A shell whose answer takes its time holds up the shell's own thread, and nobody else.
 TEST(ToldPositionsOfAShell, SenderOfTheRestoreDoesNotWait) {

@@ -3,10 +3,14 @@
 #include "icons/menu_test_support.h"
 #include "support/gui_objects.h"
 #include "support/test_resource_ids.h"
+#include "support/this_windows.h"
+#include "support/told_version.h"
 #include "wnd/menu/csmenu.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 #include <set>
+#include <utility>
 
 namespace {
 /// A rotation of the test's own, none of it shown yet, and a menu for its rows.
@@ -26,6 +30,7 @@ struct Recommendations : testing::Test {
         for (std::size_t n = 1; n < std::size(table); ++n) Add();
     }
 
+    std::optional<ToldVista> told{std::in_place}; // pictures, whatever this Windows has
     Recommendation table[3] = {
         {nullptr, -IDI_TEST, L"page 1", L"headline 1", L"   line 2 of 1", L"   line 3 of 1"},
         {nullptr, 0, L"page 2", L"headline 2", L"   line 2 of 2", L"   line 3 of 2"},
@@ -111,6 +116,14 @@ TEST_F(Recommendations, BitmapIsMadeOnceAndKept) {
         GoRound();
         EXPECT_EQ(nBefore, CountGdiObjects());
     }
+}
+
+TEST_F(Recommendations, HaveABitmapFromVistaOn) {
+    told.reset();
+    auto items = Add();
+    ASSERT_EQ(3u, items.size());
+    EXPECT_EQ(IsThisWindowsAtLeast(6, 0), items[0].hbm != nullptr);
+    EXPECT_EQ(table[0].hbm, items[0].hbm);
 }
 
 TEST_F(Recommendations, IconOfThePresentModuleHasAPositiveId) {

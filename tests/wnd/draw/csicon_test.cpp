@@ -3,6 +3,8 @@
 #include "support/made_icon.h"
 #include "support/memory_picture.h"
 #include "support/test_resource_ids.h"
+#include "support/this_windows.h"
+#include "support/told_version.h"
 #include "wnd/draw/csicon.h"
 
 #include <gtest/gtest.h>
@@ -148,6 +150,7 @@ TEST(CSIcon, DestroysTheIconAtTheEnd) {
 }
 
 TEST(CSIcon, MenuBitmapHasTheIconsSize) {
+    ToldVista told;
     CSIcon icon;
     icon.Load(IDI_TEST, 1, 0);
     HBITMAP hbm = CSIcon::IconToMenuBitmap(icon);
@@ -195,9 +198,21 @@ void ExpectPixel(Pixel expected, Pixel seen) {
 
 const std::vector<Pixel> kPixels = {0xFFFF0000, 0xFF00FF00, 0x80FF8040, 0x00FFFFFF, // top row
                                     0x40204060, 0xFF123456, 0x01FF00FF, 0xFF000000};
+
+/// The picture is the same wherever there is one.
+class IconToMenuBitmap : public testing::Test {
+  protected:
+    ToldVista told;
+};
 } // namespace
 
-TEST(IconToMenuBitmap, PremultipliesTheColoursAndKeepsTheAlpha) {
+TEST(IconToMenuBitmapOnThisWindows, IsThereFromVistaOn) {
+    MadeIcon icon(4, 2, kPixels);
+    OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
+    EXPECT_EQ(IsThisWindowsAtLeast(6, 0), bitmap.h != nullptr);
+}
+
+TEST_F(IconToMenuBitmap, PremultipliesTheColoursAndKeepsTheAlpha) {
     MadeIcon icon(4, 2, kPixels);
     OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
     auto pixels = PixelsOf(bitmap.h);
@@ -211,7 +226,7 @@ TEST(IconToMenuBitmap, PremultipliesTheColoursAndKeepsTheAlpha) {
     }
 }
 
-TEST(IconToMenuBitmap, FirstRowInMemoryIsTheTopmost) {
+TEST_F(IconToMenuBitmap, FirstRowInMemoryIsTheTopmost) {
     MadeIcon icon(1, 3, {0xFF0000FF, 0xFF00FF00, 0xFFFF0000});
     OwnedTestBitmap bitmap(CSIcon::IconToMenuBitmap(icon.Get()));
     EXPECT_EQ((std::vector<Pixel>{0xFF0000FF, 0xFF00FF00, 0xFFFF0000}), PixelsOf(bitmap.h));
@@ -224,7 +239,7 @@ TEST(IconToMenuBitmap, FirstRowInMemoryIsTheTopmost) {
     ::DeleteDC(hdc);
 }
 
-TEST(IconToMenuBitmap, HasTheIconsSize) {
+TEST_F(IconToMenuBitmap, HasTheIconsSize) {
     const SIZE kSizes[] = {{1, 1}, {16, 16}, {17, 5}, {48, 48}, {256, 256}};
     for (SIZE size : kSizes) {
         MadeIcon icon(size.cx, size.cy,
@@ -240,7 +255,7 @@ TEST(IconToMenuBitmap, HasTheIconsSize) {
     }
 }
 
-TEST(IconToMenuBitmap, NoIconGivesNull) {
+TEST_F(IconToMenuBitmap, NoIconGivesNull) {
     EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(nullptr));
     HICON hiconGone = nullptr;
     {
@@ -251,7 +266,7 @@ TEST(IconToMenuBitmap, NoIconGivesNull) {
     EXPECT_EQ(nullptr, CSIcon::IconToMenuBitmap(reinterpret_cast<HICON>(0x7777)));
 }
 
-TEST(IconToMenuBitmap, WorksOnThreadsWithAndWithoutComAndLeavesThemSo) {
+TEST_F(IconToMenuBitmap, WorksOnThreadsWithAndWithoutComAndLeavesThemSo) {
     MadeIcon icon(4, 2, kPixels);
     HRESULT hrAfter = S_OK;
     std::thread([&] {
@@ -274,7 +289,7 @@ TEST(IconToMenuBitmap, WorksOnThreadsWithAndWithoutComAndLeavesThemSo) {
     }
 }
 
-TEST(IconToMenuBitmap, LeavesNoObjectBehind) {
+TEST_F(IconToMenuBitmap, LeavesNoObjectBehind) {
     MadeIcon icon(4, 2, kPixels);
     ::DeleteObject(CSIcon::IconToMenuBitmap(icon.Get()));
     int nBefore = CountGdiObjects();

@@ -1,6 +1,7 @@
 #include "support/gui_objects.h"
 #include "support/made_icon.h"
 #include "support/other_windows.h"
+#include "support/told_version.h"
 #include "wnd/menu/csmenu.h"
 
 #include <gtest/gtest.h>
@@ -253,6 +254,7 @@ TEST_F(CSMenuItems, HelpIdIsKept) {
 }
 
 TEST_F(CSMenuItems, ShieldIsOneSmallBitmapForAllItems) {
+    ToldVista told;
     MenuItemInfo first(MIIM_CHECKMARKS), second(MIIM_CHECKMARKS);
     if (!::LoadImageW(nullptr, MAKEINTRESOURCEW(32518), IMAGE_ICON, 0, 0, LR_SHARED)) {
         EXPECT_EQ(0, menu.SetShieldIconByID(21)); // and again the next time
@@ -296,6 +298,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, CSMenuBitmapsOn,
                          [](const auto& row) { return std::string(row.param.pszName); });
 
 TEST(CSMenuBitmaps, StaticMembersDoWhatTheSharedRoutinesDo) {
+    ToldVista told;
     MadeIcon icon(1, 1, {0x80FF0000});
     HBITMAP hbm = CSMenu::GenerateBitmap(icon.Get());
     EXPECT_EQ((std::vector<Pixel>{0x80800000}), PixelsOf(hbm));
