@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws the buttons' pictures in src/resources/pictures anew from the SVGs beside them. The results are kept in the tree, since
-# a build on Windows has no such tools; what is missing here is installed.
+# Draws the buttons' pictures in src/resources/pictures, and the installer's in setup, anew from the SVGs beside them. The
+# results are kept in the tree, since a build on Windows has no such tools; what is missing here is installed.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install_packages.sh librsvg2-bin icoutils
@@ -27,3 +27,7 @@ for name in dlg_close dlg_close_hover dlg_minimize dlg_minimize_hover; do
     done
     icotool -c -b 32 -o "$name.ico" "$pngs"/{16,20,24,32}.png
 done
+
+cd ../../../setup
+rsvg-convert finish.svg -o "$pngs/finish.png"
+convert "$pngs/finish.png" -alpha off -compress None -type Palette -dither None -colors 64 BMP3:finish.bmp

@@ -73,6 +73,7 @@ def write_setup(version, folder, path):
         "VERSION": version.number,
         "FILES": folder,
         "ICON": ROOT / "src" / "resources" / "tessaly.ico",
+        "PICTURE": ROOT / "setup" / "finish.bmp",
         "OUTPUT": path,
     }
     command = ["makensis", "-V2", "-WX", "-NOCD", *(f"-D{name}={value}" for name, value in defines.items())]

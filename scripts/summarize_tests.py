@@ -2,9 +2,10 @@
 """Sums up a folder of test logs: summarize_tests.py LOGS
 
 NAME.code holds a program's exit code and NAME.log its output. If NAME.gtest exists, the output is
-GoogleTest's; any other program counts as one test. A NAME with "@WINDOWS" in it is a program that ran on
-another Windows: its tests are told with that. left-over.log names processes that outlived the
-run. Exits with 0 only if a test passed and none failed.
+GoogleTest's, and Python's unittest's, told of each test, if NAME.unittest does; any other program counts
+as one test. A NAME with "@WINDOWS" in it is a program that ran on another Windows: its tests are told
+with that. left-over.log names processes that outlived the run. Exits with 0 only if a test passed and
+none failed.
 
 GoogleTest's own reports are not used: making one takes a program with checked heaps as long as its
 tests, and a program that is ended has none.
@@ -23,6 +24,11 @@ BEGIN = re.compile(r"\[ RUN      \] (\S+)$")
 END = re.compile(r"\[  (     OK|FAILED |SKIPPED) \] (\S+?)(, where .*)? \(\d+ ms\)$")
 WINDOWS = re.compile(r"@(\w+)")
 COUNT = re.compile(r"^\[==========\] Running (\d+) tests? from ", re.MULTILINE)
+# unittest's. After the run it tells of each fault with its text; that of a subtest is the test's, and one
+# of a whole class stands there under another name. A test's description is in a line of its own.
+UNIT_FAULT = re.compile(r"^={70}\n(?:FAIL|ERROR): (\w+).*\n", re.MULTILINE)
+UNIT_SKIPPED = re.compile(r"^(test\w*) \(.*\)(?:\n.*)? \.\.\. skipped (['\"])(.*)\2$", re.MULTILINE)
+UNIT_COUNT = re.compile(r"^Ran (\d+) tests? in ", re.MULTILINE)
 
 
 class Summary:
@@ -38,6 +44,8 @@ class Summary:
         if (logs / f"{name}.gtest").exists():
             windows = WINDOWS.search(name)
             missing = self.add_tests(output, f" on {windows[1]}" if windows else "")
+        elif (logs / f"{name}.unittest").exists():
+            missing = self.add_unit_tests(name, output)
         else:
             missing = None
             self.passed += code == 0
@@ -75,6 +83,21 @@ class Summary:
             return "no results"
         missing = int(expected[1]) - ended
         return f"{missing} tests without a result" if missing else None
+
+    def add_unit_tests(self, program, output):
+        """What is missing of the results; nothing if the run was told to its end."""
+        count = UNIT_COUNT.search(output)
+        if not count:
+            return "no results"
+        skipped = UNIT_SKIPPED.findall(output)
+        self.skipped += [(f"{program}.{name}", reason) for name, _, reason in skipped]
+        _, *faults = UNIT_FAULT.split(output[: count.start()])
+        failed = {}
+        for name, text in zip(faults[::2], faults[1::2]):
+            failed[name] = failed.get(name, "") + text
+        self.failed += [(f"{program}.{name}", text) for name, text in failed.items()]
+        self.passed += int(count[1]) - len(skipped) - sum(name.startswith("test") for name in failed)
+        return None
 
     def add_test(self, result, name, text):
         if result == "FAILED":

@@ -1,13 +1,14 @@
 ; The installer: for one user, without elevation. scripts/package defines what it is made of:
 ;   NAME, MAKER, COPYRIGHT, VERSION   as src/resources/version.h has them
 ;   FILES                             the folder of what is installed
-;   ICON, OUTPUT                      two files
+;   ICON, PICTURE, OUTPUT             three files
 ;
 ; Command line of the installer:    /S   asks nothing
 ;                                   /AUTOSTART:ON, /AUTOSTART:OFF   whether it starts with Windows
 ; and of the uninstaller:           /S   asks nothing
-;                                   /DELETESNAPSHOTS   takes the snapshots as well
-; Both end with 0, or with 2 when nothing was changed.
+;                                   /DELETESNAPSHOTS   takes the snapshots and layouts as well
+; Both end with 0; with 1 when the user cancelled and with 2 when something failed, nothing being changed
+; then; the installer with 3 when it installed all, but could not set the start with Windows.
 
 Unicode true
 Target amd64-unicode
@@ -17,6 +18,8 @@ SetCompressor /SOLID /FINAL lzma
 !include LogicLib.nsh
 !include FileFunc.nsh
 !include Sections.nsh
+!include StrFunc.nsh
+${UnStrStr} ; declares it
 
 !define UNINSTALL_LIST "Software\Microsoft\Windows\CurrentVersion\Uninstall"
 !define UNINSTALL_KEY "${UNINSTALL_LIST}\${NAME}"
@@ -33,6 +36,7 @@ ManifestDPIAware true
 BrandingText "${NAME} ${VERSION}"
 ShowInstDetails nevershow
 ShowUninstDetails nevershow
+SpaceTexts none
 AllowSkipFiles off
 
 VIProductVersion ${VERSION}
@@ -47,11 +51,25 @@ VIAddVersionKey /LANG=1033 "ProductVersion" "${VERSION}"
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_COMPONENTSPAGE_NODESC
-!define MUI_FINISHPAGE_RUN "$INSTDIR\TSEXE64.exe"
-!define MUI_FINISHPAGE_RUN_TEXT "Start ${NAME} now"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${PICTURE}"
+
+!define MUI_PAGE_HEADER_TEXT "Install ${NAME}"
+!define MUI_PAGE_HEADER_SUBTEXT "It keeps the icons of the desktop where they belong."
+!define MUI_COMPONENTSPAGE_TEXT_TOP "${NAME} is installed for you alone, in $INSTDIR. \
+    An older version that runs is closed, replaced and started again."
+!define MUI_COMPONENTSPAGE_TEXT_COMPLIST "Choose what it shall do:"
 !insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_INSTFILES
+!define MUI_FINISHPAGE_RUN "$INSTDIR\TSEXE64.exe"
+!define MUI_FINISHPAGE_RUN_TEXT "Start ${NAME} now"
 !insertmacro MUI_PAGE_FINISH
+
+!define MUI_PAGE_HEADER_TEXT "Remove ${NAME}"
+!define MUI_PAGE_HEADER_SUBTEXT "The program is closed and its files are deleted."
+!define MUI_COMPONENTSPAGE_TEXT_TOP "Your snapshots, and the layouts kept for sets of displays, stay for \
+    a later installation unless you choose them here."
+!define MUI_COMPONENTSPAGE_TEXT_COMPLIST "Choose what to delete:"
+!define MUI_CUSTOMFUNCTION_UNABORT un.DeleteOwnCopy
 !insertmacro MUI_UNPAGE_COMPONENTS
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
@@ -96,8 +114,14 @@ Function ${UN}CloseRunning
     ${Do}
         ClearErrors
         ExecWait '"$0" /EXIT /QUIET' $1
+        ; One that is damaged can ask nobody. If none runs, nobody has to be asked.
         ${If} ${Errors}
-            StrCpy $1 1
+        ${OrIf} $1 = 3
+            StrCpy $1 0
+            FindWindow $2 "${MONITOR_CLASS}"
+            ${If} $2 P<> 0
+                StrCpy $1 1
+            ${EndIf}
         ${EndIf}
         ${If} $1 = 0
             Return
@@ -254,13 +278,17 @@ Section "Start with Windows" SectionAutoStart
 SectionEnd
 
 Section "-"
+    ClearErrors
     ${If} ${SectionIsSelected} ${SectionAutoStart}
         ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART:ON /QUIET' $0
     ${Else}
         ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART:OFF /QUIET' $0
     ${EndIf}
-    ${If} $0 <> 0
-        MessageBox MB_OK|MB_ICONEXCLAMATION "The start with Windows could not be set." /SD IDOK
+    ${If} ${Errors}
+    ${OrIf} $0 <> 0
+        SetErrorLevel 3
+        MessageBox MB_OK|MB_ICONEXCLAMATION "${NAME} is installed, but its start with Windows could not be set." \
+            /SD IDOK
     ${EndIf}
     Call StartAgain
 SectionEnd
@@ -291,10 +319,31 @@ FunctionEnd
 
 ; The uninstaller
 
+; $R1 is then 1 if this copy is the one that starts with Windows. One that is damaged cannot tell: the
+; library's path stands in the value, as it is or in its short form.
+Function un.IsStartedWithWindows
+    StrCpy $R1 0
+    ClearErrors
+    ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART /QUIET' $0
+    ${If} ${Errors}
+        StrCpy $0 3
+    ${EndIf}
+    ${If} $0 = 0
+        StrCpy $R1 1
+    ${ElseIf} $0 = 3
+        ReadRegStr $0 HKCU "${RUN_KEY}" "${NAME}"
+        GetFullPathName /SHORT $1 "$INSTDIR"
+        ${UnStrStr} $2 $0 "$INSTDIR\TSDLL64.dll"
+        ${UnStrStr} $3 $0 "$1\TSDLL64.dll"
+        ${If} "$2$3" != ""
+            StrCpy $R1 1
+        ${EndIf}
+    ${EndIf}
+FunctionEnd
+
 Section "un.${NAME}"
     SectionIn RO
     SetOutPath "$TEMP"
-    StrCpy $2 1 ; whether the start with Windows is another copy's, or nobody's
     ${If} ${FileExists} "$INSTDIR\TSEXE64.exe"
     ${AndIf} ${FileExists} "$INSTDIR\TSDLL64.dll"
         StrCpy $0 "$INSTDIR\TSEXE64.exe"
@@ -302,8 +351,8 @@ Section "un.${NAME}"
         ${If} $1 <> 0
             Abort
         ${EndIf}
-        ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART /QUIET' $2
     ${EndIf}
+    Call un.IsStartedWithWindows ; while the files are there
 
     Call un.ChooseOld
     !insertmacro ForEachFile un.MoveAway
@@ -320,7 +369,7 @@ Section "un.${NAME}"
     RMDir "$LOCALAPPDATA\Programs"
 
     Delete "$SMPROGRAMS\${NAME}.lnk"
-    ${If} $2 = 0
+    ${If} $R1 = 1
         DeleteRegValue HKCU "${RUN_KEY}" "${NAME}"
     ${EndIf}
     DeleteRegKey HKCU "${UNINSTALL_KEY}"
@@ -330,7 +379,7 @@ Section "un.${NAME}"
     DeleteRegKey /ifempty HKCU "${MAKER_KEY}"
 SectionEnd
 
-Section /o "un.Snapshots" SectionSnapshots
+Section /o "un.Snapshots and layouts" SectionSnapshots
     DeleteRegKey HKCU "${PRODUCT_KEY}"
     DeleteRegKey /ifempty HKCU "${MAKER_KEY}"
 SectionEnd
@@ -343,4 +392,36 @@ Function un.onInit
     ${IfNot} ${Errors}
         !insertmacro SelectSection ${SectionSnapshots}
     ${EndIf}
+FunctionEnd
+
+; The uninstaller runs from a copy of itself in a folder for temporary files, which the platform is asked
+; to delete at its next start; that it does for administrators alone. No program's file can be deleted
+; while it runs: a batch file tries once a second, for half a minute, and deletes itself.
+Function un.DeleteOwnCopy
+    StrLen $0 "$TEMP\~nsu"
+    StrCpy $1 "$EXEDIR" $0
+    ${If} $1 != "$TEMP\~nsu"
+        Return
+    ${EndIf}
+    FileOpen $0 "$EXEDIR.cmd" w
+    FileWrite $0 '@echo off$\r$\n\
+        :again$\r$\n\
+        ping -n 2 127.0.0.1 >nul$\r$\n\
+        rd /s /q "%TESSALY_COPY%"$\r$\n\
+        set /a TESSALY_TURN+=1$\r$\n\
+        if exist "%TESSALY_COPY%" if not %TESSALY_TURN%==30 goto again$\r$\n\
+        del "%~f0"$\r$\n'
+    FileClose $0
+    ; By a variable: a "%" in the path would be the batch file's own, and it knows one code page only.
+    System::Call 'kernel32::SetEnvironmentVariableW(w "TESSALY_COPY", w "$EXEDIR")'
+    SetOutPath "$TEMP" ; the current folder cannot be deleted
+    ExecShell "" "$SYSDIR\cmd.exe" '/d /c call "%TESSALY_COPY%.cmd"' SW_HIDE
+FunctionEnd
+
+Function un.onUninstSuccess
+    Call un.DeleteOwnCopy
+FunctionEnd
+
+Function un.onUninstFailed
+    Call un.DeleteOwnCopy
 FunctionEnd

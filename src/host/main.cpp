@@ -203,10 +203,15 @@ int Run(const HostOptions& options) {
     wchar_t szPath[MAX_PATH] = L"";
     LibraryProblem problem = LibraryProblem::Missing;
     if (GetLibraryPath(szPath)) problem = MapLibrary(szPath);
-    if (problem != LibraryProblem::None) return TellNoLibrary(problem, szPath);
+    bool bAutoStart = options.autoStart != AutoStart::None;
+    if (problem != LibraryProblem::None) {
+        // A quiet command tells by its exit code alone, of this, too: the uninstaller of a damaged
+        // copy gives two of them.
+        if (options.bQuiet && (options.bExit || bAutoStart)) return kExitNoLibrary;
+        return TellNoLibrary(problem, szPath);
+    }
     if (options.pszUnknown) return TellBadSwitch(options.pszUnknown);
     if (options.bHelp) return TellSwitches();
-    bool bAutoStart = options.autoStart != AutoStart::None;
     int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
     if (options.bExit) {
         int nCloseCode = CloseTheRunningOne(options.bQuiet);

@@ -141,8 +141,14 @@ class HostFolder : public testing::Test {
         file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     }
     Bytes RealLibrary() { return ReadAll(BinFolder() + L"TSDLL64.dll"); }
-    /// The program says that, names the file, and ends with 3.
+    /// The program says that, names the file, and ends with 3; of a command that is to be quiet,
+    /// with nothing but that.
     void ExpectRefusal(const wchar_t* pszWhy) {
+        for (const wchar_t* pszArguments : {L"/exit /quiet", L"/quiet /autostart:off"}) {
+            Ended ended = RunHost(strFolder, pszArguments);
+            EXPECT_EQ(3u, ended.dwExitCode) << pszArguments;
+            EXPECT_EQ(L"", ended.strBox);
+        }
         for (const wchar_t* pszArguments : {L"", L"/quiet", L"/exit", L"/bogus"}) {
             Ended ended = RunHost(strFolder, pszArguments);
             EXPECT_EQ(3u, ended.dwExitCode) << pszArguments;

@@ -1,34 +1,120 @@
-// What tests/setup/setup_test.py asks of the platform: setup_probe.exe hold FILE, window
-// CLASS (0: there is one), or setup (0: installer or uninstaller run).
+// What tests/setup/setup_test.py asks of the platform, setup_probe.exe with
+//   hold FILE          has it open until the standard input ends
+//   block KEY          that key of the user can be neither opened nor made until then
+//   window CLASS       0: there is one
+//   setup              0: installer or uninstaller run
+//   place TITLE TEXT   tells where the middle of that control of that window is, if it can be
+//   clicked
 // Links nothing of the product.
 
 #include <windows.h>
+#include <cstdio>
 #include <cwchar>
+#include <string>
+#include <string_view>
 
 namespace {
 constexpr int kUsage = 2;
 
-/// Has the file open, so that nobody can move or replace it, until the standard input ends.
+/// Tells that it has begun, and returns when the standard input has ended.
+void WaitForInputEnd() {
+    DWORD cb = 0;
+    char ch = '\n';
+    ::WriteFile(::GetStdHandle(STD_OUTPUT_HANDLE), &ch, 1, &cb, nullptr);
+    while (::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), &ch, 1, &cb, nullptr) && cb) {
+    }
+}
+
+/// Nobody can move or replace the file meanwhile.
 int Hold(const wchar_t* pszFile) {
     HANDLE h =
         ::CreateFileW(pszFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     if (h == INVALID_HANDLE_VALUE) return 1;
-    DWORD cb = 0;
-    char ch = '\n';
-    ::WriteFile(::GetStdHandle(STD_OUTPUT_HANDLE), &ch, 1, &cb, nullptr); // it is open now
-    while (::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), &ch, 1, &cb, nullptr) && cb) {
-    }
+    WaitForInputEnd();
     ::CloseHandle(h);
+    return 0;
+}
+
+/// By a link to a key that does not exist, which is deleted as such.
+int Block(const wchar_t* pszKey) {
+    constexpr wchar_t kNowhere[] = L"\\Registry\\User\\NoSuchUser\\Nowhere";
+    HKEY hkey = nullptr;
+    if (::RegCreateKeyExW(HKEY_CURRENT_USER, pszKey, 0, nullptr, REG_OPTION_CREATE_LINK,
+                          KEY_ALL_ACCESS | KEY_CREATE_LINK, nullptr, &hkey, nullptr) ||
+        ::RegSetValueExW(hkey, L"SymbolicLinkValue", 0, REG_LINK,
+                         reinterpret_cast<const BYTE*>(kNowhere),
+                         sizeof(kNowhere) - sizeof(wchar_t))) {
+        return 1;
+    }
+    WaitForInputEnd();
+    auto* pfnDelete = reinterpret_cast<LONG(WINAPI*)(HANDLE)>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtDeleteKey")));
+    LONG status = pfnDelete(hkey);
+    ::RegCloseKey(hkey);
+    return status ? 1 : 0;
+}
+
+struct ControlSearch {
+    const wchar_t* pszText;
+    HWND hwnd = nullptr;
+};
+
+/// The text is the control's without the mark of its key.
+BOOL CALLBACK FindControl(HWND hwnd, LPARAM lParam) {
+    auto* pSearch = reinterpret_cast<ControlSearch*>(lParam);
+    wchar_t szText[256] = L"";
+    ::GetWindowTextW(hwnd, szText, 256);
+    std::wstring strText;
+    for (const wchar_t* psz = szText; *psz; ++psz) {
+        if (*psz != L'&') strText += *psz;
+    }
+    if (strText != pSearch->pszText || !::IsWindowVisible(hwnd) || !::IsWindowEnabled(hwnd))
+        return TRUE;
+    pSearch->hwnd = hwnd;
+    return FALSE;
+}
+
+int Place(const wchar_t* pszTitle, const wchar_t* pszText) {
+    ControlSearch search{pszText};
+    HWND hwnd = ::FindWindowW(L"#32770", pszTitle);
+    if (!hwnd) return 1;
+    ::EnumChildWindows(hwnd, &FindControl, reinterpret_cast<LPARAM>(&search));
+    RECT rc{};
+    if (!search.hwnd || !::GetWindowRect(search.hwnd, &rc)) return 1;
+    std::printf("%ld %ld", (rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
     return 0;
 }
 } // namespace
 
-int wmain(int nArguments, wchar_t** ppszArguments) {
-    if (nArguments == 3 && std::wcscmp(ppszArguments[1], L"hold") == 0)
-        return Hold(ppszArguments[2]);
-    if (nArguments == 3 && std::wcscmp(ppszArguments[1], L"window") == 0)
-        return ::FindWindowW(ppszArguments[2], nullptr) ? 0 : 1;
-    if (nArguments == 2 && std::wcscmp(ppszArguments[1], L"setup") == 0)
-        return ::OpenMutexW(SYNCHRONIZE, FALSE, L"Local\\Orvanta_Setup_Tessaly") ? 0 : 1;
+namespace {
+constexpr DWORD kLimitMs = 60000;
+constexpr DWORD kPollMs = 50;
+
+int IsNoSetupThere() {
+    HANDLE h = ::OpenMutexW(SYNCHRONIZE, FALSE, L"Local\\Orvanta_Setup_Tessaly");
+    if (h) ::CloseHandle(h);
+    return h ? 1 : 0;
+}
+
+int Ask(int nArguments, wchar_t** ppszArguments) {
+    const std::wstring_view strWhat = nArguments ? ppszArguments[0] : L"";
+    if (nArguments == 2 && strWhat == L"hold") return Hold(ppszArguments[1]);
+    if (nArguments == 2 && strWhat == L"block") return Block(ppszArguments[1]);
+    if (nArguments == 2 && strWhat == L"window")
+        return ::FindWindowW(ppszArguments[1], nullptr) ? 0 : 1;
+    if (nArguments == 1 && strWhat == L"no-setup") return IsNoSetupThere();
+    if (nArguments == 3 && strWhat == L"place") return Place(ppszArguments[1], ppszArguments[2]);
     return kUsage;
+}
+} // namespace
+
+int wmain(int nArguments, wchar_t** ppszArguments) {
+    if (nArguments < 2 || std::wcscmp(ppszArguments[1], L"until") != 0)
+        return Ask(nArguments - 1, ppszArguments + 1);
+    const DWORD dwStart = ::GetTickCount();
+    for (;;) {
+        int nAnswer = Ask(nArguments - 2, ppszArguments + 2);
+        if (nAnswer != 1 || ::GetTickCount() - dwStart > kLimitMs) return nAnswer;
+        ::Sleep(kPollMs);
+    }
 }

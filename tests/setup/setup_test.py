@@ -3,285 +3,195 @@
 
 What is installed are the binaries of the build, or of the folder that TESSALY_BUILD names; the
 older version is made of the same with bytes behind their end. Each test begins without the product, and
-looks at the end that registry and disk are as they were.
+looks at the end that registry and disk are as they were. Names of classes or of tests (Silent, Hands...)
+as arguments run these alone.
 """
 
 import contextlib
 import dataclasses
+import itertools
 import os
 import pathlib
-import re
 import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 sys.dont_write_bytecode = True
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "scripts"))
+import users  # noqa: E402
+from users import BINARIES, DATA_KEY, DISPLAYS_KEY, LIMIT, PROBE, RUN_KEY, SETUP_KEY, UNINSTALL_KEY  # noqa: E402
+from users import User, wait_until  # noqa: E402
+
+sys.path.insert(0, str(users.ROOT / "scripts"))
 
 import release_files  # noqa: E402
 
-BUILD = pathlib.Path(os.environ.get("TESSALY_BUILD", ROOT / "build"))
-BINARIES = BUILD / "bin"
-DESKTOP = BUILD / "e2e" / "test_desktop.exe"
-PROBE = BUILD / "setup" / "setup_probe.exe"
-LIMIT = 60  # seconds, of whatever a test waits for
 OLD_MARK = b"older"
-MAKER_KEY = r"HKCU\Software\Orvanta"
-DATA_KEY = MAKER_KEY + r"\Tessaly\Data"
-SETUP_KEY = MAKER_KEY + r"\Tessaly\Setup"
-UNINSTALL_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessaly"
-RUN_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Run"
-EXPLORER_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer"
-# The uninstaller works from a copy of itself, which the platform is asked to delete at its next start.
-# The rest is the platform's own.
-OTHER_VALUES = ('"PendingFileRenameOperations"', '"DriverDateData"')
-OTHER_KEY = "[HKEY_CURRENT_USER\\Software\\Wine\\"
+OLD_VERSION = "1.0.0.1"
+KEPT = "[HKEY_CURRENT_USER\\Software\\Orvanta"
+KEPT_KEYS = {f"{KEPT}{below}]" for below in ("", r"\Tessaly", r"\Tessaly\Data", r"\Tessaly\Displays")}
+DONE, CANCELLED, NOTHING_CHANGED, NO_AUTO_START = 0, 1, 2, 3  # exit codes
 
 
-def wine(*arguments, **options):
-    options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options}
-    return subprocess.Popen(["wine", *map(str, arguments)], **options)
+class Made:
+    """An installer, and the files that it has, by name."""
 
-
-def run(*arguments):
-    return wine(*arguments).wait(LIMIT)
-
-
-def reg(*arguments):
-    """What reg.exe says, or nothing if it refuses."""
-    told = subprocess.run(["wine", "reg", *arguments], capture_output=True, timeout=LIMIT)
-    return told.stdout.decode(errors="replace") if told.returncode == 0 else ""
-
-
-def read_value(key, name):
-    found = re.search(rf"^ +{re.escape(name)} +REG_[A-Z_]+ +(.*?)\r?$", reg("query", key, "/v", name), re.MULTILINE)
-    return found[1] if found else ""
-
-
-def wait_until(condition):
-    end = time.monotonic() + LIMIT
-    while not condition():
-        if time.monotonic() > end:
-            return False
-        time.sleep(0.05)
-    return True
-
-
-def read_registry(root, folder):
-    path = folder / "export.reg"
-    subprocess.run(["wine", "regedit", "/E", path, root], check=True, timeout=LIMIT, stderr=subprocess.DEVNULL)
-    found, key = {}, ""
-    for line in path.read_text("utf-16").replace("\\\n", "").splitlines():
-        if line.startswith("["):
-            key = line
-        if not line or key.startswith(OTHER_KEY) or line.startswith(OTHER_VALUES):
-            continue
-        if line == key:
-            found[key] = ""
-        else:
-            found[key, line.partition("=")[0]] = line
-    return found
-
-
-def read_disk():
-    """Size and date of each file, and the folders; not what lies in folders for temporary files."""
-    found = {}
-    for folder, folders, files in os.walk(prefix() / "drive_c"):
-        folders[:] = [name for name in folders if name != "Temp"]
-        found[folder] = None
-        for name in files:
-            status = os.lstat(os.path.join(folder, name))
-            found[os.path.join(folder, name)] = (status.st_size, status.st_mtime_ns)
-    return found
-
-
-def prefix():
-    return pathlib.Path(os.environ["WINEPREFIX"])
-
-
-def home():
-    users = prefix() / "drive_c" / "users"
-    return next(folder for folder in users.iterdir() if folder.name != "Public")
-
-
-class Setup(unittest.TestCase):
-    maxDiff = None
-
-    @classmethod
-    def setUpClass(cls):
-        cls.made = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
-        version = release_files.read_version()
-        cls.new = cls.make(version, b"")
-        cls.old = cls.make(dataclasses.replace(version, number="1.0.0.1"), OLD_MARK)
-        # What the first programs of a prefix leave behind.
-        run(PROBE, "window", "none")
-        read_registry("HKEY_CURRENT_USER", cls.made)
-
-    @classmethod
-    def make(cls, version, mark):
-        """The installer of a version, and its files by name."""
-        folder = cls.made / version.number
-        product, binaries = folder / "product", folder / "binaries"
+    def __init__(self, folder, version, mark):
+        self.version, product, binaries = version.number, folder / "product", folder / "binaries"
         product.mkdir(parents=True)
         binaries.mkdir()
         for name in release_files.BINARIES:
             (binaries / name).write_bytes((BINARIES / name).read_bytes() + mark)
         release_files.stage_product(version, binaries, product)
-        setup = folder / f"Tessaly-{version.number}-setup.exe"
-        release_files.write_setup(version, product, setup)
-        return setup, {path.name: path.read_bytes() for path in product.iterdir()}
+        self.setup = folder / f"Tessaly-{version.number}-setup.exe"
+        release_files.write_setup(version, product, self.setup)
+        self.files = {path.name: path.read_bytes() for path in product.iterdir()}
+
+
+class Installed(unittest.TestCase):
+    """What the tests below share: a user, installers of two versions, and what is looked at."""
+
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
+        version = release_files.read_version()
+        cls.new = Made(folder / "new", version, b"")
+        cls.old = Made(folder / "old", dataclasses.replace(version, number=OLD_VERSION), OLD_MARK)
+        # What the first programs of a prefix leave behind.
+        first = User.first()
+        icon = first.profile / "Desktop" / "Note.txt"
+        icon.touch()
+        first.start_desktop()
+        first.read_registry("HKEY_CURRENT_USER")
+        first.clean_up()
+        icon.unlink()
+        cls.machine = User.first().read_registry("HKEY_LOCAL_MACHINE")
+
+    @classmethod
+    def tearDownClass(cls):
+        changed = users.changes(cls.machine, User.first().read_registry("HKEY_LOCAL_MACHINE"))
+        if changed:
+            raise AssertionError(f"a test changed the machine's registry: {changed}")
 
     def setUp(self):
-        self.local = home() / "AppData" / "Local"
-        self.menu = home() / "AppData" / "Roaming" / "Microsoft" / "Windows" / "Start Menu" / "Programs"
-        self.before = self.state()
-        self.desktop = None
-        self.addCleanup(self.clean_up)
+        self.user = User.first()
+        self.addCleanup(self.user.clean_up)
+        self.before = self.user.state()
 
-    def state(self):
-        """Registry and disk."""
-        return {
-            **read_registry("HKEY_CURRENT_USER", self.made),
-            **read_registry("HKEY_LOCAL_MACHINE", self.made),
-            **read_disk(),
-        }
+    def expect_as_before(self, kept=()):
+        """But for keys of the registry that the user kept, with their values."""
+        changed = users.changes(self.before, self.user.state())
+        keys = {name[0] if isinstance(name, tuple) else name for name in changed}
+        self.assertEqual(set(kept), keys, changed)
 
-    def clean_up(self):
-        """For the next test, however this one ended."""
-        run(BINARIES / "TSEXE64.exe", "/EXIT", "/QUIET")
-        self.end_desktop()
-        shutil.rmtree(self.folder, ignore_errors=True)
-        (self.menu / "Tessaly.lnk").unlink(missing_ok=True)
-        for key in UNINSTALL_KEY, MAKER_KEY:
-            reg("delete", key, "/f")
-        reg("delete", RUN_KEY, "/v", "Tessaly", "/f")
-
-    def expect_as_before(self, *kept):
-        """But for keys of the registry that the user kept."""
-        now = self.state()
-        changed = {
-            name: (self.before.get(name), now.get(name))
-            for name in self.before.keys() | now.keys()
-            if self.before.get(name) != now.get(name)
-        }
-        self.assertEqual(set(kept), set(changed), changed)
-
-    @property
-    def folder(self):
-        return self.local / "Programs" / "Tessaly"
-
-    def install(self, made, *switches):
-        return run(made[0], "/S", *switches)
-
-    def uninstall(self, *switches):
-        """By a copy of itself, which does the work and is waited for."""
-        self.assertEqual(0, run(self.folder / "Uninstall.exe", "/S", *switches))
-        self.assertTrue(wait_until(lambda: not (self.folder / "TSDLL64.dll").exists()))
-        self.end_desktop()
-        self.assertTrue(wait_until(lambda: run(PROBE, "setup") == 1))
-        self.assertFalse(self.folder.exists())
-        self.assertFalse(self.is_running())
-
-    def start(self):
-        """The product, on a desktop that it watches."""
-        self.desktop = wine(DESKTOP, "plain")
-        self.assertTrue(wait_until(lambda: self.has_window("Progman")))
-        started = wine(self.folder / "TSEXE64.exe", "/QUIET")
-        self.assertTrue(wait_until(self.is_running))
-        return started
-
-    def end_desktop(self):
-        """On this platform the product's library stays mapped there until then."""
-        if self.desktop:
-            self.desktop.kill()
-            self.desktop.wait()
-            self.desktop = None
-
-    def has_window(self, name):
-        return run(PROBE, "window", name) == 0
-
-    def is_running(self):
-        return self.has_window("TessalyWnd")
-
-    def expect_files(self, made):
-        found = {path.name: path.read_bytes() for path in self.folder.iterdir() if path.is_file()}
+    def expect_installed(self, made, user=None):
+        user = user or self.user
+        found = {path.name: path.read_bytes() for path in user.folder.iterdir() if path.is_file()}
         self.assertIn("Uninstall.exe", found)
         found.pop("Uninstall.exe")
-        self.assertEqual(made[1].keys(), found.keys())
+        self.assertEqual(made.files.keys(), found.keys())
         for name, data in found.items():
-            self.assertTrue(data == made[1][name], f"{name} is of another version")
-        self.assertFalse((self.folder / "new").exists())
+            self.assertTrue(data == made.files[name], f"{name} is of another version")
+        self.assertFalse((user.folder / "new").exists())
+        self.assertEqual(made.version, user.read_value(UNINSTALL_KEY, "DisplayVersion"))
 
-    @contextlib.contextmanager
-    def held(self, name):
-        """Another program has the file open, and shares it with readers only."""
-        holder = wine(PROBE, "hold", self.folder / name, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        with holder:
-            self.assertEqual(b"\n", holder.stdout.read(1))
-            yield
-            holder.stdin.close()
-            self.assertEqual(0, holder.wait(LIMIT))
+    def expect_auto_start(self, on, user=None):
+        value = (user or self.user).read_value(RUN_KEY, "Tessaly")
+        self.assertEqual(on, "TSDLL64.dll,StartMonitor" in value, value)
 
-    def plant_data(self):
-        self.assertTrue(reg("add", DATA_KEY, "/v", "1", "/t", "REG_BINARY", "/d", "00", "/f"))
-        self.assertTrue(reg("add", SETUP_KEY, "/v", "NextUpdate", "/t", "REG_DWORD", "/d", "0xffffffff", "/f"))
+    def install(self, made, *switches, user=None):
+        return (user or self.user).run(made.setup, "/S", *switches)
 
+    def uninstall(self, *switches, user=None):
+        """By a copy of the uninstaller, which does the work and is waited for."""
+        user = user or self.user
+        self.assertEqual(DONE, user.run(user.folder / "Uninstall.exe", "/S", *switches))
+        self.assertTrue(wait_until(lambda: not (user.folder / "TSDLL64.dll").exists()))
+        user.end_desktop()
+        self.expect_uninstalled(user)
+
+    def expect_uninstalled(self, user):
+        self.expect_uninstaller_gone(user)
+        self.assertFalse(user.folder.exists())
+        self.assertFalse(user.is_running())
+
+    def expect_uninstaller_gone(self, user):
+        """It has ended, and its copy has been deleted."""
+        self.assertEqual(0, user.run(PROBE, "until", "no-setup"))
+        self.assertTrue(wait_until(lambda: not list((user.profile / "Temp").iterdir())))
+
+    def uninstall_in_place(self, *switches):
+        """Without a copy: the exit code is that of the work."""
+        folder = self.user.ask("winepath", "-w", self.user.folder).strip()
+        return self.user.run(self.user.folder / "Uninstall.exe", "/S", *switches, f"_?={folder}")
+
+    def start(self, user=None):
+        """The product, on a desktop that it watches."""
+        user = user or self.user
+        self.assertTrue(user.start_desktop())
+        started = user.wine(user.folder / "TSEXE64.exe", "/QUIET")
+        self.assertTrue(user.will_run())
+        return started
+
+    def plant_data(self, user=None):
+        user = user or self.user
+        for key, name, kind, data in (
+            (DATA_KEY, "1", "REG_BINARY", "00"),
+            (DISPLAYS_KEY + r"\1", "x", "REG_BINARY", "00"),
+            (SETUP_KEY, "NextUpdate", "REG_DWORD", "0xffffffff"),
+        ):
+            self.assertTrue(user.reg("add", key, "/v", name, "/t", kind, "/d", data, "/f"))
+
+
+class Silent(Installed):
     def test_install_run_and_remove_with_the_snapshots(self):
-        self.assertEqual(0, self.install(self.new))
-        self.expect_files(self.new)
-        self.assertTrue((self.menu / "Tessaly.lnk").exists())
-        self.assertEqual("Tessaly", read_value(UNINSTALL_KEY, "DisplayName"))
-        self.assertEqual(release_files.read_version().number, read_value(UNINSTALL_KEY, "DisplayVersion"))
-        self.assertIn("TSDLL64.dll,StartMonitor", read_value(RUN_KEY, "Tessaly"))
-        self.assertFalse(self.is_running())
+        self.assertEqual(DONE, self.install(self.new))
+        self.expect_installed(self.new)
+        self.assertTrue((self.user.menu / "Tessaly.lnk").exists())
+        self.assertEqual("Tessaly", self.user.read_value(UNINSTALL_KEY, "DisplayName"))
+        self.expect_auto_start(True)
+        self.assertFalse(self.user.is_running())
         self.start()
         self.plant_data()
         self.uninstall("/DELETESNAPSHOTS")
         self.expect_as_before()
 
-    def test_snapshots_stay_if_nothing_is_said_of_them(self):
-        self.assertEqual(0, self.install(self.new))
+    def test_snapshots_and_layouts_stay_if_nothing_is_said_of_them(self):
+        self.assertEqual(DONE, self.install(self.new))
         self.plant_data()
         self.uninstall()
-        key = "[HKEY_CURRENT_USER\\Software\\Orvanta"
-        self.expect_as_before(
-            f"{key}]", f"{key}\\Tessaly]", f"{key}\\Tessaly\\Data]", (f"{key}\\Tessaly\\Data]", '"1"')
-        )
+        self.expect_as_before(kept=KEPT_KEYS | {KEPT + r"\Tessaly\Displays\1]"})
 
     def test_update_closes_replaces_and_starts_again(self):
-        self.assertEqual(0, self.install(self.old, "/AUTOSTART:OFF"))
-        self.expect_files(self.old)
+        self.assertEqual(DONE, self.install(self.old, "/AUTOSTART:OFF"))
+        self.expect_installed(self.old)
         started = self.start()
-        self.assertEqual(0, self.install(self.new))
+        self.assertEqual(DONE, self.install(self.new))
         self.assertEqual(0, started.wait(LIMIT))
-        self.assertTrue(wait_until(self.is_running))
-        self.expect_files(self.new)
-        self.assertEqual("", read_value(RUN_KEY, "Tessaly"))
-        self.assertEqual(release_files.read_version().number, read_value(UNINSTALL_KEY, "DisplayVersion"))
+        self.assertTrue(self.user.will_run())
+        self.expect_installed(self.new)
+        self.expect_auto_start(False)
         self.uninstall("/DELETESNAPSHOTS")
         self.expect_as_before()
 
     def test_locked_file_leaves_the_old_version_whole(self):
-        self.assertEqual(0, self.install(self.old))
+        self.assertEqual(DONE, self.install(self.old))
         self.start()
         for name in "TSDLL64.dll", "Readme.txt":
-            with self.subTest(name), self.held(name):
-                self.assertEqual(2, self.install(self.new))
-                self.expect_files(self.old)
-                self.assertEqual("1.0.0.1", read_value(UNINSTALL_KEY, "DisplayVersion"))
-                self.assertTrue(wait_until(self.is_running))
-        with self.held("Readme.txt"):
-            place = subprocess.run(["winepath", "-w", self.folder], capture_output=True, text=True).stdout.strip()
-            self.assertEqual(2, run(self.folder / "Uninstall.exe", "/S", f"_?={place}"))
-            self.expect_files(self.old)
-            self.assertTrue(wait_until(self.is_running))
-        self.assertEqual(0, self.install(self.new))
-        self.expect_files(self.new)
+            with self.subTest(name), self.user.probe("hold", self.user.folder / name):
+                self.assertEqual(NOTHING_CHANGED, self.install(self.new))
+                self.expect_installed(self.old)
+                self.assertTrue(self.user.will_run())
+        with self.user.probe("hold", self.user.folder / "Readme.txt"):
+            self.assertEqual(NOTHING_CHANGED, self.uninstall_in_place())
+            self.expect_installed(self.old)
+            self.assertTrue(self.user.will_run())
+        self.assertEqual(DONE, self.install(self.new))
+        self.expect_installed(self.new)
         self.uninstall("/DELETESNAPSHOTS")
         self.expect_as_before()
 
@@ -289,44 +199,210 @@ class Setup(unittest.TestCase):
         own = os.environ.get("DESKTOP_ENV_COMMON_MOUNTS")
         if not own or own == os.readlink("/proc/self/ns/mnt"):
             self.skipTest("this user may not mount a small disk")
-        self.folder.parent.mkdir(exist_ok=True)
-        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=1400k", "tessaly", self.folder.parent], check=True)
+        place = self.user.folder.parent
+        place.mkdir(exist_ok=True)
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=1400k", "tessaly", place], check=True)
         try:
-            self.assertEqual(0, self.install(self.old))
+            self.assertEqual(DONE, self.install(self.old))
             started = self.start()
-            self.assertEqual(2, self.install(self.new))
-            self.expect_files(self.old)
+            self.assertEqual(NOTHING_CHANGED, self.install(self.new))
+            self.expect_installed(self.old)
             self.assertIsNone(started.poll())  # it was not even closed
             self.uninstall("/DELETESNAPSHOTS")
         finally:
-            run(BINARIES / "TSEXE64.exe", "/EXIT", "/QUIET")
-            self.end_desktop()
-            subprocess.run(["umount", "-l", self.folder.parent], check=True)
-            self.folder.parent.rmdir()
+            self.user.clean_up()
+            subprocess.run(["umount", "-l", place], check=True)
+            place.rmdir()
+        self.expect_as_before()
+
+    def test_start_with_windows_that_cannot_be_set_is_told(self):
+        self.user.reg("delete", RUN_KEY, "/f")
+        with self.user.probe("block", RUN_KEY.partition("\\")[2]):
+            self.assertEqual(NO_AUTO_START, self.install(self.new))
+            self.expect_installed(self.new)
+        self.assertEqual(DONE, self.install(self.new, "/AUTOSTART:ON"))
+        self.expect_auto_start(True)
+        self.uninstall()
+        self.expect_as_before()
+
+    def test_damaged_copy_can_be_removed(self):
+        # Nothing asks anybody: the host's box would never be answered.
+        for name, damaged in itertools.product(release_files.BINARIES, (b"MZ", None)):
+            with self.subTest(name, damaged=damaged):
+                self.assertEqual(DONE, self.install(self.new))
+                self.expect_auto_start(True)
+                path = self.user.folder / name
+                if damaged:
+                    path.write_bytes(damaged)
+                else:
+                    path.unlink()
+                self.uninstall()
+                self.expect_auto_start(False)
+        self.expect_as_before()
+
+    def test_damaged_copy_stays_while_another_one_runs(self):
+        self.assertEqual(DONE, self.install(self.new))
+        self.user.reg("add", RUN_KEY, "/v", "Tessaly", "/d", r"RunDll32.exe C:\other\TSDLL64.dll,StartMonitor", "/f")
+        (self.user.folder / "TSDLL64.dll").write_bytes(b"MZ")
+        self.assertTrue(self.user.start_desktop())
+        other = self.user.wine(BINARIES / "TSEXE64.exe", "/QUIET")
+        self.assertTrue(self.user.will_run())
+        self.assertEqual(NOTHING_CHANGED, self.uninstall_in_place())
+        self.assertTrue((self.user.folder / "TSDLL64.dll").exists())
+        self.assertIsNone(other.poll())
+        self.assertEqual(0, self.user.run(BINARIES / "TSEXE64.exe", "/EXIT", "/QUIET"))
+        self.uninstall("/DELETESNAPSHOTS")
+        self.expect_auto_start(True)  # the other one's
+        self.user.reg("delete", RUN_KEY, "/v", "Tessaly", "/f")
         self.expect_as_before()
 
     def test_user_with_blanks_and_letters_of_other_scripts_in_the_name(self):
-        profile = prefix() / "drive_c" / "users" / "Jörg Müller 山"
-        self.local, self.menu = profile / "Local Data", profile / "Programs"
-        places = {"Local AppData": self.local, "Programs": self.menu}
-        keys = [rf"{EXPLORER_KEY}\{name}" for name in ("User Shell Folders", "Shell Folders")]
-        before = {(key, name): read_value(key, name) for key in keys for name in places}
+        profile = self.user.profile.with_name("Jörg Müller 山")
+        self.user.local, self.user.menu = profile / "Local Data", profile / "Programs"
+        places = {"Local AppData": self.user.local, "Programs": self.user.menu}
+        keys = [rf"{users.EXPLORER_KEY}\{name}" for name in ("User Shell Folders", "Shell Folders")]
+        before = {(key, name): self.user.read_value(key, name) for key in keys for name in places}
         try:
             for key, name in before:
                 places[name].mkdir(parents=True, exist_ok=True)
-                reg("add", key, "/v", name, "/d", f"C:\\users\\{profile.name}\\{places[name].name}", "/f")
-            self.before = self.state()
-            self.assertEqual(0, self.install(self.new))
-            self.expect_files(self.new)
-            self.assertTrue((self.menu / "Tessaly.lnk").exists())
+                place = f"C:\\users\\{profile.name}\\{places[name].name}"
+                self.user.reg("add", key, "/v", name, "/d", place, "/f")
+            self.before = self.user.state()
+            self.assertEqual(DONE, self.install(self.new))
+            self.expect_installed(self.new)
+            self.assertTrue((self.user.menu / "Tessaly.lnk").exists())
             self.start()
-            self.assertEqual(0, run(self.folder / "TSEXE64.exe", "/AUTOSTART", "/QUIET"))
+            self.assertEqual(0, self.user.run(self.user.folder / "TSEXE64.exe", "/AUTOSTART", "/QUIET"))
             self.uninstall("/DELETESNAPSHOTS")
             self.expect_as_before()
         finally:
             shutil.rmtree(profile)
             for (key, name), place in before.items():
-                reg(*(("add", key, "/v", name, "/d", place) if place else ("delete", key, "/v", name)), "/f")
+                put = "add", key, "/v", name, "/t", "REG_EXPAND_SZ" if "User" in key else "REG_SZ", "/d", place
+                self.user.reg(*(put if place else ("delete", key, "/v", name)), "/f")
+
+
+class TwoUsers(Installed):
+    """Of one machine, each in a session of their own."""
+
+    def setUp(self):
+        super().setUp()
+        self.other = self.user.make_second("Anna")
+        removal = contextlib.ExitStack()
+        self.addCleanup(removal.close)
+        removal.callback(self.other.remove_second)
+        self.remove_other = removal.close
+
+    def settle(self, user):
+        """Runs the product for the user until it has stored what is on the desktop."""
+        icon = user.profile / "Desktop" / "Note.txt"
+        icon.touch()
+        self.addCleanup(icon.unlink, missing_ok=True)
+        self.plant_data(user)
+        started = self.start(user)
+        self.assertTrue(wait_until(lambda: user.reg("query", DATA_KEY).count("REG_BINARY") > 1))
+        return started
+
+    @contextlib.contextmanager
+    def untouched(self, user, started):
+        before = user.own_state()
+        yield
+        self.assertEqual({}, users.changes(before, user.own_state()))
+        self.assertIsNone(started.poll())
+        self.assertTrue(user.is_running())
+
+    def test_neither_touches_what_the_other_one_has(self):
+        self.assertEqual(DONE, self.install(self.old))
+        with self.untouched(self.user, self.settle(self.user)):
+            self.assertEqual(DONE, self.install(self.old, "/AUTOSTART:OFF", user=self.other))
+            self.settle(self.other)
+            self.assertEqual(DONE, self.install(self.new, user=self.other))
+            self.expect_installed(self.new, user=self.other)
+            self.expect_auto_start(False, user=self.other)
+            self.uninstall("/DELETESNAPSHOTS", user=self.other)
+            self.assertEqual("", self.other.reg("query", users.MAKER_KEY))
+            self.assertEqual(DONE, self.install(self.new, user=self.other))
+        with self.untouched(self.other, self.settle(self.other)):
+            self.uninstall("/DELETESNAPSHOTS")
+        self.uninstall("/DELETESNAPSHOTS", user=self.other)
+        self.remove_other()
+        (self.user.profile / "Desktop" / "Note.txt").unlink()
+        self.expect_as_before()
+
+
+class Hands(Installed):
+    """Page by page, with the display's keyboard and mouse."""
+
+    SETUP, UNINSTALL = "Tessaly Setup ", "Tessaly Uninstall "  # the titles; the blanks are the maker's
+
+    def wait_for(self, title, text):
+        """Where the control is, once it can be clicked."""
+        place = self.user.ask(PROBE, "until", "place", title, text).split()
+        self.assertEqual(2, len(place), f"{title}has no {text}")
+        return place
+
+    def press(self, *keys):
+        for key in keys:
+            subprocess.run(["xdotool", "key", key], check=True)
+
+    def click(self, title, text):
+        place = self.wait_for(title, text)
+        subprocess.run(["xdotool", "mousemove", *place, "click", "1"], check=True)
+
+    def open_uninstaller(self):
+        self.assertEqual(DONE, self.user.run(self.user.folder / "Uninstall.exe"))
+
+    def test_keyboard_alone(self):
+        self.assertTrue(self.user.start_desktop())
+        setup = self.user.wine(self.new.setup)
+        self.wait_for(self.SETUP, "Install")
+        self.press("Escape")
+        self.assertEqual(CANCELLED, setup.wait(LIMIT))
+        self.expect_as_before()
+
+        setup = self.user.wine(self.new.setup)
+        self.wait_for(self.SETUP, "Install")
+        self.press("Down", "space", "alt+i")
+        self.wait_for(self.SETUP, "Finish")
+        self.press("Return")
+        self.assertEqual(DONE, setup.wait(LIMIT))
+        self.expect_installed(self.new)
+        self.expect_auto_start(False)
+        self.assertTrue(self.user.will_run())  # as the last page says
+        self.plant_data()
+
+        self.open_uninstaller()
+        self.wait_for(self.UNINSTALL, "Uninstall")
+        self.press("Escape")
+        self.expect_uninstaller_gone(self.user)
+        self.expect_installed(self.new)
+        self.assertTrue(self.user.is_running())
+
+        self.open_uninstaller()
+        self.wait_for(self.UNINSTALL, "Uninstall")
+        self.press("Down", "space", "alt+u")
+        self.wait_for(self.UNINSTALL, "Close")
+        self.user.end_desktop()
+        self.press("Return")
+        self.expect_uninstaller_gone(self.user)
+        shutil.rmtree(self.user.folder, ignore_errors=True)  # what the desktop had mapped
+        self.expect_as_before()
+
+    def test_mouse_alone(self):
+        setup = self.user.wine(self.new.setup)
+        self.click(self.SETUP, "Install")
+        self.click(self.SETUP, "Start Tessaly now")
+        self.click(self.SETUP, "Finish")
+        self.assertEqual(DONE, setup.wait(LIMIT))
+        self.expect_installed(self.new)
+        self.expect_auto_start(True)
+        self.assertFalse(self.user.is_running())
+        self.plant_data()
+        self.open_uninstaller()
+        self.click(self.UNINSTALL, "Uninstall")
+        self.click(self.UNINSTALL, "Close")
+        self.expect_uninstalled(self.user)
+        self.expect_as_before(kept=KEPT_KEYS | {KEPT + r"\Tessaly\Displays\1]"})
 
 
 if __name__ == "__main__":
