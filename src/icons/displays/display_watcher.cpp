@@ -22,6 +22,13 @@ struct LastRound {
 };
 constinit LastRound lastRound;
 
+/// Whether the round's shell still stands. Its windows go before the round ends, and with them
+/// whatever was on the way to it.
+bool IsShellThere() {
+    const DesktopSharedData& shared = GetDesktopSharedData();
+    return ::IsWindow(shared.hwndListView) && ::IsWindow(shared.hwndView);
+}
+
 /// Whether the user or the shell has icons or a menu in hand.
 bool IsShellBusy() {
     GUITHREADINFO info{};
@@ -151,6 +158,10 @@ bool DisplayWatcher::OnTimer() {
     if (!timer.IsTicking()) return false;
     if (::GetTickCount() - dwTimerStart + kTimerSlackMs < nTimerPeriodMs) return false;
     timer.Stop();
+    if (!IsShellThere()) {
+        Enter(Phase::Settling, 0); // the next round begins with this
+        return false;
+    }
     if (IsShellBusy()) {
         OnChange();
         return false;
@@ -172,9 +183,6 @@ bool DisplayWatcher::OnTimer() {
 }
 
 void DisplayWatcher::OnSettled() {
-    HWND hwndView = GetDesktopSharedData().hwndView;
-    // The shell has gone: the round ends as soon as the next one is there, which begins with this.
-    if (!::IsWindow(hwndView)) return;
     DisplaySetup setup;
     setup.Read();
     present = setup.GetName();
@@ -183,7 +191,7 @@ void DisplayWatcher::OnSettled() {
     bool bKnown = ReadDisplayLayout(setup).IsReady();
     Enter(bKnown ? Phase::Comparing : Phase::Calm, 0);
     // Posted to the view, so that its answer is told from those to all others. The hook sees both.
-    if (bKnown && PostMyCompanyMsg(hwndView, kCodeCapture, 0)) ++nComparing;
+    if (bKnown && PostMyCompanyMsg(GetDesktopSharedData().hwndView, kCodeCapture, 0)) ++nComparing;
 }
 
 bool DisplayWatcher::TakeCapture(HWND hwndAsked, std::span<const IconRecord> records) {
@@ -246,6 +254,7 @@ bool DisplayWatcher::PutBack() {
     // Messages that come meanwhile may begin a new change, turn it off, or end the window.
     SendRestore(GetDesktopSharedData().hwndListView, {records.Get(), records.GetCount()});
     if (!bOn || phase != Phase::Differing || timer.IsTicking()) return false;
-    Enter(Phase::Calm, 0);
-    return true;
+    bool bThere = IsShellThere();
+    Enter(bThere ? Phase::Calm : Phase::Settling, 0);
+    return bThere;
 }

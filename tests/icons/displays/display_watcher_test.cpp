@@ -396,6 +396,7 @@ TEST_F(DisplayWatch, AsksNoThreadThatIsNotThere) {
     Change(false);
     Tick(2000);
     EXPECT_EQ(0u, dwAskedThread);
+    EXPECT_EQ(0, CompareRequests());
 }
 
 TEST_F(DisplayWatch, IgnoresATimerThatIsNotRunning) {
@@ -700,6 +701,7 @@ TEST_F(DisplayWatch, EndsWhenItIsTurnedOffWhileTheIconsAreMoved) {
 }
 
 TEST_F(DisplayWatch, GoesWithoutWhatThereIsNoMemoryFor) {
+    SetRuntimeLookup(nullptr); // would want memory as well; the displays' scale is the screen's
     StartKnown(kThree);
     for (int n = 1; n <= 5; ++n) {
         key.Plant(kOne, kThree);
@@ -778,6 +780,31 @@ TEST_F(DisplayWatch, SettlesNotInARoundAfterOneThatWasCalmOrOff) {
     key.TurnOn();
     StartRound();
     EXPECT_FALSE(IsTicking());
+}
+
+TEST_F(DisplayWatch, ShellThatHasGoneLeavesItToTheNextRound) {
+    StartKnown(kThree);
+    ChangeAndSettle();
+    AnswerView(kShuffled);
+    HWND hwndListView = std::exchange(GetDesktopSharedData().hwndListView, nullptr);
+    Tick(10);
+    EXPECT_FALSE(IsTicking());
+    EXPECT_TRUE(frontEnd.putBacks.empty());
+    GetDesktopSharedData().hwndListView = hwndListView;
+    EndRound();
+    StartRound();
+    ASSERT_TRUE(IsTicking());
+    Tick(2000);
+    AnswerView(kShuffled);
+    fnAtRestore = [&] { GetDesktopSharedData().hwndView = nullptr; }; // in the middle of it
+    Tick(10);
+    EXPECT_TRUE(Restored());
+    EXPECT_TRUE(frontEnd.putBacks.empty());
+    AnswerList(kShuffled);
+    ExpectKept(kOne, kThree);
+    EndRound();
+    StartRound();
+    EXPECT_TRUE(IsTicking());
 }
 
 TEST_F(DisplayWatch, WaitsForTheNextRoundWhereTheShellHasGone) {
