@@ -185,7 +185,7 @@ TEST_F(HostFolder, LibraryWithoutAVersionIsTold) {
 TEST_F(HostFolder, LibraryWithoutAFunctionIsTold) {
     for (std::string strName :
          {"DoMonitor", "_Z16PostMyCompanyMsg", "_Z3MsgP6HWND__", "_Z16GetMyProductInfov",
-          "_ZN16SingleInstanceXP15IsFirst", "_Z18GetSetAutoRunDll32"}) {
+          "_ZN16SingleInstanceXP15IsFirst", "_Z18GetSetAutoRunDll32", "_Z18SetRestoreOnChange"}) {
         Bytes bytes = RealLibrary();
         std::string strOther = strName;
         strOther.back() = '~';
@@ -459,10 +459,10 @@ TEST_F(AutoStartValue, RefusalIsTold) {
 
 // The displays
 
-void ExpectDisplays(const wchar_t* pszArguments, DWORD dwExitCode, const std::wstring& strBox) {
+void ExpectDisplays(const wchar_t* pszArguments, DWORD dwExitCode, const wchar_t* pszBox) {
     Ended ended = RunHost(BinFolder(), pszArguments);
     EXPECT_EQ(dwExitCode, ended.dwExitCode) << pszArguments;
-    EXPECT_EQ(strBox, ended.strBox);
+    EXPECT_EQ(pszBox, ended.strBox);
     EXPECT_EQ(nullptr, ::FindWindowW(kMonitorClass, nullptr)); // nothing else was started
 }
 const std::wstring kDisplaysKey = L"Software\\Orvanta\\Tessaly\\Displays";
