@@ -16,6 +16,11 @@ constexpr Switch kSwitches[] = {
     {L"AUTOSTART=ON", [](HostOptions& options) { options.autoStart = AutoStart::On; }},
     {L"AUTOSTART:OFF", [](HostOptions& options) { options.autoStart = AutoStart::Off; }},
     {L"AUTOSTART=OFF", [](HostOptions& options) { options.autoStart = AutoStart::Off; }},
+    {L"DISPLAYS", [](HostOptions& options) { options.displays = Displays::Tell; }},
+    {L"DISPLAYS:ON", [](HostOptions& options) { options.displays = Displays::On; }},
+    {L"DISPLAYS=ON", [](HostOptions& options) { options.displays = Displays::On; }},
+    {L"DISPLAYS:OFF", [](HostOptions& options) { options.displays = Displays::Off; }},
+    {L"DISPLAYS=OFF", [](HostOptions& options) { options.displays = Displays::Off; }},
     {L"CHECK4UPDATES", [](HostOptions& options) { options.updateCheck = UpdateCheck::Silent; }},
     {L"?", [](HostOptions& options) { options.bHelp = true; }},
 };

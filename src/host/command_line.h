@@ -1,4 +1,5 @@
 #pragma once
+#include "host/displays_switch.h"
 
 /// What to do about the start with Windows.
 enum class AutoStart { None, Tell, On, Off };
@@ -11,6 +12,7 @@ struct HostOptions {
     bool bQuiet = false;                   // start without the opening balloon
     bool bExit = false;                    // ask the running program to close, and start nothing
     AutoStart autoStart = AutoStart::None; // other than None: start nothing
+    Displays displays = Displays::None;    // other than None: start nothing
     UpdateCheck updateCheck = UpdateCheck::None; // other than None: start nothing
     bool bHelp = false;                          // tell what it knows, and do nothing
     const wchar_t* pszUnknown = nullptr;         // the first argument that means nothing; borrowed
@@ -18,6 +20,6 @@ struct HostOptions {
 
 /// Reads the arguments, of which the first is the program itself. Switches begin with "/" or "-"
 /// and are in any case of letters; data of theirs follow ":" or "=". Of several about the start
-/// with Windows the last one counts, and so of both checks for updates. That for a person is the
-/// only word without a sign; a sign makes it the silent one.
+/// with Windows the last one counts, and so of those about the displays, and of both checks for
+/// updates. That for a person is the only word without a sign; a sign makes it the silent one.
 HostOptions ParseHostOptions(int nArguments, const wchar_t* const* ppszArguments);

@@ -18,6 +18,8 @@ constexpr const char* kFunctions[] = {
     "_Z18GetSetAutoRunDll32iPiiiPKwS1_",
     "_Z16PostMyCompanyMsgP6HWND__yx",
     "_Z22DoCheckForUpdatesCmdlnPKwi",
+    "_Z18GetRestoreOnChangev",
+    "_Z18SetRestoreOnChangei",
     "_ZN16SingleInstanceXP15IsFirstInstanceEiPKw",
 };
 

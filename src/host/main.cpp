@@ -5,6 +5,7 @@
 #include "app/launch/auto_run.h"
 #include "app/update/update_check.h"
 #include "host/command_line.h"
+#include "host/displays_switch.h"
 #include "host/library.h"
 #include "host/running.h"
 #include "icons/agent/desktop_shared_data.h"
@@ -25,7 +26,8 @@ enum ExitCode {
     kExitBadSwitch = 2,
     kExitNoLibrary = 3,
     kExitNoAutoStart = 4, // asked whether it starts with Windows: it does not
-    kExitNotWritten = 5,  // the start with Windows could not be set
+    kExitNoDisplays = 4,  // asked whether it puts the icons back when the displays change: no
+    kExitNotWritten = 5,  // the start with Windows, or that, could not be set
     kExitMarkTaken = 6,   // something that is not this program has its mark
 };
 
@@ -34,13 +36,17 @@ constexpr DWORD kClosePollMs = 50;
 constexpr DWORD kMarkTimeoutMs = 1000;
 constexpr int kBoxTextSize = 1024;
 
-constexpr const wchar_t* kSwitchList = L"/QUIET\tstarts without the opening balloon\n"
-                                       L"/EXIT\tcloses the running program\n"
-                                       L"/AUTOSTART:ON\tstarts with Windows from now on\n"
-                                       L"/AUTOSTART:OFF\tno longer starts with Windows\n"
-                                       L"/AUTOSTART\ttells whether it starts with Windows\n"
-                                       L"check4updates\tasks for an update and tells the answer\n"
-                                       L"/CHECK4UPDATES\tthe same, telling only of an update";
+constexpr const wchar_t* kSwitchList =
+    L"/QUIET\tstarts without the opening balloon\n"
+    L"/EXIT\tcloses the running program\n"
+    L"/AUTOSTART:ON\tstarts with Windows from now on\n"
+    L"/AUTOSTART:OFF\tno longer starts with Windows\n"
+    L"/AUTOSTART\ttells whether it starts with Windows\n"
+    L"/DISPLAYS:ON\tputs the icons back when the displays change\n"
+    L"/DISPLAYS:OFF\tno longer does so\n"
+    L"/DISPLAYS\ttells whether it does\n"
+    L"check4updates\tasks for an update and tells the answer\n"
+    L"/CHECK4UPDATES\tthe same, telling only of an update";
 
 int TellBadSwitch(const wchar_t* pszUnknown) {
     wchar_t szText[kBoxTextSize];
@@ -157,6 +163,17 @@ int RunAutoStart(const HostOptions& options) {
     return SetAutoStart(options.autoStart == AutoStart::On, options.bQuiet);
 }
 
+// The displays
+
+int RunDisplaysSwitch(const HostOptions& options) {
+    switch (RunDisplays(options.displays, options.bQuiet)) {
+    case DisplaysAnswer::IsOff: return kExitNoDisplays;
+    case DisplaysAnswer::NotWritten: return kExitNotWritten;
+    case DisplaysAnswer::Done: break;
+    }
+    return kExitDone;
+}
+
 // Updates
 
 /// Beside a monitor that runs, which has this done by a process of its own so as not to wait for
@@ -213,12 +230,18 @@ int Run(const HostOptions& options) {
     if (options.pszUnknown) return TellBadSwitch(options.pszUnknown);
     if (options.bHelp) return TellSwitches();
     int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
+    bool bDisplays = options.displays != Displays::None;
+    if (bDisplays) {
+        int nDisplaysCode = RunDisplaysSwitch(options);
+        if (nDisplaysCode != kExitDone) nExitCode = nDisplaysCode;
+    }
     if (options.bExit) {
         int nCloseCode = CloseTheRunningOne(options.bQuiet);
         if (nCloseCode != kExitDone) nExitCode = nCloseCode;
     }
     if (options.updateCheck != UpdateCheck::None) CheckNow(options.updateCheck);
-    if (bAutoStart || options.bExit || options.updateCheck != UpdateCheck::None) return nExitCode;
+    bool bCheck = options.updateCheck != UpdateCheck::None;
+    if (bAutoStart || bDisplays || options.bExit || bCheck) return nExitCode;
     return RunMonitor(options.bQuiet);
 }
 } // namespace

@@ -48,6 +48,23 @@ TEST(ParseHostOptions, TakesDataOfTheStartWithWindows) {
         EXPECT_EQ(psz, Parse({psz}).pszUnknown) << psz;
 }
 
+TEST(ParseHostOptions, TakesDataOfTheDisplays) {
+    EXPECT_EQ(Displays::None, Parse({L"/quiet"}).displays);
+    for (const wchar_t* psz : {L"/DISPLAYS", L"-displays"})
+        EXPECT_EQ(Displays::Tell, Parse({psz}).displays) << psz;
+    for (const wchar_t* psz : {L"/DISPLAYS:ON", L"-displays:on", L"/Displays=On"})
+        EXPECT_EQ(Displays::On, Parse({psz}).displays) << psz;
+    for (const wchar_t* psz : {L"/DISPLAYS:OFF", L"-displays:off", L"/Displays=Off"})
+        EXPECT_EQ(Displays::Off, Parse({psz}).displays) << psz;
+    HostOptions options = Parse({L"/displays:on", L"/quiet", L"/displays"});
+    EXPECT_EQ(Displays::Tell, options.displays);
+    EXPECT_EQ(AutoStart::None, options.autoStart);
+    EXPECT_EQ(nullptr, options.pszUnknown);
+    for (const wchar_t* psz : {L"/displays:", L"/displays:o", L"/displays: on", L"/displays on",
+                               L"/display", L"displays:on", L"/displays:1"})
+        EXPECT_EQ(psz, Parse({psz}).pszUnknown) << psz;
+}
+
 TEST(ParseHostOptions, TellsTheSilentCheckForUpdatesFromAPersons) {
     EXPECT_EQ(UpdateCheck::None, Parse({L"/quiet"}).updateCheck);
     for (const wchar_t* psz : {L"/CHECK4UPDATES", L"-check4updates", L"/Check4Updates"})

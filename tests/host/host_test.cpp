@@ -191,7 +191,7 @@ TEST_F(HostFolder, LibraryWithoutAVersionIsTold) {
 TEST_F(HostFolder, LibraryWithoutAFunctionIsTold) {
     for (std::string strName :
          {"DoMonitor", "_Z16PostMyCompanyMsg", "_Z3MsgP6HWND__", "_Z16GetMyProductInfov",
-          "_ZN16SingleInstanceXP15IsFirst", "_Z18GetSetAutoRunDll32"}) {
+          "_ZN16SingleInstanceXP15IsFirst", "_Z18GetSetAutoRunDll32", "_Z18SetRestoreOnChange"}) {
         Bytes bytes = RealLibrary();
         std::string strOther = strName;
         strOther.back() = '~';
@@ -461,6 +461,42 @@ TEST_F(AutoStartValue, RefusalIsTold) {
     for (const wchar_t* psz : {L"/autostart:on /quiet", L"/quiet /autostart:off"})
         Expect(psz, 5, L"");
     Expect(L"/autostart", 4, L"Tessaly does not start with Windows.");
+}
+
+// The displays
+
+void ExpectDisplays(const wchar_t* pszArguments, DWORD dwExitCode, const wchar_t* pszBox) {
+    Ended ended = RunHost(BinFolder(), pszArguments);
+    EXPECT_EQ(dwExitCode, ended.dwExitCode) << pszArguments;
+    EXPECT_EQ(pszBox, ended.strBox);
+    EXPECT_EQ(nullptr, ::FindWindowW(kMonitorClass, nullptr)); // nothing else was started
+}
+const std::wstring kDisplaysKey = L"Software\\Orvanta\\Tessaly\\Displays";
+constexpr const wchar_t *kDisplaysOn = L"Tessaly puts the icons back when the displays change.",
+                        *kDisplaysOff =
+                            L"Tessaly does not put the icons back when the displays change.";
+
+TEST(HostDisplays, AreTurnedOnAndOffAndTold) {
+    RegTree key(HKEY_CURRENT_USER, kDisplaysKey);
+    ExpectDisplays(L"/DISPLAYS", 4, kDisplaysOff);
+    EXPECT_FALSE(key.Exists());
+    ExpectDisplays(L"/DISPLAYS:ON", 0, L"");
+    EXPECT_EQ((RegContent{REG_DWORD, {1, 0, 0, 0}}), key.Dump().values[L"RestoreOnChange"]);
+    ExpectDisplays(L"-displays", 0, kDisplaysOn);
+    ExpectDisplays(L"/displays /quiet", 0, L"");
+    key.Create(L"0123");
+    ExpectDisplays(L"/exit -Displays=Off", 0, L"");
+    EXPECT_EQ((RegContent{REG_DWORD, {0, 0, 0, 0}}), key.Dump().values[L"RestoreOnChange"]);
+    EXPECT_EQ(1u, key.Dump().subkeys.size()); // the layouts stay
+    ExpectDisplays(L"/quiet /displays", 4, L"");
+}
+
+TEST(HostDisplays, RefusalIsTold) {
+    RegTree key(HKEY_CURRENT_USER, kDisplaysKey);
+    ASSERT_TRUE(PlantDeadLink(HKEY_CURRENT_USER, kDisplaysKey));
+    ExpectDisplays(L"/displays:on", 5, ResStr(-IDS_REGISTRY_NOT_WRITTEN));
+    ExpectDisplays(L"/displays:off /quiet", 5, L"");
+    ExpectDisplays(L"/displays", 4, kDisplaysOff);
 }
 
 int nAsked = 0;

@@ -283,6 +283,11 @@ void FakeFrontEnd::OnRoundEnd() {
     if (fnRoundEnd) fnRoundEnd();
 }
 
+void FakeFrontEnd::OnIconsPutBack(const wchar_t* pszText) {
+    calls.push_back("put back");
+    putBacks.push_back(pszText);
+}
+
 // Timers of windows
 
 namespace {

@@ -178,9 +178,10 @@ class FakeFrontEnd : public MonitorFrontEnd {
     void OnCaptureOutcome(const wchar_t* pszText) override;
     void OnMonitorClose() override;
     void OnRoundEnd() override;
+    void OnIconsPutBack(const wchar_t* pszText) override;
 
     std::vector<std::string> calls;
-    std::vector<std::wstring> outcomes;
+    std::vector<std::wstring> outcomes, putBacks;
     std::function<void()> fnMonitorStart, fnOutcome, fnMonitorClose, fnRoundEnd;
     std::function<void(MyMonitor_Wnd&)> fnRoundStart, fnMenu;
 };

@@ -16,6 +16,7 @@ constexpr WPARAM kCodeCapture = 372;    // posted to the list view: capture now
 constexpr WPARAM kCodeAttach = 373;     // to list view and view; lParam 1: subclass, 0: undo it
 constexpr WPARAM kCodeIconsMoved = 374; // agent to monitor window: icons may have moved
 constexpr WPARAM kCodeTellFolderView = 375; // agent to its own list view: after a restore
+constexpr WPARAM kCodeDisplaysSwitch = 376; // to monitor window: read anew whether it is on
 
 /// The words of one session. They lie in a section of the library whose pages every process that
 /// maps the library shares, in every session: whoever can map it can write them, so that what they

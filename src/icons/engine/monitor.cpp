@@ -34,7 +34,7 @@ void Watch(MyMonitor_Wnd& monitor, MonitorFrontEnd& frontEnd, bool bAnnounce) {
     monitor.RegisterNotification();
     if (bAnnounce) monitor.SetSnapshotAnnounce(0);
     frontEnd.OnRoundStart(monitor, bAnnounce);
-    PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
+    monitor.RequestCapture();
     RunMessageLoop();
     monitor.EndNotification();
     frontEnd.OnRoundEnd();

@@ -19,6 +19,8 @@ class MonitorFrontEnd {
     virtual void OnMonitorClose() = 0;
     /// The round's message loop has ended: give up what belongs to the round.
     virtual void OnRoundEnd() = 0;
+    /// The icons were put back after the displays had changed; pszText says so.
+    virtual void OnIconsPutBack(const wchar_t* pszText) = 0;
 
   protected:
     ~MonitorFrontEnd() = default; // nobody owns one as such

@@ -28,8 +28,8 @@ constinit MyMonitor_Wnd* pCurrent = nullptr;
 constinit UINT uTaskbarCreated = 0;
 constinit bool RestartFlag = true; // the first round is one too
 
-/// Posted, because the hook sees only what passes through the queue of the list view's thread.
-void RequestCapture() { PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0); }
+constexpr const wchar_t* kPutBackText =
+    L"The displays have changed. The icons are back as they were with these displays.";
 } // namespace
 
 void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
@@ -37,7 +37,9 @@ void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
     bool bChanged = IsLayoutChanged(pRecords, nRecords);
     if (bChanged) StoreSnapshot(pRecords, nRecords);
     MyMonitor_Wnd* pMonitor = MyMonitor_Wnd::GetCurrent();
-    if (!pMonitor || !pMonitor->GetSnapshotAnnounce()) return;
+    if (!pMonitor) return;
+    pMonitor->NoteLayout(pRecords, nRecords);
+    if (!pMonitor->GetSnapshotAnnounce()) return;
     pMonitor->ReportCaptureOutcome(bChanged ? L"Icons stored"
                                             : L"No changes to the icons have been detected.");
 }
@@ -71,6 +73,7 @@ bool MyMonitor_Wnd::CreateHidden(HWND hwndParent) {
         return false;
     }
     LetShellMessagesIn(hWnd, uTaskbarCreated);
+    displays.Start(hWnd);
     return true;
 }
 
@@ -87,6 +90,16 @@ void MyMonitor_Wnd::EndNotification() { notify.End(); }
 void MyMonitor_Wnd::ScheduleCapture() {
     timerDebounce.Stop();
     if (!timerSuppress.IsTicking()) timerDebounce.Start(hWnd, kDebounceMs);
+}
+
+void MyMonitor_Wnd::RequestCapture() {
+    displays.OnCaptureAsked();
+    // Posted, because the hook sees only what passes through the queue of the list view's thread.
+    PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
+}
+
+void MyMonitor_Wnd::NoteLayout(const IconRecord* pRecords, unsigned nRecords) {
+    displays.OnCaptured({pRecords, nRecords});
 }
 
 void MyMonitor_Wnd::SuppressCaptures() {
@@ -124,6 +137,7 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
         break;
     case WM_DESTROY:
         if (WinXP()) WtsApi32::WTSUnRegisterSessionNotification(hWnd);
+        displays.End();
         break;
     case WM_CLOSE: OnClose(); break;
     case WM_QUERYENDSESSION:
@@ -136,7 +150,10 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
             SetHook(1); // the end was cancelled
         }
         break;
-    case WM_COPYDATA: OnCopyData(reinterpret_cast<const COPYDATASTRUCT*>(lParam)); break;
+    case WM_COPYDATA:
+        OnCopyData(reinterpret_cast<HWND>(wParam), reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+        break;
+    case WM_DISPLAYCHANGE: displays.OnChange(); break;
     case WM_TIMER: OnTimer(wParam); break;
     case WM_WTSSESSION_CHANGE: OnSessionChange(wParam); break;
     }
@@ -150,6 +167,9 @@ void MyMonitor_Wnd::OnCompanyMessage(WPARAM wCode, LPARAM lParam) {
         break;
     case kCodeOpenMenu: frontEnd.OnMenuRequest(*this); break;
     case kCodeIconsMoved: ScheduleCapture(); break;
+    case kCodeDisplaysSwitch:
+        if (displays.OnSwitch()) RequestCapture();
+        break;
     }
 }
 
@@ -162,7 +182,7 @@ void MyMonitor_Wnd::OnNotification(WPARAM wParam, LPARAM lParam) {
     if (pLock) ShellNotify::OnMsgEnd(pLock);
 }
 
-void MyMonitor_Wnd::OnCopyData(const COPYDATASTRUCT* pData) {
+void MyMonitor_Wnd::OnCopyData(HWND hwndAsked, const COPYDATASTRUCT* pData) {
     if (!pData) {
         OnIconsCaptured(nullptr, 0);
         return;
@@ -172,8 +192,10 @@ void MyMonitor_Wnd::OnCopyData(const COPYDATASTRUCT* pData) {
     if (pData->dwData > kMaxCapturedIcons) return;
     if (pData->dwData > pData->cbData / sizeof(IconRecord)) return;
     if (pData->dwData && !pData->lpData) return;
-    OnIconsCaptured(static_cast<const IconRecord*>(pData->lpData),
-                    static_cast<unsigned>(pData->dwData));
+    const auto* pRecords = static_cast<const IconRecord*>(pData->lpData);
+    auto nRecords = static_cast<unsigned>(pData->dwData);
+    if (displays.TakeCapture(hwndAsked, {pRecords, nRecords})) return;
+    OnIconsCaptured(pRecords, nRecords);
 }
 
 void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {
@@ -185,13 +207,22 @@ void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {
         RequestCapture();
         break;
     case kSuppressTimerId: timerSuppress.Stop(); break;
+    case DisplayWatcher::kTimerId: OnDisplaysTimer(); break;
     }
+}
+
+void MyMonitor_Wnd::OnDisplaysTimer() {
+    if (!displays.OnTimer()) return;
+    SuppressCaptures(); // before anything moves
+    if (displays.PutBack()) frontEnd.OnIconsPutBack(kPutBackText);
 }
 
 void MyMonitor_Wnd::OnSessionChange(WPARAM wEvent) {
     switch (wEvent) {
     case WTS_CONSOLE_CONNECT:
     case WTS_REMOTE_CONNECT:
+        displays.OnChange(); // it may have others than the one before
+        [[fallthrough]];
     case WTS_SESSION_LOCK:
     case WTS_SESSION_UNLOCK: RequestCapture(); break;
     }

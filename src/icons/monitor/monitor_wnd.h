@@ -1,5 +1,6 @@
 #pragma once
 #include "icons/agent/icon_record.h"
+#include "icons/displays/display_watcher.h"
 #include "runtime/threads/message_pump.h"
 #include "shell/namespace/shell_notify.h"
 #include "wnd/core/cswnd.h"
@@ -29,6 +30,8 @@ class MyMonitor_Wnd : public CSWnd {
     /// An event that may have moved icons: the capture comes 10 seconds after the last of them.
     /// During the second after a restore it only stops a capture that was pending.
     void ScheduleCapture();
+    /// Asks the agent for a capture, now.
+    void RequestCapture();
     /// Before a restore that the user chose: no capture is pending, and none gets scheduled for a
     /// second, so that the restore's own changes lead to none.
     void SuppressCaptures();
@@ -42,14 +45,18 @@ class MyMonitor_Wnd : public CSWnd {
     /// front end tell pszText.
     void ReportCaptureOutcome(const wchar_t* pszText);
 
+    /// A capture was stored, or found unchanged: it is the layout of the displays as they are.
+    void NoteLayout(const IconRecord* pRecords, unsigned nRecords);
+
     /// The monitor window of this process, null between rounds.
     static MyMonitor_Wnd* GetCurrent();
 
   private:
     void OnCompanyMessage(WPARAM wCode, LPARAM lParam);
     void OnNotification(WPARAM wParam, LPARAM lParam);
-    void OnCopyData(const COPYDATASTRUCT* pData);
+    void OnCopyData(HWND hwndAsked, const COPYDATASTRUCT* pData);
     void OnTimer(UINT_PTR uTimerId);
+    void OnDisplaysTimer();
     void OnSessionChange(WPARAM wEvent);
     void OnClose();
 
@@ -57,6 +64,7 @@ class MyMonitor_Wnd : public CSWnd {
     UINT uNotifyMsg = 0; // "WM_TESSALY_SHLN"; 0 before RegisterNotification
     CSTimer timerDebounce;
     CSTimer timerSuppress;
+    DisplayWatcher displays;
     int SnapshotAnnounce = 0;
     MonitorFrontEnd& frontEnd;
 };

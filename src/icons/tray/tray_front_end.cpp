@@ -87,3 +87,5 @@ void TrayFrontEnd::OnMonitorClose() {
 }
 
 void TrayFrontEnd::OnRoundEnd() { MyTBIcon::EndRound(); }
+
+void TrayFrontEnd::OnIconsPutBack(const wchar_t* pszText) { ShowBalloon(pszText); }

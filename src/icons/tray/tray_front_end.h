@@ -49,4 +49,6 @@ class TrayFrontEnd final : public MonitorFrontEnd {
     void OnCaptureOutcome(const wchar_t* pszText) override;
     void OnMonitorClose() override;
     void OnRoundEnd() override;
+    /// Silent without an icon, too.
+    void OnIconsPutBack(const wchar_t* pszText) override;
 };

@@ -1,14 +1,12 @@
 #include "icons/tray/tray_menu.h"
 #include "app/about/about.h"
 #include "app/launch/open_html.h"
-#include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "icons/tray/day_count.h"
 #include "icons/tray/recommendations.h"
 #include "icons/tray/restore_menu.h"
 #include "runtime/messages/msg.h"
-#include "wnd/core/company_msg.h"
 #include "wnd/menu/csmenu.h"
 
 namespace {
@@ -72,7 +70,7 @@ void RestoreChosen(MyMonitor_Wnd& monitor, const CSMenu& sub, unsigned nId) {
 
 void RememberNow(MyMonitor_Wnd& monitor) {
     monitor.SetSnapshotAnnounce(1);
-    PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
+    monitor.RequestCapture();
 }
 
 void DeleteAllAfterQuestion() {

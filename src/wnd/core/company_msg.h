@@ -4,7 +4,7 @@
 
 // The company message: one registered message by which the modules, windows and dialogs of all of
 // the maker's products talk to each other. wParam is one of these codes, lParam the value that the
-// code asks for. The monitor and its agent in the shell have codes of their own, 371 to 375.
+// code asks for. The monitor and its agent in the shell have codes of their own, 371 to 376.
 
 /// Close this product's modules; the value is the product id.
 constexpr WPARAM kCompanyCodeClose = 1;
