@@ -42,8 +42,12 @@ void ClearInFolderView(HWND hwndListView) {
 }
 } // namespace
 
+bool IsAutoArranged(HWND hwndListView) {
+    return IsArrangedByListView(hwndListView) || IsArrangedByFolderView(hwndListView);
+}
+
 bool ClearAutoArrange(HWND hwndListView) {
-    if (!IsArrangedByListView(hwndListView) && !IsArrangedByFolderView(hwndListView)) return true;
+    if (!IsAutoArranged(hwndListView)) return true;
     if (Msg(nullptr, MB_YESNO | MB_ICONEXCLAMATION, kAutoArrangeQuestion) != IDYES) return false;
     ClearInListView(hwndListView);
     ClearInFolderView(hwndListView);

@@ -2,7 +2,7 @@
 #include "app/identity/product_info.h"
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/snapshots/auto_arrange.h"
-#include "runtime/base/digest.h"
+#include "icons/snapshots/layout.h"
 #include "runtime/base/heap_array.h"
 #include "runtime/base/ownership.h"
 #include "runtime/text/encoding.h"
@@ -16,13 +16,6 @@
 namespace {
 constexpr int kNameSize = 256; // longer value names are none of a snapshot
 constexpr std::size_t kPathSize = 260;
-
-/// The size of the value of so many records; 0 if it is more than the registry can be told.
-unsigned GetValueSize(unsigned nRecords) {
-    unsigned long long cb =
-        kMd5Size + static_cast<unsigned long long>(nRecords) * sizeof(IconRecord);
-    return cb <= 0xFFFFFFFF ? static_cast<unsigned>(cb) : 0;
-}
 
 /// The records of a snapshot of so many, zeros if its digest fails: those are no layout and name no
 /// icon. Not ready when out of memory.
@@ -108,22 +101,9 @@ int ListSnapshots(RegKey& key, CSList& list) {
 unsigned ReadSnapshot(RegKey& key, unsigned __int64 qwTime, IconRecord* pRecords, unsigned nRoom) {
     wchar_t szName[kSnapshotNameLength + 1];
     FormatSnapshotName(szName, qwTime);
-    unsigned cbValue = key.GetBinSize(szName);
-    if (cbValue <= kMd5Size) return 0;
-    std::size_t cbRecords = cbValue - kMd5Size;
-    if (cbRecords % sizeof(IconRecord)) return 0;
-    auto nRecords = static_cast<unsigned>(cbRecords / sizeof(IconRecord));
-    if (!pRecords || (nRoom && nRecords > nRoom)) return nRecords;
-
-    HeapArray<unsigned char> value(cbValue);
-    if (!value.IsReady()) return nRecords;
-    // A value that grew meanwhile is not read, and the zeros of the block have another digest.
-    key.GetBin(szName, value.Get(), cbValue);
-    unsigned char digest[kMd5Size];
-    CalcMD5(digest, value.Get() + kMd5Size, cbRecords);
-    if (std::memcmp(digest, value.Get(), kMd5Size) == 0) {
-        std::memcpy(pRecords, value.Get() + kMd5Size, cbRecords);
-    }
+    unsigned nRecords = CountLayoutRecords(key, szName);
+    if (!nRecords || !pRecords || (nRoom && nRecords > nRoom)) return nRecords;
+    static_cast<void>(ReadLayoutRecords(key, szName, pRecords, nRecords));
     return nRecords;
 }
 
@@ -141,8 +121,8 @@ bool IsLayoutChanged(const IconRecord* pRecords, unsigned nRecords) {
 }
 
 void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords) {
-    unsigned cbValue = GetValueSize(nRecords);
-    if (!pRecords || !nRecords || !cbValue) return;
+    HeapArray<unsigned char> value = MakeLayoutValue(pRecords, nRecords);
+    if (!value.IsReady()) return;
     RegKey key;
     if (!OpenSnapshotKey(key, 1)) return;
     FILETIME ft{};
@@ -150,12 +130,7 @@ void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords) {
     wchar_t szName[kSnapshotNameLength + 1];
     FormatSnapshotName(szName,
                        static_cast<unsigned __int64>(ft.dwHighDateTime) << 32 | ft.dwLowDateTime);
-
-    HeapArray<unsigned char> value(cbValue);
-    if (!value.IsReady()) return;
-    CalcMD5(value.Get(), pRecords, cbValue - kMd5Size);
-    std::memcpy(value.Get() + kMd5Size, pRecords, cbValue - kMd5Size);
-    key.PutBin(szName, value.Get(), cbValue, REG_BINARY);
+    key.PutBin(szName, value.Get(), static_cast<unsigned>(value.GetByteCount()), REG_BINARY);
     TrimSnapshots(key); // the new one counts
 }
 
@@ -176,10 +151,7 @@ void RestoreSnapshot(unsigned __int64 qwTime) {
     HeapArray<IconRecord> records = ReadRecords(key, qwTime, nRecords);
     if (!records.IsReady()) return;
 
-    auto cbRecords = static_cast<DWORD>(records.GetByteCount()); // less than the value's size
-    COPYDATASTRUCT data{nRecords, cbRecords, records.Get()};
-    ::SendMessageW(hwndListView, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
-
+    SendRestore(hwndListView, {records.Get(), records.GetCount()});
     wchar_t szName[kSnapshotNameLength + 1];
     FormatSnapshotName(szName, qwTime);
     key.PutStr(nullptr, szName, 1);
