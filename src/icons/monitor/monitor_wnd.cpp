@@ -35,9 +35,13 @@ void RequestCapture() { PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kC
 void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
     if (!pRecords || !nRecords) return;
     bool bChanged = IsLayoutChanged(pRecords, nRecords);
-    if (bChanged) StoreSnapshot(pRecords, nRecords);
+    bool bStored = bChanged && StoreSnapshot(pRecords, nRecords);
     MyMonitor_Wnd* pMonitor = MyMonitor_Wnd::GetCurrent();
-    if (!pMonitor || !pMonitor->GetSnapshotAnnounce()) return;
+    if (!pMonitor) return;
+    pMonitor->GetCommandDesk().OnCaptured(!bChanged ? CommandResult::Unchanged
+                                          : bStored ? CommandResult::Done
+                                                    : CommandResult::NotWritten);
+    if (!pMonitor->GetSnapshotAnnounce()) return;
     pMonitor->ReportCaptureOutcome(bChanged ? L"Icons stored"
                                             : L"No changes to the icons have been detected.");
 }
@@ -136,7 +140,12 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
             SetHook(1); // the end was cancelled
         }
         break;
-    case WM_COPYDATA: OnCopyData(reinterpret_cast<const COPYDATASTRUCT*>(lParam)); break;
+    case WM_COPYDATA: {
+        const auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        if (IsCommandData(pData)) return OnCommand(*pData);
+        OnCopyData(pData);
+        break;
+    }
     case WM_TIMER: OnTimer(wParam); break;
     case WM_WTSSESSION_CHANGE: OnSessionChange(wParam); break;
     }
@@ -174,6 +183,11 @@ void MyMonitor_Wnd::OnCopyData(const COPYDATASTRUCT* pData) {
     if (pData->dwData && !pData->lpData) return;
     OnIconsCaptured(static_cast<const IconRecord*>(pData->lpData),
                     static_cast<unsigned>(pData->dwData));
+}
+
+LRESULT MyMonitor_Wnd::OnCommand(const COPYDATASTRUCT& data) {
+    if (CommandDesk::MovesIcons(data)) SuppressCaptures(); // before anything moves
+    return commandDesk.OnCommandData(data);
 }
 
 void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {

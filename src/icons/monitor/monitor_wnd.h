@@ -1,5 +1,6 @@
 #pragma once
 #include "icons/agent/icon_record.h"
+#include "icons/monitor/command_desk.h"
 #include "runtime/threads/message_pump.h"
 #include "shell/namespace/shell_notify.h"
 #include "wnd/core/cswnd.h"
@@ -42,6 +43,9 @@ class MyMonitor_Wnd : public CSWnd {
     /// front end tell pszText.
     void ReportCaptureOutcome(const wchar_t* pszText);
 
+    /// Where the commands of the command line are taken.
+    CommandDesk& GetCommandDesk() { return commandDesk; }
+
     /// The monitor window of this process, null between rounds.
     static MyMonitor_Wnd* GetCurrent();
 
@@ -49,6 +53,7 @@ class MyMonitor_Wnd : public CSWnd {
     void OnCompanyMessage(WPARAM wCode, LPARAM lParam);
     void OnNotification(WPARAM wParam, LPARAM lParam);
     void OnCopyData(const COPYDATASTRUCT* pData);
+    LRESULT OnCommand(const COPYDATASTRUCT& data);
     void OnTimer(UINT_PTR uTimerId);
     void OnSessionChange(WPARAM wEvent);
     void OnClose();
@@ -58,6 +63,7 @@ class MyMonitor_Wnd : public CSWnd {
     CSTimer timerDebounce;
     CSTimer timerSuppress;
     int SnapshotAnnounce = 0;
+    CommandDesk commandDesk;
     MonitorFrontEnd& frontEnd;
 };
 
