@@ -35,6 +35,7 @@
 #include "files/text/cs_file.h"
 #include "files/text/text_encoding.h"
 #include "icons/agent/icon_record.h"
+#include "icons/commands/snapshot_step.h"
 #include "icons/displays/restore_on_change.h"
 #include "icons/engine/monitor.h"
 #include "icons/monitor/desktop_discovery.h"

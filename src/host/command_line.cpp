@@ -28,8 +28,8 @@ constexpr Switch kWord = {L"check4updates",
                           [](HostOptions& options) { options.updateCheck = UpdateCheck::Person; }};
 
 /// Not by the user's language, in some of which "i" is no small "I".
-bool IsSameName(const wchar_t* pszText, const wchar_t* pszName) {
-    return ::CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, pszText, -1, pszName, -1) ==
+bool IsSameName(const wchar_t* pszText, const wchar_t* pszName, int cchText = -1) {
+    return ::CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, pszText, cchText, pszName, -1) ==
            CSTR_EQUAL;
 }
 
@@ -41,15 +41,129 @@ const Switch* FindSwitch(const wchar_t* pszArgument) {
     }
     return nullptr;
 }
+
+// Commands with the snapshots. Each reads its data, which are null without a dividing sign; false
+// if they are none of its.
+
+bool IsDigit(wchar_t ch) { return ch >= L'0' && ch <= L'9'; }
+
+/// Reads digits, at most so many, and moves on behind them. A number that is too large becomes the
+/// largest. False without a digit.
+bool ReadDigits(const wchar_t*& psz, int nMost, unsigned& nRead) {
+    constexpr unsigned kLargest = 0xFFFFFFFF;
+    unsigned long long n = 0;
+    const wchar_t* pStart = psz;
+    for (; IsDigit(*psz) && psz - pStart < nMost; ++psz) {
+        n = n * 10 + static_cast<unsigned>(*psz - L'0');
+        if (n > kLargest) n = kLargest;
+    }
+    nRead = static_cast<unsigned>(n);
+    return psz != pStart;
+}
+
+bool ReadNumber(const wchar_t* psz, SnapshotRequest& request) {
+    constexpr int kAnyLength = 0x7FFFFFFF;
+    if (!psz || !ReadDigits(psz, kAnyLength, request.nNumber) || *psz) return false;
+    request.choice = SnapshotChoice::ByNumber;
+    return true;
+}
+
+/// "2026-11-21T10:05:00", each part but the year of two digits.
+bool ReadTime(const wchar_t* psz, SnapshotRequest& request) {
+    SYSTEMTIME st{};
+    struct {
+        WORD& wPart;
+        wchar_t chBehind;
+    } const kParts[] = {{st.wYear, L'-'}, {st.wMonth, L'-'},  {st.wDay, L'T'},
+                        {st.wHour, L':'}, {st.wMinute, L':'}, {st.wSecond, 0}};
+    for (const auto& part : kParts) {
+        bool bYear = &part.wPart == &st.wYear;
+        const wchar_t* pStart = psz;
+        unsigned n = 0;
+        if (!ReadDigits(psz, bYear ? 5 : 2, n)) return false;
+        if (psz - pStart < (bYear ? 4 : 2) || n > 0xFFFF) return false;
+        part.wPart = static_cast<WORD>(n);
+        if (*psz != part.chBehind && (part.chBehind != L'T' || *psz != L't')) return false;
+        ++psz;
+    }
+    FILETIME ft;
+    if (!::SystemTimeToFileTime(&st, &ft)) return false;
+    request.choice = SnapshotChoice::ByTime;
+    request.stLocal = st;
+    return true;
+}
+
+bool ReadNothing(const wchar_t* psz, SnapshotRequest&) { return !psz; }
+bool ReadChoice(const wchar_t* psz, SnapshotRequest& request) {
+    return !psz || ReadNumber(psz, request) || ReadTime(psz, request);
+}
+bool ReadFileName(const wchar_t* psz, SnapshotRequest& request) {
+    request.pszFile = psz;
+    return psz && *psz;
+}
+
+struct Command {
+    const wchar_t* pszName;
+    SnapshotCommand command;
+    bool (*pfnRead)(const wchar_t* pszData, SnapshotRequest& request);
+};
+constexpr Command kCommands[] = {
+    {L"LIST", SnapshotCommand::List, &ReadNothing},
+    {L"REMEMBER", SnapshotCommand::Remember, &ReadNothing},
+    {L"RESTORE", SnapshotCommand::Restore, &ReadChoice},
+    {L"DELETE", SnapshotCommand::Delete, &ReadNumber},
+    {L"DELETEALL", SnapshotCommand::DeleteAll, &ReadNothing},
+    {L"EXPORT", SnapshotCommand::Export, &ReadFileName},
+    {L"IMPORT", SnapshotCommand::Import, &ReadFileName},
+};
+
+/// The command that the argument names, and its data. Null for none.
+const Command* FindCommand(const wchar_t* pszArgument, const wchar_t*& pszData) {
+    if (*pszArgument != L'/' && *pszArgument != L'-') return nullptr;
+    const wchar_t* pszName = pszArgument + 1;
+    const wchar_t* pszEnd = pszName;
+    while (*pszEnd && *pszEnd != L':' && *pszEnd != L'=') ++pszEnd;
+    pszData = *pszEnd ? pszEnd + 1 : nullptr;
+    for (const Command& known : kCommands) {
+        if (IsSameName(pszName, known.pszName, static_cast<int>(pszEnd - pszName))) return &known;
+    }
+    return nullptr;
+}
+
+/// False if the argument is a command that can't be taken.
+bool TakeCommand(const Command& known, const wchar_t* pszData, HostOptions& options) {
+    options.bCommandNamed = true;
+    if (options.request.command != SnapshotCommand::None) return false;
+    SnapshotRequest request{};
+    request.command = known.command;
+    if (!known.pfnRead(pszData, request)) return false;
+    options.request = request;
+    return true;
+}
+
+bool HasOtherWork(const HostOptions& options) {
+    return options.bExit || options.autoStart != AutoStart::None ||
+           options.displays != Displays::None || options.updateCheck != UpdateCheck::None;
+}
 } // namespace
 
 HostOptions ParseHostOptions(int nArguments, const wchar_t* const* ppszArguments) {
     HostOptions options;
+    const wchar_t* pszCommand = nullptr;
     for (int i = 1; i < nArguments; ++i) {
-        if (const Switch* pKnown = FindSwitch(ppszArguments[i]))
+        const wchar_t* pszArgument = ppszArguments[i];
+        const wchar_t* pszData = nullptr;
+        bool bTaken = false;
+        if (const Switch* pKnown = FindSwitch(pszArgument)) {
             pKnown->pfnApply(options);
-        else if (!options.pszUnknown)
-            options.pszUnknown = ppszArguments[i];
+            bTaken = true;
+        } else if (const Command* pCommand = FindCommand(pszArgument, pszData)) {
+            bTaken = TakeCommand(*pCommand, pszData, options);
+            if (bTaken) pszCommand = pszArgument;
+        }
+        if (!bTaken && !options.pszUnknown) options.pszUnknown = pszArgument;
     }
+    if (pszCommand && !options.pszUnknown && HasOtherWork(options)) options.pszUnknown = pszCommand;
+    options.request.bQuiet = options.bQuiet;
     return options;
 }

@@ -1,17 +1,15 @@
 #include "host/displays_switch.h"
+#include "host/commands/command_outcome.h"
+#include "host/commands/output.h"
 #include "icons/displays/restore_on_change.h"
-#include "resources/resource_ids.h"
-#include "runtime/messages/msg.h"
-
-#include <windows.h>
 
 namespace {
 DisplaysAnswer TellWhether(bool bQuiet) {
     bool bOn = GetRestoreOnChange() != 0;
     if (!bQuiet)
-        Msg(nullptr, MB_ICONINFORMATION,
-            bOn ? L"Tessaly puts the icons back when the displays change."
-                : L"Tessaly does not put the icons back when the displays change.");
+        TellUser(bOn ? L"Tessaly puts the icons back when the displays change."
+                     : L"Tessaly does not put the icons back when the displays change.",
+                 false, false);
     return bOn ? DisplaysAnswer::Done : DisplaysAnswer::IsOff;
 }
 } // namespace
@@ -19,6 +17,10 @@ DisplaysAnswer TellWhether(bool bQuiet) {
 DisplaysAnswer RunDisplays(Displays what, bool bQuiet) {
     if (what == Displays::Tell) return TellWhether(bQuiet);
     if (SetRestoreOnChange(what == Displays::On)) return DisplaysAnswer::Done;
-    if (!bQuiet) Msg(nullptr, MB_ICONWARNING, -IDS_REGISTRY_NOT_WRITTEN);
+    if (!bQuiet) {
+        CommandText told;
+        DescribeResult(CommandResult::NotWritten, told);
+        TellUser(told.Get(), true, true);
+    }
     return DisplaysAnswer::NotWritten;
 }

@@ -13,6 +13,10 @@ constexpr const wchar_t* kLibraryName = L"TSDLL64.dll";
 // program at its first call, without a word.
 constexpr const char* kFunctions[] = {
     "DoMonitor",
+    "DoSnapshotStep",
+    "CalcMD5",
+    "_Z10FreeDllBufPv",
+    "_ZN6CSFile8ReadTextEPKwPjP13CSFileTextFmtw",
     "_Z3MsgP6HWND__j7MsgText",
     "_Z16GetMyProductInfov",
     "_Z18GetSetAutoRunDll32iPiiiPKwS1_",

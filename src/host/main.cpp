@@ -5,6 +5,9 @@
 #include "app/launch/auto_run.h"
 #include "app/update/update_check.h"
 #include "host/command_line.h"
+#include "host/commands/exit_code.h"
+#include "host/commands/output.h"
+#include "host/commands/run_command.h"
 #include "host/displays_switch.h"
 #include "host/library.h"
 #include "host/running.h"
@@ -20,17 +23,6 @@
 #include <shellapi.h>
 
 namespace {
-enum ExitCode {
-    kExitDone = 0,         // also: another one runs already, or nothing to close
-    kExitStillRunning = 1, // the running one did not close in time
-    kExitBadSwitch = 2,
-    kExitNoLibrary = 3,
-    kExitNoAutoStart = 4, // asked whether it starts with Windows: it does not
-    kExitNoDisplays = 4,  // asked whether it puts the icons back when the displays change: no
-    kExitNotWritten = 5,  // the start with Windows, or that, could not be set
-    kExitMarkTaken = 6,   // something that is not this program has its mark
-};
-
 constexpr DWORD kCloseTimeoutMs = 15000;
 constexpr DWORD kClosePollMs = 50;
 constexpr DWORD kMarkTimeoutMs = 1000;
@@ -46,13 +38,23 @@ constexpr const wchar_t* kSwitchList =
     L"/DISPLAYS:OFF\tno longer does so\n"
     L"/DISPLAYS\ttells whether it does\n"
     L"check4updates\tasks for an update and tells the answer\n"
-    L"/CHECK4UPDATES\tthe same, telling only of an update";
+    L"/CHECK4UPDATES\tthe same, telling only of an update\n"
+    L"/LIST\tlists the snapshots\n"
+    L"/REMEMBER\tstores the icons as they lie\n"
+    L"/RESTORE\tputs the newest snapshot back\n"
+    L"/RESTORE:N\tthe same with number N, or a time\n"
+    L"/DELETE:N\tdeletes the snapshot of number N\n"
+    L"/DELETEALL\tdeletes all snapshots\n"
+    L"/EXPORT:FILE\twrites them to a text file\n"
+    L"/IMPORT:FILE\ttakes them in from such a file";
 
-int TellBadSwitch(const wchar_t* pszUnknown) {
+/// A mistake in a command's line is silent with "/QUIET" as all of the command is.
+int TellBadSwitch(const HostOptions& options) {
+    if (options.bQuiet && options.bCommandNamed) return kExitBadSwitch;
     wchar_t szText[kBoxTextSize];
-    FormatText(szText, L"\"%.200s\" is not a switch of this program.\n\nIt knows:\n%s", pszUnknown,
-               kSwitchList);
-    Msg(nullptr, MB_ICONWARNING, szText);
+    FormatText(szText, L"\"%.200s\" is not a switch of this program.\n\nIt knows:\n%s",
+               options.pszUnknown, kSwitchList);
+    TellUser(szText, true, true);
     return kExitBadSwitch;
 }
 
@@ -60,7 +62,7 @@ int TellSwitches() {
     wchar_t szText[kBoxTextSize];
     FormatText(szText, L"Without a switch the program watches the desktop. It knows:\n%s",
                kSwitchList);
-    Msg(nullptr, MB_ICONINFORMATION, szText);
+    TellUser(szText, false, false);
     return kExitDone;
 }
 
@@ -216,19 +218,26 @@ int RunMonitor(bool bQuiet) {
     return nExitCode;
 }
 
+/// Whether it is to do something and end.
+bool IsCommand(const HostOptions& options) {
+    return options.bExit || options.autoStart != AutoStart::None ||
+           options.displays != Displays::None || options.bCommandNamed;
+}
+
 int Run(const HostOptions& options) {
     wchar_t szPath[MAX_PATH] = L"";
     LibraryProblem problem = LibraryProblem::Missing;
     if (GetLibraryPath(szPath)) problem = MapLibrary(szPath);
-    bool bAutoStart = options.autoStart != AutoStart::None;
     if (problem != LibraryProblem::None) {
         // A quiet command tells by its exit code alone, of this, too: the uninstaller of a damaged
         // copy gives two of them.
-        if (options.bQuiet && (options.bExit || bAutoStart)) return kExitNoLibrary;
+        if (options.bQuiet && IsCommand(options)) return kExitNoLibrary;
         return TellNoLibrary(problem, szPath);
     }
-    if (options.pszUnknown) return TellBadSwitch(options.pszUnknown);
+    if (options.pszUnknown) return TellBadSwitch(options);
     if (options.bHelp) return TellSwitches();
+    if (options.request.command != SnapshotCommand::None) return RunCommand(options.request);
+    bool bAutoStart = options.autoStart != AutoStart::None;
     int nExitCode = bAutoStart ? RunAutoStart(options) : kExitDone;
     bool bDisplays = options.displays != Displays::None;
     if (bDisplays) {
@@ -241,7 +250,7 @@ int Run(const HostOptions& options) {
     }
     if (options.updateCheck != UpdateCheck::None) CheckNow(options.updateCheck);
     bool bCheck = options.updateCheck != UpdateCheck::None;
-    if (bAutoStart || bDisplays || options.bExit || bCheck) return nExitCode;
+    if (IsCommand(options) || bCheck) return nExitCode;
     return RunMonitor(options.bQuiet);
 }
 } // namespace

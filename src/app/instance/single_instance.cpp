@@ -173,11 +173,26 @@ void DoAttachThreadInputActivateWindow(HWND hwnd) {
 
 // The mark of the first instance
 
+namespace {
+/// The name of the mark's object.
+void FormatMark(wchar_t (&szMark)[kMaxObjectName], int bGlobal, const wchar_t* pszName) {
+    FormatText(szMark, L"%s\\Orvanta_App_%s", bGlobal ? L"Global" : L"Local",
+               pszName ? pszName : L"");
+}
+} // namespace
+
+bool HasInstanceMark(int bGlobal, const wchar_t* pszName) {
+    if (!Win2K()) return false;
+    wchar_t szMark[kMaxObjectName];
+    FormatMark(szMark, bGlobal, pszName);
+    OwnedHandle mark(::OpenEventW(SYNCHRONIZE, FALSE, szMark));
+    return mark || ::GetLastError() != ERROR_FILE_NOT_FOUND;
+}
+
 int SingleInstanceXP::IsFirstInstance(int bGlobal, const wchar_t* pszName) {
     if (!Win2K()) return 1; // its names have no name spaces
     wchar_t szMark[kMaxObjectName];
-    FormatText(szMark, L"%s\\Orvanta_App_%s", bGlobal ? L"Global" : L"Local",
-               pszName ? pszName : L"");
+    FormatMark(szMark, bGlobal, pszName);
     ::SetLastError(ERROR_SUCCESS);
     OwnedHandle created(::CreateEventW(nullptr, FALSE, FALSE, szMark));
     if (!created || ::GetLastError() == ERROR_ALREADY_EXISTS) return 0;

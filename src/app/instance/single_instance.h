@@ -60,3 +60,7 @@ class TESSALY_API SingleInstanceXP {
   private:
     OwnedHandle hMark; // empty unless this process is the first
 };
+
+/// Whether somebody has the mark that IsFirstInstance takes, or an object that is in its way. Takes
+/// nothing itself, so that a program that starts meanwhile still finds itself the first.
+[[nodiscard]] bool HasInstanceMark(int bGlobal, const wchar_t* pszName);

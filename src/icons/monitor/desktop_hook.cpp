@@ -15,12 +15,9 @@ void SendDetach(const DesktopSharedData& shared) {
     SendMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
     SendMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
 }
-} // namespace
 
-void InstallDesktopHook() {
-    if (!ClaimDesktopSharedData()) return; // no agent would know of this monitor
-    DesktopSharedData& shared = GetDesktopSharedData();
-    if (shared.hhook) return;
+/// With the words claimed, and no hook set.
+void SetHookAndPost(DesktopSharedData& shared) {
     DWORD dwThread = ::GetWindowThreadProcessId(shared.hwndListView, nullptr);
     // A hook that is refused is not reported: no capture comes then, and the monitor sits idle. The
     // same where the list view has gone: without a thread it would be a hook on all of them.
@@ -29,10 +26,25 @@ void InstallDesktopHook() {
             ::SetWindowsHookExW(WH_GETMESSAGE, &DesktopHookProc, GetLibraryInstance(), dwThread);
     }
     // Posted, because the hook sees only what passes through the thread's queue.
+    PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kAttach);
+}
+} // namespace
+
+void InstallDesktopHook() {
+    if (!ClaimDesktopSharedData()) return; // no agent would know of this monitor
+    DesktopSharedData& shared = GetDesktopSharedData();
+    if (shared.hhook) return;
+    SetHookAndPost(shared);
     // QUIRK: the view is sent the same, which has no effect: the hook attaches it too.
     // Test: AgentRoute.ASentAttachDoesNotAttach
-    PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kAttach);
     SendMyCompanyMsg(shared.hwndView, kCodeAttach, kAttach);
+}
+
+bool SetDesktopHook() {
+    if (!ClaimDesktopSharedData()) return false;
+    DesktopSharedData& shared = GetDesktopSharedData();
+    if (!shared.hhook) SetHookAndPost(shared);
+    return shared.hhook != nullptr;
 }
 
 void RemoveDesktopHook() {
@@ -52,4 +64,22 @@ void RemoveDesktopHook() {
 void ForgetStaleDesktopHook() {
     DesktopSharedData& shared = GetDesktopSharedData();
     if (!IsMonitorWindow(shared.hwndMonitor)) shared.hhook = nullptr;
+}
+
+bool IsDesktopAttached() { return IsMarked(GetDesktopSharedData().hwndListView); }
+
+void LetGoOfDesktop(DWORD nTimeoutMs) {
+    DesktopSharedData& shared = GetDesktopSharedData();
+    if (!shared.hhook) return;
+    // Posted: an attaching, and what a restore has still to tell the folder view, come before it.
+    // To both, as the agent on each does it itself once the hook has gone.
+    PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
+    PostMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
+    DWORD dwStart = ::GetTickCount();
+    while ((IsMarked(shared.hwndListView) || IsMarked(shared.hwndView)) &&
+           ::GetTickCount() - dwStart < nTimeoutMs) {
+        ::Sleep(1);
+    }
+    ::UnhookWindowsHookEx(shared.hhook);
+    shared.hhook = nullptr;
 }

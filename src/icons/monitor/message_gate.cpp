@@ -40,12 +40,17 @@ std::optional<DWORD> ReadLevel(HANDLE hProcess) {
     return pSid->SubAuthority[pSid->SubAuthorityCount - 1];
 }
 
+/// The process that has the window, to be asked; empty if there is none or it may not be.
+OwnedHandle OpenProcessOf(HWND hwnd) {
+    DWORD dwProcess = 0;
+    ::GetWindowThreadProcessId(hwnd, &dwProcess);
+    if (!dwProcess) return {};
+    return OwnedHandle(::OpenProcess(kProcessQueryLimitedInformation, FALSE, dwProcess));
+}
+
 /// The level of the desktop's process.
 DWORD ReadShellLevel() {
-    DWORD dwShell = 0;
-    ::GetWindowThreadProcessId(GetDesktopSharedData().hwndListView, &dwShell);
-    OwnedHandle shell(dwShell ? ::OpenProcess(kProcessQueryLimitedInformation, FALSE, dwShell)
-                              : nullptr);
+    OwnedHandle shell = OpenProcessOf(GetDesktopSharedData().hwndListView);
     // A monitor that runs as another user, an administrator, may not be let at the shell.
     return ReadLevel(shell.Get()).value_or(kSecurityMandatoryMediumRid);
 }
@@ -77,4 +82,12 @@ void LetShellMessagesIn(HWND hwnd, UINT uTaskbarCreatedMsg) {
     LetIn(hwnd, GetMyCompanyMsgId());
     LetIn(hwnd, WM_COPYDATA);
     LetIn(hwnd, uTaskbarCreatedMsg);
+}
+
+bool IsOfHigherLevel(HWND hwnd) {
+    std::optional<DWORD> dwOwn = ReadLevel(::GetCurrentProcess());
+    if (!dwOwn) return false; // before Vista there is no such thing
+    OwnedHandle process = OpenProcessOf(hwnd);
+    std::optional<DWORD> dwOther = ReadLevel(process.Get());
+    return dwOther && *dwOther > *dwOwn;
 }

@@ -11,3 +11,7 @@
 /// The platform knows no single senders: while the gate is open, every program of the shell's level
 /// and of those below it can send these to the window (on Vista to every window of the process).
 void LetShellMessagesIn(HWND hwnd, UINT uTaskbarCreatedMsg);
+
+/// Whether the window is one of a process that runs at a higher integrity level than this one,
+/// which lets no message of this one in but those of its gate. False where that can't be asked.
+[[nodiscard]] bool IsOfHigherLevel(HWND hwnd);

@@ -35,10 +35,13 @@ constexpr const wchar_t* kPutBackText =
 void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
     if (!pRecords || !nRecords) return;
     bool bChanged = IsLayoutChanged(pRecords, nRecords);
-    if (bChanged) StoreSnapshot(pRecords, nRecords);
+    bool bStored = bChanged && StoreSnapshot(pRecords, nRecords);
     MyMonitor_Wnd* pMonitor = MyMonitor_Wnd::GetCurrent();
     if (!pMonitor) return;
     pMonitor->NoteLayout(pRecords, nRecords);
+    pMonitor->GetCommandDesk().OnCaptured(!bChanged ? CommandResult::Unchanged
+                                          : bStored ? CommandResult::Done
+                                                    : CommandResult::NotWritten);
     if (!pMonitor->GetSnapshotAnnounce()) return;
     pMonitor->ReportCaptureOutcome(bChanged ? L"Icons stored"
                                             : L"No changes to the icons have been detected.");
@@ -150,9 +153,12 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
             SetHook(1); // the end was cancelled
         }
         break;
-    case WM_COPYDATA:
-        OnCopyData(reinterpret_cast<HWND>(wParam), reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+    case WM_COPYDATA: {
+        const auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        if (IsCommandData(pData)) return OnCommand(*pData);
+        OnCopyData(reinterpret_cast<HWND>(wParam), pData);
         break;
+    }
     case WM_DISPLAYCHANGE: displays.OnChange(); break;
     case WM_TIMER: OnTimer(wParam); break;
     case WM_WTSSESSION_CHANGE: OnSessionChange(wParam); break;
@@ -196,6 +202,12 @@ void MyMonitor_Wnd::OnCopyData(HWND hwndAsked, const COPYDATASTRUCT* pData) {
     auto nRecords = static_cast<unsigned>(pData->dwData);
     if (displays.TakeCapture(hwndAsked, {pRecords, nRecords})) return;
     OnIconsCaptured(pRecords, nRecords);
+}
+
+LRESULT MyMonitor_Wnd::OnCommand(const COPYDATASTRUCT& data) {
+    if (CommandDesk::MovesIcons(data)) SuppressCaptures(); // before anything moves
+    if (CommandDesk::AsksForCapture(data)) displays.OnCaptureAsked();
+    return commandDesk.OnCommandData(data);
 }
 
 void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {

@@ -1,6 +1,7 @@
 #pragma once
 #include "icons/agent/icon_record.h"
 #include "icons/displays/display_watcher.h"
+#include "icons/monitor/command_desk.h"
 #include "runtime/threads/message_pump.h"
 #include "shell/namespace/shell_notify.h"
 #include "wnd/core/cswnd.h"
@@ -47,6 +48,8 @@ class MyMonitor_Wnd : public CSWnd {
 
     /// A capture was stored, or found unchanged: it is the layout of the displays as they are.
     void NoteLayout(const IconRecord* pRecords, unsigned nRecords);
+    /// Where the commands of the command line are taken.
+    CommandDesk& GetCommandDesk() { return commandDesk; }
 
     /// The monitor window of this process, null between rounds.
     static MyMonitor_Wnd* GetCurrent();
@@ -55,6 +58,7 @@ class MyMonitor_Wnd : public CSWnd {
     void OnCompanyMessage(WPARAM wCode, LPARAM lParam);
     void OnNotification(WPARAM wParam, LPARAM lParam);
     void OnCopyData(HWND hwndAsked, const COPYDATASTRUCT* pData);
+    LRESULT OnCommand(const COPYDATASTRUCT& data);
     void OnTimer(UINT_PTR uTimerId);
     void OnDisplaysTimer();
     void OnSessionChange(WPARAM wEvent);
@@ -66,6 +70,7 @@ class MyMonitor_Wnd : public CSWnd {
     CSTimer timerSuppress;
     DisplayWatcher displays;
     int SnapshotAnnounce = 0;
+    CommandDesk commandDesk;
     MonitorFrontEnd& frontEnd;
 };
 

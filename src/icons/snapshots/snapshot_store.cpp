@@ -120,18 +120,20 @@ bool IsLayoutChanged(const IconRecord* pRecords, unsigned nRecords) {
     return std::memcmp(stored.Get(), pRecords, stored.GetByteCount()) != 0;
 }
 
-void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords) {
+bool StoreSnapshot(const IconRecord* pRecords, unsigned nRecords) {
     HeapArray<unsigned char> value = MakeLayoutValue(pRecords, nRecords);
-    if (!value.IsReady()) return;
+    if (!value.IsReady()) return false;
     RegKey key;
-    if (!OpenSnapshotKey(key, 1)) return;
+    if (!OpenSnapshotKey(key, 1)) return false;
     FILETIME ft{};
     ::GetSystemTimeAsFileTime(&ft);
     wchar_t szName[kSnapshotNameLength + 1];
     FormatSnapshotName(szName,
                        static_cast<unsigned __int64>(ft.dwHighDateTime) << 32 | ft.dwLowDateTime);
-    key.PutBin(szName, value.Get(), static_cast<unsigned>(value.GetByteCount()), REG_BINARY);
+    int bStored =
+        key.PutBin(szName, value.Get(), static_cast<unsigned>(value.GetByteCount()), REG_BINARY);
     TrimSnapshots(key); // the new one counts
+    return bStored != 0;
 }
 
 void DeleteAllSnapshots() {

@@ -71,9 +71,10 @@ TESSALY_API unsigned ReadSnapshot(RegKey& key, unsigned __int64 qwTime,
 
 /// Whether the capture is to be stored: it is not equal to the newest snapshot, byte for byte.
 [[nodiscard]] bool IsLayoutChanged(const IconRecord* pRecords, unsigned nRecords);
-/// Stores the records under the present time and deletes what is older than the newest 25. Nothing
-/// for no records, and for more than a value can hold.
-void StoreSnapshot(const IconRecord* pRecords, unsigned nRecords);
+/// Stores the records under the present time and deletes what is older than the newest 25. False if
+/// they are not stored: without memory or the registry's consent, for no records, and for more than
+/// a value can hold.
+bool StoreSnapshot(const IconRecord* pRecords, unsigned nRecords);
 /// Deletes every value of the key, the mark of the last restored snapshot too.
 TESSALY_API void DeleteAllSnapshots();
 

@@ -63,14 +63,6 @@ bool FormatLocalTime(const SYSTEMTIME& st, wchar_t* pszBuffer, int cchBuffer) {
     return EndText(cch, pszBuffer, cchBuffer);
 }
 
-bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st) {
-    // Windows converts no time of the upper half; elsewhere it becomes a date all the same.
-    if (qwTime >> 63) return false;
-    FILETIME ft{static_cast<DWORD>(qwTime), static_cast<DWORD>(qwTime >> 32)};
-    FILETIME ftLocal{};
-    return ::FileTimeToLocalFileTime(&ft, &ftLocal) && ::FileTimeToSystemTime(&ftLocal, &st);
-}
-
 DWORD UpdateDayCount() {
     RegKey key;
     if (OpenSetupKey(key, 1)) dwLastCount = CountToday(key);

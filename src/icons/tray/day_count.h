@@ -12,8 +12,6 @@ bool FormatToday(DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer);
 bool FormatLocalDate(const SYSTEMTIME& st, DWORD dwFlags, wchar_t* pszBuffer, int cchBuffer);
 /// The time of day in the user's locale, with the same buffer and result.
 bool FormatLocalTime(const SYSTEMTIME& st, wchar_t* pszBuffer, int cchBuffer);
-/// The local date and time of a snapshot's time stamp (UTC file time). False if it stands for none.
-[[nodiscard]] bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st);
 
 /// Counts the days on which the program is used, by changes of today's date as the user's locale
 /// writes it: the first day only remembers the date, and each later one adds 1, however many days

@@ -1,5 +1,7 @@
 #include "icons/tray/restore_menu.h"
+#include "icons/snapshots/snapshot_commands.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "icons/tray/day_count.h"
 #include "runtime/text/str_find.h"
 #include "wnd/menu/csmenu.h"
@@ -7,16 +9,6 @@
 namespace {
 constexpr int kTodaySize = 64;     // characters of today's date
 constexpr int kLabelPartSize = 32; // of a snapshot's date, and of its time
-constexpr unsigned kMaxMark = 40;  // bytes of the name of the snapshot restored last
-
-/// The time stamp of the snapshot that was restored last; 0 if there is none.
-unsigned __int64 ReadMark(const RegKey& key) {
-    unsigned cb = key.GetBinSize(nullptr);
-    if (!cb || cb > kMaxMark) return 0;
-    wchar_t szName[kMaxMark / sizeof(wchar_t) + 1]{}; // ends also if what is stored does not
-    if (!key.GetBin(nullptr, szName, kMaxMark)) return 0;
-    return ParseSnapshotName(szName);
-}
 
 /// False for a time stamp that is none of a date, and if the menu takes no item.
 bool AppendSnapshot(CSMenu& menu, unsigned nId, unsigned __int64 qwTime, const wchar_t* pszToday) {
@@ -37,7 +29,7 @@ int BuildRestoreMenu(CSMenu& menu, unsigned nFirstId) {
     if (!OpenSnapshotKey(key, 0)) return 0;
     SnapshotList list;
     if (!ListSnapshots(key, list)) return 0;
-    unsigned __int64 qwMarked = ReadMark(key);
+    unsigned __int64 qwMarked = ReadRestoreMark(key);
     wchar_t szToday[kTodaySize];
     FormatToday(DATE_LONGDATE, szToday, kTodaySize);
 

@@ -1,0 +1,96 @@
+#include "icons/commands/desktop_visit.h"
+#include "icons/agent/desktop_shared_data.h"
+#include "icons/monitor/desktop_discovery.h"
+#include "icons/monitor/desktop_hook.h"
+#include "icons/monitor/front_end.h"
+#include "icons/monitor/monitor_wnd.h"
+#include "runtime/base/ownership.h"
+#include "wnd/core/company_msg.h"
+
+namespace {
+constexpr DWORD kVisitPollMs = 5;
+
+/// A monitor window that is nobody's to look at.
+class NoFrontEnd final : public MonitorFrontEnd {
+  public:
+    void OnMonitorStart() override {}
+    void OnRoundStart(MyMonitor_Wnd&, bool) override {}
+    void OnMenuRequest(MyMonitor_Wnd&) override {}
+    void OnCaptureOutcome(const wchar_t*) override {}
+    void OnMonitorClose() override {}
+    void OnRoundEnd() override {}
+    void OnIconsPutBack(const wchar_t*) override {}
+};
+
+/// The agent in the shell, from Begin to the object's end.
+class DesktopVisit {
+  public:
+    DesktopVisit() = default;
+    DesktopVisit(const DesktopVisit&) = delete; // the hook is this object's
+    DesktopVisit& operator=(const DesktopVisit&) = delete;
+    ~DesktopVisit() {
+        if (bBegun) LetGoOfDesktop(kShellAnswerMs);
+    }
+
+    [[nodiscard]] bool Begin() {
+        if (!ClaimDesktopSharedData()) return false;
+        DesktopSharedData& shared = GetDesktopSharedData();
+        shared.nCompanyMsg = GetMyCompanyMsgId();
+        ForgetStaleDesktopHook();
+        if (!FindDesktopShellWnd(&shared.hwndView, &shared.hwndListView)) return false;
+        bBegun = SetDesktopHook();
+        return bBegun;
+    }
+
+  private:
+    bool bBegun = false;
+};
+
+/// Dispatches messages until fnDone says yes. False after the time, and if the loop is to end.
+template <class Fn>
+bool DispatchUntil(Fn fnDone, DWORD nTimeoutMs) {
+    DWORD dwStart = ::GetTickCount();
+    for (;;) {
+        MSG msg;
+        while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (msg.message == WM_QUIT) return false;
+            ::DispatchMessageW(&msg);
+        }
+        if (fnDone()) return true;
+        if (::GetTickCount() - dwStart >= nTimeoutMs) return false;
+        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kVisitPollMs, QS_ALLINPUT);
+    }
+}
+
+CommandResult CaptureInto(MyMonitor_Wnd& monitor) {
+    constexpr unsigned __int64 kOnlyCapture = 1;
+    CommandDesk& desk = monitor.GetCommandDesk();
+    if (desk.Remember(kOnlyCapture) != CommandResult::Pending) return CommandResult::NoDesktop;
+    bool bCame = DispatchUntil(
+        [&] { return desk.GetOutcome(kOnlyCapture) != CommandResult::Pending; }, kShellRestoreMs);
+    return bCame ? desk.GetOutcome(kOnlyCapture) : CommandResult::NoDesktop;
+}
+} // namespace
+
+CommandResult CaptureWithoutMonitor() {
+    DesktopVisit visit;
+    if (!visit.Begin()) return CommandResult::NoDesktop;
+    NoFrontEnd frontEnd;
+    MyMonitor_Wnd monitor(frontEnd); // the agent answers to no other window
+    if (!monitor.CreateHidden(nullptr)) return CommandResult::NoDesktop;
+    GetDesktopSharedData().hwndMonitor = monitor;
+    // The window goes before the agent: a shell that is sending to it must not wait for this one,
+    // which waits for the shell.
+    ScopeExit destroy([&] {
+        GetDesktopSharedData().hwndMonitor = nullptr;
+        monitor.Destroy();
+    });
+    return CaptureInto(monitor);
+}
+
+CommandResult RestoreWithoutMonitor(unsigned __int64 qwTime) {
+    DesktopVisit visit;
+    if (!visit.Begin()) return CommandResult::NoDesktop;
+    if (!DispatchUntil(&IsDesktopAttached, kShellAnswerMs)) return CommandResult::NoDesktop;
+    return RestoreForCommand(GetDesktopSharedData().hwndListView, qwTime);
+}
