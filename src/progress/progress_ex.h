@@ -52,10 +52,10 @@ class TESSALY_API ProgressEx {
     virtual void SetText(int nLine, const wchar_t* pszFormat, char* pArgs);
 
   public:
-    /// The bar moves by one unit, to a position, gets its range.
+    /// The bar moves by one unit.
     virtual void DoStepIt() = 0;
-    virtual void DoSetPos(int nBarPos) = 0;
-    virtual void DoSetRange(int nBarLow, int nBarHigh) = 0;
+    virtual void DoSetPos(int nBarPos) = 0;                 ///< The bar moves to a position.
+    virtual void DoSetRange(int nBarLow, int nBarHigh) = 0; ///< The bar gets its range.
     /// Dispatches the calling thread's waiting messages. 0 if WM_QUIT was among them.
     virtual int ProcessAllMessages() = 0;
 
@@ -71,7 +71,7 @@ class TESSALY_API ProgressEx {
     int StepIt() { return CountSubStep() ? StepBar() : 0; }
     /// Sets or clears the mark that the user wants to stop; the worker asks for it.
     void Cancel(int bCancel);
-    int IsCanceled() const;
+    int IsCanceled() const; ///< Whether Cancel set the mark.
     /// As ProgressTracker::Pause.
     void Pause(int bPause);
     /// 0 for an empty range.

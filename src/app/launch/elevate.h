@@ -6,6 +6,7 @@
 // cannot start one that is not; the shell, which is not elevated, does it in its place (the
 // hand-over). Texts may be null; phProcess and pdwError too, if they are not wanted. The process
 // handle is the caller's to close, and null when nothing was started. *pdwError is 0 after a 1.
+// Results are 1 if something was started, 0 if not.
 
 /// Through the shell, as this process is.
 TESSALY_API int MyShellExec(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
@@ -48,7 +49,7 @@ TESSALY_API int RunSatelliteFileElevated(HWND hwnd, const wchar_t* pszName,
                                          HANDLE* phProcess, DWORD* pdwError, int bForce);
 
 /// ChangeWindowMessageFilter, which lets a message of less privileged processes through to this one
-/// (MSGFLT_ADD) or no longer (MSGFLT_REMOVE); 0 where there is no such function.
+/// (MSGFLT_ADD) or no longer (MSGFLT_REMOVE). 1; 0 where there is no such function.
 TESSALY_API int MyChangeWindowMessageFilter(UINT uMsg, DWORD dwFlag);
 
 // The hand-over, for the sources of this folder.
@@ -60,21 +61,21 @@ TESSALY_API int MyChangeWindowMessageFilter(UINT uMsg, DWORD dwFlag);
 /// is served. It is wiped when it is taken up. Nor is the process handle taken from here: that
 /// comes as the message's answer, which the shell's thread alone gives. All zero between two calls.
 struct HandOverData {
-    HHOOK hhook; // the hook on the thread of the shell's window
-    UINT uMsg;   // id of the message "VistaElevatorMsg"; 0 once it was taken up
-    int nResult; // of MyShellExec
-    HWND hwndOwner;
-    int bWantHandle;
-    DWORD dwError;
-    wchar_t szVerb[MAX_PATH]; // empty for none
-    HANDLE hProcess;          // a handle of the shell's process
-    wchar_t szFile[MAX_PATH];
-    wchar_t szParameters[MAX_PATH];
-    wchar_t szDirectory[MAX_PATH];
+    HHOOK hhook;                    // the hook on the thread of the shell's window
+    UINT uMsg;                      // id of the message "VistaElevatorMsg"; 0 once it was taken up
+    int nResult;                    // of MyShellExec
+    HWND hwndOwner;                 // of what the shell asks
+    int bWantHandle;                // whether hProcess is to be filled
+    DWORD dwError;                  // why it failed; 0 after a 1
+    wchar_t szVerb[MAX_PATH];       // empty for none
+    HANDLE hProcess;                // a handle of the shell's process
+    wchar_t szFile[MAX_PATH];       // what to start
+    wchar_t szParameters[MAX_PATH]; // empty for none
+    wchar_t szDirectory[MAX_PATH];  // empty for none
 };
 static_assert(sizeof(HandOverData) == 2120, "the same for every process");
 
-extern HandOverData handOverData;
+extern HandOverData handOverData; ///< The one request of the machine.
 
 /// Has the shell's process start a program with that verb (null for none): MyShellExec over there.
 /// Returns after it has been done, which may be after the user was asked. Its arguments are those

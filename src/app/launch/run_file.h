@@ -14,9 +14,10 @@
 // The owner of what the shell shows is the last active pop-up of the thread's active window, or
 // none, where no window is given.
 
+/// Starts a program, or opens a document with its own.
 TESSALY_API int RunFile(const wchar_t* pszFile, const wchar_t* pszParameters,
                         const wchar_t* pszDirectory, const wchar_t* pszVerb);
-/// With SEE_MASK_... flags of its own and one of SW_...
+/// RunFile with SEE_MASK_... flags of its own, one of SW_... and a process handle.
 TESSALY_API int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters,
                           const wchar_t* pszDirectory, const wchar_t* pszVerb, ULONG nMask,
                           HANDLE* phProcess, int nShow);
@@ -67,15 +68,15 @@ constexpr const wchar_t* kRunDll32 = L"RunDll32.exe";
 
 /// What ShellExecuteExW is asked for. Texts may be null.
 struct ShellStart {
-    HWND hwnd = nullptr;
-    const wchar_t* pszVerb = nullptr;
-    const wchar_t* pszFile = nullptr;
-    const wchar_t* pszParameters = nullptr;
-    const wchar_t* pszDirectory = nullptr; // an empty one is none
-    const ITEMIDLIST* pidl = nullptr;
-    ULONG nMask = 0; // SEE_MASK_...; that for the process handle is added
-    int nShow = SW_SHOWNORMAL;
-    HANDLE* phProcess = nullptr; // null: not wanted
+    HWND hwnd = nullptr;                    // owns what the shell shows; null: nobody
+    const wchar_t* pszVerb = nullptr;       // null: the file's default one
+    const wchar_t* pszFile = nullptr;       // the program or document
+    const wchar_t* pszParameters = nullptr; // what a program is told
+    const wchar_t* pszDirectory = nullptr;  // an empty one is none
+    const ITEMIDLIST* pidl = nullptr;       // in the place of a file
+    ULONG nMask = 0;                        // SEE_MASK_...; that for the process handle is added
+    int nShow = SW_SHOWNORMAL;              // SW_...
+    HANDLE* phProcess = nullptr;            // null: not wanted
 };
 
 /// Whether the shell did it. *phProcess gets the new process, null if there is none; the caller

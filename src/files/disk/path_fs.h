@@ -10,12 +10,12 @@
 /// INVALID_FILE_ATTRIBUTES if there is none.
 TESSALY_API DWORD GetFileAttributes2(const wchar_t* pszPath);
 
-// There is a file, a folder, either of them; asked by GetFileAttributes2, so that a mask counts as
-// the first name that fits it.
+// 1 if there is a file, a folder, either of them; asked by GetFileAttributes2, so that a mask
+// counts as the first name that fits it.
 TESSALY_API int FileExists(const wchar_t* pszPath);
 TESSALY_API int FolderExists(const wchar_t* pszPath);
 TESSALY_API int FileOrFolderExists(const wchar_t* pszPath);
-// There is a file, a folder, either of them; asked by GetFileAttributesW alone, which knows no
+// 1 if there is a file, a folder, either of them; asked by GetFileAttributesW alone, which knows no
 // masks.
 TESSALY_API int IsFileExists(const wchar_t* pszPath);
 TESSALY_API int IsFolderExists(const wchar_t* pszPath);

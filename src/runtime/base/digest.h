@@ -3,7 +3,7 @@
 
 /// The sizes of the digests in bytes.
 constexpr unsigned kSha1Size = 20;
-constexpr unsigned kMd5Size = 16;
+constexpr unsigned kMd5Size = 16; ///< Bytes of an MD5 digest.
 
 /// SHA-1 (FIPS 180-1) over data that comes in pieces: SHA1_Init, SHA1_Update for each piece,
 /// SHA1_Final. A plain block of memory; a copy goes on by itself.

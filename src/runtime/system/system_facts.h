@@ -10,6 +10,7 @@
 TESSALY_API int WinNT();
 
 /// At least this version.
+///@{
 TESSALY_API int Win2K();
 TESSALY_API int WinXP();
 TESSALY_API int WinServer2003();
@@ -18,12 +19,15 @@ TESSALY_API int Win7();
 TESSALY_API int Win8();
 TESSALY_API int Win81();
 TESSALY_API int Win10();
+///@}
 
 /// Exactly this version.
+///@{
 TESSALY_API int Win2K_only();
 TESSALY_API int WinXP_only();
 TESSALY_API int WinVista_only();
 TESSALY_API int Win7_only();
+///@}
 
 /// A server or a domain controller.
 TESSALY_API int WinServer();

@@ -22,6 +22,6 @@ class TESSALY_API ShellMemory {
     void* Alloc(DWORD cb) const;
     /// A null block is allocated anew. Null when out of memory: the block then stays as it is.
     void* Realloc(void* pBlock, DWORD cb) const;
-    void Free(void* pBlock) const { ShellFree(pBlock); }
-    void HeapMinimize() const;
+    void Free(void* pBlock) const { ShellFree(pBlock); } ///< ShellFree.
+    void HeapMinimize() const; ///< Gives unused memory back to the system.
 };

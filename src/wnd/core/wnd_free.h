@@ -42,9 +42,9 @@ TESSALY_API int SimulateButton(HWND hwndDlg, unsigned short nId);
 /// WM_COMMAND as that control (null: none) would send it; SendCommand gives the window's answer.
 TESSALY_API int PostCommand(HWND hwnd, unsigned short nId, HWND hwndCtl, unsigned short nCode);
 TESSALY_API LRESULT SendCommand(HWND hwnd, unsigned short nId, HWND hwndCtl, unsigned short nCode);
-/// PostMessageW and SendMessageW.
+/// PostMessageW.
 TESSALY_API int PostMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
-TESSALY_API LRESULT SendMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+TESSALY_API LRESULT SendMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam); ///< SendMessageW.
 
 /// The size of one line of text in pixels, in the window's font (the system's if it has none). 0,
 /// and *psize as it was, for a null text or size and for what is no window.

@@ -12,17 +12,17 @@ struct ResourceRef;
 
 /// The flag word of a dialog.
 enum CSDlgFlag : unsigned long {
-    kDlgResizeWidth = 0x1,
-    kDlgResizeHeight = 0x2,
-    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight,
-    kDlgNoCorner = 0x4,              // no resizing corner is drawn
+    kDlgResizeWidth = 0x1,                               // the user can make it wider
+    kDlgResizeHeight = 0x2,                              // the user can make it higher
+    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight, // both
+    kDlgNoCorner = 0x4,                                  // no resizing corner is drawn
     kDlgShowsItself = 0x8,           // not hidden during initialisation and not shown afterwards
     kDlgFixedWidth = 0x10,           // not resizable: the width is held at the first one seen
     kDlgFixedHeight = 0x20,          // likewise the height
     kDlgResizeEdges = 0x100,         // the edges of the client area resize too, not just the corner
     kDlgTopmostAtStart = 0x400,      // until it has been active
     kDlgKeepBodyCursor = 0x40000000, // the dragger leaves the cursor over the body alone
-    kDlgStartHidden = 0x80000000,
+    kDlgStartHidden = 0x80000000,    // it comes up hidden
 };
 
 /// Where a dialog comes up, see CSDlg::alignMode.
@@ -43,7 +43,7 @@ enum CSDlgAlign { kDlgCentered = 1, kDlgCascaded = 2, kDlgAtMouse = 3 };
 /// is the platform's; an item that does not exist is nothing to do.
 class TESSALY_API CSDlg : public CSWnd {
   public:
-    explicit CSDlg(void* pUnused = nullptr);
+    explicit CSDlg(void* pUnused = nullptr); ///< The argument has no meaning.
     ~CSDlg() override;
 
     int IsKindOf(LPCWSTR pszClass) override;
@@ -61,23 +61,29 @@ class TESSALY_API CSDlg : public CSWnd {
     virtual int UpdateData();
     /// Size and place, then OnInitDone. The result is WM_INITDIALOG's.
     virtual __int64 OnInitDialog(unsigned __int64 wParam, __int64 lParam);
+    /// WM_SHOWWINDOW. The default calls UpdateControls the first time: derived dialogs call it.
     virtual void OnShowWindow(int bShow, unsigned long dwStatus);
     /// The control that the notification comes from is asked first, then a tooltip gets its text.
     virtual __int64 OnNotify(int nId, NMHDR* pHdr);
-    /// Every message of the dialog procedure: asks the dialog's hooks.
+    /// Every message of the dialog procedure: asks the dialog's hooks. Returns DoDlgMessage's
+    /// result.
     virtual __int64 OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam);
     /// The company message (wnd/core/company_msg.h); non-zero: it was handled here.
     virtual int OnMyCompanyMsg(unsigned __int64 qwCode, __int64 qwData, __int64* pqwResult);
     /// Shows the help page of this dialog, or that which a dialog above names. pInfo may be null.
     virtual void OnHelp(HELPINFO* pInfo);
+    /// UpdateData, unless it gave 1 before, then CloseDialog with IDOK. 1; 0 if the data do not do.
     virtual __int64 OnOK();
-    virtual __int64 OnCancel();
+    virtual __int64 OnCancel(); ///< CloseDialog with IDCANCEL. 1.
     /// WM_COMMAND: the control's object first. Code 0 is a click, of IDOK, IDCANCEL and IDHELP too.
     virtual __int64 OnCommand(unsigned short nId, unsigned short nCode, HWND hwndCtl);
     /// Non-zero swallows the system command; the low four bits of nCmd are 0.
     virtual int OnSysCommand(unsigned short nCmd, unsigned short x, unsigned short y);
+    /// A button that no control's object took. The default does nothing.
     virtual void OnButtonClicked(unsigned short nId);
+    /// Another choice in a combo box. The default does nothing.
     virtual void OnComboSelChanged(unsigned short nId);
+    /// WM_DELETEITEM of a list. The default does nothing.
     virtual void OnDeleteItem(unsigned int nId, void* pItem);
     /// WM_CTLCOLOR...: non-zero, and *phbr is the answer.
     virtual int OnCtlColor(unsigned int uMsg, HDC hdc, HWND hwndCtl, HBRUSH* phbr);
@@ -88,16 +94,20 @@ class TESSALY_API CSDlg : public CSWnd {
     virtual int GetTootTip(unsigned int nId, HINSTANCE& hinst, unsigned short& nStringId);
     /// The help page for a help id (0: of this dialog); null for none.
     virtual LPCWSTR GetHtmlPage(unsigned int nId);
+    /// The help page could not be shown. The default does nothing.
     virtual void OnHtmlHelpError(LPCWSTR pszPage);
     /// 0 keeps the dialog open.
     virtual int CanClose(int nResult);
+    /// The dialog is closing. The default marks it as closed: derived dialogs call it.
     virtual void DoClose(int nResult);
     /// The size has changed by so many pixels: derived dialogs move their controls.
     virtual void OnResize(int dw, int dh);
-    virtual void OnInitDone();
+    virtual void OnInitDone(); ///< The end of OnInitDialog: derived dialogs call it.
     /// May change the size that the template gave, which is the smallest one too.
     virtual void OnInitRect(RECT& rc);
+    /// WM_WINDOWPOSCHANGING: derived dialogs call it.
     virtual void OnWindowPosChanging(WINDOWPOS* pPos);
+    /// WM_WINDOWPOSCHANGED: derived dialogs call it.
     virtual void OnWindowPosChanged(WINDOWPOS* pPos);
     /// x is -1 when the mouse has left the dialog.
     virtual void OnMouseMove(unsigned __int64 qwFlags, int x, int y);
@@ -129,30 +139,33 @@ class TESSALY_API CSDlg : public CSWnd {
     int CloseDialog(int nResult, int nOkControls);
     /// The platform's.
     int EndDialog(int nResult);
-    int IsInitialized() const { return isInitialized; }
-    int IsClosed() const { return isClosed; }
-    int IsClosing() const { return isClosing; }
-    int WereControlsUpdated() const { return controlsUpdated; }
+    int IsInitialized() const { return isInitialized; }         ///< OnInitDialog is over.
+    int IsClosed() const { return isClosed; }                   ///< It was closed.
+    int IsClosing() const { return isClosing; }                 ///< It is about to be closed.
+    int WereControlsUpdated() const { return controlsUpdated; } ///< It was shown once.
     /// Initialised, shown once, not closed.
     int IsValid() const { return isInitialized && !isClosed && controlsUpdated; }
-    int IsSkinSet() const { return 0; }
+    int IsSkinSet() const { return 0; } ///< Always 0.
     /// Whether it is a page of another dialog.
     int IsChildDlg() const { return isChildDlg; }
-    void SetFlags(unsigned long dwMask, int bOn);
+    void SetFlags(unsigned long dwMask, int bOn); ///< Sets or clears bits of the flag word.
     /// Whether any of the bits is set.
     int IsFlag(unsigned long dwMask) const { return (flags & dwMask) != 0; }
 
     // The second chain of hooks, for the dialog procedure's messages; as that of CSWnd.
 
-    void AddDlgHook(WMHook* pHook);
-    void RemoveDlgHook(WMHook* pHook);
-    void RemoveAllDlgHooks();
+    void AddDlgHook(WMHook* pHook);    ///< The hook is asked first. It is not owned.
+    void RemoveDlgHook(WMHook* pHook); ///< Takes the hook off at once.
+    void RemoveAllDlgHooks();          ///< Takes all hooks off.
+    /// Runs the hooks; with pAfter those behind that one. The result of the one that handled it,
+    /// else 0.
     __int64 DoDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam,
                          WMHook* pAfter);
 
     // Items, by id or handle.
 
-    HWND GetDlgItem(int nId);
+    HWND GetDlgItem(int nId); ///< The item's window; null for none.
+    /// Sends the item a message. Its answer.
     LRESULT SendDlgItemMsg(int nId, UINT uMsg, WPARAM wParam, LPARAM lParam);
     /// The item's control object; null if it has none.
     CSCtrl* GetDlgCtrl(int nId);
@@ -161,29 +174,33 @@ class TESSALY_API CSDlg : public CSWnd {
     unsigned int GetDlgItemID(HWND hwndItem);
     /// Makes another button the default one. 1.
     int SetDlgDefaulButton(unsigned int nId);
-    int EnableDlgItem(int nId, int bOn);
-    int ShowDlgItem(int nId, int bOn);
-    int HideDlgItem(int nId);          ///< disables and hides
-    int TurnDlgItem(int nId, int bOn); ///< enables and shows, or HideDlgItem
-    void SetDlgItemFocus(unsigned int nId);
-    int SimulateButton(unsigned short nId); ///< posts a click
-    int IsDlgItemEnabled(int nId);
-    int IsDlgItemVisible(int nId); ///< of itself, whatever its parents are
-    unsigned int IsDlgButtonChecked(int nId);
-    int CheckDlgButton(int nId, unsigned int uCheck);
+    int EnableDlgItem(int nId, int bOn);    ///< Enables or disables. The platform's result.
+    int ShowDlgItem(int nId, int bOn);      ///< Shows or hides. The platform's result.
+    int HideDlgItem(int nId);               ///< Disables and hides.
+    int TurnDlgItem(int nId, int bOn);      ///< Enables and shows, or HideDlgItem.
+    void SetDlgItemFocus(unsigned int nId); ///< Moves the focus to the item.
+    int SimulateButton(unsigned short nId); ///< Posts a click.
+    int IsDlgItemEnabled(int nId);          ///< Whether it is enabled.
+    int IsDlgItemVisible(int nId); ///< Whether it is shown, of itself, whatever its parents are.
+    unsigned int IsDlgButtonChecked(int nId);         ///< A BST_ value.
+    int CheckDlgButton(int nId, unsigned int uCheck); ///< BST_ values; the platform's result.
+    /// Checks one of the ids and clears the others. The platform's result.
     int CheckRadioButton(int nFirst, int nLast, int nChecked);
-    unsigned int GetDlgButtonState(int nId);
-    void SetDlgButtonState(int nId, unsigned int uState);
+    unsigned int GetDlgButtonState(int nId); ///< BST_ bits: checked, pushed, with the focus.
+    void SetDlgButtonState(int nId, unsigned int uState); ///< Non-zero: the button looks pushed.
     /// The first checked id; 0 for none.
     int GetCheckedRadioButton(int nFirst, int nLast);
-    int GetDlgItemTextLength(int nId);
+    int GetDlgItemTextLength(int nId); ///< Characters without the terminator.
+    /// Cut to cch characters with the terminator. Returns the length.
     int GetDlgItemTextW(int nId, LPWSTR pszText, int cch);
+    /// Gives the item a text. The platform's result.
     int SetDlgItemTextW(int nId, LPCWSTR pszText);
     /// A string of up to 511 characters. A null module: the library for a negative id, otherwise
     /// the module that owns the dialog.
     int SetDlgItemTextW(int nId, int nStringId, HINSTANCE hinst);
-    /// pbOk may be null.
+    /// The number that the text is, 0 if it is none. pbOk may be null.
     unsigned int GetDlgItemInt(int nId, int* pbOk, int bSigned);
+    /// The number as text. The platform's result.
     int SetDlgItemInt(int nId, unsigned int uValue, int bSigned);
     /// The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
     int SetDlgItemTextFmt(int nId, LPCWSTR pszFormat, ...);
@@ -193,19 +210,24 @@ class TESSALY_API CSDlg : public CSWnd {
     int SetDlgItemTextFmtCtrl(int nId, ...);
     /// In the dialog's client pixels.
     int GetDlgItemRect(unsigned int nId, RECT* prc);
-    HWND GetNextDlgTabItem(HWND hwndCtl);
-    HWND GetPrevDlgTabItem(HWND hwndCtl);
-    void NextDlgCtrl(); ///< moves the focus
-    void PrevDlgCtrl();
+    HWND GetNextDlgTabItem(HWND hwndCtl); ///< The next item that Tab goes to; null for none.
+    HWND GetPrevDlgTabItem(HWND hwndCtl); ///< The previous item that Tab goes to; null for none.
+    void NextDlgCtrl();                   ///< Moves the focus on.
+    void PrevDlgCtrl();                   ///< Moves the focus back.
+    /// The range of an up-down control.
     void SetSpinRange(unsigned int nId, unsigned int uLow, unsigned int uHigh);
     /// 0xFFFFFFFF (CLR_INVALID) is no colour; without a background the controls are asked.
     void SetDlgColors(unsigned long crBkg, unsigned long crText, unsigned long crThird);
+    /// The background; CLR_INVALID for none.
     unsigned long GetDlgBkgColor() const { return bkgColor; }
+    /// The text's colour; CLR_INVALID for none.
     unsigned long GetDlgTextColor() const { return textColor; }
+    /// The third one; nothing is drawn with it.
     unsigned long GetDlgThirdColor() const { return thirdColor; }
     /// Redraws what of the dialog lies under the control.
     void EraseCtrlBkg(HDC hdcUnused, unsigned int nId);
     void EraseCtrlBkg(HDC hdcUnused, HWND hwndCtl);
+    /// Takes the item's place out of what is to be painted.
     void ValidateDlgItem(unsigned int nId);
     /// From item to item in the order of siblings. EnableDlgItems takes the first child for 0.
     void EnableDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
@@ -221,33 +243,36 @@ class TESSALY_API CSDlg : public CSWnd {
     /// Before the dialog runs. The record is the caller's and lives longer than the run; null: the
     /// place is not kept.
     void EnableResizing(unsigned long dwFlags, MyWindowPlacement* pPlacement);
-    void DisableResizing();
-    void StoreResizingInfo();
+    void DisableResizing();   ///< No resizing any more; the place is not kept.
+    void StoreResizingInfo(); ///< Puts the present place into the record.
     /// OnResize by what the size differs from the previous one.
     void Resize();
     /// By how much the dialog is larger than its smallest size.
     SIZE GetResizeData();
     /// x and y in client pixels; the corner is a triangle.
     int IsPtInResizingCorner(int x, int y, RECT& rcClient);
-    void DrawResizingCorner(HDC hdc);
-    void DrawResizingItem(HDC hdc, int x, int y); ///< one dot of it
-    void SetResizingCursor();
-    /// Whether the dialog can be dragged by its body, as it can be by default.
+    void DrawResizingCorner(HDC hdc);             ///< Draws the grip.
+    void DrawResizingItem(HDC hdc, int x, int y); ///< Draws one dot of it.
+    void SetResizingCursor();                     ///< The cursor of a resizable corner.
+    /// Whether the dialog can be dragged by its body from now on, as it can be by default.
     void EnableFullDrag(int bOn);
-    int IsFullDrag() const { return dragger != nullptr; }
+    int IsFullDrag() const { return dragger != nullptr; } ///< Whether it can.
     /// Places the dialog by alignMode.
     void AlignDlg();
+    /// Into the middle of the other window; null: of the monitor.
     int CenterWindow(HWND hwndOther);
-    int CascadeWindow(HWND hwndOther); ///< null: the desktop
+    int CascadeWindow(HWND hwndOther); ///< Below the other window's corner; null: the desktop's.
     // Controls, by the functions of wnd/layout/ctrl_place.h.
-    void CenterCtrl(unsigned int nId, int bHorizontal, unsigned int nRefId); ///< 0: in the dialog
-    void MoveCtrl(unsigned int nId, int dx, int dy, int bRedraw);
+    /// Into the middle of the other control; 0: of the dialog.
+    void CenterCtrl(unsigned int nId, int bHorizontal, unsigned int nRefId);
+    void MoveCtrl(unsigned int nId, int dx, int dy, int bRedraw); ///< Moves it by so many pixels.
+    /// Makes it larger by so many pixels.
     void ResizeCtrl(unsigned int nId, int dw, int dh, int bRedraw);
-    void MoveResizeCtrl(unsigned int nId, int dx, int dy, int dw, int dh, int bRedraw);
+    void MoveResizeCtrl(unsigned int nId, int dx, int dy, int dw, int dh, int bRedraw); ///< Both.
     /// To the place of another control, mostly a hidden one.
     void MoveCtrlToSlot(unsigned int nId, unsigned int nSlotId);
     void MoveButtonToSlot(unsigned int nId, unsigned int nSlotId);
-    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId); ///< and to its size
+    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId); ///< And to its size.
     /// Gives the control the other one's right or left edge; the opposite edge stays.
     void MoveCtrlEdge(unsigned int nId, unsigned int nRefId, int bRightEdge);
     /// Into the middle of nFrom and nTo (client pixels; both -1: the client area). In the vertical

@@ -31,9 +31,9 @@ class TESSALY_API CSImageList {
     /// Whether the object has a handle.
     int IsReady() const { return hList != nullptr; }
 
-    // Adding and replacing give the image's index, -1 on failure.
-    int AddIcon(HICON hicon);
-    int AddIcon(int iconId, HINSTANCE hinst);
+    // The results of adding and replacing are the image's index, -1 on failure.
+    int AddIcon(HICON hicon);                 ///< Adds an icon's image.
+    int AddIcon(int iconId, HINSTANCE hinst); ///< Loads an icon and adds it.
     /// Pixels of the mask's colour are transparent. The bitmap is copied; its width is a multiple
     /// of the images'.
     int AddMasked(HBITMAP hbm, unsigned long maskColor);

@@ -24,6 +24,7 @@ TESSALY_API void FitRectToNearestMonitor(RECT* prc);
 // The window's place in the registry, below the product's root key, as "posLeft" and "posTop"
 // behind the prefix. Nothing happens if the key can't be opened.
 
+/// Stores the window's top left corner.
 TESSALY_API void WndStorePosition(HWND hwnd, LPCWSTR pszPrefix);
 /// Half of the window may lie beyond the primary screen's left, right and bottom, none of it beyond
 /// the top.
