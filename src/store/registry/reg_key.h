@@ -103,8 +103,8 @@ class TESSALY_API RegKey {
     /// Empties the key of subkeys and values; the key itself stays. Always 1.
     int DelAll();
 
-    /// 1 if the key has no subkey and no value but the default one, which does not count. The index
-    /// of the enumerations goes to 0. A key that is not open is not empty.
+    /// 1 if the key has no subkey and no value but the default one, which does not count. Sets
+    /// the index of the enumerations to 0. A key that is not open is not empty.
     int IsKeyEmpty();
     /// Deletes the subkey if it is empty by IsKeyEmpty; 0 if it is not, or could not be deleted. 1
     /// if there is none, and 1 for one that cannot be opened for writing.
