@@ -36,7 +36,7 @@ NOUN = either("The", "A(?! null)", "An", "That", "Those", "Their", "Its", "One",
 FIRST = re.compile(either(VALUE, rf"{NOUN}\b"))
 LATER = re.compile(VALUE)
 TOLD = re.compile(either(  # anywhere in a sentence
-    r"\b[Rr]eturns?\b(?! when| at once| after)", r"\bGives the\b",
+    r"\b[Rr]eturns?\b(?! when| at once| after)",
     r"\bresults? (?:is|are|tells)\b", r"\bis the result\b", r"\bas (?:the|its|a) result\b",
     r"\bwith (?:its|their|the platform's) results?\b",
     r"\b(?:gives?|gets?) (?:-?[01]|null|none)\b",

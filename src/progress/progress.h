@@ -45,7 +45,7 @@ class TESSALY_API Progress {
     void SetText(int nLine, const wchar_t* pszNew);
     /// SetText, formatted with the arguments.
     void SetTextFmt(int nLine, const wchar_t* pszFormat, ...);
-    /// For a dialog that comes up from now on; 0 stands for 4.
+    /// The lines in use, for a dialog that comes up from now on; 0 stands for 4.
     void SetLinesCount(unsigned nCount);
 
     // Numbers, in real units.

@@ -59,8 +59,8 @@ class TESSALY_API ProductInfo {
     /// The registry path below which the settings live: the pushed root, else that of the current
     /// AppInstance, else the product's own, which is made from its names if it is empty.
     const wchar_t* GetAppRootKey();
-    /// For the current AppInstance if that has a root, otherwise the product's own; cut to
-    /// kRootKeySize - 1 characters. Null is the empty text.
+    /// Sets the root for the current AppInstance if that has a root, otherwise the product's own;
+    /// cut to kRootKeySize - 1 characters. Null is the empty text.
     void SetAppRootKey(const wchar_t* pszRoot);
     /// Sets the pushed root, which goes before all others. Null, the empty text and a lack of
     /// memory clear it, as PopAppRootKey does.
@@ -85,7 +85,8 @@ class TESSALY_API ProductInfo {
 
     // The company message (wnd/core/company_msg.h).
 
-    /// To all top-level windows; does not wait for other threads. 1, or 0 if the platform refused.
+    /// Posts to all top-level windows; does not wait for other threads. 1, or 0 if the platform
+    /// refused.
     int BroadcastMyMessage(WPARAM nCode, LPARAM lValue);
     /// PostMyCompanyMsg to one window, with its result.
     int PostMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
@@ -127,10 +128,10 @@ class TESSALY_API AppInstance {
 
     /// Copies the root. Null, the empty text and a lack of memory leave none.
     void SetAppRootKey(const wchar_t* pszRoot);
-    /// Null if there is no root or it is empty.
+    /// The component's root; null if there is no root or it is empty.
     const wchar_t* GetAppRootKey();
     HINSTANCE GetInstance() const { return hinst; } ///< The component's module.
-    /// Null if there is none.
+    /// The component's name; null if there is none.
     const wchar_t* GetComponent() const { return pszComponent; }
 
     /// The life of the list's lock, for the library's start and end alone.

@@ -8,12 +8,13 @@
 // handle is the caller's to close, and null when nothing was started. *pdwError is 0 after a 1.
 // Results are 1 if something was started, 0 if not.
 
-/// Through the shell, as this process is.
+/// Starts it through the shell, as this process is.
 TESSALY_API int MyShellExec(HWND hwnd, const wchar_t* pszVerb, const wchar_t* pszFile,
                             const wchar_t* pszParameters, const wchar_t* pszDirectory,
                             HANDLE* phProcess, DWORD* pdwError);
 
-/// Without the rights of an administrator. bForce hands over also where this process has none.
+/// Starts it without the rights of an administrator. bForce hands over also where this process has
+/// none.
 ///
 /// A hand-over takes texts of 259 characters and gives 0 for longer ones, and if there is no shell
 /// or another hand-over keeps it busy: *pdwError is ERROR_BUSY after 5 s, or at once for a call
@@ -34,9 +35,9 @@ TESSALY_API int RunSatelliteFileNonElevated(HWND hwnd, const wchar_t* pszName,
 /// 1 if there is a shell to hand over to. The argument has no meaning.
 TESSALY_API int CanRunNonElevated(int bForce);
 
-/// As administrator. Null for hwnd is the shell's window "Progman". bForce hands over, so that it
-/// is the shell that asks for the rights. Before Windows Vista a user who is no administrator is
-/// asked by this process in either case, and one who is, only with bForce.
+/// Starts it as administrator. Null for hwnd is the shell's window "Progman". bForce hands over, so
+/// that it is the shell that asks for the rights. Before Windows Vista a user who is no
+/// administrator is asked by this process in either case, and one who is, only with bForce.
 TESSALY_API int RunElevated(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
                             const wchar_t* pszDirectory, HANDLE* phProcess, DWORD* pdwError,
                             int bForce);

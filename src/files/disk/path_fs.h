@@ -21,7 +21,7 @@ TESSALY_API int IsFileExists(const wchar_t* pszPath);
 TESSALY_API int IsFolderExists(const wchar_t* pszPath);
 TESSALY_API int IsFileOrFolderExists(const wchar_t* pszPath);
 
-/// In bytes; 0 if there is no such file.
+/// The file's size in bytes; 0 if there is no such file.
 TESSALY_API unsigned __int64 FileSize(const wchar_t* pszPath);
 
 /// Puts the short name of the file or folder (its last name alone) into cchOut characters, cut to

@@ -16,7 +16,8 @@ TESSALY_API wchar_t* LocateFileName(wchar_t* pszPath);
 /// The last "." of the name that LocateFileName finds; null if it has none.
 TESSALY_API const wchar_t* LocateFileExt(const wchar_t* pszPath);
 TESSALY_API wchar_t* LocateFileExt(wchar_t* pszPath);
-/// Behind the last separator, else the start; a ":" does not count. Null if nothing stands there.
+/// The place behind the last separator, else the start; a ":" does not count. Null if nothing
+/// stands there.
 TESSALY_API const wchar_t* FindNameExt(const wchar_t* pszPath);
 TESSALY_API wchar_t* FindNameExt(wchar_t* pszPath);
 /// The last "." of the whole text, which may be a folder's; null if there is none.

@@ -21,9 +21,9 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// Forgets the handle without closing it.
     void InitCoreFile();
 
-    /// For writing (and reading, shared with nobody) a missing file is made; one that exists keeps
-    /// its contents, with the position at its start: only SetEndOfFile cuts. For reading the file
-    /// is shared with readers only and must exist.
+    /// Opens a file. For writing (and reading, shared with nobody) a missing file is made; one that
+    /// exists keeps its contents, with the position at its start: only SetEndOfFile cuts. For
+    /// reading the file is shared with readers only and must exist.
     // QUIRK: a handle that is held is not closed first and is lost.
     // Test: CoreFileOpen.DoesNotCloseTheHandleThatIsHeld
     [[nodiscard]] int Open(const wchar_t* pszPath, int bToWrite);
@@ -43,9 +43,10 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// Moves the position (CoreIOObj::MoveTo64). The new one; -1 on failure.
     __int64 MoveTo64(__int64 nDistance, DWORD nMethod) override;
     int Flush() override;
-    /// cb 0 gives 1 whatever the file, and *pcbDone stays. A read that meets the end gives 0.
+    /// Reads cb bytes. With cb 0 it gives 1 whatever the file, and *pcbDone stays. A read that
+    /// meets the end gives 0.
     int ReadBin(void* pBuffer, DWORD cb, DWORD* pcbDone) override;
-    /// cb 0 gives 1 whatever the file, and *pcbDone stays.
+    /// Writes cb bytes. With cb 0 it gives 1 whatever the file, and *pcbDone stays.
     int WriteBin(const void* pData, DWORD cb, DWORD* pcbDone) override;
 
     /// The low half of the new position, INVALID_SET_FILE_POINTER on failure. With nHigh 0 the

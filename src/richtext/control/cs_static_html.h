@@ -30,7 +30,7 @@ class TESSALY_API CSStaticHTML : public CSCtrl {
     void SetBkgColor(COLORREF rgb) { tools.SetBkgColor(rgb); }     ///< Behind the text.
     COLORREF GetBkgColor() const { return tools.GetBkgColor(); }   ///< The colour behind the text.
     void SetFixedFont(int bFixed) { tools.SetFixedFont(bFixed); }  ///< Or that of dialogs.
-    /// Without a background of its own: the dialog's is drawn under the text.
+    /// Whether it is without a background of its own: the dialog's is drawn under the text.
     void SetTransparent(int bOn) { bTransparent = bOn; }
     int IsTransparent() const { return bTransparent; } ///< Whether it is without one.
 

@@ -131,10 +131,10 @@ class TESSALY_API DrawHTML {
 
     /// Links are commands from that id on.
     void SetLinkCmdID(unsigned linkCmdID) { idLinkCmd = linkCmdID; }
-    // The link at a point relative to the layout's top left corner: 1 or 0; its id, 0 for none; its
-    // area, null for none.
-    int IsLinkArea(DrawHTMLLinks* links, int x, int y);
-    unsigned GetLinkAreaID(DrawHTMLLinks* links, int x, int y);
+    // The link at a point relative to the layout's top left corner.
+    int IsLinkArea(DrawHTMLLinks* links, int x, int y);         ///< 1 if there is one.
+    unsigned GetLinkAreaID(DrawHTMLLinks* links, int x, int y); ///< Its id; 0 for none.
+    /// Its area; null for none.
     DrawHTMLLinkArea* FindLinkArea(DrawHTMLLinks* links, int x, int y);
 
     /// 1 if the literal stands at the cursor, in any case, which then moves behind it.

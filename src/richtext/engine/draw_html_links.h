@@ -26,7 +26,7 @@ class TESSALY_API DrawHTMLLinkArea : public CSList {
     int IsPointOverLink(int x, int y); ///< 1 if the point lies in one of the rectangles.
     /// Keeps the link's source, tags and all, up to its end, the terminator or kMaxText characters.
     void AddText(const wchar_t* pszBegin, const wchar_t* pszEnd);
-    /// Null until AddText.
+    /// The link's source; null until AddText.
     const wchar_t* GetText() const { return pszText.Get(); }
     /// The id of the link's command; 0: it does nothing.
     unsigned GetLinkID() const { return idLink; }

@@ -89,8 +89,8 @@ class TESSALY_API CSList {
     void Abandon();
 
   protected:
-    /// Where nodes come from. A class that replaces them calls RemoveAll in its own destructor: in
-    /// this one's the replacement is gone already. CreateNode may give null.
+    /// Makes and frees the nodes. A class that replaces them calls RemoveAll in its own destructor:
+    /// in this one's the replacement is gone already. CreateNode may give null.
     virtual CSNode* CreateNode();
     virtual void DeleteNode(CSNode* pNode);
 

@@ -20,7 +20,7 @@ TESSALY_API void SHA1_Init(SHA1_Context* pContext);
 TESSALY_API void SHA1_Update(SHA1_Context* pContext, const void* pData, unsigned long long cbData);
 /// Gives the digest and fills the context with zeros: the next use starts with SHA1_Init.
 TESSALY_API void SHA1_Final(unsigned char digest[kSha1Size], SHA1_Context* pContext);
-/// All of that for data in one piece.
+/// The digest of data in one piece.
 TESSALY_API void SHA1_Calc(unsigned char digest[kSha1Size], const void* pData,
                            unsigned long long cbData);
 }

@@ -24,7 +24,7 @@ class OwnedHandleOf {
     /// The handle, which stays the object's; null if it is empty.
     Handle Get() const noexcept { return h; }
     explicit operator bool() const noexcept { return h != nullptr; }
-    /// Gives the handle to the caller, who closes it from now on.
+    /// Returns the handle, which the caller closes from now on.
     [[nodiscard]] Handle Release() noexcept { return std::exchange(h, nullptr); }
     /// Closes what is held and takes the handle, or null.
     void Reset(Handle hTaken = nullptr) noexcept {
@@ -94,7 +94,7 @@ class ManualObject {
         pObject = nullptr; // whoever asks from now on goes without
         pEnding->~T();
     }
-    /// Null before Start and after Stop.
+    /// The object; null before Start and after Stop.
     T* Get() noexcept { return pObject; }
 
   private:

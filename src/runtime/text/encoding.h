@@ -57,17 +57,17 @@ TESSALY_API unsigned Base64FSToBin(void* pData, unsigned cb, const wchar_t* pszT
 // the terminator; 0 on failure (GetLastError), also for a null source and if it does not fit. On
 // failure a destination of any size holds the empty text.
 
-/// From the system code page (CP_ACP).
+/// Converts from the system code page (CP_ACP).
 TESSALY_API int mb2wc(const char* pszText, wchar_t* pszOut, int cchOut);
-/// To the system code page (CP_ACP).
+/// Converts to the system code page (CP_ACP).
 TESSALY_API int wc2mb(const wchar_t* pszText, char* pszOut, int cbOut);
-/// From the console's code page (CP_OEMCP).
+/// Converts from the console's code page (CP_OEMCP).
 TESSALY_API int mb2wcOEM(const char* pszText, wchar_t* pszOut, int cchOut);
-/// To the console's code page (CP_OEMCP).
+/// Converts to the console's code page (CP_OEMCP).
 TESSALY_API int wc2mbOEM(const wchar_t* pszText, char* pszOut, int cbOut);
-/// From UTF-8.
+/// Converts from UTF-8.
 TESSALY_API int utf82wc(const char* pszText, wchar_t* pszOut, int cchOut);
-TESSALY_API int wc2utf8(const wchar_t* pszText, char* pszOut, int cbOut); ///< To UTF-8.
+TESSALY_API int wc2utf8(const wchar_t* pszText, char* pszOut, int cbOut); ///< Converts to UTF-8.
 
 /// Text between the platform's 16-bit and 8-bit forms (system code page), through one owned buffer
 /// that is allocated on first use. There are two ways to use it around a foreign call:

@@ -19,7 +19,7 @@ struct IEnumIDList;
 class TESSALY_API iUnk {
   public:
     iUnk() = default;
-    /// Attach.
+    /// Takes the interface (Attach).
     explicit iUnk(IUnknown* pShared) { Attach(pShared); }
     /// What QueryInterface gives for the other's interface, or nothing.
     iUnk(iUnk& other, REFIID iid);
@@ -69,9 +69,10 @@ class TESSALY_API iUnkResult : public iUnk {
 class TESSALY_API iMalloc : public iUnkResult {
   public:
     iMalloc();
-    /// Null when out of memory.
+    /// A block of cb bytes; null when out of memory.
     void* Alloc(DWORD cb) const;
-    /// A null block is allocated anew. Null when out of memory: the block then stays as it is.
+    /// Changes a block's size. A null block is allocated anew. Null when out of memory: the block
+    /// then stays as it is.
     void* Realloc(void* pBlock, DWORD cb) const;
     void Free(void* pBlock) const; ///< Frees the block; null does nothing.
     void HeapMinimize() const;     ///< Gives unused memory back to the system.

@@ -25,7 +25,7 @@ class TESSALY_API PIDL {
     static constexpr ShellMemory csiMem{};
 
     PIDL() = default;
-    /// CopyAll.
+    /// Takes a copy (CopyAll).
     explicit PIDL(const ITEMIDLIST* pidlCopied) { CopyAll(pidlCopied); }
     ~PIDL() { Clear(); }
     PIDL(const PIDL&) = delete; // owns the list
@@ -35,9 +35,9 @@ class TESSALY_API PIDL {
 
     // Memory
 
-    /// Null when out of memory.
+    /// A block of cb bytes; null when out of memory.
     [[nodiscard]] static ITEMIDLIST* Alloc(DWORD cb);
-    /// Null does nothing.
+    /// Frees a list; null does nothing.
     static void Free(ITEMIDLIST* pidlFreed);
     /// Copies that many bytes.
     static void Copy(ITEMIDLIST* pidlTo, const ITEMIDLIST* pidlFrom, DWORD cb);

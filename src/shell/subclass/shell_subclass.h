@@ -21,9 +21,9 @@ class TESSALY_API ShellSubclass {
 
     /// Looks for the platform's functions, unless that was done before. nNewId becomes the id of
     /// the library's subclasses; the first four characters of pszNewTag (null: none) the name of
-    /// the window property of those who subclass without the chain. Gives the state.
+    /// the window property of those who subclass without the chain. Returns the state.
     static int Initialize(UINT_PTR nNewId, const wchar_t* pszNewTag);
-    /// Looks again, with the id and the tag that are stored. Gives the state.
+    /// Looks again, with the id and the tag that are stored. Returns the state.
     static int ReInitialize();
     /// kReady if the chain can be used, kMissing if not; looks first if nobody did.
     static int IsReady();

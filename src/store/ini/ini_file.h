@@ -33,7 +33,8 @@ class TESSALY_API IniFile {
     /// Returns how many characters the file needs, and fills a buffer of that size unless it is
     /// null. WriteSec and WriteVar, called in the same order both times, do both.
     virtual unsigned MakeData(wchar_t* pszOut);
-    /// 0 stops the pass. Before the first section header the section is empty.
+    /// Called for each part of the text; 0 stops the pass. Before the first section header the
+    /// section is empty.
     virtual int CallBack(CallBackFlag nFlag, const wchar_t* pszSection, const wchar_t* pszName,
                          const wchar_t* pszValue);
 
@@ -70,7 +71,7 @@ class TESSALY_API IniFile {
     int GetVar(wchar_t* pszBuffer);
     /// What stands behind the "=", up to the line's end, otherwise as GetComment.
     int GetVal(wchar_t* pszBuffer);
-    /// Always 0.
+    /// Ends what a pass has left. Always 0.
     int DeleteParser();
 
     /// Finds a file of that name in the folder that the platform was started from, as the setup

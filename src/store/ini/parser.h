@@ -10,10 +10,10 @@ class TESSALY_API Parser {
     Parser(const wchar_t* pszText, unsigned cchText);
 
     int NotEnd() const { return p < pEnd && *p; } ///< Whether there is still a character.
-    /// These three read what stands there, without a test for either end.
-    wchar_t GetCurrentChar() const { return *p; }
-    wchar_t GetPrevChar() const { return p[-1]; }
-    wchar_t GetNextChar() const { return p[1]; }
+    // These three do not test for either end.
+    wchar_t GetCurrentChar() const { return *p; } ///< The character that stands here.
+    wchar_t GetPrevChar() const { return p[-1]; } ///< The one before.
+    wchar_t GetNextChar() const { return p[1]; }  ///< The one behind.
 
     /// A blank or a tab.
     int IsWhite() const { return NotEnd() && (*p == L' ' || *p == L'\t'); }

@@ -37,10 +37,10 @@ class TESSALY_API RegKey {
     RegKey& operator=(const RegKey&) = default; // shares the handle; the old one is not closed
     virtual ~RegKey();
 
-    /// These overwrite the handle without closing what was held: Close first. After a failure the
-    /// handle is null. A textual path starts with a root: "HKCLS", "HKCU", "HKLM", "HKU" or the
-    /// long names, in any case; components before it are passed over, as are empty ones. Two texts
-    /// are joined with a backslash, cut at 255 characters.
+    /// Opens a key; the handle is overwritten, and what was held not closed: Close first. After a
+    /// failure the handle is null. A textual path starts with a root: "HKCLS", "HKCU", "HKLM",
+    /// "HKU" or the long names, in any case; components before it are passed over, as are empty
+    /// ones. Two texts are joined with a backslash, cut at 255 characters.
     int Open(const wchar_t* pszPath, int bWrite);
     int Open(const wchar_t* pszPath, Op op);
     int Open(const wchar_t* pszPath, const wchar_t* pszSubpath, int bWrite);
@@ -65,7 +65,7 @@ class TESSALY_API RegKey {
 
     /// The value's type; 0 if it cannot be queried.
     DWORD GetValueType(const wchar_t* pszName) const;
-    /// A value of type REG_NONE counts as absent.
+    /// Whether there is such a value. One of type REG_NONE counts as absent.
     int FindValue(const wchar_t* pszName) const { return GetValueType(pszName) != REG_NONE; }
     /// The first four bytes of a value of any type; shorter ones are filled up with zeros, longer
     /// ones give the default.
@@ -85,8 +85,8 @@ class TESSALY_API RegKey {
     int GetBin(const wchar_t* pszName, void* pBuffer, unsigned cbMax,
                DWORD* pdwType = nullptr) const;
 
-    /// With bCompare the registry is left untouched if the value has that content already, whatever
-    /// its type; the result is then 1 too. PutBin always compares.
+    /// Writes the value. With bCompare the registry is left untouched if the value has that content
+    /// already, whatever its type; the result is then 1 too. PutBin always compares.
     int PutDword(const wchar_t* pszName, DWORD dwValue, int bCompare);
     int PutInt(const wchar_t* pszName, int nValue);
     int PutStr(const wchar_t* pszName, const wchar_t* pszText, int bCompare);

@@ -30,11 +30,11 @@ class TESSALY_API CSCtrl : public CSWnd {
 
     // The virtual operations of a control; their order is fixed.
 
-    /// At the end of Init.
+    /// Called at the end of Init.
     virtual void OnInit();
-    /// After the dialog's OnInitDialog.
+    /// Called after the dialog's OnInitDialog.
     virtual void PostInitDialog();
-    /// WM_CTLCOLOR...: non-zero, and *phbr is the answer.
+    /// The colours (WM_CTLCOLOR...); non-zero, and *phbr is the answer.
     virtual int OnCtlColor(unsigned int uMsg, HDC hdc, HBRUSH* phbr);
     /// The dialog is closing by OK. The default calls Store.
     virtual void OnOK();

@@ -29,7 +29,7 @@ class TESSALY_API CoreWnd {
     /// also with autoDelete set.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
-    /// With extended styles, otherwise as Create.
+    /// Creates it with extended styles, otherwise as Create.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
 

@@ -36,9 +36,9 @@ class TESSALY_API CSWnd {
     /// Every message of the window. The default runs the hooks and the default processing
     /// (DoWndMessage) and then the notifications below. Returns the message's result.
     virtual LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
-    /// After the window's last message. The default takes all hooks off.
+    /// Called after the window's last message. The default takes all hooks off.
     virtual void OnPostNcDestroy();
-    /// After WM_ACTIVATE and WM_ENABLE. The defaults do nothing.
+    /// Called after WM_ACTIVATE and WM_ENABLE. The defaults do nothing.
     virtual void OnActivate(int bActive);
     virtual void OnEnable(int bEnabled);
     /// The default passes the change to the direct children that are CSWnd objects.
@@ -49,9 +49,10 @@ class TESSALY_API CSWnd {
     static ATOM RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
                                  HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                  int cbClassExtra, int cbWndExtra);
-    /// With nothing but a procedure and that many bytes for each window.
+    /// Registers a class with nothing but a procedure and that many bytes for each window. Returns
+    /// its atom, 0 on failure.
     static ATOM RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra);
-    /// 1 on success.
+    /// Takes the class back. 1 on success.
     static int UnregisterClassW(LPCWSTR pszName);
 
     /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's,
@@ -59,7 +60,7 @@ class TESSALY_API CSWnd {
     /// one ends here, hooks included, and autoDelete waits for the new one.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
-    /// With extended styles, otherwise as Create.
+    /// Creates it with extended styles, otherwise as Create.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
     /// CreateEx for a child window, with its control id in place of the menu.
@@ -120,13 +121,13 @@ class TESSALY_API CSWnd {
     /// Has the rectangle painted; null: all of the client area.
     int Invalidate(const RECT* prc, int bErase);
     int InvalidateErase(const RECT* prc);              ///< Invalidate, with the background erased.
-    int InvalidateUpdate(const RECT* prc, int bErase); ///< Invalidate, and repaints at once
-    int v(const RECT* prc);                            ///< validates
+    int InvalidateUpdate(const RECT* prc, int bErase); ///< Invalidate, and repaints at once.
+    int v(const RECT* prc); ///< Validates the rectangle; null: all of the client area.
     /// Sends a message. The window's answer.
     LRESULT SendMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
     int PostMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);                ///< Posts a message.
-    int PostCmd(unsigned short nId, HWND hwndCtl, unsigned short nCode); ///< WM_COMMAND
-    int ClickButton(unsigned short nId); ///< posts WM_COMMAND without a control handle
+    int PostCmd(unsigned short nId, HWND hwndCtl, unsigned short nCode); ///< Posts WM_COMMAND.
+    int ClickButton(unsigned short nId); ///< Posts WM_COMMAND without a control's handle.
     int HasFocus();                      ///< Whether it has the focus.
     int IsActive();                      ///< Whether it is its thread's active window.
     int IsForeground();                  ///< Whether it is in front of all.
@@ -134,11 +135,11 @@ class TESSALY_API CSWnd {
     int Enable(int bEnabled);            ///< Enables or disables. Whether it was disabled.
     HWND GetParent();                    ///< The parent, or a popup's owner; null for none.
     int Show(int bVisible);              ///< Shows or hides. Whether it was visible.
-    int GetTextLength();                 ///< characters without the terminator
-    /// At most cch characters with the terminator; returns the length.
+    int GetTextLength();                 ///< Characters of the text, without the terminator.
+    /// Copies the text, at most cch characters with the terminator; returns the length.
     int GetText(wchar_t* psz, int cch);
-    int SetText(LPCWSTR psz); ///< The text, or a title.
-    /// A string of the default module, formatted and cut at 1,023 characters; a missing string
+    int SetText(LPCWSTR psz); ///< Sets the text, or a title.
+    /// Sets a string of the default module, formatted and cut at 1,023 characters; a missing string
     /// gives the empty text.
     int SetText(unsigned int nStringId, ...);
     /// SetText with what a text formats. It is cut at 1,023 characters.

@@ -23,11 +23,11 @@ TESSALY_API int SetWndZOrder(HWND hwnd, HWND hwndAfter, DWORD dwFlags);
 // Sizes are of the whole window, positions in the parent's client pixels or, without a parent, in
 // the screen's. None of these activates the window or changes its place in the order.
 
-/// The size alone.
+/// Sets the size alone.
 TESSALY_API int SetWndSize(HWND hwnd, int cx, int cy, DWORD dwFlags);
-/// The place of the top left corner alone.
+/// Sets the place of the top left corner alone.
 TESSALY_API int SetWndOrigin(HWND hwnd, int x, int y, DWORD dwFlags);
-/// Place and size. 0 for a null rectangle.
+/// Sets place and size. 0 for a null rectangle.
 TESSALY_API int SetWndPos(HWND hwnd, int x, int y, int cx, int cy, DWORD dwFlags);
 TESSALY_API int SetWndPos(HWND hwnd, const RECT* prc, DWORD dwFlags);
 /// Shows or hides the window where it is.

@@ -54,7 +54,7 @@ class TESSALY_API CSDlg : public CSWnd {
 
     // The virtual operations of a dialog; their order is fixed.
 
-    /// Once, when the dialog is first shown: derived dialogs fill their controls. 1.
+    /// Called once, when the dialog is first shown: derived dialogs fill their controls. 1.
     virtual int UpdateControls();
     /// Derived dialogs check and collect what was entered; 0 keeps the dialog open. The default
     /// gives 1 and remembers that, so that OnOK asks no second time.
@@ -85,10 +85,10 @@ class TESSALY_API CSDlg : public CSWnd {
     virtual void OnComboSelChanged(unsigned short nId);
     /// WM_DELETEITEM of a list. The default does nothing.
     virtual void OnDeleteItem(unsigned int nId, void* pItem);
-    /// WM_CTLCOLOR...: non-zero, and *phbr is the answer.
+    /// The colours (WM_CTLCOLOR...); non-zero, and *phbr is the answer.
     virtual int OnCtlColor(unsigned int uMsg, HDC hdc, HWND hwndCtl, HBRUSH* phbr);
     // A derived class that overrides one of the two brings the other in with a using declaration.
-    /// The text of a tooltip into cch characters; 0 for none.
+    /// Puts the text of a tooltip into cch characters. Non-zero, or 0 for none.
     virtual int GetTootTip(unsigned int nId, wchar_t* pszText, unsigned int cch);
     /// The same as a string of a module; asked first, and 0 or string 0 is none.
     virtual int GetTootTip(unsigned int nId, HINSTANCE& hinst, unsigned short& nStringId);
@@ -96,7 +96,7 @@ class TESSALY_API CSDlg : public CSWnd {
     virtual LPCWSTR GetHtmlPage(unsigned int nId);
     /// The help page could not be shown. The default does nothing.
     virtual void OnHtmlHelpError(LPCWSTR pszPage);
-    /// 0 keeps the dialog open.
+    /// Asked before the dialog closes; 0 keeps it open. The default gives 1.
     virtual int CanClose(int nResult);
     /// The dialog is closing. The default marks it as closed: derived dialogs call it.
     virtual void DoClose(int nResult);
@@ -109,7 +109,7 @@ class TESSALY_API CSDlg : public CSWnd {
     virtual void OnWindowPosChanging(WINDOWPOS* pPos);
     /// WM_WINDOWPOSCHANGED: derived dialogs call it.
     virtual void OnWindowPosChanged(WINDOWPOS* pPos);
-    /// x is -1 when the mouse has left the dialog.
+    /// The mouse moves over the dialog; x is -1 when the mouse has left the dialog.
     virtual void OnMouseMove(unsigned __int64 qwFlags, int x, int y);
     /// Dialogs that scroll bring the item into view.
     virtual void EnsureDlgItemVisible(HWND hwndItem);
@@ -130,14 +130,14 @@ class TESSALY_API CSDlg : public CSWnd {
     /// CloseDialog was given; -1 if there was no window. *phwndCreated may be null.
     int ModelessWithLoop(int bDisableOwner, int nTemplateId, HINSTANCE hinst, HWND hwndParent,
                          HWND* phwndCreated);
-    /// As Modeless, from a template in memory; not shown. 1 on success.
+    /// Creates it as Modeless, from a template in memory; not shown. 1 on success.
     // QUIRK: CloseDialog ends such a dialog as if it were modal: it is hidden and lives on. Test:
     // CSDlgRun.DialogFromMemoryIsOnlyHiddenByCloseDialog
     int CreateIndirect(const DLGTEMPLATE* pTemplate, HWND hwndParent);
     /// Ends the dialog if CanClose lets it. nOkControls: whether the controls' OnOK is called; -1:
     /// unless nResult is IDCANCEL. 1, also if it stays open.
     int CloseDialog(int nResult, int nOkControls);
-    /// The platform's.
+    /// The platform's function, with its result.
     int EndDialog(int nResult);
     int IsInitialized() const { return isInitialized; }         ///< OnInitDialog is over.
     int IsClosed() const { return isClosed; }                   ///< It was closed.
@@ -191,24 +191,24 @@ class TESSALY_API CSDlg : public CSWnd {
     /// The first checked id; 0 for none.
     int GetCheckedRadioButton(int nFirst, int nLast);
     int GetDlgItemTextLength(int nId); ///< Characters without the terminator.
-    /// Cut to cch characters with the terminator. Returns the length.
+    /// Copies the item's text, cut to cch characters with the terminator. Returns the length.
     int GetDlgItemTextW(int nId, LPWSTR pszText, int cch);
     /// Gives the item a text. The platform's result.
     int SetDlgItemTextW(int nId, LPCWSTR pszText);
-    /// A string of up to 511 characters. A null module: the library for a negative id, otherwise
-    /// the module that owns the dialog.
+    /// Sets a string of up to 511 characters. A null module: the library for a negative id,
+    /// otherwise the module that owns the dialog.
     int SetDlgItemTextW(int nId, int nStringId, HINSTANCE hinst);
     /// The number that the text is, 0 if it is none. pbOk may be null.
     unsigned int GetDlgItemInt(int nId, int* pbOk, int bSigned);
     /// The number as text. The platform's result.
     int SetDlgItemInt(int nId, unsigned int uValue, int bSigned);
-    /// The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
+    /// Gives the item a formatted text. It (runtime/text/text_format.h) is cut at 1,023 characters.
     int SetDlgItemTextFmt(int nId, LPCWSTR pszFormat, ...);
     int SetDlgItemTextFmt(int nId, HINSTANCE hinst, int nStringId, ...);
     int SetDlgItemTextFmt(int nId, int nStringId, ...);
-    /// With the text that the control had at first as the format, so again and again.
+    /// Formats with the text that the control had at first as the format, so again and again.
     int SetDlgItemTextFmtCtrl(int nId, ...);
-    /// In the dialog's client pixels.
+    /// Where the item is, in the dialog's client pixels.
     int GetDlgItemRect(unsigned int nId, RECT* prc);
     HWND GetNextDlgTabItem(HWND hwndCtl); ///< The next item that Tab goes to; null for none.
     HWND GetPrevDlgTabItem(HWND hwndCtl); ///< The previous item that Tab goes to; null for none.
@@ -229,7 +229,8 @@ class TESSALY_API CSDlg : public CSWnd {
     void EraseCtrlBkg(HDC hdcUnused, HWND hwndCtl);
     /// Takes the item's place out of what is to be painted.
     void ValidateDlgItem(unsigned int nId);
-    /// From item to item in the order of siblings. EnableDlgItems takes the first child for 0.
+    /// Enables or shows them, from item to item in the order of siblings. EnableDlgItems takes the
+    /// first child for 0.
     void EnableDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
     void ShowDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
     /// OnDelayedAction in that many milliseconds, in place of an action that still waits; 0 only
@@ -240,49 +241,52 @@ class TESSALY_API CSDlg : public CSWnd {
 
     // Place and size (wnd/layout).
 
-    /// Before the dialog runs. The record is the caller's and lives longer than the run; null: the
-    /// place is not kept.
+    /// Lets the user resize it; called before the dialog runs. The record is the caller's and lives
+    /// longer than the run; null: the place is not kept.
     void EnableResizing(unsigned long dwFlags, MyWindowPlacement* pPlacement);
     void DisableResizing();   ///< No resizing any more; the place is not kept.
     void StoreResizingInfo(); ///< Puts the present place into the record.
-    /// OnResize by what the size differs from the previous one.
+    /// Calls OnResize by what the size differs from the previous one.
     void Resize();
     /// By how much the dialog is larger than its smallest size.
     SIZE GetResizeData();
-    /// x and y in client pixels; the corner is a triangle.
+    /// Whether the point is in the grip, in client pixels; the corner is a triangle.
     int IsPtInResizingCorner(int x, int y, RECT& rcClient);
     void DrawResizingCorner(HDC hdc);             ///< Draws the grip.
     void DrawResizingItem(HDC hdc, int x, int y); ///< Draws one dot of it.
-    void SetResizingCursor();                     ///< The cursor of a resizable corner.
+    void SetResizingCursor();                     ///< Shows the cursor of a resizable corner.
     /// Whether the dialog can be dragged by its body from now on, as it can be by default.
     void EnableFullDrag(int bOn);
     int IsFullDrag() const { return dragger != nullptr; } ///< Whether it can.
     /// Places the dialog by alignMode.
     void AlignDlg();
-    /// Into the middle of the other window; null: of the monitor.
+    /// Moves it into the middle of the other window; null: of the monitor.
     int CenterWindow(HWND hwndOther);
-    int CascadeWindow(HWND hwndOther); ///< Below the other window's corner; null: the desktop's.
+    /// Moves it below the other window's corner; null: the desktop's.
+    int CascadeWindow(HWND hwndOther);
     // Controls, by the functions of wnd/layout/ctrl_place.h.
-    /// Into the middle of the other control; 0: of the dialog.
+    /// Moves it into the middle of the other control; 0: of the dialog.
     void CenterCtrl(unsigned int nId, int bHorizontal, unsigned int nRefId);
     void MoveCtrl(unsigned int nId, int dx, int dy, int bRedraw); ///< Moves it by so many pixels.
     /// Makes it larger by so many pixels.
     void ResizeCtrl(unsigned int nId, int dw, int dh, int bRedraw);
-    void MoveResizeCtrl(unsigned int nId, int dx, int dy, int dw, int dh, int bRedraw); ///< Both.
-    /// To the place of another control, mostly a hidden one.
+    /// Both at once.
+    void MoveResizeCtrl(unsigned int nId, int dx, int dy, int dw, int dh, int bRedraw);
+    /// Moves it to the place of another control, mostly a hidden one.
     void MoveCtrlToSlot(unsigned int nId, unsigned int nSlotId);
     void MoveButtonToSlot(unsigned int nId, unsigned int nSlotId);
-    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId); ///< And to its size.
+    /// Moves it there, and to its size.
+    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId);
     /// Gives the control the other one's right or left edge; the opposite edge stays.
     void MoveCtrlEdge(unsigned int nId, unsigned int nRefId, int bRightEdge);
-    /// Into the middle of nFrom and nTo (client pixels; both -1: the client area). In the vertical
-    /// case what does not fit is cut.
+    /// Moves it into the middle of nFrom and nTo (client pixels; both -1: the client area). In the
+    /// vertical case what does not fit is cut.
     void CenterDlgItem(unsigned int nId, int bHorizontal, int nFrom, int nTo);
-    /// A run of siblings as one block into the middle of the client area.
+    /// Moves a run of siblings as one block into the middle of the client area.
     void AlignDlgItems(unsigned int nFirst, unsigned int nLast, int bHorizontal);
     /// Makes the dialog grow until the control's text fits.
     void AdjustHeight(unsigned int nId);
-    /// A run of siblings that can be folded away. 1; 0 when out of memory.
+    /// Adds a run of siblings that can be folded away. 1; 0 when out of memory.
     int AddCtrlGroup(unsigned int nFirst, unsigned int nLast, unsigned int nContainer,
                      unsigned int nParentGroup);
     /// The first group with that first control, or with that container; null for none.

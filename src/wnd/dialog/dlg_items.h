@@ -13,7 +13,7 @@ class CSDlg;
 TESSALY_API int TurnDlgItem(HWND hwndDlg, int nId, int bOn);
 TESSALY_API int EnableDlgItem(HWND hwndDlg, int nId, int bOn); ///< Enables or disables.
 TESSALY_API int ShowDlgItem(HWND hwndDlg, int nId, int bOn);   ///< Shows or hides.
-/// 1 if there is the item.
+/// Moves the focus to the item. 1 if there is the item.
 TESSALY_API int SetDlgItemFocus(HWND hwndDlg, unsigned int nId);
 /// Sends the item a message. Its answer.
 TESSALY_API LRESULT SendDlgItemMsg(HWND hwndDlg, int nId, UINT uMsg, WPARAM wParam, LPARAM lParam);
@@ -23,15 +23,15 @@ TESSALY_API unsigned int GetDlgDefBtnID(HWND hwndDlg);
 /// Makes another button the default one; the former one loses the look. Always 1.
 TESSALY_API int SetDlgDefBtnID(HWND hwndDlg, unsigned int nId);
 
-/// Both ends of an up-down control's range.
+/// Sets both ends of an up-down control's range.
 TESSALY_API int SetDlgItemSpinRange(HWND hwndDlg, unsigned int nId, unsigned int uLow,
                                     unsigned int uHigh);
-/// The position of an up-down control.
+/// Sets the position of an up-down control.
 TESSALY_API int SetDlgItemSpinPos(HWND hwndDlg, unsigned int nId, unsigned int uPos);
-/// Both ends of a progress bar's range.
+/// Sets both ends of a progress bar's range.
 TESSALY_API int SetDlgItemProgressRange(HWND hwndDlg, unsigned int nId, unsigned int uLow,
                                         unsigned int uHigh);
-/// The position of a progress bar.
+/// Sets the position of a progress bar.
 TESSALY_API int SetDlgItemProgressPos(HWND hwndDlg, unsigned int nId, unsigned int uPos);
 
 // The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
@@ -43,7 +43,7 @@ TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, HINSTANCE hinst, int nS
 TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, int nStringId, ...);
 /// SetDlgItemTextFmt with a started argument list.
 int SetDlgItemTextFmtV(HWND hwndDlg, int nId, LPCWSTR pszFormat, ArgList args);
-/// With the window's own text as the format, and therefore only once per text.
+/// Formats with the window's own text as the format, and therefore only once per text.
 TESSALY_API int SetWndTextFmtCtrl(HWND hwnd, ...);
 
 /// The first dialog object above the window that is no page of another one; null for none.

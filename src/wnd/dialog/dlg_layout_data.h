@@ -27,7 +27,7 @@ struct FrameThickness {
     int cx; // of the upright edges
     int cy; // of the others
 };
-/// As it was last read.
+/// The thickness as it was last read.
 const FrameThickness& GetFrameThickness();
 /// Reads it from the system (SM_CXFRAME, SM_CYFRAME): for a new dialog, and when the system's
 /// settings have changed.

@@ -21,8 +21,8 @@ class TESSALY_API CDPI {
     int ScaleY(int y);           ///< Returns a length down in pixels.
     int UnscaleX(int x);         ///< Returns a length across in design units.
     int UnscaleY(int y);         ///< Returns a length down in design units.
-    void ScaleRect(RECT* prc);   ///< In place, to pixels.
-    void ScaleSize(SIZE* psize); ///< In place, to pixels.
+    void ScaleRect(RECT* prc);   ///< Converts in place, to pixels.
+    void ScaleSize(SIZE* psize); ///< Converts in place, to pixels.
     /// Returns the primary screen's width in design units.
     int ScaledScreenWidth();
     int ScaledScreenHeight(); ///< Returns the primary screen's height in design units.

@@ -37,5 +37,5 @@ TESSALY_API void TwistRect(RECT* prc);
 /// Swaps left with top, and right with bottom.
 TESSALY_API void FlipRect(RECT* prc);
 TESSALY_API void FlipSize(SIZE* psize); ///< Swaps width and height.
-/// Both corners from the window's client area to the screen. 1; 0 for what is no window.
+/// Converts both corners from the window's client area to the screen. 1; 0 for what is no window.
 TESSALY_API int ClientToScreen(HWND hwnd, RECT* prc);

@@ -11,7 +11,7 @@ TESSALY_API int GetCtrlRect(HWND hwndDlg, HWND hwndCtl, RECT* prc);
 /// GetCtrlRect by the control's id.
 TESSALY_API int GetDlgItemRect(HWND hwndDlg, unsigned int nId, RECT* prc);
 
-/// Along one axis into the middle of another control, or of the dialog if hwndRef is null.
+/// Moves it along one axis into the middle of another control, or of the dialog if hwndRef is null.
 TESSALY_API int CenterCtrl(HWND hwndDlg, HWND hwndCtl, int bHorizontal, HWND hwndRef);
 /// Moves it by so many pixels.
 TESSALY_API int MoveCtrl(HWND hwndDlg, HWND hwndCtl, int dx, int dy, int bRedraw);
