@@ -24,7 +24,7 @@ import reference  # noqa: E402
 from check_image import Report  # noqa: E402
 
 BROWSER = "chromium-headless-shell"
-PATIENCE = 60  # seconds
+PATIENCE = 120  # seconds
 WIDTH, HEIGHT = 1280, 1000
 FAMILY = "group__the__registry.html"
 CLASS = "classRegKey.html"
