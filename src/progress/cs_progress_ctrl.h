@@ -59,7 +59,6 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
     void Init(CSDlg* pDlg, unsigned int nId, int nLow, int nHigh, int nPos);
 
     // ProgressEx's, of this bar.
-
     /// Range and position at once.
     void Setup(int nLow, int nHigh, int nPos) { progressEx.Setup(nLow, nHigh, nPos); }
     /// Range and position at once.

@@ -34,9 +34,8 @@ TESSALY_API int SetDlgItemProgressRange(HWND hwndDlg, unsigned int nId, unsigned
 /// Sets the position of a progress bar.
 TESSALY_API int SetDlgItemProgressPos(HWND hwndDlg, unsigned int nId, unsigned int uPos);
 
-// The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
-
-/// Gives the item a text that is formatted with the arguments.
+/// Gives the item a text that is formatted with the arguments (runtime/text/text_format.h) and cut
+/// at 1,023 characters.
 TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, LPCWSTR pszFormat, ...);
 /// A string of that module; a null module and a lone string id as in runtime/messages/res_str.h.
 TESSALY_API int SetDlgItemTextFmt(HWND hwndDlg, int nId, HINSTANCE hinst, int nStringId, ...);

@@ -76,8 +76,6 @@ class TESSALY_API CSMenu {
     /// Replaces the text and nothing else of the item.
     int SetStr(unsigned int nItem, int byPos, LPCWSTR pszText);
 
-    // Delete destroys the item's sub-menu, Remove leaves it alive.
-
     int DeleteItemByPos(unsigned int nPos); ///< Takes the item away and destroys its sub-menu.
     int DeleteItemByID(unsigned int nId);
     int RemoveItemByPos(unsigned int nPos); ///< Takes the item away; its sub-menu lives on.
@@ -115,6 +113,8 @@ class TESSALY_API CSMenu {
     int InsertSeparatorByPos(unsigned int nWhere); ///< Inserts a separator.
     int InsertSeparatorByID(unsigned int nWhere);
 
+    // The look of items
+
     /// The bitmaps stay the caller's and must live as long as the item.
     int SetItemBitmapsByPos(unsigned int nPos, HBITMAP hbmUnchecked, HBITMAP hbmChecked);
     int SetItemBitmapsByID(unsigned int nId, HBITMAP hbmUnchecked, HBITMAP hbmChecked);
@@ -133,12 +133,16 @@ class TESSALY_API CSMenu {
     /// nothing for `every` below 2, with which a column would have no room for an item.
     void InsertBreaks(int every, int bar);
 
+    // The menu itself
+
     int GetCount() const; ///< The number of items; -1 without a menu.
     /// The item's id; 0xFFFFFFFF for a sub-menu and for none.
     unsigned int GetItemID(int nPos) const;
     HMENU GetSubMenu(int nPos) const;     ///< The item's sub-menu; null for none.
     int SetHelpId(unsigned long nHelpId); ///< The number by which the menu's help is found.
     unsigned long GetHelpId() const;      ///< That number; 0 for none.
+
+    // Building at the end
 
     /// Adds an item at the end. pszFormat is always a format (FormatText; the text is cut to 260
     /// characters): texts from elsewhere go through "%s".
@@ -151,6 +155,8 @@ class TESSALY_API CSMenu {
     /// Adds an object of CreateSubMenu's, which stays this one's; it has no handle yet. Null when
     /// out of memory.
     CSMenu* MakeSubMenu();
+
+    // Finding and showing
 
     /// The first item with that text, without regard to case. Items without a text are passed over.
     /// 0xFFFFFFFF if there is none.
