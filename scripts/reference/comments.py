@@ -154,17 +154,18 @@ class Writer:
         return edit.apply(f"{file}\n/** @addtogroup {family}\n@{{ */", "/** @} */")
 
     def sections(self, header):
-        """The runs of declarations below one remark: first and last line, and the remark."""
-        found, run = [], None
+        """The runs of declarations below one heading: first and last line, and the heading. Behind a class
+        its run is over."""
+        found, run, seen = [], None, set()
         for one in header.found:
-            remark = header.remarks[id(one)]
-            kind = (remark.behind, one.scope, one.access)
-            listed = one.kind in ("function", "data") and one.access != "private" and remark.text
-            if run and (run[0] != kind or not listed):
+            heading = header.headings[id(one)]
+            listed = one.kind in ("function", "data") and one.access != "private" and heading.text
+            if run and (run[0] != heading.last or not listed):
                 run = None
-            if listed and not self.is_left_out(header, one):
+            if listed and (run or heading.last not in seen) and not self.is_left_out(header, one):
                 if run is None:
-                    found.append(run := [kind, one.first, one.last, remark.text])
+                    found.append(run := [heading.last, one.first, one.last, heading.text])
+                    seen.add(heading.last)
                 run[2] = one.last
         return [tuple(run[1:]) for run in found]
 
@@ -231,10 +232,10 @@ class Edit:
 
 def entitle(remark):
     """A remark's beginning as the title of what stands below it, and its text if that says more."""
-    lead = prose.sentences(remark)[0]
+    lead = re.split(r"\.(?:\s|$)", " ".join(remark.split()), maxsplit=1)[0]
     if len(lead) > LONGEST_TITLE:
         return re.split(r"[,:;] ", lead)[0], remark
-    return lead.rstrip("."), cut(remark, lead)
+    return lead, cut(remark, lead).lstrip(". \n")
 
 
 def escape(text):

@@ -14,6 +14,8 @@ import declarations
 COMPILERS = re.compile(r"= (delete|default)$")  # what the compiler writes
 # A docstring that goes on from that of the declaration before.
 GOES_ON = re.compile(r"(likewise|the same|writes the same|as above|and |with |without |or )", re.IGNORECASE)
+PRIVATE_REMARK = re.compile(r"// ?(?:QUIRK|NOLINT|clang-format)")
+QUIRKS = re.compile(r"\n*^QUIRK.*?(?=\n\n|\Z)", re.MULTILINE | re.DOTALL)
 WORDS = re.compile(r"[A-Z]+[0-9]*(?![a-z])|[A-Z]?[a-z]+[0-9]*|[0-9]+")
 
 
@@ -28,7 +30,9 @@ class Doc:
 @dataclasses.dataclass
 class Remark:
     text: str = ""
-    behind: int = -1  # the line
+    last: int = -1  # its last line
+    indent: int = 0
+    heads: bool = False  # a part of the file or the class, and not only the lines right behind it
 
 
 class Header:
@@ -36,10 +40,11 @@ class Header:
         self.name = name
         self.lines = text.splitlines()
         self.found = declarations.read(text)
-        self.remarks = {}  # by the declaration's id, as the docstrings
-        self.docs = {}
         self.group_lines = set()  # the docstrings of groups
-        self.read_remarks()
+        self.remarks = self.read_remarks()
+        self.head = self.remarks[0].text if self.remarks else ""  # mostly about all of the file
+        self.local, self.headings, self.docs = {}, {}, {}  # by the declaration's id
+        self.place_remarks()
         self.read_docs()
 
     def block(self, lines):
@@ -59,41 +64,38 @@ class Header:
         return "\n".join(text).strip(), re.sub(r"\s*Tests?: [^.]*$", "", " ".join(quirk)).strip()
 
     def read_remarks(self):
-        """Comments with two slashes that stand above a part of the file or of a class."""
-        at = {}
-        number = 0
+        """The comments with two slashes alone."""
+        found, number = [], 0
         while number < len(self.lines):
             start = number
             while number < len(self.lines) and self.lines[number].strip().startswith("//"):
                 number += 1
             block = [line.strip() for line in self.lines[start:number]]
-            plain = [line[3:] for line in block if not line.startswith("///")]
-            if plain and len(plain) == len(block) and not plain[0].startswith("QUIRK"):
-                at[number] = "\n".join(plain)
+            if block and not any(line.startswith("///") for line in block) and not PRIVATE_REMARK.match(block[0]):
+                text = QUIRKS.sub("", "\n".join(line[3:] for line in block))
+                found.append(Remark(text, number - 1, self.indent_of(start), self.is_blank(number)))
             number = max(number, start + 1)
-        ends = sorted(at)
-        self.head = at[ends[0]] if ends else ""  # mostly about all of the file
-        for one in self.found:
-            inside = [e for e in ends if e <= one.first]
-            outer = next((c for c in self.found if c.kind == "class" and c.path == one.scope), None)
-            if outer:
-                inside = [e for e in inside if e > outer.first]
-            self.remarks[id(one)] = Remark(at[inside[-1]], inside[-1]) if inside else Remark()
+        return found
 
-    def run_above(self, one):
-        """The comment of two slashes above the run of declarations in which this one stands."""
-        number = one.first - 1
-        while number >= 0 and self.lines[number].strip() and not declarations.ACCESS.match(self.lines[number]):
-            if re.match(r"\s*(class|struct|enum)\b.*\{$", self.lines[number]):
-                break
-            last = number
-            while number >= 0 and self.lines[number].strip().startswith("//"):
-                number -= 1
-            block = [line.strip() for line in self.lines[number + 1 : last + 1]]
-            if block and not any(line.startswith(("///", "// QUIRK", "// NOLINT")) for line in block):
-                return "\n".join(line[3:] for line in block)
-            number -= number == last
-        return ""
+    def indent_of(self, number):
+        return len(self.lines[number]) - len(self.lines[number].lstrip())
+
+    def is_blank(self, number):
+        return number >= len(self.lines) or not self.lines[number].strip()
+
+    def place_remarks(self):
+        """A heading reaches as far as its part of the class or of the file; any other remark up to the next
+        empty line."""
+        for one in self.found:
+            begin = -1
+            for outer in self.found:  # its class, and there the last "public:" or its like
+                if outer.kind == "class" and outer.path == one.scope and outer.first < one.first:
+                    labels = [n for n in range(outer.first, one.first) if declarations.ACCESS.match(self.lines[n])]
+                    begin = max([outer.first, *labels])
+            above = [r for r in self.remarks if begin < r.last < one.first and r.indent == self.indent_of(one.first)]
+            self.headings[id(one)] = next((r for r in reversed(above) if r.heads), Remark())
+            near = [r for r in above if not r.heads and not any(map(self.is_blank, range(r.last + 1, one.first)))]
+            self.local[id(one)] = near[-1] if near else Remark()
 
     def is_sister(self, before, one):
         """Whether the docstring of the function before is told for this one as well."""
@@ -136,7 +138,7 @@ class Header:
                     last = self.docs[id(before)]
                     doc.text, doc.quirk, doc.shared, doc.of = last.text, last.quirk, last.shared, last.of
                 if not doc.text and not COMPILERS.search(one.text) and not one.has("override"):
-                    doc.text = self.run_above(one)
+                    doc.text = self.local[id(one)].text
             if before and GOES_ON.match(doc.text) and before.scope == one.scope:
                 doc.shared = doc.shared or self.docs[id(before)]
             self.docs[id(one)] = doc

@@ -93,7 +93,7 @@ class Library:
 
     def around(self, header, one):
         """What is said above the function for all of a part, or of the class or its base."""
-        found = [header.remarks[id(one)].text, header.head]
+        found = [header.local[id(one)].text, header.headings[id(one)].text, header.head]
         for scope in self.bases(one.scope):
             outer, of = self.classes[scope]
             found.append(outer.docs[id(of)].text)

@@ -160,6 +160,16 @@ class Announced;
             "Other": "Right above",
             "One": "Shared.", "Else": "Shared.", "nBehind": "a number"})
 
+    def test_a_remark_heads_its_part_alone(self):
+        header = docstrings.Header("a.h", "\n".join([
+            "class A {", "  public:", "    // Asking", "", "    int Get() {", "        // within", "        return 1;", "    }",
+            "    void Next();", "", "    // Near", "    void Own();", "", "    void Later();", "", "  protected:",
+            "    void Inner();", "};", "void Free();"]))
+        headings = {d.name: header.headings[id(d)].text for d in header.found}
+        self.assertEqual(headings, {"A": "", "Get": "Asking", "Next": "Asking", "Own": "Asking", "Later": "Asking",
+                                    "Inner": "", "Free": ""})
+        self.assertEqual([d.name for d in header.found if header.local[id(d)].text], ["Own"])
+
     def test_results_in_prose(self):
         for text, wanted in (
                 ("Deletes it. 1; 0 if it stays.", "1; 0 if it stays."),
