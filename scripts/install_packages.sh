@@ -10,6 +10,7 @@ packages=(
     clang clang-format clang-tidy
     nsis
     wine wine64 fonts-wine fonts-dejavu-core
+    doxygen chromium-headless-shell
     xvfb xdotool xclip imagemagick procps python3-aiohttp curl
 )
 packages+=("$@") # what a caller needs besides

@@ -5,9 +5,9 @@
 
 /// Flags of an IconBtn. What is not centred stands at the button's own place.
 enum IconBtnFlag : unsigned long {
-    kIconCenterVertically = 1,
-    kIconCenterHorizontally = 2,
-    kIconLink = 4, // the look of a hyperlink, without a face
+    kIconCenterVertically = 1,   // in the button's height
+    kIconCenterHorizontally = 2, // in the button's width
+    kIconLink = 4,               // the look of a hyperlink, without a face
 };
 
 /// A button with a small icon and a text, as a push button or as a hyperlink with a colour under
@@ -21,6 +21,8 @@ class TESSALY_API IconBtn : public CSCtrl {
     /// In the place of flags or of x: what all buttons have in common.
     static constexpr int kCommon = 65535;
 
+    /// The icon, the one under the mouse, IconBtnFlag bits, and where the content goes that is not
+    /// centred. Where kCommon stands, they are the common ones.
     // QUIRK: without an Initialize before it the first button's flags and place become the common
     // ones. Test: IconBtn.FirstButtonSetsTheTone
     IconBtn(unsigned icon, unsigned hoverIcon, unsigned long flags, int x, int y);
@@ -37,20 +39,23 @@ class TESSALY_API IconBtn : public CSCtrl {
     /// Takes a reference on what the buttons share. The first one makes it, and sets the common
     /// flags and place. Each has its Uninitialize; the last one frees pens and brushes.
     static void Initialize(unsigned long flags, int dx, int dy);
-    static void Uninitialize();
+    static void Uninitialize(); ///< Gives the reference back.
     /// Initialize without making anything yet, as it is not allowed to at the library's start: the
     /// first button does.
     static void ReserveCommon(unsigned long flags, int dx, int dy);
     /// 0x00BBGGRR, of a link and of a pressed one. Pens that were made before keep their colour.
     static void SetLinkColor(COLORREF rgb) { rgbLink[0] = rgb; }
-    static void SetActiveLinkColor(COLORREF rgb) { rgbLink[1] = rgb; }
+    static void SetActiveLinkColor(COLORREF rgb) { rgbLink[1] = rgb; } ///< of a pressed one
     // Derive a font: addHeight makes it larger, weight (FW_, 0: as it is), italic and strikeOut set
     // what is not zero, faceName may be null. The first two change the fonts of all plain buttons,
     // or of all links, the last one that of this button.
+    /// Derives the font of all plain buttons.
     static void SetTextFontProperties(int addHeight, long weight, int italic, int strikeOut,
                                       const wchar_t* faceName);
+    /// Derives the font of all links.
     static void SetLinkFontProperties(int addHeight, long weight, int italic, int strikeOut,
                                       const wchar_t* faceName);
+    /// Derives the font of this button alone.
     void SetThisFontProperties(int addHeight, long weight, int italic, int strikeOut,
                                const wchar_t* faceName);
 
@@ -102,11 +107,12 @@ class TESSALY_API IconBtn : public CSCtrl {
     void DrawLabel(HDC hdc, const Look& look, RECT& rc);
 };
 
-/// The close and the minimise button of a dialog that draws its own caption.
+/// The close button of a dialog that draws its own caption.
 class TESSALY_API CSCloseBtnForDlg : public IconBtn {
   public:
     CSCloseBtnForDlg();
 };
+/// The minimise button of such a dialog.
 class TESSALY_API CSMinimizeBtnForDlg : public IconBtn {
   public:
     CSMinimizeBtnForDlg();

@@ -6,9 +6,9 @@
 
 /// Flags of an ImageBtn. Without one of the first two the image stands at the top, or at the left.
 enum ImageBtnFlag : unsigned long {
-    kImageCenterVertically = 1,
-    kImageCenterHorizontally = 2,
-    kImageNoFocusFrame = 8, // in bitmap mode
+    kImageCenterVertically = 1,   // in the button's height
+    kImageCenterHorizontally = 2, // in the button's width
+    kImageNoFocusFrame = 8,       // in bitmap mode
 };
 
 /// A description of an ImageBtn, so that a table of buttons can be written down. Made as an
@@ -18,12 +18,12 @@ class TESSALY_API ImageBtnDescriptor {
     ImageBtnDescriptor(const ImageBtnDescriptor&) = default;            // owns nothing
     ImageBtnDescriptor& operator=(const ImageBtnDescriptor&) = default; // copies the whole record
 
-    int idBitmap = 0; // or 0
-    unsigned short wStateMap = 0;
-    int idIcon[5] = {}; // normal, hover, pressed, disabled, focus
-    HINSTANCE hInstance = nullptr;
-    int cxImage = 0, cyImage = 0;
-    unsigned long dwFlags = 0;
+    int idBitmap = 0;              // or 0
+    unsigned short wStateMap = 0;  // of a strip, see ImageBtn::kAllFrames
+    int idIcon[5] = {};            // normal, hover, pressed, disabled, focus
+    HINSTANCE hInstance = nullptr; // the module with the resources
+    int cxImage = 0, cyImage = 0;  // pixels of one image
+    unsigned long dwFlags = 0;     // ImageBtnFlag
 
   protected:
     ImageBtnDescriptor() = default;
@@ -32,14 +32,18 @@ class TESSALY_API ImageBtnDescriptor {
               int idDisabled, int idFocus, unsigned long flags);
 };
 
+/// A button with a strip of images: ImageBtn::LoadBmp's arguments.
 class TESSALY_API ImageBtnBmp : public ImageBtnDescriptor {
   public:
+    /// Fills the description.
     ImageBtnBmp(int cx, int cy, HINSTANCE hinst, int idBmp, unsigned short stateMap,
                 unsigned long flags);
 };
 
+/// A button with an icon for each state: ImageBtn::LoadIconW's arguments.
 class TESSALY_API ImageBtnIcon : public ImageBtnDescriptor {
   public:
+    /// Fills the description.
     ImageBtnIcon(int cx, int cy, HINSTANCE hinst, int idNormal, int idHover, int idPressed,
                  int idDisabled, int idFocus, unsigned long flags);
 };
@@ -57,11 +61,13 @@ class TESSALY_API ImageBtn : public CSCtrl {
     static constexpr unsigned short kAllFrames = 054321;
 
     ImageBtn() = default;
+    /// Loads a strip (LoadBmp).
     ImageBtn(int cx, int cy, HINSTANCE hinst, int idBmp, unsigned short stateMap,
              unsigned long flags);
+    /// Loads icons (LoadIconW).
     ImageBtn(int cx, int cy, HINSTANCE hinst, int idNormal, int idHover, int idPressed,
              int idDisabled, int idFocus, unsigned long flags);
-    explicit ImageBtn(const ImageBtnDescriptor& button);
+    explicit ImageBtn(const ImageBtnDescriptor& button); ///< Loads what it describes.
 
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
     void OnInit() override;
@@ -76,7 +82,7 @@ class TESSALY_API ImageBtn : public CSCtrl {
                    int idDisabled, int idFocus, unsigned long flags);
     /// A checked button looks pressed.
     void Check(int bOn);
-    int IsChecked() const { return bChecked; }
+    int IsChecked() const { return bChecked; } ///< Whether it is checked.
 
   protected:
     int bIconMode = 0;

@@ -59,16 +59,21 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
     void Init(CSDlg* pDlg, unsigned int nId, int nLow, int nHigh, int nPos);
 
     // ProgressEx's, of this bar.
-
+    /// Range and position at once.
     void Setup(int nLow, int nHigh, int nPos) { progressEx.Setup(nLow, nHigh, nPos); }
+    /// Range and position at once.
     void Setup64(__int64 qnLow, __int64 qnHigh, __int64 qnPos) {
         progressEx.Setup(qnLow, qnHigh, qnPos);
     }
+    /// The range in real units.
     void SetRange64(__int64 qnLow, __int64 qnHigh) { progressEx.SetRange64(qnLow, qnHigh); }
-    void SetPos64(__int64 qnPos) { progressEx.SetPos64(qnPos); }
+    void SetPos64(__int64 qnPos) { progressEx.SetPos64(qnPos); } ///< The position in real units.
+    /// One real unit is done. 1 if that moved the bar.
     int StepIt() { return progressEx.StepIt(); }
+    /// Whether somebody wants the work to stop.
     int IsCanceled() const { return progressEx.IsCanceled(); }
-    void Cancel(int bCancel) { progressEx.Cancel(bCancel); }
+    void Cancel(int bCancel) { progressEx.Cancel(bCancel); } ///< Sets or clears that mark.
+    /// The arithmetic itself, which stays this object's.
     ProgressEx* GetProgressEx() { return &progressEx; }
 
     /// The dialog's items that are the lines 0 to 3, each emptied; 0 is none.
@@ -77,6 +82,7 @@ class TESSALY_API CSProgressCtrl : public CSCtrl {
     void SetText(int nLine, const wchar_t* pszText);
     /// The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
     void SetText(int nLine, const wchar_t* pszFormat, ArgList args);
+    /// SetText, formatted with the arguments.
     void SetTextFmt(int nLine, const wchar_t* pszFormat, ...);
 
     /// From now on the bar shows on the taskbar's button of that window too; null ends that. Before

@@ -38,12 +38,14 @@ class TESSALY_API Progress {
 
     // Text. Formats are FormatText's (runtime/text/text_format.h), cut at 1,023 characters.
 
-    void SetTitle(const wchar_t* pszNew);
+    void SetTitle(const wchar_t* pszNew); ///< The dialog's title.
+    /// The dialog's title, formatted with the arguments.
     void SetTitleFmt(const wchar_t* pszFormat, ...);
     /// Lines are 0 to 3; others are ignored. Null and the empty text empty the line.
     void SetText(int nLine, const wchar_t* pszNew);
+    /// SetText, formatted with the arguments.
     void SetTextFmt(int nLine, const wchar_t* pszFormat, ...);
-    /// For a dialog that comes up from now on; 0 stands for 4.
+    /// The lines in use, for a dialog that comes up from now on; 0 stands for 4.
     void SetLinesCount(unsigned nCount);
 
     // Numbers, in real units.
@@ -51,11 +53,11 @@ class TESSALY_API Progress {
     /// Range 0 to nMax, position 0, the title, and the text of line 1: strings by their ids
     /// (runtime/messages/res_str.h), empty where there is none.
     void Init(unsigned nMax, unsigned nTitleId, unsigned nTextId);
-    /// Also sets the bar's position to 0 if there is a dialog.
+    /// The range. Also sets the bar's position to 0 if there is a dialog.
     void SetRange(int nLow, int nHigh);
     void SetRange64(__int64 qnLow, __int64 qnHigh);
-    void SetPos(long lPos);
-    void SetPos64(__int64 qnPos);
+    void SetPos(long lPos);       ///< The position, within the range.
+    void SetPos64(__int64 qnPos); ///< The position, within the range.
     /// What was set and stepped, whether or not there is a dialog.
     __int64 GetPos64() const { return nPos; }
     /// Made to be called for every byte: before the dialog is due it costs little more than the
@@ -89,15 +91,15 @@ class TESSALY_API Progress {
     /// interval of 0 is no ticker. *pdwResult is written when the dialog ends, not later than Close
     /// returns.
     void EnableTicker(unsigned long dwIntervalMs, unsigned long dwMax, unsigned long* pdwResult);
-    void PauseTicker(int bPause);
+    void PauseTicker(int bPause); ///< Non-zero holds the ticker, 0 lets it go on.
 
     // What the dialog has; good until it ends, which the user can do.
 
-    HWND GetDlg() { return GetDlgHWND(); }
-    HWND GetDlgHWND();
-    CSProgressCtrl* GetProgressCtrl();
-    ProgressEx* GetProgressEx();
-    ProgressTicker* GetTicker();
+    HWND GetDlg() { return GetDlgHWND(); } ///< GetDlgHWND under another name.
+    HWND GetDlgHWND();                     ///< The dialog's window; null without one.
+    CSProgressCtrl* GetProgressCtrl();     ///< The dialog's bar; null without a dialog.
+    ProgressEx* GetProgressEx();           ///< The arithmetic of that bar; null without a dialog.
+    ProgressTicker* GetTicker();           ///< The ticker; null without one.
 
   protected:
     /// The only way in: brings the dialog up and hands over what was stored; nothing while there is

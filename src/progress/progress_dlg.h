@@ -53,18 +53,18 @@ class TESSALY_API ProgressDlg : public CSDlg {
     __int64 OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam) override;
     /// Asks the user; only Yes cancels. 1.
     __int64 OnCancel() override;
-    void OnResize(int dw, int dh) override;
+    void OnResize(int dw, int dh) override; ///< The controls follow the width.
     void OnInitRect(RECT& rc) override;
     void DoClose(int nResult) override;
 
-    void SetTitle(const wchar_t* pszNew);
-    void SetText(int nLine, const wchar_t* pszNew);
-    /// Also sets the position to 0.
+    void SetTitle(const wchar_t* pszNew);           ///< The window's text.
+    void SetText(int nLine, const wchar_t* pszNew); ///< A line's text; null empties it.
+    /// The range. Also sets the position to 0.
     void SetRange(int nLow, int nHigh);
     void SetRange64(__int64 qnLow, __int64 qnHigh);
-    void SetPos(long lPos);
-    void SetPos64(__int64 qnPos);
-    void StepIt();
+    void SetPos(long lPos);       ///< The position, within the range.
+    void SetPos64(__int64 qnPos); ///< The position, within the range.
+    void StepIt();                ///< One real unit is done.
     /// A ticker on the bar, in place of the one there is; see ProgressTicker.
     void EnableTicker(unsigned long dwIntervalMs, unsigned long dwMax, unsigned long* pdwResult);
     /// Nothing without a ticker.

@@ -52,32 +52,32 @@ class TESSALY_API ProgressEx {
     virtual void SetText(int nLine, const wchar_t* pszFormat, char* pArgs);
 
   public:
-    /// The bar moves by one unit, to a position, gets its range.
+    /// The bar moves by one unit.
     virtual void DoStepIt() = 0;
-    virtual void DoSetPos(int nBarPos) = 0;
-    virtual void DoSetRange(int nBarLow, int nBarHigh) = 0;
+    virtual void DoSetPos(int nBarPos) = 0;                 ///< The bar moves to a position.
+    virtual void DoSetRange(int nBarLow, int nBarHigh) = 0; ///< The bar gets its range.
     /// Dispatches the calling thread's waiting messages. 0 if WM_QUIT was among them.
     virtual int ProcessAllMessages() = 0;
 
     /// SetRange64, then SetPos64.
     void Setup(__int64 qnLow, __int64 qnHigh, __int64 qnPos);
-    /// In real units. Chooses the divisor, so that the bar's numbers stay within 16 bits where 32
-    /// bits of divisor are enough for that; a reversed or empty range is passed on as it is. The
-    /// position stays as it was in bar units.
+    /// The range in real units. Chooses the divisor, so that the bar's numbers stay within 16 bits
+    /// where 32 bits of divisor are enough for that; a reversed or empty range is passed on as it
+    /// is. The position stays as it was in bar units.
     void SetRange64(__int64 qnLow, __int64 qnHigh);
-    /// In real units.
+    /// The position in real units.
     void SetPos64(__int64 qnPos);
     /// One real unit is done. 1 if that moved the bar, 0 if not yet.
     int StepIt() { return CountSubStep() ? StepBar() : 0; }
     /// Sets or clears the mark that the user wants to stop; the worker asks for it.
     void Cancel(int bCancel);
-    int IsCanceled() const;
-    /// As ProgressTracker::Pause.
+    int IsCanceled() const; ///< Whether Cancel set the mark.
+    /// Begins or ends a pause, as ProgressTracker::Pause.
     void Pause(int bPause);
-    /// 0 for an empty range.
+    /// How much is done, of 100; 0 for an empty range.
     int GetPercentCompleted() const;
-    /// By the average of the steps so far; 0 as long as none was timed. A hint: from about 4,294
-    /// seconds on it begins at 0 again.
+    /// How long it still takes, by the average of the steps so far; 0 as long as none was timed. A
+    /// hint: from about 4,294 seconds on it begins at 0 again.
     unsigned GetSecondsRemaining() const;
     /// The same as a text (GetTextRemaining in runtime/text/str_format.h). 1; 0 and an empty text
     /// for 0 seconds.

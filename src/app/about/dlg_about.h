@@ -37,11 +37,11 @@ class TESSALY_API DlgAboutHandler : public WMHook {
 /// pages.
 class TESSALY_API DlgAbout : public CSDlg {
   public:
-    explicit DlgAbout(int nUnused);
+    explicit DlgAbout(int nUnused); ///< The number has no meaning.
 
   private:
     DlgAboutHandler handler;
 };
 
-/// Shows one and returns when it is closed, with CSDlg::Modal's result.
+/// Shows one until it is closed. Returns CSDlg::Modal's result.
 TESSALY_API int DoAbout(HWND hwnd, int nUnused);

@@ -16,11 +16,12 @@ class TESSALY_API ProductInfo {
     ProductInfo(const ProductInfo&) = delete; // owns the pushed root
     ProductInfo& operator=(const ProductInfo&) = delete;
 
+    /// The number by which the maker's programs know each other.
     virtual unsigned short GetID() = 0;
-    virtual const wchar_t* GetStoreID() = 0;
-    virtual const wchar_t* GetName() = 0;
-    virtual const wchar_t* GetNickName() = 0;
-    virtual const wchar_t* GetDisplayName() = 0;
+    virtual const wchar_t* GetStoreID() = 0;  ///< The name by which a shop knows it, in lower case.
+    virtual const wchar_t* GetName() = 0;     ///< The name, without edition and version.
+    virtual const wchar_t* GetNickName() = 0; ///< The short name, for titles.
+    virtual const wchar_t* GetDisplayName() = 0; ///< The name that users read.
     /// 1 if the name is a registered trade mark.
     virtual int IsNameRegTM() = 0;
     /// The version as "major.minor".
@@ -34,19 +35,22 @@ class TESSALY_API ProductInfo {
     virtual unsigned GetVersionNum() = 0;
     /// Four parts of 16 bits: major, minor, build, revision.
     virtual unsigned long long GetVersionQWORD() = 0;
-    virtual const wchar_t* GetLanguage() = 0;
-    virtual const wchar_t* GetRevisionStr() = 0;
-    virtual unsigned GetRevisionNum() = 0;
-    virtual const wchar_t* GetEditionShort() = 0;
-    virtual const wchar_t* GetEdition() = 0;
-    virtual const wchar_t* GetForOS() = 0;
-    virtual const wchar_t* GetCopyrightYear() = 0;
-    virtual const wchar_t* GetHelpFile() = 0;
+    virtual const wchar_t* GetLanguage() = 0;     ///< The language of its texts, such as "en".
+    virtual const wchar_t* GetRevisionStr() = 0;  ///< The revision as text.
+    virtual unsigned GetRevisionNum() = 0;        ///< The revision, of 16 bits.
+    virtual const wchar_t* GetEditionShort() = 0; ///< The edition in a word, such as "x64".
+    virtual const wchar_t* GetEdition() = 0;      ///< The edition as users read it.
+    virtual const wchar_t* GetForOS() = 0;        ///< The systems that it is for, as users read it.
+    virtual const wchar_t* GetCopyrightYear() = 0; ///< The first year of the notice.
+    virtual const wchar_t* GetHelpFile() = 0;      ///< The name of the help file.
+    /// The name of the program that checks for updates.
     virtual const wchar_t* GetAutoUpdateFile() = 0;
     /// A resource id: an int in 32 bits, negative for an icon of the library.
     virtual unsigned GetIconID() = 0;
-    virtual HINSTANCE GetIconInstance() = 0;
+    virtual HINSTANCE GetIconInstance() = 0; ///< The module that GetIconID's icon lies in.
+    /// For whom this edition was made. The default is the empty text: for nobody.
     virtual const wchar_t* GetOEMStr();
+    /// The title of message boxes. The default is the nickname.
     virtual const wchar_t* GetMsgTitle();
     /// Nickname, edition and version into a buffer of that many characters, cut to fit. Nothing for
     /// a buffer of 0 characters or fewer.
@@ -55,15 +59,15 @@ class TESSALY_API ProductInfo {
     /// The registry path below which the settings live: the pushed root, else that of the current
     /// AppInstance, else the product's own, which is made from its names if it is empty.
     const wchar_t* GetAppRootKey();
-    /// For the current AppInstance if that has a root, otherwise the product's own; cut to
-    /// kRootKeySize - 1 characters. Null is the empty text.
+    /// Sets the root for the current AppInstance if that has a root, otherwise the product's own;
+    /// cut to kRootKeySize - 1 characters. Null is the empty text.
     void SetAppRootKey(const wchar_t* pszRoot);
     /// Sets the pushed root, which goes before all others. Null, the empty text and a lack of
     /// memory clear it, as PopAppRootKey does.
     // QUIRK: there is no stack: a second push drops the first, and one pop then leaves none.
     // Test: ProductInfoTest.TwoPushesAndOnePopLeaveNoPushedRoot
     void PushAppRootKey(const wchar_t* pszRoot);
-    void PopAppRootKey();
+    void PopAppRootKey(); ///< Clears the pushed root; nothing if there is none.
 
     /// The module of the current AppInstance, or the library.
     HINSTANCE GetAppInstance();
@@ -81,10 +85,12 @@ class TESSALY_API ProductInfo {
 
     // The company message (wnd/core/company_msg.h).
 
-    /// To all top-level windows; does not wait for other threads. 1, or 0 if the platform refused.
+    /// Posts to all top-level windows; does not wait for other threads. 1, or 0 if the platform
+    /// refused.
     int BroadcastMyMessage(WPARAM nCode, LPARAM lValue);
-    /// To one window, as PostMyCompanyMsg and SendMyCompanyMsg.
+    /// PostMyCompanyMsg to one window, with its result.
     int PostMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
+    /// SendMyCompanyMsg to one window. The window's answer.
     LRESULT SendMyMessage(HWND hwnd, WPARAM nCode, LPARAM lValue);
     /// Tells all modules of this product to close and gives them that many seconds, each of which
     /// is a step of pProgress (null: none). hwnd is not used.
@@ -95,7 +101,7 @@ class TESSALY_API ProductInfo {
     /// How a progress is advanced by a step. The progress dialogs, which this file may not include,
     /// put their function here; null means that there is no progress to advance.
     using StepProgressFunc = int(ProgressEx*);
-    static StepProgressFunc* pfnStepProgress;
+    static StepProgressFunc* pfnStepProgress; // borrowed; null: there is no progress to advance
 
   protected:
     constexpr ProductInfo() noexcept = default;
@@ -122,10 +128,10 @@ class TESSALY_API AppInstance {
 
     /// Copies the root. Null, the empty text and a lack of memory leave none.
     void SetAppRootKey(const wchar_t* pszRoot);
-    /// Null if there is no root or it is empty.
+    /// The component's root; null if there is no root or it is empty.
     const wchar_t* GetAppRootKey();
-    HINSTANCE GetInstance() const { return hinst; }
-    /// Null if there is none.
+    HINSTANCE GetInstance() const { return hinst; } ///< The component's module.
+    /// The component's name; null if there is none.
     const wchar_t* GetComponent() const { return pszComponent; }
 
     /// The life of the list's lock, for the library's start and end alone.

@@ -24,13 +24,14 @@ TESSALY_API int MakeGoOnlineURL(wchar_t* pszBuffer, int cchBuffer, const wchar_t
 /// Open one of the maker's pages without a question; results are OpenHTML's, or 0 for an address
 /// that does not fit.
 TESSALY_API int GoOnline(HWND hwnd, const wchar_t* pszPage);
-/// The page for rating this product.
+/// GoOnline with the page for rating this product.
 TESSALY_API int GoWinStore(HWND hwnd);
-/// The address also tells product, version, revision and language, and the culture unless that is
-/// null.
+/// GoOnline with an address that also tells product, version, revision and language, and the
+/// culture unless that is null.
 TESSALY_API int GoOnline_Lang(HWND hwnd, const wchar_t* pszPage, const wchar_t* pszCulture);
 /// GoOnline_Lang for the pages about the product's translations.
 TESSALY_API int GoOnline_ImproveTranslation(HWND hwnd, const wchar_t* pszCulture);
+/// The page on which users translate, otherwise as GoOnline_ImproveTranslation.
 TESSALY_API int GoOnline_Translate(HWND hwnd, const wchar_t* pszCulture);
 
 // Which program the registry names for files and addresses. Buffers have room for 260 characters

@@ -14,9 +14,10 @@
 // The owner of what the shell shows is the last active pop-up of the thread's active window, or
 // none, where no window is given.
 
+/// Starts a program, or opens a document with its own.
 TESSALY_API int RunFile(const wchar_t* pszFile, const wchar_t* pszParameters,
                         const wchar_t* pszDirectory, const wchar_t* pszVerb);
-/// With SEE_MASK_... flags of its own and one of SW_...
+/// RunFile with SEE_MASK_... flags of its own, one of SW_... and a process handle.
 TESSALY_API int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters,
                           const wchar_t* pszDirectory, const wchar_t* pszVerb, ULONG nMask,
                           HANDLE* phProcess, int nShow);
@@ -24,8 +25,8 @@ TESSALY_API int RunFileEx(const wchar_t* pszFile, const wchar_t* pszParameters,
 [[nodiscard]] TESSALY_API HANDLE StartProcess(const wchar_t* pszFile, const wchar_t* pszParameters,
                                               const wchar_t* pszDirectory);
 
-/// An item of the shell's namespace, by its list counted from the desktop. hwnd, which may be null,
-/// owns what the shell shows. No wait cursor.
+/// Opens an item of the shell's namespace, by its list counted from the desktop. hwnd, which may be
+/// null, owns what the shell shows. No wait cursor.
 TESSALY_API int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
                         const wchar_t* pszVerb);
 /// RunPidl with parameters and a process handle. The owner is the last active pop-up of hwnd or,
@@ -33,26 +34,26 @@ TESSALY_API int RunPidl(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDir
 TESSALY_API int RunPidlEx(HWND hwnd, const ITEMIDLIST* pidl, const wchar_t* pszDirectory,
                           const wchar_t* pszParameters, const wchar_t* pszVerb, HANDLE* phProcess);
 
-/// The file of that name in the home folder (GetLocalPath). Null for hwnd is the desktop's window.
-/// 0 also if the path does not fit into 260 characters.
+/// Starts the file of that name in the home folder (GetLocalPath). Null for hwnd is the desktop's
+/// window. 0 also if the path does not fit into 260 characters.
 TESSALY_API int RunLocalFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                              const wchar_t* pszVerb);
-/// The file of that name beside this library (GetSatellitePath), otherwise as RunLocalFile.
+/// Starts the file of that name beside this library (GetSatellitePath), otherwise as RunLocalFile.
 TESSALY_API int RunSatelliteFile(HWND hwnd, const wchar_t* pszName, const wchar_t* pszParameters,
                                  const wchar_t* pszVerb);
 
-/// This process's program once more, in its folder. 0 also if its path does not fit into 260
+/// Starts this process's program once more, in its folder. 0 also if its path does not fit into 260
 /// characters.
 TESSALY_API int RunMyself(const wchar_t* pszParameters);
-/// This process's program once more as administrator; before Windows Vista that is asked for only
-/// where the user is none. Null for hwnd is the desktop's window.
+/// Starts this process's program once more as administrator; before Windows Vista that is asked for
+/// only where the user is none. Null for hwnd is the desktop's window.
 TESSALY_API int RunMyselfElevated(HWND hwnd, const wchar_t* pszParameters, HANDLE* phProcess);
-/// As administrator. Null for hwnd is the shell's window "Progman".
+/// Starts it as administrator. Null for hwnd is the shell's window "Progman".
 TESSALY_API int RunAs(HWND hwnd, const wchar_t* pszFile, const wchar_t* pszParameters,
                       const wchar_t* pszDirectory, HANDLE* phProcess);
 
-/// "RunDll32.exe" of the system folder with this library, a comma and the arguments, which begin
-/// with an exported function's name. 0 also if they do not fit into 1,024 characters.
+/// Starts "RunDll32.exe" of the system folder with this library, a comma and the arguments, which
+/// begin with an exported function's name. 0 also if they do not fit into 1,024 characters.
 TESSALY_API int RunDll32(const wchar_t* pszArguments);
 
 /// The program that calls an exported function of a library.
@@ -67,15 +68,15 @@ constexpr const wchar_t* kRunDll32 = L"RunDll32.exe";
 
 /// What ShellExecuteExW is asked for. Texts may be null.
 struct ShellStart {
-    HWND hwnd = nullptr;
-    const wchar_t* pszVerb = nullptr;
-    const wchar_t* pszFile = nullptr;
-    const wchar_t* pszParameters = nullptr;
-    const wchar_t* pszDirectory = nullptr; // an empty one is none
-    const ITEMIDLIST* pidl = nullptr;
-    ULONG nMask = 0; // SEE_MASK_...; that for the process handle is added
-    int nShow = SW_SHOWNORMAL;
-    HANDLE* phProcess = nullptr; // null: not wanted
+    HWND hwnd = nullptr;                    // owns what the shell shows; null: nobody
+    const wchar_t* pszVerb = nullptr;       // null: the file's default one
+    const wchar_t* pszFile = nullptr;       // the program or document
+    const wchar_t* pszParameters = nullptr; // what a program is told
+    const wchar_t* pszDirectory = nullptr;  // an empty one is none
+    const ITEMIDLIST* pidl = nullptr;       // in the place of a file
+    ULONG nMask = 0;                        // SEE_MASK_...; that for the process handle is added
+    int nShow = SW_SHOWNORMAL;              // SW_...
+    HANDLE* phProcess = nullptr;            // null: not wanted
 };
 
 /// Whether the shell did it. *phProcess gets the new process, null if there is none; the caller

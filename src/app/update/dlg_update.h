@@ -16,8 +16,8 @@
 class TESSALY_API DlgUpdateBase : public CSDlg {
   public:
     /// The numbers by which the dialogs are known (CSDlg::activationTag).
-    static constexpr unsigned short kCheckNumber = 109;
-    static constexpr unsigned short kGetNumber = 108;
+    static constexpr unsigned short kCheckNumber = 109; // DlgCheckForUpdates
+    static constexpr unsigned short kGetNumber = 108;   // DlgGetUpdates
 
     /// nInitial is the index that the list has at first, a Check4UpdatesFreq. Where the template is
     /// and who owns the dialog, for Show; null are this library and nobody.
@@ -76,7 +76,7 @@ class TESSALY_API DlgGetUpdates : public DlgUpdateBase {
 
     __int64 OnInitDialog(unsigned __int64 wParam, __int64 lParam) override;
     void OnButtonClicked(unsigned short nId) override;
-    /// As that of DlgCheckForUpdates.
+    /// As DlgCheckForUpdates::Show.
     int Show();
 
   protected:

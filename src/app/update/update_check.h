@@ -11,7 +11,7 @@ constexpr const wchar_t* kCheckEventName = L"Global\\Tessaly_CHECK4UPDATES_EVENT
 /// The switches of the program, in any case of letters: the check that only speaks if there is an
 /// update, and the one for a person.
 constexpr const wchar_t* kSilentCheckSwitch = L"/CHECK4UPDATES";
-constexpr const wchar_t* kCheckSwitch = L"check4updates";
+constexpr const wchar_t* kCheckSwitch = L"check4updates"; ///< The check for a person.
 
 /// Does what is due by the schedule (app/update/update_state.h). Nothing while another call runs
 /// anywhere, or while a DlgCheckForUpdates is open anywhere, which is brought forward. The first

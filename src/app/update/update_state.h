@@ -11,10 +11,10 @@ class RegKey;
 
 /// How often to check. Any other number counts as kCheckNever.
 enum Check4UpdatesFreq : unsigned {
-    kCheckDaily = 0,
-    kCheckWeekly = 1,
-    kCheckMonthly = 2,
-    kCheckNever = 3,
+    kCheckDaily = 0,              // every day
+    kCheckWeekly = 1,             // every 7 days
+    kCheckMonthly = 2,            // every 30 days
+    kCheckNever = 3,              // not by itself
     kCheckUnchanged = 0xFFFFFFFF, // for SetCheck4UpdatesSettings alone
 };
 
@@ -49,7 +49,7 @@ class TESSALY_API UpdateState {
     unsigned GetDaysSinceLastUpdate() const;
     /// The days of the frequency: 1, 7, 30, and 3,650 for never.
     unsigned DaysFromFreq() const;
-    int IsDisabled() const { return dwNextUpdate == kDisabled; }
+    int IsDisabled() const { return dwNextUpdate == kDisabled; } ///< Whether no check is ever due.
 
     DWORD dwLastUpdate = 0; // 0: never; its lowest bit is clear
     DWORD dwNextUpdate = 0; // 0: none is scheduled
@@ -66,8 +66,9 @@ DWORD AddUpdateJitter(DWORD dwTime);
 
 /// As flags of EnforceCheckForUpdates; the frequency is the low four bits.
 constexpr unsigned kForceAutoCheckOn = 16; // together with the next one: on; without this one: off
+/// whether checks are automatic is forced, by kForceAutoCheckOn
 constexpr unsigned kForceAutoCheck = 32;
-constexpr unsigned kForceFrequency = 64;
+constexpr unsigned kForceFrequency = 64; // the frequency is forced
 
 /// Forces settings in this process for the rest of its life: what is forced is neither read from
 /// the registry nor written there. A part whose flag is missing stays as it was.

@@ -8,6 +8,7 @@
 /// Sets the error mode (SEM_..., winbase.h) for its lifetime. The mode is the whole process'.
 class TESSALY_API ErrorModeSuppressor {
   public:
+    /// The mode for the lifetime.
     explicit ErrorModeSuppressor(UINT nMode) : nPrevious(::SetErrorMode(nMode)) {}
     ErrorModeSuppressor(const ErrorModeSuppressor&) = delete; // puts the mode back once
     ErrorModeSuppressor& operator=(const ErrorModeSuppressor&) = delete;

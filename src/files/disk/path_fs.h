@@ -10,18 +10,18 @@
 /// INVALID_FILE_ATTRIBUTES if there is none.
 TESSALY_API DWORD GetFileAttributes2(const wchar_t* pszPath);
 
-// There is a file, a folder, either of them; asked by GetFileAttributes2, so that a mask counts as
-// the first name that fits it.
+// 1 if there is a file, a folder, either of them; asked by GetFileAttributes2, so that a mask
+// counts as the first name that fits it.
 TESSALY_API int FileExists(const wchar_t* pszPath);
 TESSALY_API int FolderExists(const wchar_t* pszPath);
 TESSALY_API int FileOrFolderExists(const wchar_t* pszPath);
-// There is a file, a folder, either of them; asked by GetFileAttributesW alone, which knows no
+// 1 if there is a file, a folder, either of them; asked by GetFileAttributesW alone, which knows no
 // masks.
 TESSALY_API int IsFileExists(const wchar_t* pszPath);
 TESSALY_API int IsFolderExists(const wchar_t* pszPath);
 TESSALY_API int IsFileOrFolderExists(const wchar_t* pszPath);
 
-/// In bytes; 0 if there is no such file.
+/// The file's size in bytes; 0 if there is no such file.
 TESSALY_API unsigned __int64 FileSize(const wchar_t* pszPath);
 
 /// Puts the short name of the file or folder (its last name alone) into cchOut characters, cut to

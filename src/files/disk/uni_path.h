@@ -10,7 +10,9 @@ class TESSALY_API UniPath {
   public:
     UniPath() = default;
     // Path tells whether a text is held then.
+    /// Open with the path.
     explicit UniPath(const wchar_t* pszPath) { static_cast<void>(Open(pszPath)); }
+    /// Open with the other object's text.
     explicit UniPath(UniPath* pOther) { static_cast<void>(Open(pOther)); }
     UniPath(const UniPath&) = default;            // shares the text
     UniPath& operator=(const UniPath&) = default; // shares it; the old one is not freed
@@ -36,7 +38,7 @@ class TESSALY_API UniPath {
 
     /// There is a folder under that path (::FolderExists).
     int IsContainer() const;
-    /// There is a file under that path (::FileExists).
+    /// 1 if there is a file under that path (::FileExists).
     int FileExists() const;
     /// Somebody else keeps the file open, or it cannot be written (::IsFileInUse).
     int IsFileInUse() const;

@@ -5,10 +5,10 @@
 struct IFileOperation; // shobjidl.h; for older targets files/operations/file_operation_object.h
 
 // What CSFile::IFileOp, whose class stands in files/text/cs_file.h, is told.
-constexpr unsigned kFileOpMove = 1;
-constexpr unsigned kFileOpCopy = 2;
-constexpr unsigned kFileOpDelete = 3;
-constexpr unsigned kFileOpRename = 4;
+constexpr unsigned kFileOpMove = 1;   // into another folder
+constexpr unsigned kFileOpCopy = 2;   // into another folder
+constexpr unsigned kFileOpDelete = 3; // a file or folder
+constexpr unsigned kFileOpRename = 4; // within its folder
 
 /// Owns the platform's file operation object, and COM on the calling thread where nobody had
 /// initialised it. An object belongs to the thread that made it.

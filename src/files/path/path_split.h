@@ -9,14 +9,15 @@
 
 // Places in a path: first in one that stays as it is, then in one that the caller may change
 
-/// Behind the last separator or ":", else the start. Behind a separator at the end that is the
-/// terminator.
+/// The place behind the last separator or ":", else the start. Behind a separator at the end that
+/// is the terminator.
 TESSALY_API const wchar_t* LocateFileName(const wchar_t* pszPath);
 TESSALY_API wchar_t* LocateFileName(wchar_t* pszPath);
 /// The last "." of the name that LocateFileName finds; null if it has none.
 TESSALY_API const wchar_t* LocateFileExt(const wchar_t* pszPath);
 TESSALY_API wchar_t* LocateFileExt(wchar_t* pszPath);
-/// Behind the last separator, else the start; a ":" does not count. Null if nothing stands there.
+/// The place behind the last separator, else the start; a ":" does not count. Null if nothing
+/// stands there.
 TESSALY_API const wchar_t* FindNameExt(const wchar_t* pszPath);
 TESSALY_API wchar_t* FindNameExt(wchar_t* pszPath);
 /// The last "." of the whole text, which may be a folder's; null if there is none.
@@ -25,7 +26,7 @@ TESSALY_API wchar_t* FindDotExt(wchar_t* pszPath);
 /// The last separator; null if there is none.
 TESSALY_API const wchar_t* FindLastSeparator(const wchar_t* pszPath);
 TESSALY_API wchar_t* FindLastSeparator(wchar_t* pszPath);
-/// Cuts off one separator at the end, then finds what LocateFileName finds.
+/// Cuts off one separator at the end. Returns what LocateFileName then finds.
 TESSALY_API wchar_t* FindLastPathComponent(wchar_t* pszPath);
 
 // Cutting in place. A null path is left alone.

@@ -13,7 +13,7 @@
 class TESSALY_API CoreFile : public CoreIOObj {
   public:
     CoreFile() = default;
-    CoreFile(const wchar_t* pszPath, int bToWrite);
+    CoreFile(const wchar_t* pszPath, int bToWrite); ///< Open: IsReady tells whether it is.
     CoreFile(const wchar_t* pszPath, DWORD nAccess, DWORD nShare, DWORD nDisposition, DWORD nFlags);
     CoreFile(const CoreFile&) = delete; // owns the handle
     CoreFile& operator=(const CoreFile&) = delete;
@@ -21,9 +21,9 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// Forgets the handle without closing it.
     void InitCoreFile();
 
-    /// For writing (and reading, shared with nobody) a missing file is made; one that exists keeps
-    /// its contents, with the position at its start: only SetEndOfFile cuts. For reading the file
-    /// is shared with readers only and must exist.
+    /// Opens a file. For writing (and reading, shared with nobody) a missing file is made; one that
+    /// exists keeps its contents, with the position at its start: only SetEndOfFile cuts. For
+    /// reading the file is shared with readers only and must exist.
     // QUIRK: a handle that is held is not closed first and is lost.
     // Test: CoreFileOpen.DoesNotCloseTheHandleThatIsHeld
     [[nodiscard]] int Open(const wchar_t* pszPath, int bToWrite);
@@ -43,8 +43,10 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// Moves the position (CoreIOObj::MoveTo64). The new one; -1 on failure.
     __int64 MoveTo64(__int64 nDistance, DWORD nMethod) override;
     int Flush() override;
-    /// cb 0 gives 1 whatever the file, and *pcbDone stays. A read that meets the end gives 0.
+    /// Reads cb bytes. With cb 0 it gives 1 whatever the file, and *pcbDone stays. A read that
+    /// meets the end gives 0.
     int ReadBin(void* pBuffer, DWORD cb, DWORD* pcbDone) override;
+    /// Writes cb bytes. With cb 0 it gives 1 whatever the file, and *pcbDone stays.
     int WriteBin(const void* pData, DWORD cb, DWORD* pcbDone) override;
 
     /// The low half of the new position, INVALID_SET_FILE_POINTER on failure. With nHigh 0 the
@@ -54,8 +56,9 @@ class TESSALY_API CoreFile : public CoreIOObj {
     DWORD MoveToEnd();
     /// The low half of the size; 0 on failure, or if it is 0xFFFFFFFF. pnHigh may be null.
     DWORD GetSize(DWORD* pnHigh);
-    // Times in UTC; each pointer may be null.
+    /// The times of the open file, in UTC; each pointer may be null.
     int GetTime(FILETIME* pftCreation, FILETIME* pftAccess, FILETIME* pftWrite);
+    /// Sets the times that are not null, in UTC.
     int SetTime(const FILETIME* pftCreation, const FILETIME* pftAccess, const FILETIME* pftWrite);
     /// Reads cb bytes there and writes them here, through pBuffer of that size.
     int CopyBinFrom(CoreFile& source, void* pBuffer, DWORD cb);
@@ -64,10 +67,10 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// nState is a COMPRESSION_FORMAT_... value, 0 for none.
     int SetCompression(int nState);
 
-    /// Write the mark that tells a text's encoding, if the position is the start of the file;
-    /// otherwise 0, and nothing is written. UTF-16LE: FF FE; UTF-8: EF BB BF.
+    /// Writes the mark of a text in UTF-16LE, FF FE, if the position is the start of the file;
+    /// otherwise 0, and nothing is written.
     int WriteUnicodeMarker();
-    int WriteUTF8Marker();
+    int WriteUTF8Marker(); ///< Writes EF BB BF, otherwise as WriteUnicodeMarker.
     /// Formats with the platform's printf rules, cut at 1,023 characters, and writes the text as
     /// UTF-16LE or as bytes, without a terminator. A line feed at the end gets its carriage return
     /// if it has none. An empty text gives 1.
@@ -84,6 +87,7 @@ class TESSALY_API CoreFile : public CoreIOObj {
     /// The low half of a file's size; *pnHigh, which may be null, gets the high one. Both are 0 if
     /// there is no such file.
     static DWORD GetSize(const wchar_t* pszPath, DWORD* pnHigh);
+    /// A file's size in bytes; 0 if there is no such file.
     static unsigned __int64 GetSize64(const wchar_t* pszPath);
     /// Times in UTC; each pointer may be null. They stay as they are if there is no such file.
     static int GetTime(const wchar_t* pszPath, FILETIME* pftCreation, FILETIME* pftAccess,
@@ -130,6 +134,7 @@ class TESSALY_API CoreFile : public CoreIOObj {
 /// rewritten. pszFilePath must outlive the guard. A file that cannot be queried is left alone.
 class TESSALY_API CoreFileAttrib {
   public:
+    /// Gives the file those attributes (FILE_ATTRIBUTE_...).
     CoreFileAttrib(const wchar_t* pszFilePath, DWORD nAttributes);
     CoreFileAttrib(const CoreFileAttrib&) = delete; // puts the attributes back once
     CoreFileAttrib& operator=(const CoreFileAttrib&) = delete;

@@ -8,11 +8,12 @@ class UniPath;
 /// otherwise; nothing is buffered here. An object belongs to one thread at a time.
 class TESSALY_API CoreIOObj {
   public:
+    /// Clears the last result: a new stream has none yet.
     CoreIOObj() { SetLastHRESULT(0); } // a new stream has no result yet
     CoreIOObj(const CoreIOObj&) = default;
     CoreIOObj& operator=(const CoreIOObj&) = default;
     virtual ~CoreIOObj();
-    virtual void Close() = 0;
+    virtual void Close() = 0; ///< Closes the stream, if it is open.
     /// The stream is open.
     virtual int IsReady() = 0;
     /// The stream was opened for writing.
@@ -44,7 +45,7 @@ class TESSALY_API CoreIOObj {
     // file for writing leaves ERROR_ALREADY_EXISTS behind.
     // Test: CoreFileOpen.ForWritingOfAnExistingFileLeavesAlreadyExists
     static long GetLastHRESULT();
-    static void SetLastHRESULT(long lNew);
+    static void SetLastHRESULT(long lNew); ///< Stores a result as the last one.
     /// Stores a platform error as the last result: a positive one becomes 0x8007xxxx, anything else
     /// stays.
     static void SetLastWin32Error(DWORD dwError);

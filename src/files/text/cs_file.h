@@ -22,6 +22,7 @@ using WipeCallback = int (*)(void* pContext, int nPass, unsigned __int64 cbWritt
 class TESSALY_API CSFile : public CoreFile {
   public:
     CSFile() = default;
+    /// CoreFile::Open: IsReady tells whether it is.
     CSFile(const wchar_t* pszPath, int bToWrite) : CoreFile(pszPath, bToWrite) {}
     CSFile(const wchar_t* pszPath, DWORD nAccess, DWORD nShare, DWORD nDisposition, DWORD nFlags)
         : CoreFile(pszPath, nAccess, nShare, nDisposition, nFlags) {}

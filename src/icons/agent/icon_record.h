@@ -53,6 +53,7 @@ unsigned __int64 MakeIconKey(const wchar_t* pszText, unsigned* pcchTaken = nullp
 /// Records that serve items by their name keys, each record one item; borrowed, and written to.
 class RecordMatcher {
   public:
+    /// The records stay the caller's and live longer than the object.
     explicit RecordMatcher(std::span<IconRecord> recordsStored) : records(recordsStored) {}
     /// The first record of that name that has served none; null if there is none left. The key 0
     /// names nothing.

@@ -17,6 +17,7 @@
 // Nothing is kept between calls, each opens the key anew. All run on the monitor's thread. A key
 // that cannot be opened makes a capture count as changed and everything else do nothing, silently.
 
+/// Characters of a snapshot's name, without the terminator.
 constexpr std::size_t kSnapshotNameLength = 16;
 
 /// So many snapshots are kept, the newest.

@@ -23,28 +23,30 @@ class TESSALY_API CSStaticHTML : public CSCtrl {
 
     // Colours and font, 0x00BBGGRR. Nothing is repainted.
 
-    void SetTextColor(COLORREF rgb) { tools.SetTextColor(rgb); }
-    COLORREF GetTextColor() const { return tools.GetTextColor(); }
-    void SetLinkColor(COLORREF rgb) { tools.SetLinkColor(rgb); }
-    COLORREF GetLinkColor() const { return tools.GetLinkColor(); }
-    void SetBkgColor(COLORREF rgb) { tools.SetBkgColor(rgb); }
-    COLORREF GetBkgColor() const { return tools.GetBkgColor(); }
-    void SetFixedFont(int bFixed) { tools.SetFixedFont(bFixed); }
-    /// Without a background of its own: the dialog's is drawn under the text.
+    void SetTextColor(COLORREF rgb) { tools.SetTextColor(rgb); }   ///< Of plain text.
+    COLORREF GetTextColor() const { return tools.GetTextColor(); } ///< The colour of plain text.
+    void SetLinkColor(COLORREF rgb) { tools.SetLinkColor(rgb); }   ///< Of links.
+    COLORREF GetLinkColor() const { return tools.GetLinkColor(); } ///< The colour of links.
+    void SetBkgColor(COLORREF rgb) { tools.SetBkgColor(rgb); }     ///< Behind the text.
+    COLORREF GetBkgColor() const { return tools.GetBkgColor(); }   ///< The colour behind the text.
+    void SetFixedFont(int bFixed) { tools.SetFixedFont(bFixed); }  ///< Or that of dialogs.
+    /// Whether it is without a background of its own: the dialog's is drawn under the text.
     void SetTransparent(int bOn) { bTransparent = bOn; }
-    int IsTransparent() const { return bTransparent; }
+    int IsTransparent() const { return bTransparent; } ///< Whether it is without one.
 
     // The text. The window's own text stays what the template made it: these are the truth.
 
+    /// Replaces the text; null is the empty one. 1; 0 when out of memory.
     int SetHTMLText(const wchar_t* pszNew);
-    /// A string as in runtime/messages/res_str.h; the empty text if it can't be had.
+    /// The same with a string as in runtime/messages/res_str.h; the empty text if it can't be had.
     int SetHTMLText(int nStringId, HINSTANCE hinst);
     /// Copies at most cch characters with the terminator. Returns GetHTMLTextLength.
     int GetHTMLText(wchar_t* pszBuffer, int cch);
+    /// Characters of the text, tags and all, without the terminator.
     unsigned GetHTMLTextLength() const { return nHTMLLength; }
     /// DrawHTML::GetHTMLTextStripTags of the text.
     unsigned GetHTMLTextStripTags(wchar_t* out, int size);
-    /// How high the text is in that rectangle, in pixels. Any context will do.
+    /// Returns how high the text is in that rectangle, in pixels. Any context will do.
     int CalcHeight(HDC hdc, RECT* prc);
     /// Makes the window text a link. With 249 characters and more the mark-up is cut at 255.
     // QUIRK: what is read is the window's own text, as the template made it.
@@ -81,7 +83,7 @@ class TESSALY_API CSStaticHTML : public CSCtrl {
 /// The title line of a dialog that has no caption: always control 21542.
 class TESSALY_API PopupTitle : public CSStaticHTML {
   public:
-    static constexpr unsigned int kCtrlId = 21542;
+    static constexpr unsigned int kCtrlId = 21542; // the control of each such line
 
     /// Ties the control. The template's text becomes the dialog's window text, and is shown.
     void InitTitle(CSDlg* pDlg);

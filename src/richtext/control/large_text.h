@@ -7,6 +7,7 @@
 class TESSALY_API LargeStaticTextCtl {
   public:
     LargeStaticTextCtl() { Setup(2, 2, FW_BOLD, nullptr); }
+    /// Setup with these.
     LargeStaticTextCtl(int multiplier, int add, long weight, const wchar_t* faceName) {
         Setup(multiplier, add, weight, faceName);
     }

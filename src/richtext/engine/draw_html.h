@@ -26,8 +26,8 @@ enum DrawMode {
 /// knows. Opening tags beyond kMaxNesting are printed.
 class TESSALY_API DrawHTML {
   public:
-    // The literals, in any case in a text: pszBra_X opens, pszKet_X closes.
-
+    /// The literals, in any case in a text: pszBra_X opens, pszKet_X closes.
+    ///@{
     static constexpr const wchar_t* pszBra_B = L"<B>";
     static constexpr const wchar_t* pszKet_B = L"</B>";
     static constexpr const wchar_t* pszBra_I = L"<I>";
@@ -104,15 +104,17 @@ class TESSALY_API DrawHTML {
     static constexpr const wchar_t* pszLT = L"&lt;";
     static constexpr const wchar_t* pszGT = L"&gt;";
     static constexpr const wchar_t* pszNBSP = L"&nbsp;";
+    ///@}
 
     /// How deep tags may nest.
     static constexpr int kMaxNesting = 256;
     /// How many may be open: crossed ones stay so without nesting, each with its font.
     static constexpr int kMaxOpenTags = 1024;
 
-    explicit DrawHTML(unsigned linkCmdID);
+    explicit DrawHTML(unsigned linkCmdID); ///< Links are commands from that id on.
     /// A copy has a lock of its own.
     DrawHTML(const DrawHTML& other);
+    /// Takes the other's state; the lock stays its own.
     DrawHTML& operator=(const DrawHTML& other);
     virtual ~DrawHTML();
 
@@ -127,11 +129,12 @@ class TESSALY_API DrawHTML {
     void OnPaint(HWND hwnd, CSDC& dc, const wchar_t* text, unsigned length, int erase,
                  DrawHTMLLinks* links, DrawHTMLTools* tools, int focused);
 
+    /// Links are commands from that id on.
     void SetLinkCmdID(unsigned linkCmdID) { idLinkCmd = linkCmdID; }
-    // The link at a point relative to the layout's top left corner: 1 or 0; its id, 0 for none; its
-    // area, null for none.
-    int IsLinkArea(DrawHTMLLinks* links, int x, int y);
-    unsigned GetLinkAreaID(DrawHTMLLinks* links, int x, int y);
+    // The link at a point relative to the layout's top left corner.
+    int IsLinkArea(DrawHTMLLinks* links, int x, int y);         ///< 1 if there is one.
+    unsigned GetLinkAreaID(DrawHTMLLinks* links, int x, int y); ///< Its id; 0 for none.
+    /// Its area; null for none.
     DrawHTMLLinkArea* FindLinkArea(DrawHTMLLinks* links, int x, int y);
 
     /// 1 if the literal stands at the cursor, in any case, which then moves behind it.

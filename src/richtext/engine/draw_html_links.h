@@ -11,6 +11,7 @@ class TESSALY_API DrawHTMLLinkArea : public CSList {
     /// Characters of a link's source that are kept.
     static constexpr int kMaxText = 512;
 
+    /// An area without rectangles, of a link with that id.
     explicit DrawHTMLLinkArea(unsigned idLinkNew = 0) : idLink(idLinkNew) {}
     ~DrawHTMLLinkArea() override;
     DrawHTMLLinkArea(const DrawHTMLLinkArea&) = delete; // owns the rectangles
@@ -22,10 +23,10 @@ class TESSALY_API DrawHTMLLinkArea : public CSList {
     void EndRect(int x, int y);
     /// The last rectangle; null before the first.
     RECT* GetCurrentRect();
-    int IsPointOverLink(int x, int y);
+    int IsPointOverLink(int x, int y); ///< 1 if the point lies in one of the rectangles.
     /// Keeps the link's source, tags and all, up to its end, the terminator or kMaxText characters.
     void AddText(const wchar_t* pszBegin, const wchar_t* pszEnd);
-    /// Null until AddText.
+    /// The link's source; null until AddText.
     const wchar_t* GetText() const { return pszText.Get(); }
     /// The id of the link's command; 0: it does nothing.
     unsigned GetLinkID() const { return idLink; }
@@ -45,6 +46,7 @@ class TESSALY_API DrawHTMLLinks : public CSList {
 
     /// Frees all areas.
     void Reset();
+    /// The number of links.
     unsigned GetLinkCount() const { return static_cast<unsigned>(GetCount()); }
     /// The first area that the point hits; null for none.
     DrawHTMLLinkArea* Find(int x, int y);

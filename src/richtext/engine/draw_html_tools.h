@@ -14,8 +14,8 @@ enum DefaultFont {
 /// them may live on.
 class TESSALY_API DrawHTMLTools {
   public:
-    explicit DrawHTMLTools(DefaultFont font);
-    DrawHTMLTools(const DrawHTMLTools&) = default;            // shares the font
+    explicit DrawHTMLTools(DefaultFont font);      ///< The system's colours and that font.
+    DrawHTMLTools(const DrawHTMLTools&) = default; // shares the font
     DrawHTMLTools& operator=(const DrawHTMLTools&) = default; // what was held is not released
     ~DrawHTMLTools();
 
@@ -27,13 +27,13 @@ class TESSALY_API DrawHTMLTools {
     /// The font stays the caller's and lives longer than its use here.
     void SetCustomFont(HFONT hfont);
 
-    COLORREF GetTextColor() const { return rgbText; }
-    void SetTextColor(COLORREF rgb) { rgbText = rgb; }
-    COLORREF GetLinkColor() const { return rgbLink; }
-    void SetLinkColor(COLORREF rgb) { rgbLink = rgb; }
-    COLORREF GetBkgColor() const { return rgbBkg; }
-    void SetBkgColor(COLORREF rgb) { rgbBkg = rgb; }
-    HFONT GetFont() const { return hFont; }
+    COLORREF GetTextColor() const { return rgbText; }  ///< The colour of plain text.
+    void SetTextColor(COLORREF rgb) { rgbText = rgb; } ///< Of plain text.
+    COLORREF GetLinkColor() const { return rgbLink; }  ///< The colour of links.
+    void SetLinkColor(COLORREF rgb) { rgbLink = rgb; } ///< Of links.
+    COLORREF GetBkgColor() const { return rgbBkg; }    ///< The colour behind the text.
+    void SetBkgColor(COLORREF rgb) { rgbBkg = rgb; }   ///< Behind the text.
+    HFONT GetFont() const { return hFont; }            ///< The base font, which stays whose it is.
 
   private:
     void ReleaseFont();

@@ -8,7 +8,7 @@
 /// other goes away.
 class TESSALY_API CSBuf {
   public:
-    explicit CSBuf(unsigned cbWanted);
+    explicit CSBuf(unsigned cbWanted);        ///< A block of so many bytes; 0: none.
     CSBuf(const CSBuf&) = default;            // shares the block
     CSBuf& operator=(const CSBuf&) = default; // shares the block; what was held is not freed
     virtual ~CSBuf();
@@ -34,7 +34,7 @@ class TESSALY_API CSBuf {
 /// A CSBuf that is filled with zeros before it is freed: for what shall not linger in memory.
 class TESSALY_API CSBufZ : public CSBuf {
   public:
-    explicit CSBufZ(unsigned cbWanted) : CSBuf(cbWanted) {}
+    explicit CSBufZ(unsigned cbWanted) : CSBuf(cbWanted) {} ///< A block of so many bytes; 0: none.
     CSBufZ(const CSBufZ&) = default;
     CSBufZ& operator=(const CSBufZ&) = default;
     ~CSBufZ() override;

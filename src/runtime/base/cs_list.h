@@ -3,9 +3,9 @@
 
 /// A node of a CSList; pElement is not owned by it.
 struct CSNode {
-    CSNode* pNext;
-    CSNode* pPrev;
-    void* pElement;
+    CSNode* pNext;  // null at the tail
+    CSNode* pPrev;  // null at the head
+    void* pElement; // whatever the list's user put there
 };
 
 /// A place in a CSList. Null is the end. It stays good until its own node is removed.
@@ -71,10 +71,11 @@ class TESSALY_API CSList {
     /// The element at pos, which must not be null.
     void*& GetAt(POS pos) { return ToNode(pos)->pElement; }
     void* GetAt(POS pos) const { return ToNode(pos)->pElement; }
+    /// Puts another element there; the callback is not called.
     void SetAt(POS pos, void* pElement) { ToNode(pos)->pElement = pElement; }
 
-    int GetCount() const { return nCount; }
-    int IsEmpty() const { return nCount == 0; }
+    int GetCount() const { return nCount; }     ///< The number of nodes.
+    int IsEmpty() const { return nCount == 0; } ///< Whether there is no node.
     /// The number of nodes before pos; -1 for a null position.
     int GetIndex(POS pos) const;
     /// The position of the index-th node, from 0; null if there is none.
@@ -88,8 +89,8 @@ class TESSALY_API CSList {
     void Abandon();
 
   protected:
-    /// Where nodes come from. A class that replaces them calls RemoveAll in its own destructor: in
-    /// this one's the replacement is gone already. CreateNode may give null.
+    /// Makes and frees the nodes. A class that replaces them calls RemoveAll in its own destructor:
+    /// in this one's the replacement is gone already. CreateNode may give null.
     virtual CSNode* CreateNode();
     virtual void DeleteNode(CSNode* pNode);
 

@@ -10,7 +10,7 @@
 /// are registered with it. Null before the library's start.
 TESSALY_API HINSTANCE GetLibraryInstance();
 
-/// For the library's start alone.
+/// Sets that module; for the library's start alone.
 void SetLibraryInstance(HINSTANCE hinst);
 
 /// How the product is asked. Nothing is remembered here: module and name can change at any time.
@@ -27,5 +27,5 @@ struct CurrentProduct {
 /// number is 0.
 const CurrentProduct& GetCurrentProduct();
 
-/// For the library's start alone, on one thread.
+/// Sets the product; for the library's start alone, on one thread.
 void SetCurrentProduct(const CurrentProduct& product);

@@ -3,7 +3,7 @@
 
 /// The sizes of the digests in bytes.
 constexpr unsigned kSha1Size = 20;
-constexpr unsigned kMd5Size = 16;
+constexpr unsigned kMd5Size = 16; ///< Bytes of an MD5 digest.
 
 /// SHA-1 (FIPS 180-1) over data that comes in pieces: SHA1_Init, SHA1_Update for each piece,
 /// SHA1_Final. A plain block of memory; a copy goes on by itself.
@@ -20,7 +20,7 @@ TESSALY_API void SHA1_Init(SHA1_Context* pContext);
 TESSALY_API void SHA1_Update(SHA1_Context* pContext, const void* pData, unsigned long long cbData);
 /// Gives the digest and fills the context with zeros: the next use starts with SHA1_Init.
 TESSALY_API void SHA1_Final(unsigned char digest[kSha1Size], SHA1_Context* pContext);
-/// All of that for data in one piece.
+/// The digest of data in one piece.
 TESSALY_API void SHA1_Calc(unsigned char digest[kSha1Size], const void* pData,
                            unsigned long long cbData);
 }

@@ -13,6 +13,7 @@ template <class T>
 class HeapArray {
   public:
     HeapArray() = default;
+    /// So many elements.
     explicit HeapArray(std::size_t nWanted) noexcept {
         // Beyond that size the compiler's own test would raise an exception in programs that have
         // them.
@@ -20,8 +21,10 @@ class HeapArray {
         if (nWanted && nWanted <= PTRDIFF_MAX / sizeof(T)) p = new (std::nothrow) T[nWanted]();
         if (p) n = nWanted;
     }
+    /// Takes the other's block.
     HeapArray(HeapArray&& other) noexcept
         : p(std::exchange(other.p, nullptr)), n(std::exchange(other.n, 0)) {}
+    /// Takes the other's block; what was held is freed.
     HeapArray& operator=(HeapArray&& other) noexcept {
         HeapArray taken(std::move(other));
         std::swap(p, taken.p); // what was held goes with the block
@@ -32,12 +35,13 @@ class HeapArray {
     HeapArray& operator=(const HeapArray&) = delete;
     ~HeapArray() { delete[] p; }
 
-    [[nodiscard]] bool IsReady() const { return p != nullptr; }
-    std::size_t GetCount() const { return n; }
-    std::size_t GetByteCount() const { return n * sizeof(T); }
+    [[nodiscard]] bool IsReady() const { return p != nullptr; } ///< Whether there is a block.
+    std::size_t GetCount() const { return n; }                  ///< The number of elements.
+    std::size_t GetByteCount() const { return n * sizeof(T); }  ///< Their size in bytes.
     /// The first element; null without a block.
     T* Get() { return p; }
     const T* Get() const { return p; }
+    /// The element at that index, of which there must be one.
     T& operator[](std::size_t nAt) {
         assert(nAt < n);
         return p[nAt];
@@ -46,10 +50,10 @@ class HeapArray {
         assert(nAt < n);
         return p[nAt];
     }
-    T* begin() { return p; }
-    T* end() { return p + n; }
-    const T* begin() const { return p; }
-    const T* end() const { return p + n; }
+    T* begin() { return p; }               ///< The first element, for loops.
+    T* end() { return p + n; }             ///< The place behind the last element.
+    const T* begin() const { return p; }   ///< The same of what does not change.
+    const T* end() const { return p + n; } ///< The same of what does not change.
 
   private:
     T* p = nullptr;

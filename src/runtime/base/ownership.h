@@ -9,8 +9,10 @@ template <class Handle, auto pfnClose>
 class OwnedHandleOf {
   public:
     OwnedHandleOf() = default;
-    explicit OwnedHandleOf(Handle hTaken) noexcept : h(hTaken) {}
+    explicit OwnedHandleOf(Handle hTaken) noexcept : h(hTaken) {} ///< Takes the handle.
+    /// Takes the other's handle.
     OwnedHandleOf(OwnedHandleOf&& other) noexcept : h(std::exchange(other.h, nullptr)) {}
+    /// Takes the other's handle; what was held is closed.
     OwnedHandleOf& operator=(OwnedHandleOf&& other) noexcept {
         Reset(std::exchange(other.h, nullptr));
         return *this;
@@ -19,10 +21,12 @@ class OwnedHandleOf {
     OwnedHandleOf& operator=(const OwnedHandleOf&) = delete;
     ~OwnedHandleOf() { Reset(); }
 
+    /// The handle, which stays the object's; null if it is empty.
     Handle Get() const noexcept { return h; }
     explicit operator bool() const noexcept { return h != nullptr; }
-    /// Gives the handle to the caller, who closes it from now on.
+    /// Returns the handle, which the caller closes from now on.
     [[nodiscard]] Handle Release() noexcept { return std::exchange(h, nullptr); }
+    /// Closes what is held and takes the handle, or null.
     void Reset(Handle hTaken = nullptr) noexcept {
         Handle hOld = std::exchange(h, hTaken);
         if (hOld) pfnClose(hOld);
@@ -37,11 +41,12 @@ class OwnedHandleOf {
     Handle h = nullptr;
 };
 
-using OwnedHandle = OwnedHandleOf<HANDLE, &::CloseHandle>;
-using OwnedModule = OwnedHandleOf<HMODULE, &::FreeLibrary>;
-using OwnedLocal = OwnedHandleOf<HLOCAL, &::LocalFree>;
-using OwnedGlobal = OwnedHandleOf<HGLOBAL, &::GlobalFree>;
+using OwnedHandle = OwnedHandleOf<HANDLE, &::CloseHandle>;  ///< Closed by CloseHandle.
+using OwnedModule = OwnedHandleOf<HMODULE, &::FreeLibrary>; ///< Given back by FreeLibrary.
+using OwnedLocal = OwnedHandleOf<HLOCAL, &::LocalFree>;     ///< Freed by LocalFree.
+using OwnedGlobal = OwnedHandleOf<HGLOBAL, &::GlobalFree>;  ///< Freed by GlobalFree.
 
+/// Gives back a reference, as OwnedInterface's end.
 template <class Interface>
 void ReleaseInterface(Interface* p) {
     p->Release();
@@ -54,13 +59,14 @@ using OwnedInterface = OwnedHandleOf<Interface*, &ReleaseInterface<Interface>>;
 template <class Fn>
 class ScopeExit {
   public:
+    /// The function or lambda of the end.
     explicit ScopeExit(Fn fnAtEnd) noexcept : fn(std::move(fnAtEnd)) {}
     ~ScopeExit() {
         if (bArmed) fn();
     }
     ScopeExit(const ScopeExit&) = delete;
     ScopeExit& operator=(const ScopeExit&) = delete;
-    void Dismiss() noexcept { bArmed = false; }
+    void Dismiss() noexcept { bArmed = false; } ///< Nothing runs at the end.
 
   private:
     Fn fn;
@@ -88,7 +94,7 @@ class ManualObject {
         pObject = nullptr; // whoever asks from now on goes without
         pEnding->~T();
     }
-    /// Null before Start and after Stop.
+    /// The object; null before Start and after Stop.
     T* Get() noexcept { return pObject; }
 
   private:

@@ -18,10 +18,13 @@ inline HWND MsgNoOwner() { return reinterpret_cast<HWND>(1); }
 /// A text or the id of a string, whichever it is made from.
 class MsgText {
   public:
-    MsgText(const wchar_t* pszText) : p(pszText) {} // may also be an id that was cast
+    /// From a text, which may also be an id that was cast.
+    MsgText(const wchar_t* pszText) : p(pszText) {}
+    /// From an id.
     MsgText(int nId) : p(reinterpret_cast<const void*>(static_cast<INT_PTR>(nId))) {}
+    /// From a loaded text, which must live as long.
     MsgText(const ResStr& str) : MsgText(static_cast<const wchar_t*>(str)) {}
-    const void* Get() const { return p; }
+    const void* Get() const { return p; } ///< The text, or the id as a pointer.
 
   private:
     const void* p;
@@ -50,6 +53,7 @@ TESSALY_API int MsgHRESULT(HWND hwndOwner, HRESULT hr, UINT nFlags, int nId, ...
 /// Called with 0 before a box opens and with 1 when it has closed, on the box's thread, so that the
 /// application can pause what it runs. Null for none.
 using MsgPauseResumeFunc = void(int nResume);
+/// Sets what is called, for all boxes of the process.
 TESSALY_API void MsgSetPauseResumeCallback(MsgPauseResumeFunc* pfnNew);
 
 /// The system's text of an error code (0: of the thread's last error), as it comes, with its line

@@ -59,13 +59,13 @@ enum class DefaultModule {
 
 /// A resource by its module and its number, as LoadImageW and its relatives take them.
 struct ResourceRef {
-    HINSTANCE hinst;
+    HINSTANCE hinst; // the module
     LPCWSTR pszName; // MAKEINTRESOURCEW of the id
 };
 
-/// Resolves a signed resource id: a negative one is the library's, whatever module is named, and
-/// its number the absolute value; a positive one is hinst's or, for null, the default module's. The
-/// low 16 bits are the number.
+/// The resource that a signed id means: a negative one is the library's, whatever module is named,
+/// and its number the absolute value; a positive one is hinst's or, for null, the default module's.
+/// The low 16 bits are the number.
 ResourceRef ResolveResourceId(int nId, HINSTANCE hinst, DefaultModule defaultModule);
 
 /// Puts the magnitude in the place of the id, and the module that the rule at the head of this file

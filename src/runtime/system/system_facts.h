@@ -10,6 +10,7 @@
 TESSALY_API int WinNT();
 
 /// At least this version.
+///@{
 TESSALY_API int Win2K();
 TESSALY_API int WinXP();
 TESSALY_API int WinServer2003();
@@ -18,12 +19,15 @@ TESSALY_API int Win7();
 TESSALY_API int Win8();
 TESSALY_API int Win81();
 TESSALY_API int Win10();
+///@}
 
 /// Exactly this version.
+///@{
 TESSALY_API int Win2K_only();
 TESSALY_API int WinXP_only();
 TESSALY_API int WinVista_only();
 TESSALY_API int Win7_only();
+///@}
 
 /// A server or a domain controller.
 TESSALY_API int WinServer();
@@ -51,7 +55,7 @@ TESSALY_API int GetWinLanguage(wchar_t* pszBuffer, int cchBuffer);
 TESSALY_API DWORD GetCurTime();
 /// A given time (UTC) in the product's own, the low 32 bits of it.
 TESSALY_API DWORD GetProductTime(const FILETIME& ft);
-/// Now, UTC. Returns 1; 0 when the platform refused.
+/// The present time, UTC. Returns 1; 0 when the platform refused.
 TESSALY_API int GetSysFileTime(FILETIME* pft);
 /// The packed date: year - 1980 in the high bits, month in 4 bits, day in 5. Null means today by
 /// the local clock.

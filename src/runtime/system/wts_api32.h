@@ -10,11 +10,13 @@
 /// platform; without an object, or on a system without the function, they return 0.
 class TESSALY_API WtsApi32 {
   public:
-    WtsApi32() noexcept;
+    WtsApi32() noexcept; ///< Loads the functions, if this is the first object.
     ~WtsApi32();
     WtsApi32(const WtsApi32&) = delete; // owns the module
     WtsApi32& operator=(const WtsApi32&) = delete;
 
+    /// The platform's functions of these names, with their results.
+    ///@{
     static int WTSRegisterSessionNotification(HWND hwnd, DWORD dwFlags);
     static int WTSUnRegisterSessionNotification(HWND hwnd);
     static int WTSQuerySessionInformationW(HANDLE hServer, DWORD dwSession,
@@ -24,6 +26,7 @@ class TESSALY_API WtsApi32 {
     static int WTSLogoffSession(HANDLE hServer, DWORD dwSession, BOOL bWait);
     static int WTSQueryUserToken(ULONG nSession, HANDLE* phToken);
     static DWORD WTSGetActiveConsoleSessionId();
+    ///@}
 
     /// The id of a session, which may be given as WTS_CURRENT_SESSION; 0xFFFFFFFF if it cannot be
     /// asked.

@@ -57,15 +57,17 @@ TESSALY_API unsigned Base64FSToBin(void* pData, unsigned cb, const wchar_t* pszT
 // the terminator; 0 on failure (GetLastError), also for a null source and if it does not fit. On
 // failure a destination of any size holds the empty text.
 
-/// The system code page (CP_ACP).
+/// Converts from the system code page (CP_ACP).
 TESSALY_API int mb2wc(const char* pszText, wchar_t* pszOut, int cchOut);
+/// Converts to the system code page (CP_ACP).
 TESSALY_API int wc2mb(const wchar_t* pszText, char* pszOut, int cbOut);
-/// The console's code page (CP_OEMCP).
+/// Converts from the console's code page (CP_OEMCP).
 TESSALY_API int mb2wcOEM(const char* pszText, wchar_t* pszOut, int cchOut);
+/// Converts to the console's code page (CP_OEMCP).
 TESSALY_API int wc2mbOEM(const wchar_t* pszText, char* pszOut, int cbOut);
-/// UTF-8.
+/// Converts from UTF-8.
 TESSALY_API int utf82wc(const char* pszText, wchar_t* pszOut, int cchOut);
-TESSALY_API int wc2utf8(const wchar_t* pszText, char* pszOut, int cbOut);
+TESSALY_API int wc2utf8(const wchar_t* pszText, char* pszOut, int cbOut); ///< Converts to UTF-8.
 
 /// Text between the platform's 16-bit and 8-bit forms (system code page), through one owned buffer
 /// that is allocated on first use. There are two ways to use it around a foreign call:
@@ -84,7 +86,7 @@ class TESSALY_API CVT {
     CVT& operator=(const CVT&) = delete;
     ~CVT();
 
-    unsigned GetSize() const { return cch; }
+    unsigned GetSize() const { return cch; } ///< The size that was wanted, in characters.
     /// The text in 8 bits, in the buffer, which a narrow function may then change: it has room for
     /// GetSize() characters and the terminator. A null text counts as empty.
     char* T_A(const wchar_t* pszText);

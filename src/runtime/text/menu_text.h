@@ -20,9 +20,9 @@ TESSALY_API wchar_t GetMenuItemChar(const wchar_t* pszText);
 
 /// Modifiers of a hot key, as the platform's hot-key control has them (HOTKEYF_... in commctrl.h).
 enum HotKeyModifier : unsigned {
-    HotKeyShift = 1,
-    HotKeyCtrl = 2,
-    HotKeyAlt = 4,
+    HotKeyShift = 1,    // HOTKEYF_SHIFT
+    HotKeyCtrl = 2,     // HOTKEYF_CONTROL
+    HotKeyAlt = 4,      // HOTKEYF_ALT
     HotKeyExtended = 8, // no modifier: the key is the extended one of two with the same code
 };
 

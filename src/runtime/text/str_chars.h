@@ -8,16 +8,18 @@
 class AsciiSet {
   public:
     constexpr AsciiSet() = default;
+    /// The characters of the text but for blanks.
     constexpr explicit AsciiSet(const wchar_t* pszChars) {
         for (const wchar_t* p = pszChars; *p; ++p) {
             if (*p != L' ') Add(*p, *p);
         }
     }
-    /// Adds the characters from chFirst to chLast, also a blank.
+    /// Adds the characters from chFirst to chLast, also a blank. Returns the set.
     constexpr AsciiSet& Add(wchar_t chFirst, wchar_t chLast) {
         for (unsigned n = chFirst; n <= chLast; ++n) nBits[n / kBits] |= 1ull << n % kBits;
         return *this;
     }
+    /// Whether the character is one of them.
     constexpr bool Has(wchar_t ch) const {
         return ch < 2 * kBits && (nBits[ch / kBits] >> ch % kBits & 1);
     }
@@ -38,11 +40,11 @@ TESSALY_API int IsWhiteChar(wchar_t ch);
 TESSALY_API int IsAlphaChar(wchar_t ch);
 /// A to Z.
 TESSALY_API int IsCapitalChar(wchar_t ch);
-/// 0 to 9.
+/// The digits 0 to 9.
 TESSALY_API int IsNumChar(wchar_t ch);
 /// A to Z, a to z, 0 to 9.
 TESSALY_API int IsAlphaNumChar(wchar_t ch);
-/// 0 to 9, A to F, a to f.
+/// The digits 0 to 9, A to F, a to f.
 TESSALY_API int IsHexChar(wchar_t ch);
 /// Control characters: below 32, and 127.
 TESSALY_API int IsCodeChar(wchar_t ch);
@@ -94,6 +96,7 @@ TESSALY_API void TrimStr(wchar_t* pszText);
 
 // Blanks and tabs, as they stand around the words of a command line.
 
+/// Whether it is one of the two.
 inline bool IsBlankOrTab(wchar_t ch) { return ch == L' ' || ch == L'\t'; }
 /// The first character that is neither blank nor tab.
 template <class Char>

@@ -30,12 +30,13 @@ TESSALY_API void CharAdd(wchar_t*& pszDest, wchar_t ch);
 /// Copies one character, also a terminator, and moves both on. 1 if it was not the terminator; 0 if
 /// it was or a pointer is null.
 TESSALY_API int CharCopy(wchar_t*& pszDest, const wchar_t*& pszSource);
-/// Moves on by one character. IncPsz gives the new place, PszInc the old one.
+/// Moves on by one character. Returns the new place.
 TESSALY_API const wchar_t* IncPsz(const wchar_t*& psz);
 TESSALY_API wchar_t* IncPsz(wchar_t*& psz);
+/// Moves on by one character. Returns the old place.
 TESSALY_API const wchar_t* PszInc(const wchar_t*& psz);
 TESSALY_API wchar_t* PszInc(wchar_t*& psz);
-/// Moves back by one character, but not to before pszStart, and gives the new place.
+/// Moves back by one character, but not to before pszStart. Returns the new place.
 TESSALY_API const wchar_t* DecPsz(const wchar_t* pszStart, const wchar_t*& psz);
 TESSALY_API wchar_t* DecPsz(const wchar_t* pszStart, wchar_t*& psz);
 /// The character there; 0 for null.

@@ -11,8 +11,8 @@ TESSALY_API int StrStartsWith(const wchar_t* pszText, const wchar_t* pszPrefix, 
 /// 1 if the two texts are the same. A null text counts as empty.
 TESSALY_API int StrIsSame(const wchar_t* pszText, const wchar_t* pszOther, int bIgnoreCase);
 
-/// The list is terminated texts one after another, with an empty text as its end. The index of the
-/// first one that equals pszText; kNotFound if none does or an argument is null. An empty text is
+/// The index of the first text of a list that equals pszText; kNotFound if none does or an argument
+/// is null. The list is terminated texts one after another, with an empty text as its end, which is
 /// in no list.
 TESSALY_API unsigned StrFindInList(const wchar_t* pszList, const wchar_t* pszText, int bIgnoreCase);
 

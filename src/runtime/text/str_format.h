@@ -33,4 +33,5 @@ TESSALY_API const wchar_t* FitText(const wchar_t* pszText, int cxFull, int cxWan
 /// Formats and appends. A null format clears the text; nothing is appended to a null text or to one
 /// without a terminator within its cch characters.
 TESSALY_API void StrAppendTextFmt(wchar_t* pszText, unsigned cch, const wchar_t* pszFormat, ...);
+/// StrAppendTextFmt with a started argument list.
 void StrAppendTextFmtV(wchar_t* pszText, unsigned cch, const wchar_t* pszFormat, va_list args);

@@ -8,7 +8,7 @@ constexpr int kMessageSize = 1024;
 /// A started argument list, as a type of its own: on this platform va_list is char*, so that an
 /// overload with a bare va_list would be taken for a call with one narrow text.
 struct ArgList {
-    va_list v;
+    va_list v; // started; whoever made it ends it
 };
 
 /// The one formatter of wide text. The dialect is the platform's own: %s and %c are wide, %hs and
@@ -19,6 +19,7 @@ struct ArgList {
 /// fit is cut silently. Returns the length written, without the terminator; 0 for an empty buffer,
 /// a null format, or when out of memory for a format that needs repair.
 int FormatTextV(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, va_list args);
+/// FormatTextV with the arguments.
 int FormatText(wchar_t* pszBuffer, std::size_t cchBuffer, const wchar_t* pszFormat, ...);
 
 /// FormatTextV for narrow text, where %s and %c are narrow, %ls and %S wide.

@@ -13,8 +13,9 @@ class TESSALY_API CritSec {
     CritSec(const CritSec&) = default;
     CritSec& operator=(const CritSec&) = default;
 
+    /// Waits until no other thread is inside. The owner may enter again.
     void Enter() noexcept { ::EnterCriticalSection(&cs); }
-    void Leave() noexcept { ::LeaveCriticalSection(&cs); }
+    void Leave() noexcept { ::LeaveCriticalSection(&cs); } ///< Undoes one Enter of this thread.
     /// Enters and leaves at once: returns when the present owner has left.
     void Wait() noexcept {
         Enter();
@@ -28,7 +29,7 @@ class TESSALY_API CritSec {
 /// Holds a CritSec for the length of a block.
 class CritSecLock {
   public:
-    explicit CritSecLock(CritSec& csToHold) noexcept : cs(csToHold) { cs.Enter(); }
+    explicit CritSecLock(CritSec& csToHold) noexcept : cs(csToHold) { cs.Enter(); } ///< Enters it.
     ~CritSecLock() { cs.Leave(); }
     CritSecLock(const CritSecLock&) = delete;
     CritSecLock& operator=(const CritSecLock&) = delete;
@@ -43,6 +44,7 @@ using ManualLock = ManualObject<CritSec>;
 /// Holds a ManualLock for the length of a block; nothing while the lock has not been started.
 class ManualLockGuard {
   public:
+    /// Enters it, if it is there.
     explicit ManualLockGuard(ManualLock& lock) noexcept : pcs(lock.Get()) {
         if (pcs) pcs->Enter();
     }

@@ -53,13 +53,14 @@ class TESSALY_API CSThread {
     // QUIRK: with no thread, before the first Create as after the end, every question is answered
     // with yes. Test: CSThread.ThatNeverRanSaysYesToEverything
     int CheckEvent(HANDLE hEvent);
-    int IsReady() { return CheckEvent(hReady.Get()); }
-    int IsDone() { return CheckEvent(hDone.Get()); }
-    int IsCanceled() { return CheckEvent(hCancel.Get()); }
+    int IsReady() { return CheckEvent(hReady.Get()); }     ///< Whether the worker has started.
+    int IsDone() { return CheckEvent(hDone.Get()); }       ///< Whether it has finished its work.
+    int IsCanceled() { return CheckEvent(hCancel.Get()); } ///< Whether it shall end.
 
     /// Gives the thread's handle back; the thread, if it runs, goes on.
     void CloseThreadHandle();
-    /// The free function of the same name (runtime/threads/message_pump.h).
+    /// The free function of the same name (runtime/threads/message_pump.h): 1; 0 if WM_QUIT was
+    /// among the messages.
     int ProcessAllMessages(HWND hwnd = nullptr);
     /// Null when no thread runs or it has ended.
     operator HANDLE() const { return hThread.load(); }

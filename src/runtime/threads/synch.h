@@ -66,11 +66,10 @@ class TESSALY_API Event : public Synch {
     /// exists already.
     int CreateNewForUser(const wchar_t* pszName, int bGlobal, const wchar_t* pszSid, DWORD dwAccess,
                          int bManual, int bInitial);
-    /// Sets or clears the event; Pulse lets the present waiters through and clears. Without a
-    /// handle these do nothing.
+    /// Sets the event; nothing without a handle.
     void Set();
-    void Clear();
-    void Pulse();
+    void Clear(); ///< Clears the event; nothing without a handle.
+    void Pulse(); ///< Lets the present waiters through and clears; nothing without a handle.
     /// 1 if the event is set, asked without waiting; that clears an event that is not manual.
     int IsSet() { return Wait(0); }
 
@@ -100,8 +99,8 @@ class TESSALY_API EventSimple {
     int OpenEventW(DWORD dwAccess, int bInherit, const wchar_t* pszName);
     /// Sets the event; bSignalled 0 clears it, as Clear does. Both do nothing without a handle.
     void Set(int bSignalled = 1);
-    void Clear();
-    int IsReady() const { return h.Get() != nullptr; }
+    void Clear();                                      ///< Clears the event.
+    int IsReady() const { return h.Get() != nullptr; } ///< Whether there is a handle.
     /// After making: 1 if an event of that name existed already. After OpenEventW: its result.
     int HasExisted() const { return bExisted; }
     operator HANDLE() const { return h.Get(); }

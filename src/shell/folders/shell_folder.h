@@ -21,8 +21,7 @@ class TESSALY_API iShellFolder : public iUnkResult {
     /// empty for an empty path, and if there is no such folder.
     iShellFolder(const wchar_t* pszPath, PIDL& pidlOut);
 
-    // What SetupAttributes last recorded, 1 or 0
-
+    // What SetupAttributes last recorded, 1 or 0.
     int IsFolder() const { return bFolder; }
     int IsInFileSystem() const { return bFileSystem; }
     int IsBrowsable() const { return bBrowsable; }
@@ -49,9 +48,10 @@ class TESSALY_API iShellFolder : public iUnkResult {
     int CreateShellViewObject(HWND hwnd, IShellView** ppOut);
     /// The item's SFGAO_... of nMask; 0 on failure. A folder may tell more than it was asked for.
     DWORD GetAttributesOf(const ITEMIDLIST* pidlItem, DWORD nMask);
-    /// An object that serves many items, or one.
+    /// An object that serves many items, for that window.
     int GetUIObjectOf(HWND hwnd, UINT nCount, const ITEMIDLIST** ppidlItems, REFIID iid,
                       void** ppOut);
+    /// An object that serves one item, for that window.
     int GetItemObj(HWND hwnd, const ITEMIDLIST* pidlItem, REFIID iid, void** ppOut);
     /// The item's name in the form nFlags (SHGDN_...), cut to cchOut characters. Empty on failure.
     int GetDisplayNameOf(const ITEMIDLIST* pidlItem, DWORD nFlags, wchar_t* pszOut,

@@ -4,33 +4,37 @@
 #include <windows.h>
 #include <shlobj.h> // IShellLinkW
 
-/// A shortcut in memory. Each function but the last five is a call to the interface's own, whose
-/// result it keeps; it gives 1 if that is not negative, and 0 otherwise or without an object.
+/// A shortcut in memory. Each function but the last five is a call to the interface's own.
+/// Its result is 1 if that one's, which is kept, is not negative, 0 otherwise or without an object.
 /// Buffers without a size have 260 characters.
 class TESSALY_API iShellLink : public iUnkResult {
   public:
     /// A new, empty link; none if the platform refuses.
     iShellLink();
 
+    /// The target's path, in the form nFlags (SLGP_...), and what is stored of the file; pData may
+    /// be null.
     int GetPath(wchar_t* pszOut, WIN32_FIND_DATAW* pData, DWORD nFlags);
-    /// The caller frees the list with PIDL::Free. A link without one gives 1 and null.
+    /// The target's list. The caller frees it with PIDL::Free. A link without one gives 1 and null.
     int GetIDList(ITEMIDLIST*& pidlOut);
-    int GetArgs(wchar_t* pszOut, int cchOut);
-    int GetDescr(wchar_t* pszOut, int cchOut);
-    int GetDir(wchar_t* pszOut);
-    int GetHotKey(WORD& nHotKey);
-    int GetShow(int& nShow);
-    int GetIcon(wchar_t* pszOut, int& nIndex);
-    int SetPath(const wchar_t* pszPath);
-    int SetIDList(const ITEMIDLIST* pidl);
+    int GetArgs(wchar_t* pszOut, int cchOut);  ///< The arguments for the target.
+    int GetDescr(wchar_t* pszOut, int cchOut); ///< The comment.
+    int GetDir(wchar_t* pszOut);               ///< The folder in which the target starts.
+    int GetHotKey(WORD& nHotKey); ///< The key code in the low byte, HOTKEYF_... in the high one.
+    int GetShow(int& nShow);      ///< The show command (SW_...).
+    int GetIcon(wchar_t* pszOut, int& nIndex); ///< The icon's file and its index there.
+    int SetPath(const wchar_t* pszPath);       ///< The path of another target.
+    int SetIDList(const ITEMIDLIST* pidl);     ///< The list of another target, which is copied.
     /// The path of the link's own file; the platform does not use the list.
     int SetRelativePath(const wchar_t* pszPath, const ITEMIDLIST* pidlUnused);
-    int SetArgs(const wchar_t* pszArgs);
-    int SetDescr(const wchar_t* pszDescr);
-    int SetDir(const wchar_t* pszDir);
-    int SetHotKey(WORD nHotKey);
-    int SetShow(int nShow);
+    int SetArgs(const wchar_t* pszArgs);   ///< Other arguments.
+    int SetDescr(const wchar_t* pszDescr); ///< Another comment.
+    int SetDir(const wchar_t* pszDir);     ///< Another folder to start in.
+    int SetHotKey(WORD nHotKey);           ///< As GetHotKey has it.
+    int SetShow(int nShow);                ///< Another show command (SW_...).
+    /// Another icon, by its file and the index there.
     int SetIcon(const wchar_t* pszPath, int nIndex);
+    /// Looks after a target that was moved, with nFlags (SLR_...) and the window for what is asked.
     int Resolve(HWND hwnd, DWORD nFlags);
 
     /// Release what file or stream holds and give it this link's. 1, or 0 with it empty.

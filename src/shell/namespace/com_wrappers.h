@@ -19,7 +19,7 @@ struct IEnumIDList;
 class TESSALY_API iUnk {
   public:
     iUnk() = default;
-    /// Attach.
+    /// Takes the interface (Attach).
     explicit iUnk(IUnknown* pShared) { Attach(pShared); }
     /// What QueryInterface gives for the other's interface, or nothing.
     iUnk(iUnk& other, REFIID iid);
@@ -38,7 +38,7 @@ class TESSALY_API iUnk {
     int QueryInterface(REFIID iid, iUnk& out) const;
     /// The interface's own; the reference counts that they give are for looking at only.
     ULONG AddRef() const;
-    ULONG Release() const;
+    ULONG Release() const; ///< The interface's own.
     /// 1 if there is an interface.
     int IsReady() const { return pUnk != nullptr; }
     /// The pointer, which stays the object's.
@@ -56,7 +56,7 @@ class TESSALY_API iUnkResult : public iUnk {
   public:
     using iUnk::iUnk;
     iUnkResult() = default;
-    HRESULT GetLastResult() const { return hr; }
+    HRESULT GetLastResult() const { return hr; } ///< The result of the last call.
 
   protected:
     /// Keeps the result. 1 if it is not negative.
@@ -69,12 +69,13 @@ class TESSALY_API iUnkResult : public iUnk {
 class TESSALY_API iMalloc : public iUnkResult {
   public:
     iMalloc();
-    /// Null when out of memory.
+    /// A block of cb bytes; null when out of memory.
     void* Alloc(DWORD cb) const;
-    /// A null block is allocated anew. Null when out of memory: the block then stays as it is.
+    /// Changes a block's size. A null block is allocated anew. Null when out of memory: the block
+    /// then stays as it is.
     void* Realloc(void* pBlock, DWORD cb) const;
-    void Free(void* pBlock) const;
-    void HeapMinimize() const;
+    void Free(void* pBlock) const; ///< Frees the block; null does nothing.
+    void HeapMinimize() const;     ///< Gives unused memory back to the system.
     operator IMalloc*() const { return static_cast<IMalloc*>(pUnk); }
 };
 
@@ -82,7 +83,7 @@ class TESSALY_API iMalloc : public iUnkResult {
 class TESSALY_API iStream : public iUnk {
   public:
     iStream() = default;
-    explicit iStream(IStream* pShared);
+    explicit iStream(IStream* pShared); ///< Takes a reference of its own; null for none.
     operator IStream*() const { return static_cast<IStream*>(pUnk); }
 };
 

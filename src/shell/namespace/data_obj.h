@@ -9,7 +9,7 @@
 class TESSALY_API iDataObj : public iUnkResult {
   public:
     iDataObj() = default;
-    /// With a reference of its own; null for none.
+    /// Takes the interface, with a reference of its own; null for none.
     explicit iDataObj(IDataObject* pShared) { Init(pShared); }
 
     /// Asks for one format, a registered one or CF_.... *phBlock is the block, which belongs to the

@@ -25,7 +25,7 @@ class TESSALY_API PIDL {
     static constexpr ShellMemory csiMem{};
 
     PIDL() = default;
-    /// CopyAll.
+    /// Takes a copy (CopyAll).
     explicit PIDL(const ITEMIDLIST* pidlCopied) { CopyAll(pidlCopied); }
     ~PIDL() { Clear(); }
     PIDL(const PIDL&) = delete; // owns the list
@@ -35,29 +35,31 @@ class TESSALY_API PIDL {
 
     // Memory
 
-    /// Null when out of memory.
+    /// A block of cb bytes; null when out of memory.
     [[nodiscard]] static ITEMIDLIST* Alloc(DWORD cb);
-    /// Null does nothing.
+    /// Frees a list; null does nothing.
     static void Free(ITEMIDLIST* pidlFreed);
     /// Copies that many bytes.
     static void Copy(ITEMIDLIST* pidlTo, const ITEMIDLIST* pidlFrom, DWORD cb);
 
-    // Sizes in bytes: of the first item, of all items, and of all with the end. All are 0 for null;
-    // the first two also for an empty list, whose whole size is 2.
+    // Sizes in bytes
 
+    /// Bytes of the first item; 0 for null and for an empty list.
     static unsigned GetSizeOne(const ITEMIDLIST* pidlAsked);
+    /// Bytes of all items; 0 for null and for an empty list.
     static unsigned GetSizeAll(const ITEMIDLIST* pidlAsked);
+    /// Bytes of all items with the end, 2 for an empty list; 0 for null.
     static unsigned GetSizeTotal(const ITEMIDLIST* pidlAsked);
     /// The size with the end for a list that may be none: nothing beyond cbMax bytes is read, and
     /// it is 0 if the end is not within them.
     static unsigned GetSizeWithin(const ITEMIDLIST* pidlAsked, unsigned cbMax);
-    unsigned GetSizeOne() const { return GetSizeOne(pidl); }
-    unsigned GetSizeAll() const { return GetSizeAll(pidl); }
-    unsigned GetSizeTotal() const { return GetSizeTotal(pidl); }
+    unsigned GetSizeOne() const { return GetSizeOne(pidl); }     ///< Bytes of the first item.
+    unsigned GetSizeAll() const { return GetSizeAll(pidl); }     ///< Bytes of all items.
+    unsigned GetSizeTotal() const { return GetSizeTotal(pidl); } ///< Bytes with the end.
 
     // Items, given as places in the list
 
-    static unsigned GetCount(const ITEMIDLIST* pidlAsked);
+    static unsigned GetCount(const ITEMIDLIST* pidlAsked); ///< The number of items; 0 for null.
     /// 1 if there is no item, also for null.
     static int IsEmpty(const ITEMIDLIST* pidlAsked);
     /// The first item; null if there is none.
@@ -69,10 +71,10 @@ class TESSALY_API PIDL {
     static ITEMIDLIST* GetLast(const ITEMIDLIST* pidlAsked);
     /// The list's end; null for null.
     static ITEMIDLIST* GetEnd(const ITEMIDLIST* pidlAsked);
-    unsigned GetCount() const { return GetCount(pidl); }
-    int IsEmpty() const { return IsEmpty(pidl); }
-    ITEMIDLIST* GetLast() const { return GetLast(pidl); }
-    ITEMIDLIST* GetEnd() const { return GetEnd(pidl); }
+    unsigned GetCount() const { return GetCount(pidl); }  ///< The number of items.
+    int IsEmpty() const { return IsEmpty(pidl); }         ///< 1 if there is no item.
+    ITEMIDLIST* GetLast() const { return GetLast(pidl); } ///< The last item; null if there is none.
+    ITEMIDLIST* GetEnd() const { return GetEnd(pidl); }   ///< The list's end; null without a list.
     /// Whether the cb bytes there are one list, no more and no less. Nothing beyond them is read.
     /// Null is one with cb 0 only.
     static int IsValid(const ITEMIDLIST* pidlAsked, unsigned cb);
@@ -121,8 +123,9 @@ class TESSALY_API PIDL {
     /// other way round. Null ends before the empty list.
     static int CompareAbs(const ITEMIDLIST* pidlA, const ITEMIDLIST* pidlB);
     int CompareAbs(const ITEMIDLIST* pidlOther) const { return CompareAbs(pidl, pidlOther); }
-    /// Whether it is the Internet's list (CSIDL_INTERNET), or that special folder's, by CompareAbs.
+    /// Whether it is the Internet's list (CSIDL_INTERNET), by CompareAbs.
     int IsIE(HWND hwnd) const;
+    /// Whether it is that special folder's list (CSIDL_...), by CompareAbs.
     int IsSpecialFolder(HWND hwnd, int nCsidl) const;
     /// The place in the object's list at which it goes on behind all of the parent's, compared as
     /// by CompareAbs. Null if it is not below the parent; it is not below itself.

@@ -18,10 +18,11 @@ void ReleaseShellMalloc();
 /// has neither construction nor end of its own, so that it can be used at any time.
 class TESSALY_API ShellMemory {
   public:
-    /// Null when out of memory, and without an allocator.
+    /// A block of cb bytes; null when out of memory, and without an allocator.
     void* Alloc(DWORD cb) const;
-    /// A null block is allocated anew. Null when out of memory: the block then stays as it is.
+    /// Changes a block's size. A null block is allocated anew. Null when out of memory: the block
+    /// then stays as it is.
     void* Realloc(void* pBlock, DWORD cb) const;
-    void Free(void* pBlock) const { ShellFree(pBlock); }
-    void HeapMinimize() const;
+    void Free(void* pBlock) const { ShellFree(pBlock); } ///< Frees the block (ShellFree).
+    void HeapMinimize() const; ///< Gives unused memory back to the system.
 };

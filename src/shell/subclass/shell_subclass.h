@@ -12,30 +12,32 @@
 /// keep each other out in the whole process; Default is on every message's path and takes no lock.
 class TESSALY_API ShellSubclass {
   public:
-    static constexpr int kNotSetUp = -1;
-    static constexpr int kMissing = 0;
-    static constexpr int kReady = 1;
-    static constexpr int kTagSize = 5; // four characters and the terminator
+    static constexpr int kNotSetUp = -1; // nobody has looked yet
+    static constexpr int kMissing = 0;   // there is no chain
+    static constexpr int kReady = 1;     // the chain can be used
+    static constexpr int kTagSize = 5;   // four characters and the terminator
 
     ShellSubclass() = delete;
 
     /// Looks for the platform's functions, unless that was done before. nNewId becomes the id of
     /// the library's subclasses; the first four characters of pszNewTag (null: none) the name of
-    /// the window property of those who subclass without the chain. Gives the state.
+    /// the window property of those who subclass without the chain. Returns the state.
     static int Initialize(UINT_PTR nNewId, const wchar_t* pszNewTag);
-    /// Looks again, with the id and the tag that are stored. Gives the state.
+    /// Looks again, with the id and the tag that are stored. Returns the state.
     static int ReInitialize();
     /// kReady if the chain can be used, kMissing if not; looks first if nobody did.
     static int IsReady();
     /// The stored tag, of at most four characters.
     static const wchar_t* GetTag();
 
-    /// SetWindowSubclass and RemoveWindowSubclass with the stored id. 1; 0 when the platform
-    /// refused or has no such function.
+    /// SetWindowSubclass with the stored id. 1; 0 when the platform refused or has no such
+    /// function.
     static int Set(HWND hwnd, SUBCLASSPROC pfnSubclass, DWORD_PTR dwRefData);
+    /// RemoveWindowSubclass with the stored id. 1; 0 when the platform refused or has no such
+    /// function.
     static int Remove(HWND hwnd, SUBCLASSPROC pfnSubclass);
     /// DefSubclassProc: what follows in the window's chain. If the pointer to it is not what was
-    /// found, the functions are looked for again first.
+    /// found, the functions are looked for again first. Returns the message's result.
     static LRESULT Default(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     /// The life of the lock, for the library's start and end alone. Without it nothing is locked.
@@ -65,6 +67,7 @@ class TESSALY_API ShellSubclass {
 /// may not be destroyed in its own OnWndMsg: the destructor does nothing.
 class TESSALY_API ShellSubclasser {
   public:
+    /// The number is what the object keeps for its user where there is the chain.
     explicit ShellSubclasser(UINT_PTR nFirstField) : nOldWndProc(nFirstField) {}
     ~ShellSubclasser() = default; // not virtual: nobody owns one through this class
     ShellSubclasser(const ShellSubclasser&) = delete; // the window knows its address
@@ -77,7 +80,7 @@ class TESSALY_API ShellSubclasser {
     int Unsubclass();
 
     /// Called for each message; the default passes it on. An override calls this one for what it
-    /// does not handle.
+    /// does not handle. Returns the message's result.
     virtual LRESULT OnWndMsg(HWND hwndMsg, UINT uMsg, WPARAM wParam, LPARAM lParam);
 
   protected:

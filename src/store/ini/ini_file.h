@@ -30,14 +30,15 @@ class TESSALY_API IniFile {
     IniFile& operator=(const IniFile&) = delete;
     virtual ~IniFile();
 
-    /// Called with null: how many characters the file needs. Called with a buffer of that size:
-    /// fills it. WriteSec and WriteVar, called in the same order both times, do both.
+    /// Returns how many characters the file needs, and fills a buffer of that size unless it is
+    /// null. WriteSec and WriteVar, called in the same order both times, do both.
     virtual unsigned MakeData(wchar_t* pszOut);
-    /// 0 stops the pass. Before the first section header the section is empty.
+    /// Called for each part of the text; 0 stops the pass. Before the first section header the
+    /// section is empty.
     virtual int CallBack(CallBackFlag nFlag, const wchar_t* pszSection, const wchar_t* pszName,
                          const wchar_t* pszValue);
 
-    const wchar_t* GetPath() const { return szPath; }
+    const wchar_t* GetPath() const { return szPath; } ///< The file's path; empty for none.
     /// The file to read and write from now on; cut and null as in the constructor.
     void SetPath(const wchar_t* pszFile);
     /// Reads the file, which is shared with readers, and runs ReadAll. 0 also for an empty file.
@@ -62,13 +63,15 @@ class TESSALY_API IniFile {
     /// The steps of a pass, for CallBack to pull with: 1 if there was such a thing here. Outside a
     /// pass 0. Buffers are of kTextSize characters, for GetVal of kValueSize; longer texts are cut.
     int GetComment(wchar_t* pszBuffer);
+    /// The name of the section that begins here, otherwise as GetComment.
     int GetSec(wchar_t* pszBuffer);
-    /// The name runs to the first "=", without the blanks before it.
+    /// A name: it runs to the first "=", without the blanks before it. Otherwise as GetComment.
     // QUIRK: a line without "=" runs on into the next one, so that a name may hold line breaks.
     // Test: IniFileReadPass.Reports/LineWithoutEqualsSignJoinsTheNext
     int GetVar(wchar_t* pszBuffer);
+    /// What stands behind the "=", up to the line's end, otherwise as GetComment.
     int GetVal(wchar_t* pszBuffer);
-    /// Always 0.
+    /// Ends what a pass has left. Always 0.
     int DeleteParser();
 
     /// Finds a file of that name in the folder that the platform was started from, as the setup

@@ -9,27 +9,29 @@ class TESSALY_API Parser {
     /// cchText 0 means up to the terminator. A null text is an empty one.
     Parser(const wchar_t* pszText, unsigned cchText);
 
-    int NotEnd() const { return p < pEnd && *p; }
-    /// These three read what stands there, without a test for either end.
-    wchar_t GetCurrentChar() const { return *p; }
-    wchar_t GetPrevChar() const { return p[-1]; }
-    wchar_t GetNextChar() const { return p[1]; }
+    int NotEnd() const { return p < pEnd && *p; } ///< Whether there is still a character.
+    // These three do not test for either end.
+    wchar_t GetCurrentChar() const { return *p; } ///< The character that stands here.
+    wchar_t GetPrevChar() const { return p[-1]; } ///< The one before.
+    wchar_t GetNextChar() const { return p[1]; }  ///< The one behind.
 
     /// A blank or a tab.
     int IsWhite() const { return NotEnd() && (*p == L' ' || *p == L'\t'); }
-    int IsTab() const { return NotEnd() && *p == L'\t'; }
+    int IsTab() const { return NotEnd() && *p == L'\t'; } ///< A tab.
     /// A line end: a line feed, or a carriage return with a line feed behind it.
     // QUIRK: a carriage return alone is none. Test: Parser.IsCR
     int IsCR() const {
         if (!NotEnd()) return 0;
         return *p == L'\n' || (*p == L'\r' && p + 1 < pEnd && p[1] == L'\n');
     }
-    int IsUnicodePrefix() const { return NotEnd() && *p == kUnicodePrefix; }
+    int IsUnicodePrefix() const { return NotEnd() && *p == kUnicodePrefix; } ///< The mark U+FEFF.
     // QUIRK: the end of the text counts as one of any set. Test: Parser.IsOneOf
-    int IsOneOf(const wchar_t* pszSet) const;
+    int IsOneOf(const wchar_t* pszSet) const; ///< One of the characters of the set.
 
+    /// Passes the mark U+FEFF, if it is there.
     int SkipUnicodePrefix() { return SkipIf(kUnicodePrefix); }
-    int SkipChar();
+    int SkipChar(); ///< Passes one character.
+    /// Passes blanks and tabs.
     int SkipWhite() {
         while (IsWhite()) ++p;
         return NotEnd();
@@ -59,10 +61,10 @@ class TESSALY_API Parser {
     /// Copies a token of at most cchOut - 1 characters, and terminates it. The rest of a longer one
     /// is what comes next. A null output or one of no characters gets nothing.
     void TokenCopy(wchar_t* pszOut, unsigned cchOut);
-    /// Both pass what stands before the line end, or before that character, or all of the text, and
-    /// copy of it what fits into cchOut characters with the terminator, of which there must be one.
-    /// The length of the copy.
+    /// Passes what stands before the line end, or all of the text, and copies of it what fits into
+    /// cchOut characters with the terminator, of which there must be one. The length of the copy.
     unsigned CopyToLineEnd(wchar_t* pszOut, unsigned cchOut);
+    /// The same up to that character.
     unsigned CopyToChar(wchar_t ch, wchar_t* pszOut, unsigned cchOut);
 
   private:

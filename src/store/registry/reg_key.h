@@ -28,7 +28,7 @@ class TESSALY_API RegKey {
     };
 
     RegKey() = default;
-    RegKey(const wchar_t* pszPath, int bWrite);
+    RegKey(const wchar_t* pszPath, int bWrite); ///< Open: GetHandle tells whether the key is open.
     RegKey(const wchar_t* pszPath, Op op);
     RegKey(const wchar_t* pszPath, const wchar_t* pszSubpath, int bWrite);
     RegKey(RegKey& parent, const wchar_t* pszSubkey, int bWrite);
@@ -37,10 +37,10 @@ class TESSALY_API RegKey {
     RegKey& operator=(const RegKey&) = default; // shares the handle; the old one is not closed
     virtual ~RegKey();
 
-    /// These overwrite the handle without closing what was held: Close first. After a failure the
-    /// handle is null. A textual path starts with a root: "HKCLS", "HKCU", "HKLM", "HKU" or the
-    /// long names, in any case; components before it are passed over, as are empty ones. Two texts
-    /// are joined with a backslash, cut at 255 characters.
+    /// Opens a key; the handle is overwritten, and what was held not closed: Close first. After a
+    /// failure the handle is null. A textual path starts with a root: "HKCLS", "HKCU", "HKLM",
+    /// "HKU" or the long names, in any case; components before it are passed over, as are empty
+    /// ones. Two texts are joined with a backslash, cut at 255 characters.
     int Open(const wchar_t* pszPath, int bWrite);
     int Open(const wchar_t* pszPath, Op op);
     int Open(const wchar_t* pszPath, const wchar_t* pszSubpath, int bWrite);
@@ -56,6 +56,7 @@ class TESSALY_API RegKey {
     void Close();
     /// Has the platform write what was changed to the disk.
     int Flush();
+    /// The handle, which stays the object's; null without a key.
     HKEY GetHandle() const { return hkey; }
     /// Whether an open for that operation is one for writing: 1 for OpDelete and OpSet only.
     // QUIRK: OpSetAlways opens read-only; who means to use it opens with a write flag of 1.
@@ -64,7 +65,7 @@ class TESSALY_API RegKey {
 
     /// The value's type; 0 if it cannot be queried.
     DWORD GetValueType(const wchar_t* pszName) const;
-    /// A value of type REG_NONE counts as absent.
+    /// Whether there is such a value. One of type REG_NONE counts as absent.
     int FindValue(const wchar_t* pszName) const { return GetValueType(pszName) != REG_NONE; }
     /// The first four bytes of a value of any type; shorter ones are filled up with zeros, longer
     /// ones give the default.
@@ -84,13 +85,14 @@ class TESSALY_API RegKey {
     int GetBin(const wchar_t* pszName, void* pBuffer, unsigned cbMax,
                DWORD* pdwType = nullptr) const;
 
-    /// With bCompare the registry is left untouched if the value has that content already, whatever
-    /// its type; the result is then 1 too. PutBin always compares.
+    /// Writes the value. With bCompare the registry is left untouched if the value has that content
+    /// already, whatever its type; the result is then 1 too. PutBin always compares.
     int PutDword(const wchar_t* pszName, DWORD dwValue, int bCompare);
     int PutInt(const wchar_t* pszName, int nValue);
     int PutStr(const wchar_t* pszName, const wchar_t* pszText, int bCompare);
     /// PutStr, but a null or empty text deletes the value.
     int PutStrOrDelEmpty(const wchar_t* pszName, const wchar_t* pszText, int bCompare);
+    /// Writes bytes of that type (REG_...), unless they are there already.
     int PutBin(const wchar_t* pszName, const void* pBytes, unsigned cbBytes, DWORD dwType);
 
     /// Deletes the value; 1 also if FindValue says that it is not there.
@@ -101,8 +103,8 @@ class TESSALY_API RegKey {
     /// Empties the key of subkeys and values; the key itself stays. Always 1.
     int DelAll();
 
-    /// 1 if the key has no subkey and no value but the default one, which does not count. The index
-    /// of the enumerations goes to 0. A key that is not open is not empty.
+    /// 1 if the key has no subkey and no value but the default one, which does not count. Sets
+    /// the index of the enumerations to 0. A key that is not open is not empty.
     int IsKeyEmpty();
     /// Deletes the subkey if it is empty by IsKeyEmpty; 0 if it is not, or could not be deleted. 1
     /// if there is none, and 1 for one that cannot be opened for writing.
@@ -137,15 +139,18 @@ class TESSALY_API RegKey {
     /// A file that is there is deleted first, whatever its attributes, and the new one gets them;
     /// otherwise it gets FILE_ATTRIBUTE_ARCHIVE. The platform's status is kept in lError.
     static int SaveKey(HKEY hkeySaved, const wchar_t* pszFile, SECURITY_ATTRIBUTES* pSecurity);
+    /// SaveKey of the open key.
     int Save(const wchar_t* pszFile) const { return SaveKey(hkey, pszFile, nullptr); }
-    /// Hang a hive file up as a subkey of HKEY_LOCAL_MACHINE or HKEY_USERS, and take it down. Both
-    /// need SE_BACKUP_NAME and SE_RESTORE_NAME.
+    /// Hangs a hive file up as a subkey of HKEY_LOCAL_MACHINE or HKEY_USERS. Needs SE_BACKUP_NAME
+    /// and SE_RESTORE_NAME.
     static int LoadKey(HKEY hkeyParent, const wchar_t* pszSubkey, const wchar_t* pszFile);
+    /// Takes a hive file down that LoadKey has hung up; it needs the same two.
     static int UnLoadKey(HKEY hkeyParent, const wchar_t* pszSubkey);
 
     /// The operations of the same names, on the value whose name is the two texts joined with
     /// pszFmtPrefix, cut at 255 characters; a null one counts as empty. Those that write compare
     /// first; PutBinPrefix writes REG_BINARY.
+    ///@{
     int DelValuePrefix(const wchar_t* pszPrefix, const wchar_t* pszName);
     int GetIntPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, int nDefault) const;
     DWORD GetDwordPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, DWORD dwDefault) const;
@@ -159,18 +164,22 @@ class TESSALY_API RegKey {
     int PutStrPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const wchar_t* pszText);
     int PutBinPrefix(const wchar_t* pszPrefix, const wchar_t* pszName, const void* pBytes,
                      unsigned cbBytes);
+    ///@}
 
     /// Names in the platform's order. One index serves both kinds, so walks cannot be interleaved.
     /// All give 0 only for "no more": an error, such as a name that does not fit or a key that is
     /// not open, gives 1 and an empty name. Test the open first.
+    ///@{
     int GetFirstSubKey(wchar_t* pszBuffer, int cchBuffer);
     int GetNextSubKey(wchar_t* pszBuffer, int cchBuffer);
     int GetSubKeyByIndex(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
     int GetFirstValue(wchar_t* pszBuffer, int cchBuffer);
     int GetNextValue(wchar_t* pszBuffer, int cchBuffer);
     int GetValueByIndex(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
-    /// The names by their index with the platform's status, for walks that tell errors apart.
+    ///@}
+    /// A name by its index with the platform's status, for walks that tell errors apart.
     LSTATUS ReadSubKeyName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
+    /// The same of a value.
     LSTATUS ReadValueName(DWORD nAt, wchar_t* pszBuffer, int cchBuffer) const;
 
     /// Performs op on one entry. On a text, pszText of cchText characters is what is expected or
@@ -184,11 +193,12 @@ class TESSALY_API RegKey {
     /// key; the operations that only look do nothing. Always 1.
     int ProcessSubKey(Op op, const wchar_t* pszSubkey);
 
-    /// The text log: from StartLog to EndLog, opening a path, PutDword, PutStr and DelValue leave
-    /// the registry alone and append a line to pszBuffer instead, which the caller has made large
-    /// enough, or null to count only. EndLog terminates the text and returns its size in characters
-    /// with the terminator; 0 if nothing was logged. The log is the whole process' and has no lock.
+    /// Begins the text log: from here to EndLog, opening a path, PutDword, PutStr and DelValue
+    /// leave the registry alone and append a line to pszBuffer instead, which the caller has made
+    /// large enough, or null to count only. The log is the whole process' and has no lock.
     static void StartLog(wchar_t* pszBuffer);
+    /// Ends the log and terminates its text. Returns the size in characters with the terminator; 0
+    /// if nothing was logged.
     static unsigned EndLog();
 
     static int bLogMode;                // the log is on

@@ -14,19 +14,20 @@
 // pszClsid is the class as text, with its braces; pszName what the class is called; pszDllPath the
 // library that has it. With bNotify the shell is told that associations changed.
 
-/// The class below HKEY_CLASSES_ROOT\CLSID with its "InProcServer32", threads "Apartment". Setting
-/// it starts from an empty key. The shell is told whatever the operation was.
+/// Registers the class below HKEY_CLASSES_ROOT\CLSID with its "InProcServer32", threads
+/// "Apartment". Setting it starts from an empty key. The shell is told whatever the operation was.
 TESSALY_API int RegisterComServer(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
                                   const wchar_t* pszClsid, int bNotify);
 
-/// The class, and its entry in the list of approved shell extensions. The shell is not told.
+/// Registers the class, and its entry in the list of approved shell extensions. The shell is not
+/// told.
 TESSALY_API int RegisterShellExtObject(RegKey::Op op, const wchar_t* pszName,
                                        const wchar_t* pszDllPath, const wchar_t* pszClsid);
 
-/// The class, its entry in the list of approved shell extensions, and then the class as a handler
-/// of the kind pszHandlerKind ("ContextMenuHandlers") under the name pszName for each type ("*",
-/// "Folder"). ppszTypes ends with a null or empty text; null is an empty list. The shell is told
-/// after OpSet and OpDelete.
+/// Registers the class, its entry in the list of approved shell extensions, and then the class as a
+/// handler of the kind pszHandlerKind ("ContextMenuHandlers") under the name pszName for each type
+/// ("*", "Folder"). ppszTypes ends with a null or empty text; null is an empty list. The shell is
+/// told after OpSet and OpDelete.
 TESSALY_API int RegisterShellExt(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,
                                  const wchar_t* pszClsid, const wchar_t* const* ppszTypes,
                                  const wchar_t* pszHandlerKind, int bNotify);
@@ -35,8 +36,8 @@ TESSALY_API int SetupCtxMenuRegistry(RegKey::Op op, const wchar_t* pszName,
                                      const wchar_t* pszDllPath, const wchar_t* pszClsid,
                                      const wchar_t* const* ppszTypes, int bNotify);
 
-/// The class, and its entry in the list of browser helper objects. The shell is told after OpSet
-/// and OpDelete.
+/// Registers the class, and its entry in the list of browser helper objects. The shell is told
+/// after OpSet and OpDelete.
 // QUIRK: OpTest asks only whether that list exists, not whether the class is in it.
 // Test: RegisterBrowserHelper.TestDoesNotLookForTheEntryInTheList
 TESSALY_API int RegisterBHO(RegKey::Op op, const wchar_t* pszName, const wchar_t* pszDllPath,

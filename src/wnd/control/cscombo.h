@@ -7,23 +7,31 @@
 /// are not told are those of the message that is sent.
 class TESSALY_API CSComboBase : public CSCtrl {
   public:
-    int GetCount();
+    int GetCount(); ///< The number of items.
+    /// Adds an item, by its place in a sorted list, else at the end. Its index.
     int AddStr(LPCWSTR pszText);
+    /// Inserts an item there (-1: at the end). Its index.
     int InsertStr(unsigned int nIndex, LPCWSTR pszText);
-    int GetStrLen(unsigned int nIndex); ///< -1 without such an item
-    /// psz holds GetStrLen characters and a terminator.
+    /// Characters without the terminator; -1 without such an item.
+    int GetStrLen(unsigned int nIndex);
+    /// Copies the item's text: psz holds GetStrLen characters and a terminator.
     int GetStr(unsigned int nIndex, wchar_t* psz);
-    unsigned __int64 GetItemData(unsigned int nIndex);
-    int SetItemData(unsigned int nIndex, unsigned __int64 qwData); ///< 1 unless refused
+    unsigned __int64 GetItemData(unsigned int nIndex); ///< The item's value.
+    /// Gives the item a value. 1 unless refused.
+    int SetItemData(unsigned int nIndex, unsigned __int64 qwData);
+    /// The next item with exactly that text, in any case, behind the index or from the start (-1).
+    /// Its index.
     int FindStrExact(LPCWSTR pszText, unsigned int nStartAfter);
-    /// QUIRK: whether the list is empty now. Test: CSComboBase.DelStrTellsWhetherTheListIsEmpty
+    /// Deletes the item. 1 if the list is empty then, 0 if it is not.
+    // QUIRK: whether the list is empty now. Test: CSComboBase.DelStrTellsWhetherTheListIsEmpty
     int DelStr(unsigned int nIndex);
-    int DelAll();
-    int SetExtendedUI(int bOn); ///< 1 unless refused
-    int GetCurSel();
-    int SetCurSel(unsigned int nIndex);
-    /// 1; 0 if the list has no room, and no value is set then.
+    int DelAll();                       ///< Empties the list. 1.
+    int SetExtendedUI(int bOn);         ///< Lets the arrow keys open the list. 1 unless refused.
+    int GetCurSel();                    ///< The selected item's index; -1 for none.
+    int SetCurSel(unsigned int nIndex); ///< Selects an item; -1 clears the selection.
+    /// AddStr, and the value. 1; 0 if the list has no room, and no value is set then.
     int AddItem(LPCWSTR pszText, unsigned __int64 qwData);
+    /// InsertStr, and the value. The result is that of AddItem.
     int InsertItem(unsigned int nIndex, LPCWSTR pszText, unsigned __int64 qwData);
     /// The item's value, and its text where psz is not null; 0 if that can't be read.
     unsigned __int64 GetItem(unsigned int nIndex, wchar_t* psz);
@@ -31,9 +39,10 @@ class TESSALY_API CSComboBase : public CSCtrl {
     unsigned int FindItem(unsigned __int64 qwData);
     /// Selects it; an unknown value clears the selection.
     int SelectItem(unsigned __int64 qwData);
-    unsigned __int64 GetSelectedItem();
+    unsigned __int64 GetSelectedItem(); ///< The selected item's value.
     /// Selects the item with exactly that text (in any case); negative if there is none.
     int SelectStr(LPCWSTR pszText);
+    /// Whether there is an item with a place above it, or below.
     int CanMove(unsigned int nIndex, int bUp);
     /// Moves the item by one place and selects it.
     void MoveItem(unsigned int nIndex, int bUp);
@@ -53,8 +62,9 @@ class TESSALY_API CSCombo : public CSComboBase {
     virtual int OnEditCtrlMsg(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam,
                               __int64* pqwResult);
 
+    /// The most characters that a user can type; 0: no limit.
     void SetMaxTextLimit(unsigned int cch);
-    int ShowDropDown(int bShow);
+    int ShowDropDown(int bShow); ///< Opens or closes the list. 1.
     /// 1 if the focus is on the combo box or its edit field.
     int IsFocused();
 

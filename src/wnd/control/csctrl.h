@@ -15,7 +15,7 @@ enum CSCtrlDrop : unsigned long {
     kDropFolder = 0x20000000,   // a dropped folder, or that of a dropped file
     kDropFile = 0x10000000,     // an existing file; a folder only with kDropAnyPath
 };
-constexpr unsigned long kDropMask = 0xF0000000;
+constexpr unsigned long kDropMask = 0xF0000000; // all of them
 
 /// One control of a dialog as an object: sees the control's own messages, and the notifications
 /// that the dialog gets for it. Usually a member of its dialog's class, tied by Init in
@@ -30,22 +30,26 @@ class TESSALY_API CSCtrl : public CSWnd {
 
     // The virtual operations of a control; their order is fixed.
 
-    /// At the end of Init.
+    /// Called at the end of Init.
     virtual void OnInit();
-    /// After the dialog's OnInitDialog.
+    /// Called after the dialog's OnInitDialog.
     virtual void PostInitDialog();
-    /// WM_CTLCOLOR...: non-zero, and *phbr is the answer.
+    /// The colours (WM_CTLCOLOR...); non-zero, and *phbr is the answer.
     virtual int OnCtlColor(unsigned int uMsg, HDC hdc, HBRUSH* phbr);
     /// The dialog is closing by OK. The default calls Store.
     virtual void OnOK();
     /// Sets the control's text by the drop rules, and ends the drop.
     virtual void OnDropFiles(HDROP hdrop);
-    /// A notification by WM_COMMAND, or by WM_NOTIFY; non-zero: the dialog does nothing more, and
-    /// *pqwResult is the result.
+    /// A notification by WM_COMMAND; non-zero: the dialog does nothing more, and *pqwResult is the
+    /// result.
     virtual int OnCommand(unsigned short nCode, __int64* pqwResult);
+    /// A notification by WM_NOTIFY, otherwise as OnCommand.
     virtual int OnNotify(NMHDR* pHdr, __int64* pqwResult);
+    /// WM_DRAWITEM of an owner-drawn control. The default does nothing.
     virtual void OnDrawItem(DRAWITEMSTRUCT* pItem);
+    /// WM_MEASUREITEM. The default does nothing.
     virtual void OnMeasureItem(MEASUREITEMSTRUCT* pItem);
+    /// WM_DELETEITEM. The default does nothing.
     virtual void OnDeleteItem(DELETEITEMSTRUCT* pItem);
 
   protected:
@@ -63,11 +67,12 @@ class TESSALY_API CSCtrl : public CSWnd {
     /// The object of a window if that is a control's; null otherwise.
     static CSCtrl* FromHandle(HWND hwnd);
 
-    unsigned int GetID() const { return ctrlId; }
+    unsigned int GetID() const { return ctrlId; } ///< The control's id.
+    /// The dialog that the control is tied to; null before Init.
     CSDlg* GetDlg() const { return dlg; }
     /// Clears, then sets bits of the own style word.
     void ModifyMyStyle(unsigned long dwRemove, unsigned long dwAdd);
-    void ShowCtrl(int bShow);
+    void ShowCtrl(int bShow); ///< Shows or hides the control.
     /// The text that the control had at the first call; an empty one is asked for again. Never
     /// null; good as long as the object.
     LPCWSTR GetOriginalText();

@@ -14,17 +14,19 @@ class TESSALY_API CSEdit : public CSCtrl {
     LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) override;
     int OnCtlColor(unsigned int uMsg, HDC hdc, HBRUSH* phbr) override;
 
-    void Clear(); ///< the empty text
-    void GetSel(int& nStart, int& nEnd);
-    void SetSel(int nStart, int nEnd);
+    void Clear();                        ///< the empty text
+    void GetSel(int& nStart, int& nEnd); ///< The selection's beginning and end.
+    void SetSel(int nStart, int nEnd);   ///< Selects; 0 and -1 are all of the text.
     /// bUndo: the user can undo it.
     void ReplaceSel(LPCWSTR pszText, int bUndo);
+    /// The place of a character in client pixels: x in the low word, y in the high one.
     LRESULT PosFromChar(int nChar);
+    /// The most characters that a user can type; 0: no limit.
     void SetMaxTextLimit(unsigned int cch);
-    int IsModified();
-    void SetModified(int bModified);
-    wchar_t GetPasswordChar();
-    void SetPasswordChar(wchar_t ch);
+    int IsModified();                 ///< Whether the user has changed the text.
+    void SetModified(int bModified);  ///< Sets or clears that mark.
+    wchar_t GetPasswordChar();        ///< What is shown for each character; 0: the characters.
+    void SetPasswordChar(wchar_t ch); ///< What is shown for each character; 0: the characters.
 
     /// Lets the next select-all pass by, as the dialog sends it to an edit that gets the focus.
     void BlockNextSelAll(int bBlock) { blockSelAll = bBlock; }
@@ -32,16 +34,16 @@ class TESSALY_API CSEdit : public CSCtrl {
     // QUIRK: WM_CLEAR and EM_REPLACESEL get through. Test:
     // CSEdit.SoftReadOnlyLetsClearAndReplaceThrough
     void SetReadOnly(int bReadOnly) { readOnly = bReadOnly; }
-    int GetReadOnly() const { return readOnly; }
+    int GetReadOnly() const { return readOnly; } ///< Whether it is in that mode.
 
     /// The background, 0x00BBGGRR.
     void SetBkgColor(unsigned long cr);
-    void ClearBkgColor();
+    void ClearBkgColor(); ///< The platform's background again.
 
     /// A balloon at the edit; icon is a TTI_ value (commctrl.h). 0 before Windows XP, and where the
     /// platform shows none.
     int ShowBalloon(LPCWSTR pszTitle, LPCWSTR pszText, int nIcon);
-    int HideBalloon();
+    int HideBalloon(); ///< Takes the balloon away. 0 before Windows XP.
 
   protected:
     int readOnly = 0;
@@ -49,10 +51,11 @@ class TESSALY_API CSEdit : public CSCtrl {
     OwnedHandleOf<HBRUSH, &::DeleteObject> editBrush; // empty: the platform's background
 };
 
+/// An edit control of many lines.
 class TESSALY_API CSMultiLineEdit : public CSEdit {
   public:
-    int GetLineCount();
-    int LineFromChar(int nChar);
+    int GetLineCount();          ///< The number of lines, at least 1.
+    int LineFromChar(int nChar); ///< Returns the line of a character, from 0; -1 is the caret.
 };
 
 // Edit controls by their handle
@@ -67,5 +70,5 @@ TESSALY_API int EditCtrl_GetLine(HWND hwnd, unsigned int nLine, wchar_t* pszBuff
 
 /// 1 if the shell can complete paths in an edit. Found out once.
 TESSALY_API int CanAutoComplete();
-/// SHAutoComplete, found at run time: E_NOTIMPL without it, S_OK for a null window.
+/// The result of SHAutoComplete, found at run time: E_NOTIMPL without it, S_OK for a null window.
 TESSALY_API HRESULT MySHAutoComplete(HWND hwndEdit, unsigned long dwFlags);

@@ -17,7 +17,7 @@ constexpr WPARAM kCompanyCodeHelp = 100;
 /// Are you the dialog of this number? The answer is 1 if it is.
 constexpr WPARAM kCompanyCodeIsDialog = 121;
 
-constexpr LRESULT kActivateDone = 0x8374B3;
+constexpr LRESULT kActivateDone = 0x8374B3; ///< The answer to kCompanyCodeActivate.
 
 /// The id of the registered message, the same in every process of the session; 0 if the platform
 /// registers no more. Registered on first use.

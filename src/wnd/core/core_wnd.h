@@ -15,7 +15,8 @@ class TESSALY_API CoreWnd {
     CoreWnd& operator=(const CoreWnd&) = delete;
     /// Does not destroy the window; it only takes its name off a window that is still there.
     virtual ~CoreWnd();
-    /// Every message of the window. The default hands it to oldWndProc.
+    /// Every message of the window. The default hands it to oldWndProc. Returns the
+    /// message's result.
     virtual LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     /// Registers a class whose windows belong to CoreWnd objects, with the library's instance.
@@ -28,13 +29,13 @@ class TESSALY_API CoreWnd {
     /// also with autoDelete set.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
-    /// With extended styles, otherwise as Create.
+    /// Creates it with extended styles, otherwise as Create.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
 
-    HWND hWnd = nullptr;          // the tied window; null when none is
-    WNDPROC oldWndProc = nullptr; // where OnWndMessage forwards to
-    AutoDelete autoDelete = KeepObject;
+    HWND hWnd = nullptr;                // the tied window; null when none is
+    WNDPROC oldWndProc = nullptr;       // where OnWndMessage forwards to
+    AutoDelete autoDelete = KeepObject; // set before the window goes
 
   protected:
     static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);

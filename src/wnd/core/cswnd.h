@@ -34,11 +34,11 @@ class TESSALY_API CSWnd {
     /// Asked by a modeless dialog's own loop; non-zero: the message was consumed.
     virtual int PreTranslateMessage(MSG* pMsg);
     /// Every message of the window. The default runs the hooks and the default processing
-    /// (DoWndMessage) and then the notifications below.
+    /// (DoWndMessage) and then the notifications below. Returns the message's result.
     virtual LRESULT OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
-    /// After the window's last message. The default takes all hooks off.
+    /// Called after the window's last message. The default takes all hooks off.
     virtual void OnPostNcDestroy();
-    /// After WM_ACTIVATE and WM_ENABLE. The defaults do nothing.
+    /// Called after WM_ACTIVATE and WM_ENABLE. The defaults do nothing.
     virtual void OnActivate(int bActive);
     virtual void OnEnable(int bEnabled);
     /// The default passes the change to the direct children that are CSWnd objects.
@@ -49,9 +49,10 @@ class TESSALY_API CSWnd {
     static ATOM RegisterClassExW(LPCWSTR pszName, UINT uStyle, HICON hicon, HICON hiconSmall,
                                  HBRUSH hbrBackground, HCURSOR hcur, LPCWSTR pszMenuName,
                                  int cbClassExtra, int cbWndExtra);
-    /// With nothing but a procedure and that many bytes for each window.
+    /// Registers a class with nothing but a procedure and that many bytes for each window. Returns
+    /// its atom, 0 on failure.
     static ATOM RegisterClassExWithWndExtra(LPCWSTR pszName, int cbWndExtra);
-    /// 1 on success.
+    /// Takes the class back. 1 on success.
     static int UnregisterClassW(LPCWSTR pszName);
 
     /// Creates the window; 1 on success. On failure hWnd is null and the object stays its owner's,
@@ -59,10 +60,10 @@ class TESSALY_API CSWnd {
     /// one ends here, hooks included, and autoDelete waits for the new one.
     int Create(LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y, int cx, int cy,
                HWND hwndParent, HMENU hmenu, void* pParam);
-    /// With extended styles, otherwise as Create.
+    /// Creates it with extended styles, otherwise as Create.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, HMENU hmenu, void* pParam);
-    /// A child window with that control id in place of the menu.
+    /// CreateEx for a child window, with its control id in place of the menu.
     int CreateEx(DWORD dwExStyle, LPCWSTR pszClass, LPCWSTR pszTitle, DWORD dwStyle, int x, int y,
                  int cx, int cy, HWND hwndParent, unsigned __int64 qwId, void* pParam);
     /// Destroys the window if there is one. Defined on a null object, as are IsReady and HWND.
@@ -95,6 +96,7 @@ class TESSALY_API CSWnd {
     void RemoveAllWndHooks();
     /// Runs the hooks and then the default processing: the subclass chain or the earlier procedure.
     /// With pAfter only the hooks behind that one are asked; if it is not in the chain, none is.
+    /// Returns the message's result.
     LRESULT DoWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, WMHook* pAfter);
 
     /// The object of a window of this process, null for a window that has none: its property names
@@ -108,44 +110,50 @@ class TESSALY_API CSWnd {
     /// to the platform's chain of subclasses.
     bool IsInChain() const { return hwndInChain && hwndInChain == hWnd; }
 
+    /// The procedure of the classes that are registered here.
     static LRESULT CALLBACK WndProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
     /// The SUBCLASSPROC of the platform's chain; dwRefData is the object.
     static LRESULT CALLBACK ShellSubclassProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam,
                                               UINT_PTR uSubclassId, DWORD_PTR dwRefData);
 
     // Plain forwarders to the platform, on hWnd. Where a result is not told it is the platform's.
-    int Redraw(UINT uFlags); ///< the whole window, RDW_ flags
+    int Redraw(UINT uFlags); ///< Redraws the whole window, with RDW_ flags.
+    /// Has the rectangle painted; null: all of the client area.
     int Invalidate(const RECT* prc, int bErase);
-    int InvalidateErase(const RECT* prc);
-    int InvalidateUpdate(const RECT* prc, int bErase); ///< Invalidate, and repaints at once
-    int v(const RECT* prc);                            ///< validates
+    int InvalidateErase(const RECT* prc);              ///< Invalidate, with the background erased.
+    int InvalidateUpdate(const RECT* prc, int bErase); ///< Invalidate, and repaints at once.
+    int v(const RECT* prc); ///< Validates the rectangle; null: all of the client area.
+    /// Sends a message. The window's answer.
     LRESULT SendMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
-    int PostMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);
-    int PostCmd(unsigned short nId, HWND hwndCtl, unsigned short nCode); ///< WM_COMMAND
-    int ClickButton(unsigned short nId); ///< posts WM_COMMAND without a control handle
-    int HasFocus();
-    int IsActive();
-    int IsForeground();
-    HWND SetFocus();
-    int Enable(int bEnabled);
-    HWND GetParent();
-    int Show(int bVisible);
-    int GetTextLength(); ///< characters without the terminator
-    /// At most cch characters with the terminator; returns the length.
+    int PostMsg(UINT uMsg, WPARAM wParam, LPARAM lParam);                ///< Posts a message.
+    int PostCmd(unsigned short nId, HWND hwndCtl, unsigned short nCode); ///< Posts WM_COMMAND.
+    int ClickButton(unsigned short nId); ///< Posts WM_COMMAND without a control's handle.
+    int HasFocus();                      ///< Whether it has the focus.
+    int IsActive();                      ///< Whether it is its thread's active window.
+    int IsForeground();                  ///< Whether it is in front of all.
+    HWND SetFocus();                     ///< Takes the focus. The window that had it.
+    int Enable(int bEnabled);            ///< Enables or disables. Whether it was disabled.
+    HWND GetParent();                    ///< The parent, or a popup's owner; null for none.
+    int Show(int bVisible);              ///< Shows or hides. Whether it was visible.
+    int GetTextLength();                 ///< Characters of the text, without the terminator.
+    /// Copies the text, at most cch characters with the terminator; returns the length.
     int GetText(wchar_t* psz, int cch);
-    int SetText(LPCWSTR psz);
-    /// The formatted text is cut at 1,023 characters. A string id is the default module's in the
-    /// first form; a missing string gives the empty text.
+    int SetText(LPCWSTR psz); ///< Sets the text, or a title.
+    /// Sets a string of the default module, formatted and cut at 1,023 characters; a missing string
+    /// gives the empty text.
     int SetText(unsigned int nStringId, ...);
+    /// SetText with what a text formats. It is cut at 1,023 characters.
     int SetTextFmt(LPCWSTR pszFormat, ...);
+    /// The same with a string of that module.
     int SetTextFmt(HINSTANCE hinst, unsigned int nStringId, ...);
-    DWORD GetStyle(int bExtended);
-    /// The style before the call.
+    DWORD GetStyle(int bExtended); ///< The style, or with bExtended the extended one.
+    /// Replaces that style. The style before the call.
     DWORD SetStyle(DWORD dwStyle, int bExtended);
+    /// Removes bits, then adds bits. The style before the call.
     DWORD ModifyStyle(DWORD dwRemove, DWORD dwAdd, int bExtended);
     /// Sets or clears bits of the plain style; returns the style before the call.
     DWORD SetStyleBits(DWORD dwBits, int bOn);
-    HFONT GetFont();
+    HFONT GetFont(); ///< The font; null for the system's.
     /// Bit 1 of nWhich sets the small icon, bit 2 the big one.
     void SetIcon(HICON hicon, unsigned int nWhich);
 
@@ -229,8 +237,8 @@ class TESSALY_API WMHook {
 
     /// AddWndHook and RemoveWndHook of the window object, which must not be null.
     void AddToWnd(CSWnd* pWnd);
-    void RemoveFromWnd(CSWnd* pWnd);
+    void RemoveFromWnd(CSWnd* pWnd); ///< RemoveWndHook of the window object.
     /// AddDlgHook and RemoveDlgHook of the dialog, which must not be null (defined with it).
     void AddToDlg(CSDlg* pDlg);
-    void RemoveFromDlg(CSDlg* pDlg);
+    void RemoveFromDlg(CSDlg* pDlg); ///< RemoveDlgHook of the dialog.
 };

@@ -23,11 +23,11 @@ TESSALY_API int SetWndZOrder(HWND hwnd, HWND hwndAfter, DWORD dwFlags);
 // Sizes are of the whole window, positions in the parent's client pixels or, without a parent, in
 // the screen's. None of these activates the window or changes its place in the order.
 
-/// The size alone.
+/// Sets the size alone.
 TESSALY_API int SetWndSize(HWND hwnd, int cx, int cy, DWORD dwFlags);
-/// The place of the top left corner alone.
+/// Sets the place of the top left corner alone.
 TESSALY_API int SetWndOrigin(HWND hwnd, int x, int y, DWORD dwFlags);
-/// Place and size. 0 for a null rectangle.
+/// Sets place and size. 0 for a null rectangle.
 TESSALY_API int SetWndPos(HWND hwnd, int x, int y, int cx, int cy, DWORD dwFlags);
 TESSALY_API int SetWndPos(HWND hwnd, const RECT* prc, DWORD dwFlags);
 /// Shows or hides the window where it is.
@@ -42,9 +42,9 @@ TESSALY_API int SimulateButton(HWND hwndDlg, unsigned short nId);
 /// WM_COMMAND as that control (null: none) would send it; SendCommand gives the window's answer.
 TESSALY_API int PostCommand(HWND hwnd, unsigned short nId, HWND hwndCtl, unsigned short nCode);
 TESSALY_API LRESULT SendCommand(HWND hwnd, unsigned short nId, HWND hwndCtl, unsigned short nCode);
-/// PostMessageW and SendMessageW.
+/// PostMessageW.
 TESSALY_API int PostMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
-TESSALY_API LRESULT SendMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+TESSALY_API LRESULT SendMsg(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam); ///< SendMessageW.
 
 /// The size of one line of text in pixels, in the window's font (the system's if it has none). 0,
 /// and *psize as it was, for a null text or size and for what is no window.

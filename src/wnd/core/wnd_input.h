@@ -4,8 +4,9 @@
 
 // The mouse and the keyboard, and small objects for the length of a block.
 
-/// 1 if the key (VK_) is down, or its toggle is on, as of the thread's last input message.
+/// 1 if the key (VK_) is down, as of the thread's last input message.
 TESSALY_API int IsKeyPressed(int nKey);
+/// 1 if the key's toggle is on, as of the thread's last input message.
 TESSALY_API int IsKeyToggled(int nKey);
 /// 1 if the button (VK_LBUTTON...) is down now; left and right as the user has swapped them.
 TESSALY_API int IsMouseButtonPressed(int nButton);
@@ -16,7 +17,7 @@ TESSALY_API int CatchMouseOut(HWND hwnd);
 
 /// The cursor, in the window's client pixels, or with a null window in the screen's.
 struct TESSALY_API MousePOINT : POINT {
-    explicit MousePOINT(HWND hwnd);
+    explicit MousePOINT(HWND hwnd); ///< Asks for the cursor.
 };
 
 /// Disables a window for the length of a block.
@@ -24,7 +25,7 @@ struct TESSALY_API MousePOINT : POINT {
 // CSWndEnabler.EnablesInTheEndWhatWasDisabledBefore
 class TESSALY_API CSWndEnabler {
   public:
-    explicit CSWndEnabler(HWND hwndTarget);
+    explicit CSWndEnabler(HWND hwndTarget); ///< Disables the window.
     ~CSWndEnabler();
     CSWndEnabler(const CSWndEnabler&) = delete;
     CSWndEnabler& operator=(const CSWndEnabler&) = delete;

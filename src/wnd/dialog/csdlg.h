@@ -12,17 +12,17 @@ struct ResourceRef;
 
 /// The flag word of a dialog.
 enum CSDlgFlag : unsigned long {
-    kDlgResizeWidth = 0x1,
-    kDlgResizeHeight = 0x2,
-    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight,
-    kDlgNoCorner = 0x4,              // no resizing corner is drawn
+    kDlgResizeWidth = 0x1,                               // the user can make it wider
+    kDlgResizeHeight = 0x2,                              // the user can make it higher
+    kDlgResizeBoth = kDlgResizeWidth | kDlgResizeHeight, // both
+    kDlgNoCorner = 0x4,                                  // no resizing corner is drawn
     kDlgShowsItself = 0x8,           // not hidden during initialisation and not shown afterwards
     kDlgFixedWidth = 0x10,           // not resizable: the width is held at the first one seen
     kDlgFixedHeight = 0x20,          // likewise the height
     kDlgResizeEdges = 0x100,         // the edges of the client area resize too, not just the corner
     kDlgTopmostAtStart = 0x400,      // until it has been active
     kDlgKeepBodyCursor = 0x40000000, // the dragger leaves the cursor over the body alone
-    kDlgStartHidden = 0x80000000,
+    kDlgStartHidden = 0x80000000,    // it comes up hidden
 };
 
 /// Where a dialog comes up, see CSDlg::alignMode.
@@ -43,7 +43,7 @@ enum CSDlgAlign { kDlgCentered = 1, kDlgCascaded = 2, kDlgAtMouse = 3 };
 /// is the platform's; an item that does not exist is nothing to do.
 class TESSALY_API CSDlg : public CSWnd {
   public:
-    explicit CSDlg(void* pUnused = nullptr);
+    explicit CSDlg(void* pUnused = nullptr); ///< The argument has no meaning.
     ~CSDlg() override;
 
     int IsKindOf(LPCWSTR pszClass) override;
@@ -54,52 +54,62 @@ class TESSALY_API CSDlg : public CSWnd {
 
     // The virtual operations of a dialog; their order is fixed.
 
-    /// Once, when the dialog is first shown: derived dialogs fill their controls. 1.
+    /// Called once, when the dialog is first shown: derived dialogs fill their controls. 1.
     virtual int UpdateControls();
     /// Derived dialogs check and collect what was entered; 0 keeps the dialog open. The default
     /// gives 1 and remembers that, so that OnOK asks no second time.
     virtual int UpdateData();
     /// Size and place, then OnInitDone. The result is WM_INITDIALOG's.
     virtual __int64 OnInitDialog(unsigned __int64 wParam, __int64 lParam);
+    /// WM_SHOWWINDOW. The default calls UpdateControls the first time: derived dialogs call it.
     virtual void OnShowWindow(int bShow, unsigned long dwStatus);
     /// The control that the notification comes from is asked first, then a tooltip gets its text.
     virtual __int64 OnNotify(int nId, NMHDR* pHdr);
-    /// Every message of the dialog procedure: asks the dialog's hooks.
+    /// Every message of the dialog procedure: asks the dialog's hooks. Returns DoDlgMessage's
+    /// result.
     virtual __int64 OnDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam);
     /// The company message (wnd/core/company_msg.h); non-zero: it was handled here.
     virtual int OnMyCompanyMsg(unsigned __int64 qwCode, __int64 qwData, __int64* pqwResult);
     /// Shows the help page of this dialog, or that which a dialog above names. pInfo may be null.
     virtual void OnHelp(HELPINFO* pInfo);
+    /// UpdateData, unless it gave 1 before, then CloseDialog with IDOK. 1; 0 if the data do not do.
     virtual __int64 OnOK();
-    virtual __int64 OnCancel();
+    virtual __int64 OnCancel(); ///< CloseDialog with IDCANCEL. 1.
     /// WM_COMMAND: the control's object first. Code 0 is a click, of IDOK, IDCANCEL and IDHELP too.
     virtual __int64 OnCommand(unsigned short nId, unsigned short nCode, HWND hwndCtl);
     /// Non-zero swallows the system command; the low four bits of nCmd are 0.
     virtual int OnSysCommand(unsigned short nCmd, unsigned short x, unsigned short y);
+    /// A button that no control's object took. The default does nothing.
     virtual void OnButtonClicked(unsigned short nId);
+    /// Another choice in a combo box. The default does nothing.
     virtual void OnComboSelChanged(unsigned short nId);
+    /// WM_DELETEITEM of a list. The default does nothing.
     virtual void OnDeleteItem(unsigned int nId, void* pItem);
-    /// WM_CTLCOLOR...: non-zero, and *phbr is the answer.
+    /// The colours (WM_CTLCOLOR...); non-zero, and *phbr is the answer.
     virtual int OnCtlColor(unsigned int uMsg, HDC hdc, HWND hwndCtl, HBRUSH* phbr);
     // A derived class that overrides one of the two brings the other in with a using declaration.
-    /// The text of a tooltip into cch characters; 0 for none.
+    /// Puts the text of a tooltip into cch characters. Non-zero, or 0 for none.
     virtual int GetTootTip(unsigned int nId, wchar_t* pszText, unsigned int cch);
     /// The same as a string of a module; asked first, and 0 or string 0 is none.
     virtual int GetTootTip(unsigned int nId, HINSTANCE& hinst, unsigned short& nStringId);
     /// The help page for a help id (0: of this dialog); null for none.
     virtual LPCWSTR GetHtmlPage(unsigned int nId);
+    /// The help page could not be shown. The default does nothing.
     virtual void OnHtmlHelpError(LPCWSTR pszPage);
-    /// 0 keeps the dialog open.
+    /// Asked before the dialog closes; 0 keeps it open. The default gives 1.
     virtual int CanClose(int nResult);
+    /// The dialog is closing. The default marks it as closed: derived dialogs call it.
     virtual void DoClose(int nResult);
     /// The size has changed by so many pixels: derived dialogs move their controls.
     virtual void OnResize(int dw, int dh);
-    virtual void OnInitDone();
+    virtual void OnInitDone(); ///< The end of OnInitDialog: derived dialogs call it.
     /// May change the size that the template gave, which is the smallest one too.
     virtual void OnInitRect(RECT& rc);
+    /// WM_WINDOWPOSCHANGING: derived dialogs call it.
     virtual void OnWindowPosChanging(WINDOWPOS* pPos);
+    /// WM_WINDOWPOSCHANGED: derived dialogs call it.
     virtual void OnWindowPosChanged(WINDOWPOS* pPos);
-    /// x is -1 when the mouse has left the dialog.
+    /// The mouse moves over the dialog; x is -1 when the mouse has left the dialog.
     virtual void OnMouseMove(unsigned __int64 qwFlags, int x, int y);
     /// Dialogs that scroll bring the item into view.
     virtual void EnsureDlgItemVisible(HWND hwndItem);
@@ -120,39 +130,42 @@ class TESSALY_API CSDlg : public CSWnd {
     /// CloseDialog was given; -1 if there was no window. *phwndCreated may be null.
     int ModelessWithLoop(int bDisableOwner, int nTemplateId, HINSTANCE hinst, HWND hwndParent,
                          HWND* phwndCreated);
-    /// As Modeless, from a template in memory; not shown. 1 on success.
+    /// Creates it as Modeless, from a template in memory; not shown. 1 on success.
     // QUIRK: CloseDialog ends such a dialog as if it were modal: it is hidden and lives on. Test:
     // CSDlgRun.DialogFromMemoryIsOnlyHiddenByCloseDialog
     int CreateIndirect(const DLGTEMPLATE* pTemplate, HWND hwndParent);
     /// Ends the dialog if CanClose lets it. nOkControls: whether the controls' OnOK is called; -1:
     /// unless nResult is IDCANCEL. 1, also if it stays open.
     int CloseDialog(int nResult, int nOkControls);
-    /// The platform's.
+    /// The platform's function, with its result.
     int EndDialog(int nResult);
-    int IsInitialized() const { return isInitialized; }
-    int IsClosed() const { return isClosed; }
-    int IsClosing() const { return isClosing; }
-    int WereControlsUpdated() const { return controlsUpdated; }
+    int IsInitialized() const { return isInitialized; }         ///< OnInitDialog is over.
+    int IsClosed() const { return isClosed; }                   ///< It was closed.
+    int IsClosing() const { return isClosing; }                 ///< It is about to be closed.
+    int WereControlsUpdated() const { return controlsUpdated; } ///< It was shown once.
     /// Initialised, shown once, not closed.
     int IsValid() const { return isInitialized && !isClosed && controlsUpdated; }
-    int IsSkinSet() const { return 0; }
+    int IsSkinSet() const { return 0; } ///< Always 0.
     /// Whether it is a page of another dialog.
     int IsChildDlg() const { return isChildDlg; }
-    void SetFlags(unsigned long dwMask, int bOn);
+    void SetFlags(unsigned long dwMask, int bOn); ///< Sets or clears bits of the flag word.
     /// Whether any of the bits is set.
     int IsFlag(unsigned long dwMask) const { return (flags & dwMask) != 0; }
 
     // The second chain of hooks, for the dialog procedure's messages; as that of CSWnd.
 
-    void AddDlgHook(WMHook* pHook);
-    void RemoveDlgHook(WMHook* pHook);
-    void RemoveAllDlgHooks();
+    void AddDlgHook(WMHook* pHook);    ///< The hook is asked first. It is not owned.
+    void RemoveDlgHook(WMHook* pHook); ///< Takes the hook off at once.
+    void RemoveAllDlgHooks();          ///< Takes all hooks off.
+    /// Runs the hooks; with pAfter those behind that one. The result of the one that handled it,
+    /// else 0.
     __int64 DoDlgMessage(unsigned int uMsg, unsigned __int64 wParam, __int64 lParam,
                          WMHook* pAfter);
 
     // Items, by id or handle.
 
-    HWND GetDlgItem(int nId);
+    HWND GetDlgItem(int nId); ///< The item's window; null for none.
+    /// Sends the item a message. Its answer.
     LRESULT SendDlgItemMsg(int nId, UINT uMsg, WPARAM wParam, LPARAM lParam);
     /// The item's control object; null if it has none.
     CSCtrl* GetDlgCtrl(int nId);
@@ -161,53 +174,63 @@ class TESSALY_API CSDlg : public CSWnd {
     unsigned int GetDlgItemID(HWND hwndItem);
     /// Makes another button the default one. 1.
     int SetDlgDefaulButton(unsigned int nId);
-    int EnableDlgItem(int nId, int bOn);
-    int ShowDlgItem(int nId, int bOn);
-    int HideDlgItem(int nId);          ///< disables and hides
-    int TurnDlgItem(int nId, int bOn); ///< enables and shows, or HideDlgItem
-    void SetDlgItemFocus(unsigned int nId);
-    int SimulateButton(unsigned short nId); ///< posts a click
-    int IsDlgItemEnabled(int nId);
-    int IsDlgItemVisible(int nId); ///< of itself, whatever its parents are
-    unsigned int IsDlgButtonChecked(int nId);
-    int CheckDlgButton(int nId, unsigned int uCheck);
+    int EnableDlgItem(int nId, int bOn);    ///< Enables or disables. The platform's result.
+    int ShowDlgItem(int nId, int bOn);      ///< Shows or hides. The platform's result.
+    int HideDlgItem(int nId);               ///< Disables and hides.
+    int TurnDlgItem(int nId, int bOn);      ///< Enables and shows, or HideDlgItem.
+    void SetDlgItemFocus(unsigned int nId); ///< Moves the focus to the item.
+    int SimulateButton(unsigned short nId); ///< Posts a click.
+    int IsDlgItemEnabled(int nId);          ///< Whether it is enabled.
+    int IsDlgItemVisible(int nId); ///< Whether it is shown, of itself, whatever its parents are.
+    unsigned int IsDlgButtonChecked(int nId);         ///< A BST_ value.
+    int CheckDlgButton(int nId, unsigned int uCheck); ///< BST_ values; the platform's result.
+    /// Checks one of the ids and clears the others. The platform's result.
     int CheckRadioButton(int nFirst, int nLast, int nChecked);
-    unsigned int GetDlgButtonState(int nId);
-    void SetDlgButtonState(int nId, unsigned int uState);
+    unsigned int GetDlgButtonState(int nId); ///< BST_ bits: checked, pushed, with the focus.
+    void SetDlgButtonState(int nId, unsigned int uState); ///< Non-zero: the button looks pushed.
     /// The first checked id; 0 for none.
     int GetCheckedRadioButton(int nFirst, int nLast);
-    int GetDlgItemTextLength(int nId);
+    int GetDlgItemTextLength(int nId); ///< Characters without the terminator.
+    /// Copies the item's text, cut to cch characters with the terminator. Returns the length.
     int GetDlgItemTextW(int nId, LPWSTR pszText, int cch);
+    /// Gives the item a text. The platform's result.
     int SetDlgItemTextW(int nId, LPCWSTR pszText);
-    /// A string of up to 511 characters. A null module: the library for a negative id, otherwise
-    /// the module that owns the dialog.
+    /// Sets a string of up to 511 characters. A null module: the library for a negative id,
+    /// otherwise the module that owns the dialog.
     int SetDlgItemTextW(int nId, int nStringId, HINSTANCE hinst);
-    /// pbOk may be null.
+    /// The number that the text is, 0 if it is none. pbOk may be null.
     unsigned int GetDlgItemInt(int nId, int* pbOk, int bSigned);
+    /// The number as text. The platform's result.
     int SetDlgItemInt(int nId, unsigned int uValue, int bSigned);
-    /// The formatted text (runtime/text/text_format.h) is cut at 1,023 characters.
+    /// Gives the item a formatted text. It (runtime/text/text_format.h) is cut at 1,023 characters.
     int SetDlgItemTextFmt(int nId, LPCWSTR pszFormat, ...);
     int SetDlgItemTextFmt(int nId, HINSTANCE hinst, int nStringId, ...);
     int SetDlgItemTextFmt(int nId, int nStringId, ...);
-    /// With the text that the control had at first as the format, so again and again.
+    /// Formats with the text that the control had at first as the format, so again and again.
     int SetDlgItemTextFmtCtrl(int nId, ...);
-    /// In the dialog's client pixels.
+    /// Where the item is, in the dialog's client pixels.
     int GetDlgItemRect(unsigned int nId, RECT* prc);
-    HWND GetNextDlgTabItem(HWND hwndCtl);
-    HWND GetPrevDlgTabItem(HWND hwndCtl);
-    void NextDlgCtrl(); ///< moves the focus
-    void PrevDlgCtrl();
+    HWND GetNextDlgTabItem(HWND hwndCtl); ///< The next item that Tab goes to; null for none.
+    HWND GetPrevDlgTabItem(HWND hwndCtl); ///< The previous item that Tab goes to; null for none.
+    void NextDlgCtrl();                   ///< Moves the focus on.
+    void PrevDlgCtrl();                   ///< Moves the focus back.
+    /// The range of an up-down control.
     void SetSpinRange(unsigned int nId, unsigned int uLow, unsigned int uHigh);
     /// 0xFFFFFFFF (CLR_INVALID) is no colour; without a background the controls are asked.
     void SetDlgColors(unsigned long crBkg, unsigned long crText, unsigned long crThird);
+    /// The background; CLR_INVALID for none.
     unsigned long GetDlgBkgColor() const { return bkgColor; }
+    /// The text's colour; CLR_INVALID for none.
     unsigned long GetDlgTextColor() const { return textColor; }
+    /// The third one; nothing is drawn with it.
     unsigned long GetDlgThirdColor() const { return thirdColor; }
     /// Redraws what of the dialog lies under the control.
     void EraseCtrlBkg(HDC hdcUnused, unsigned int nId);
     void EraseCtrlBkg(HDC hdcUnused, HWND hwndCtl);
+    /// Takes the item's place out of what is to be painted.
     void ValidateDlgItem(unsigned int nId);
-    /// From item to item in the order of siblings. EnableDlgItems takes the first child for 0.
+    /// Enables or shows them, from item to item in the order of siblings. EnableDlgItems takes the
+    /// first child for 0.
     void EnableDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
     void ShowDlgItems(unsigned int nFirst, unsigned int nLast, int bOn);
     /// OnDelayedAction in that many milliseconds, in place of an action that still waits; 0 only
@@ -218,46 +241,52 @@ class TESSALY_API CSDlg : public CSWnd {
 
     // Place and size (wnd/layout).
 
-    /// Before the dialog runs. The record is the caller's and lives longer than the run; null: the
-    /// place is not kept.
+    /// Lets the user resize it; called before the dialog runs. The record is the caller's and lives
+    /// longer than the run; null: the place is not kept.
     void EnableResizing(unsigned long dwFlags, MyWindowPlacement* pPlacement);
-    void DisableResizing();
-    void StoreResizingInfo();
-    /// OnResize by what the size differs from the previous one.
+    void DisableResizing();   ///< No resizing any more; the place is not kept.
+    void StoreResizingInfo(); ///< Puts the present place into the record.
+    /// Calls OnResize by what the size differs from the previous one.
     void Resize();
     /// By how much the dialog is larger than its smallest size.
     SIZE GetResizeData();
-    /// x and y in client pixels; the corner is a triangle.
+    /// Whether the point is in the grip, in client pixels; the corner is a triangle.
     int IsPtInResizingCorner(int x, int y, RECT& rcClient);
-    void DrawResizingCorner(HDC hdc);
-    void DrawResizingItem(HDC hdc, int x, int y); ///< one dot of it
-    void SetResizingCursor();
-    /// Whether the dialog can be dragged by its body, as it can be by default.
+    void DrawResizingCorner(HDC hdc);             ///< Draws the grip.
+    void DrawResizingItem(HDC hdc, int x, int y); ///< Draws one dot of it.
+    void SetResizingCursor();                     ///< Shows the cursor of a resizable corner.
+    /// Whether the dialog can be dragged by its body from now on, as it can be by default.
     void EnableFullDrag(int bOn);
-    int IsFullDrag() const { return dragger != nullptr; }
+    int IsFullDrag() const { return dragger != nullptr; } ///< Whether it can.
     /// Places the dialog by alignMode.
     void AlignDlg();
+    /// Moves it into the middle of the other window; null: of the monitor.
     int CenterWindow(HWND hwndOther);
-    int CascadeWindow(HWND hwndOther); ///< null: the desktop
+    /// Moves it below the other window's corner; null: the desktop's.
+    int CascadeWindow(HWND hwndOther);
     // Controls, by the functions of wnd/layout/ctrl_place.h.
-    void CenterCtrl(unsigned int nId, int bHorizontal, unsigned int nRefId); ///< 0: in the dialog
-    void MoveCtrl(unsigned int nId, int dx, int dy, int bRedraw);
+    /// Moves it into the middle of the other control; 0: of the dialog.
+    void CenterCtrl(unsigned int nId, int bHorizontal, unsigned int nRefId);
+    void MoveCtrl(unsigned int nId, int dx, int dy, int bRedraw); ///< Moves it by so many pixels.
+    /// Makes it larger by so many pixels.
     void ResizeCtrl(unsigned int nId, int dw, int dh, int bRedraw);
+    /// Both at once.
     void MoveResizeCtrl(unsigned int nId, int dx, int dy, int dw, int dh, int bRedraw);
-    /// To the place of another control, mostly a hidden one.
+    /// Moves it to the place of another control, mostly a hidden one.
     void MoveCtrlToSlot(unsigned int nId, unsigned int nSlotId);
     void MoveButtonToSlot(unsigned int nId, unsigned int nSlotId);
-    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId); ///< and to its size
+    /// Moves it there, and to its size.
+    void MoveResizeCtrlToSlot(unsigned int nId, unsigned int nSlotId);
     /// Gives the control the other one's right or left edge; the opposite edge stays.
     void MoveCtrlEdge(unsigned int nId, unsigned int nRefId, int bRightEdge);
-    /// Into the middle of nFrom and nTo (client pixels; both -1: the client area). In the vertical
-    /// case what does not fit is cut.
+    /// Moves it into the middle of nFrom and nTo (client pixels; both -1: the client area). In the
+    /// vertical case what does not fit is cut.
     void CenterDlgItem(unsigned int nId, int bHorizontal, int nFrom, int nTo);
-    /// A run of siblings as one block into the middle of the client area.
+    /// Moves a run of siblings as one block into the middle of the client area.
     void AlignDlgItems(unsigned int nFirst, unsigned int nLast, int bHorizontal);
     /// Makes the dialog grow until the control's text fits.
     void AdjustHeight(unsigned int nId);
-    /// A run of siblings that can be folded away. 1; 0 when out of memory.
+    /// Adds a run of siblings that can be folded away. 1; 0 when out of memory.
     int AddCtrlGroup(unsigned int nFirst, unsigned int nLast, unsigned int nContainer,
                      unsigned int nParentGroup);
     /// The first group with that first control, or with that container; null for none.

@@ -16,8 +16,8 @@ TESSALY_API int CSHelp(HWND hwnd, LPCWSTR pszFile, unsigned int uCommand, unsign
 /// What code 100 of the company message points to: a dialog is asked for the page of a help id, and
 /// asks its parent if it has none.
 struct HelpRequest {
-    unsigned int nHelpId;
-    LPCWSTR pszPage; // the answer; null: nobody knows one
+    unsigned int nHelpId; // what is asked for
+    LPCWSTR pszPage;      // the answer; null: nobody knows one
 };
 /// Codes of the company message that dialogs answer.
 constexpr WPARAM kMsgHelpRequest = 100; // lParam: a HelpRequest of this process

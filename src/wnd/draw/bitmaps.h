@@ -38,7 +38,7 @@ TESSALY_API void DrawBitmap(HDC hdc, HBITMAP hbm, int x, int y, int srcX, int sr
 
 /// A pixel of 32 bits as the platform's bitmaps hold it.
 struct GDI_BGR {
-    BYTE b, g, r, reserved;
+    BYTE b, g, r, reserved; // each from 0 to 255
 };
 static_assert(sizeof(GDI_BGR) == 4);
 

@@ -11,21 +11,22 @@ class TESSALY_API CDPI {
 
     constexpr CDPI() noexcept = default;
 
-    int GetDPIX();
-    int GetDPIY();
+    int GetDPIX(); ///< The dots per inch across.
+    int GetDPIY(); ///< The dots per inch down.
     /// 1 if either value is not 96.
     int IsCustom();
     // From the design size to pixels and back, rounded to the nearest; -1 for what is too much for
     // 32 bits, as MulDiv has it.
-    int ScaleX(int x);
-    int ScaleY(int y);
-    int UnscaleX(int x);
-    int UnscaleY(int y);
-    void ScaleRect(RECT* prc);
-    void ScaleSize(SIZE* psize);
-    /// The primary screen's size, in design units.
+    int ScaleX(int x);           ///< Returns a length across in pixels.
+    int ScaleY(int y);           ///< Returns a length down in pixels.
+    int UnscaleX(int x);         ///< Returns a length across in design units.
+    int UnscaleY(int y);         ///< Returns a length down in design units.
+    void ScaleRect(RECT* prc);   ///< Converts in place, to pixels.
+    void ScaleSize(SIZE* psize); ///< Converts in place, to pixels.
+    /// Returns the primary screen's width in design units.
     int ScaledScreenWidth();
-    int ScaledScreenHeight();
+    int ScaledScreenHeight(); ///< Returns the primary screen's height in design units.
+    /// Whether the primary screen has that size, in design units.
     bool IsResolutionAtLeast(int width, int height);
     /// 1 if either value lies from 97 to 112 inclusive.
     int ShouldAdjustForSkin();
@@ -36,8 +37,8 @@ class TESSALY_API CDPI {
     // Points of a font, 72 to the inch, by the dots per inch down.
     // QUIRK: these two don't read the values, so that they work with 96 before the first question.
     // Test: CDPI.PointsAreOf96DotsBeforeTheFirstQuestion
-    int PointsToPixels(int points);
-    int PixelsToPoints(int pixels);
+    int PointsToPixels(int points); ///< Returns a font's height in pixels.
+    int PixelsToPoints(int pixels); ///< Returns a font's height in points.
     /// The next question reads the values anew.
     void Invalidate();
 

@@ -26,7 +26,7 @@ class TESSALY_API CSDC {
 // place of a window's. Test: ClientDC.RestoresAContextThatTheClassOwnsAfterItsRelease
 class TESSALY_API ClientDC : public CSDC {
   public:
-    explicit ClientDC(HWND hwndShown);
+    explicit ClientDC(HWND hwndShown); ///< Takes the context.
     ~ClientDC() override;
 
   private:
@@ -36,7 +36,7 @@ class TESSALY_API ClientDC : public CSDC {
 /// A whole window with its frame. Otherwise as ClientDC.
 class TESSALY_API DCWindow : public CSDC {
   public:
-    explicit DCWindow(HWND hwndShown);
+    explicit DCWindow(HWND hwndShown); ///< Takes the context.
     ~DCWindow() override;
 
   private:
@@ -47,13 +47,13 @@ class TESSALY_API DCWindow : public CSDC {
 /// out, so that its owner can delete it, and the context is deleted.
 class TESSALY_API CompatibleDC : public CSDC {
   public:
-    explicit CompatibleDC(HDC hdc);
+    explicit CompatibleDC(HDC hdc); ///< Makes the context.
 };
 
 // Owners of drawing objects. What is still selected in a context can't be deleted: declare the
 // owner before the CSDC that it is selected into, so that the context goes first.
 
-using OwnedBitmap = OwnedHandleOf<HBITMAP, &::DeleteObject>;
-using OwnedBrush = OwnedHandleOf<HBRUSH, &::DeleteObject>;
-using OwnedPen = OwnedHandleOf<HPEN, &::DeleteObject>;
-using OwnedIcon = OwnedHandleOf<HICON, &::DestroyIcon>;
+using OwnedBitmap = OwnedHandleOf<HBITMAP, &::DeleteObject>; ///< Deleted by DeleteObject.
+using OwnedBrush = OwnedHandleOf<HBRUSH, &::DeleteObject>;   ///< Deleted by DeleteObject.
+using OwnedPen = OwnedHandleOf<HPEN, &::DeleteObject>;       ///< Deleted by DeleteObject.
+using OwnedIcon = OwnedHandleOf<HICON, &::DestroyIcon>;      ///< Destroyed by DestroyIcon.

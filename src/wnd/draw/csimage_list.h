@@ -31,15 +31,15 @@ class TESSALY_API CSImageList {
     /// Whether the object has a handle.
     int IsReady() const { return hList != nullptr; }
 
-    // Adding and replacing give the image's index, -1 on failure.
-    int AddIcon(HICON hicon);
-    int AddIcon(int iconId, HINSTANCE hinst);
-    /// Pixels of the mask's colour are transparent. The bitmap is copied; its width is a multiple
-    /// of the images'.
+    // The results of adding and replacing are the image's index, -1 on failure.
+    int AddIcon(HICON hicon);                 ///< Adds an icon's image.
+    int AddIcon(int iconId, HINSTANCE hinst); ///< Loads an icon and adds it.
+    /// Adds the bitmap's images. Pixels of the mask's colour are transparent. The bitmap is copied;
+    /// its width is a multiple of the images'.
     int AddMasked(HBITMAP hbm, unsigned long maskColor);
     /// Loads the bitmap, whose size GetBitmapSize tells from then on, and adds it masked.
     int AddFromBitmap(int bitmapId, HINSTANCE hinst, unsigned long maskColor);
-    /// An index of -1 adds the icon.
+    /// Replaces an image; an index of -1 adds the icon.
     int ReplaceIcon(int index, HICON hicon);
     /// Loads the icon at the list's icon size.
     int ReplaceIcon(int index, int iconId, HINSTANCE hinst);
@@ -48,7 +48,7 @@ class TESSALY_API CSImageList {
     int SetIconSize(int width, int height);
     /// Width in the low word, height in the high word.
     unsigned long GetIconSize();
-    /// With ILD_ style. 1 on success.
+    /// Draws an image, with ILD_ style. 1 on success.
     int Draw(int index, HDC hdc, int x, int y, unsigned int style);
     /// Makes the image the overlay of that number, from 1 on. 1 on success.
     int SetOverlayImage(int index, int overlay);

@@ -27,12 +27,12 @@ TESSALY_API void PaintShadedRect(HDC hdc, const RECT& rc, unsigned long color, i
 
 // Pens one pixel thin, which the caller deletes; null if there is none to be had.
 
-/// Of the platform's style PS_SOLID.
+/// A pen of the platform's style PS_SOLID.
 [[nodiscard]] TESSALY_API HPEN CreateSolidPen(unsigned long color);
-/// With gaps.
+/// A pen with gaps.
 // QUIRK: of the platform's style PS_DOT, not PS_DASH. Test: Pens.DashedIsThePlatformsStyle2
 [[nodiscard]] TESSALY_API HPEN CreateDashedPen(unsigned long color);
-/// Every other pixel.
+/// A pen of every other pixel.
 [[nodiscard]] TESSALY_API HPEN CreateDottedPen(unsigned long color);
 
 /// How light a colour (0x00BBGGRR) is, from 0 (black) to 240 (white): the mean of its largest and
@@ -44,7 +44,8 @@ TESSALY_API unsigned long MakeColorBright(unsigned long color);
 
 /// A colour in the platform's order, as one value and by its channels.
 union TESSALY_API COLORRGB {
-    constexpr COLORRGB() noexcept : color(0) {}
+    constexpr COLORRGB() noexcept : color(0) {} ///< Black.
+    /// That colour.
     constexpr explicit COLORRGB(unsigned long colorNew) noexcept : color(colorNew) {}
 
     /// Doubles the channels.
@@ -59,8 +60,9 @@ union TESSALY_API COLORRGB {
     void PaintRect(HDC hdc, int x, int y, int width, int height) const;
 
     unsigned long color; // 0x00BBGGRR; the byte on top is what a palette colour marks itself with
+    /// The four bytes of color, each from 0 to 255.
     struct {
-        unsigned char red, green, blue, reserved;
+        unsigned char red, green, blue, reserved; // the last one as the byte on top
     } bytes;
 };
 static_assert(sizeof(COLORRGB) == 4);

@@ -6,9 +6,10 @@
 // the platform's. Two have the name of a platform function: a reference or a rectangle chooses
 // these, a pointer or a point that one.
 
-TESSALY_API void RectCopy(RECT& rcDst, const RECT& rcSrc);
+TESSALY_API void RectCopy(RECT& rcDst, const RECT& rcSrc); ///< Copies the rectangle.
+/// Sets the four coordinates.
 TESSALY_API void RectSet(RECT& rc, int left, int top, int right, int bottom);
-TESSALY_API void RectShift(RECT& rc, int dx, int dy);
+TESSALY_API void RectShift(RECT& rc, int dx, int dy); ///< Moves it by so much.
 /// Grows on all four sides.
 TESSALY_API void RectInflate(RECT& rc, int dx, int dy);
 /// Shrinks on all four sides.
@@ -33,8 +34,8 @@ TESSALY_API int RectHasRect(const RECT& rcOuter, const RECT& rcInner);
 
 /// Swaps left with right and top with bottom.
 TESSALY_API void TwistRect(RECT* prc);
-/// Swaps x with y: left with top, right with bottom.
+/// Swaps left with top, and right with bottom.
 TESSALY_API void FlipRect(RECT* prc);
-TESSALY_API void FlipSize(SIZE* psize);
-/// Both corners from the window's client area to the screen. 1; 0 for what is no window.
+TESSALY_API void FlipSize(SIZE* psize); ///< Swaps width and height.
+/// Converts both corners from the window's client area to the screen. 1; 0 for what is no window.
 TESSALY_API int ClientToScreen(HWND hwnd, RECT* prc);

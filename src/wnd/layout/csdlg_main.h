@@ -23,7 +23,7 @@ class TESSALY_API CSDlgMain : public CSDlg {
 
     /// The window's place in the registry, see wnd/layout/wnd_place.h.
     void StorePosition();
-    void RestorePosition();
+    void RestorePosition(); ///< Brings the window to the place that is stored.
 
   protected:
     HICON bigIcon = nullptr;   // the platform's, never destroyed

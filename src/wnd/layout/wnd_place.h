@@ -7,13 +7,13 @@
 // ends there; the monitor is the whole one, its taskbar included. Results are the platform's, 0 for
 // what is no window.
 
-/// Into the middle of the other window, or of the monitor if that is null or not larger than 1 by 1
-/// pixel.
+/// Moves it into the middle of the other window, or of the monitor if that is null or not larger
+/// than 1 by 1 pixel.
 TESSALY_API int CenterWindow(HWND hwnd, HWND hwndOther);
-/// A scroll bar's width to the right and a caption's height below the other window's corner, or the
-/// monitor's.
+/// Moves it a scroll bar's width to the right and a caption's height below the other window's
+/// corner, or the monitor's.
 TESSALY_API int CascadeWindow(HWND hwnd, HWND hwndOther);
-/// The top left corner to the mouse. 0 if that can't be found.
+/// Moves its top left corner to the mouse. 0 if that can't be found.
 TESSALY_API int MoveWindowToMouse(HWND hwnd);
 /// CenterWindow for a window that lies on no monitor.
 TESSALY_API void EnsureWindowVisible(HWND hwnd, HWND hwndOther);
@@ -24,6 +24,7 @@ TESSALY_API void FitRectToNearestMonitor(RECT* prc);
 // The window's place in the registry, below the product's root key, as "posLeft" and "posTop"
 // behind the prefix. Nothing happens if the key can't be opened.
 
+/// Stores the window's top left corner.
 TESSALY_API void WndStorePosition(HWND hwnd, LPCWSTR pszPrefix);
 /// Half of the window may lie beyond the primary screen's left, right and bottom, none of it beyond
 /// the top.

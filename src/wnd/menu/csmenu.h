@@ -5,7 +5,7 @@
 
 /// A MENUITEMINFOW of zeros with its size and mask (MIIM_ flags) filled in.
 struct TESSALY_API MenuItemInfo : MENUITEMINFOW {
-    explicit MenuItemInfo(unsigned int nMask);
+    explicit MenuItemInfo(unsigned int nMask); ///< With that mask.
 };
 static_assert(sizeof(MenuItemInfo) == 80);
 
@@ -30,17 +30,18 @@ class TESSALY_API CSMenu {
     /// kind.
     virtual CSMenu* CreateSubMenu();
 
-    /// Both overwrite the handle without destroying what was held. Whether there is one now.
+    /// Makes a menu bar. Overwrites the handle without destroying what was held. Whether there is
+    /// one now.
     int Create();
-    int CreatePopup();
+    int CreatePopup(); ///< Makes a popup, otherwise as Create.
     /// Takes a handle that stays somebody else's.
     void Attach(HMENU hmenuTaken);
     /// Forgets the handle without destroying it.
     void Detach();
     /// Destroys the menu, whoever owns it.
     void Destroy();
-    int IsReady() { return IsValid(); }
-    int IsValid() const { return hMenu != nullptr; }
+    int IsReady() { return IsValid(); }              ///< Whether there is a menu.
+    int IsValid() const { return hMenu != nullptr; } ///< Whether there is a menu.
     /// Defined on a null object, too: null.
     operator HMENU() const;
 
@@ -59,7 +60,7 @@ class TESSALY_API CSMenu {
     unsigned __int64 GetItemDataByPos(unsigned int nPos) const;
     unsigned __int64 GetItemDataByID(unsigned int nId) const;
     unsigned __int64 GetItemData(unsigned int nItem, int byPos) const;
-    int SetItemDataByPos(unsigned int nPos, unsigned __int64 qwData);
+    int SetItemDataByPos(unsigned int nPos, unsigned __int64 qwData); ///< Gives the item data.
     int SetItemDataByID(unsigned int nId, unsigned __int64 qwData);
     int SetItemData(unsigned int nItem, int byPos, unsigned __int64 qwData);
 
@@ -72,13 +73,12 @@ class TESSALY_API CSMenu {
     /// Replaces the text and nothing else of the item.
     int SetStrByPos(unsigned int nPos, LPCWSTR pszText);
     int SetStrByID(unsigned int nId, LPCWSTR pszText);
+    /// Replaces the text and nothing else of the item.
     int SetStr(unsigned int nItem, int byPos, LPCWSTR pszText);
 
-    // Delete destroys the item's sub-menu, Remove leaves it alive.
-
-    int DeleteItemByPos(unsigned int nPos);
+    int DeleteItemByPos(unsigned int nPos); ///< Takes the item away and destroys its sub-menu.
     int DeleteItemByID(unsigned int nId);
-    int RemoveItemByPos(unsigned int nPos);
+    int RemoveItemByPos(unsigned int nPos); ///< Takes the item away; its sub-menu lives on.
     int RemoveItemByID(unsigned int nId);
 
     /// Makes the item the menu's default one, which is shown in bold.
@@ -101,15 +101,19 @@ class TESSALY_API CSMenu {
     // Insertion before that item, with MF_ flags. Positions behind the last one, and ids that are
     // not there, add the item at the end.
 
+    /// Inserts an item with a text.
     int InsertItemByPos(unsigned int nWhere, unsigned int nId, LPCWSTR pszText,
                         unsigned int nFlags);
     int InsertItemByID(unsigned int nWhere, unsigned int nId, LPCWSTR pszText, unsigned int nFlags);
+    /// Inserts an item with a sub-menu.
     int InsertSubmenuByPos(unsigned int nWhere, HMENU hmenuSub, LPCWSTR pszText,
                            unsigned int nFlags);
     int InsertSubmenuByID(unsigned int nWhere, HMENU hmenuSub, LPCWSTR pszText,
                           unsigned int nFlags);
-    int InsertSeparatorByPos(unsigned int nWhere);
+    int InsertSeparatorByPos(unsigned int nWhere); ///< Inserts a separator.
     int InsertSeparatorByID(unsigned int nWhere);
+
+    // The look of items
 
     /// The bitmaps stay the caller's and must live as long as the item.
     int SetItemBitmapsByPos(unsigned int nPos, HBITMAP hbmUnchecked, HBITMAP hbmChecked);
@@ -121,6 +125,7 @@ class TESSALY_API CSMenu {
     /// A new column begins at the item, with a bar before it if bar is non-zero.
     int SetBreakByPos(unsigned int nPos, int bar);
     int SetBreakByID(unsigned int nId, int bar);
+    /// A new column begins at the item, with a bar before it if bar is non-zero.
     int SetBreak(unsigned int nItem, int byPos, int bar);
     /// Splits the menu and all its sub-menus into columns by putting a separator with a break at
     /// each multiple of `every`: the first column has `every` items, each further one the separator
@@ -128,22 +133,30 @@ class TESSALY_API CSMenu {
     /// nothing for `every` below 2, with which a column would have no room for an item.
     void InsertBreaks(int every, int bar);
 
-    int GetCount() const; ///< -1 without a menu
-    unsigned int GetItemID(int nPos) const;
-    HMENU GetSubMenu(int nPos) const;
-    int SetHelpId(unsigned long nHelpId);
-    unsigned long GetHelpId() const;
+    // The menu itself
 
-    /// pszFormat is always a format (FormatText; the text is cut to 260 characters): texts from
-    /// elsewhere go through "%s".
+    int GetCount() const; ///< The number of items; -1 without a menu.
+    /// The item's id; 0xFFFFFFFF for a sub-menu and for none.
+    unsigned int GetItemID(int nPos) const;
+    HMENU GetSubMenu(int nPos) const;     ///< The item's sub-menu; null for none.
+    int SetHelpId(unsigned long nHelpId); ///< The number by which the menu's help is found.
+    unsigned long GetHelpId() const;      ///< That number; 0 for none.
+
+    // Building at the end
+
+    /// Adds an item at the end. pszFormat is always a format (FormatText; the text is cut to 260
+    /// characters): texts from elsewhere go through "%s".
     int AppendItem(unsigned int nId, LPCWSTR pszFormat, ...);
+    /// Adds an item with a sub-menu at the end.
     // QUIRK: the text is shown as it stands, whatever it holds and whatever arguments come along.
     // Test: CSMenuBuilding.AppendSubMenuShowsItsFormatAsItStands
     int AppendSubMenu(HMENU hmenuSub, LPCWSTR pszFormat, ...);
-    int AppendSeparator();
+    int AppendSeparator(); ///< Adds a separator at the end.
     /// Adds an object of CreateSubMenu's, which stays this one's; it has no handle yet. Null when
     /// out of memory.
     CSMenu* MakeSubMenu();
+
+    // Finding and showing
 
     /// The first item with that text, without regard to case. Items without a text are passed over.
     /// 0xFFFFFFFF if there is none.
@@ -154,17 +167,18 @@ class TESSALY_API CSMenu {
     /// Shows the menu and returns the chosen id, 0 for none. At the cursor, or, if the owner has a
     /// control of that id (0: none) and the cursor is not over it, at the control's centre.
     int Track(HWND hwndOwner, unsigned int nCtrlId);
-    /// At a point of the screen.
+    /// The same at a point of the screen.
     int Track(HWND hwndOwner, POINT ptWhere);
-    /// At the cursor, for an owner that is hidden: it is brought to the front before and put to the
-    /// back after, and the window that was in front is put there again. With forTrayIcon non-zero
-    /// the place is moved off the taskbar.
+    /// As Track at the cursor, for an owner that is hidden: it is brought to the front before and
+    /// put to the back after, and the window that was in front is put there again. With forTrayIcon
+    /// non-zero the place is moved off the taskbar.
     int Track2(HWND hwndOwner, int forTrayIcon);
 
-    /// A bitmap for a menu item, as CSIcon::IconToMenuBitmap. The other two are as CSIcon's of the
-    /// same name.
+    /// A bitmap for a menu item, as CSIcon::IconToMenuBitmap.
     [[nodiscard]] static HBITMAP GenerateBitmap(HICON hicon);
+    /// CSIcon::Create32BitHBITMAP.
     static long Create32BitHBITMAP(HDC hdc, const SIZE* psize, void** ppBits, HBITMAP* phResult);
+    /// CSIcon::InitBitmapInfo.
     static void InitBitmapInfo(BITMAPINFO* pInfo, unsigned long cbInfo, long cx, long cy,
                                unsigned short nBitCount);
 

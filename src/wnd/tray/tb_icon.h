@@ -22,14 +22,14 @@ class TESSALY_API TBIcon : public CSWnd {
     // What happened to the icon. A handler runs outside the shell's call and may open a menu or a
     // dialog; as long as one runs, for whichever icon of the process, no other is called: the
     // window's last active popup comes to the front instead.
-    virtual void OnLeftClick();
-    virtual void OnDoubleClick();
-    virtual void OnRightClick();
-    virtual void OnBaloonShow();
-    virtual void OnBaloonHide();
-    virtual void OnBaloonTimeout();
-    virtual void OnBaloonClick();
-    virtual void OnMouseMove();
+    virtual void OnLeftClick();     ///< A click with the left button.
+    virtual void OnDoubleClick();   ///< The second of two clicks.
+    virtual void OnRightClick();    ///< A click with the right button.
+    virtual void OnBaloonShow();    ///< The balloon has come up.
+    virtual void OnBaloonHide();    ///< The balloon was taken away.
+    virtual void OnBaloonTimeout(); ///< The balloon went, by its time or its button.
+    virtual void OnBaloonClick();   ///< A click on the balloon.
+    virtual void OnMouseMove();     ///< The mouse is over the icon.
     /// The window has been created. The default does nothing.
     virtual void OnCreateWnd();
     /// The window goes. The default takes the icon away.
