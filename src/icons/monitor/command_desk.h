@@ -12,7 +12,8 @@
 /// well. Nobody is asked and nothing is shown.
 class CommandDesk {
   public:
-    /// Whether it is a command that moves icons: captures are to be suppressed before.
+    /// Whether it is a command that moves icons, if nothing but the shell stands against it:
+    /// captures are to be suppressed before.
     [[nodiscard]] static bool MovesIcons(const COPYDATASTRUCT& data);
     /// The answer to a command's message, a CommandResult. Takes up to the time that the shell has
     /// for a restore; messages that are sent to the monitor may be handled meanwhile.

@@ -88,6 +88,11 @@ CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconR
     return CommandResult::Done;
 }
 
+bool CanRestore(unsigned __int64 qwTime) {
+    HeapArray<IconRecord> records;
+    return LoadStored(qwTime, records) == CommandResult::Done;
+}
+
 CommandResult RestoreForCommand(HWND hwndListView, unsigned __int64 qwTime) {
     HeapArray<IconRecord> records;
     CommandResult result = LoadStored(qwTime, records);
