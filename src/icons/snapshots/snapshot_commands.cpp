@@ -17,7 +17,7 @@ class SnapshotName {
     operator const wchar_t*() const { return szName; }
 
   private:
-    wchar_t szName[kSnapshotNameLength + 1];
+    wchar_t szName[kSnapshotNameLength + 1] = L"";
 };
 
 /// Sends with a time limit. False if the window has gone or does not answer in time.
