@@ -1,6 +1,7 @@
 #include "host/commands/import_reader.h"
 #include "host/commands/export_text.h"
 #include "support/guard_page.h"
+#include "support/no_memory.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -318,6 +319,31 @@ TEST(ImportReader, RandomTextsAreReadWithinTheirEndsAndNothingFalseIsTaken) {
         ImportReader reader({static_cast<const wchar_t*>(memory.Get()), str.size()});
         EXPECT_NE(ImportReader::Head::Ours, reader.ReadHead());
     }
+}
+
+TEST(ImportReader, SaysWhenThereIsNoMemory) {
+    bool bReady = true;
+    {
+        NoMemory none;
+        ImportReader reader(kHead);
+        bReady = reader.IsReady();
+    }
+    EXPECT_FALSE(bReady);
+}
+
+TEST(CommandTextTest, KeepsWhatItHasWithoutMemory) {
+    CommandText text, empty;
+    text.Add(L"kept");
+    {
+        NoMemory none;
+        for (int i = 0; i < 2000; ++i) text.Add(L"0123456789");
+        empty.Add(L"lost");
+    }
+    EXPECT_FALSE(text.IsWhole());
+    EXPECT_EQ(0, wcsncmp(L"kept0123456789", text.Get(), 14));
+    EXPECT_STREQ(L"", empty.Get());
+    text.Add(L"none of it any more");
+    EXPECT_EQ(text.GetLength(), wcslen(text.Get()));
 }
 
 TEST(CommandTextTest, GrowsAndTakesLongTexts) {

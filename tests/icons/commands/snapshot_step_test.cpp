@@ -7,6 +7,7 @@
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshot_test_support.h"
 #include "icons/snapshots/command_result.h"
+#include "support/no_memory.h"
 #include "support/window_thread.h"
 
 #include <gtest/gtest.h>
@@ -137,6 +138,27 @@ TEST_F(SnapshotStepTest, LoadsIntoEnoughRoomAlone) {
     EXPECT_TRUE(SameRecord(layout[2], read[2]));
     work.qwTime = kOld + 1;
     EXPECT_EQ(static_cast<int>(CommandResult::NoSnapshot), DoSnapshotStep(&work));
+}
+
+TEST_F(SnapshotStepTest, LackOfMemoryIsToldAndChangesNothing) {
+    raw.Plant(kOld, MakeLayout(3));
+    Layout layout = MakeLayout(3);
+    SnapshotWork load{}, import{};
+    load.step = SnapshotStep::Load;
+    load.qwTime = kOld;
+    import.step = SnapshotStep::Import;
+    import.qwTime = kOld + 1;
+    load.pRecords = import.pRecords = layout.data();
+    load.nRecords = import.nRecords = 3;
+    int nLoaded = 0, nImported = 0;
+    {
+        NoMemory none;
+        nLoaded = DoSnapshotStep(&load);
+        nImported = DoSnapshotStep(&import);
+    }
+    EXPECT_EQ(static_cast<int>(CommandResult::NoMemory), nLoaded);
+    EXPECT_EQ(static_cast<int>(CommandResult::NotWritten), nImported);
+    EXPECT_EQ(1u, ReadStoredSnapshots().size());
 }
 
 TEST_F(SnapshotStepTest, WithoutAMonitorCapturesAndLeavesNothingBehind) {
