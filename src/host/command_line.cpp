@@ -86,8 +86,12 @@ bool ReadTime(const wchar_t* psz, SnapshotRequest& request) {
         if (*psz != part.chBehind && (part.chBehind != L'T' || *psz != L't')) return false;
         ++psz;
     }
+    // And back: not every platform refuses a day that its month does not have.
     FILETIME ft;
-    if (!::SystemTimeToFileTime(&st, &ft)) return false;
+    SYSTEMTIME stBack;
+    if (!::SystemTimeToFileTime(&st, &ft) || !::FileTimeToSystemTime(&ft, &stBack) ||
+        stBack.wDay != st.wDay)
+        return false;
     request.choice = SnapshotChoice::ByTime;
     request.stLocal = st;
     return true;

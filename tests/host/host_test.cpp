@@ -83,15 +83,17 @@ BOOL CALLBACK FindBox(HWND hwnd, LPARAM lParam) {
     return !p->hwndBox;
 }
 
-/// Runs the program to its end; boxes are answered with OK. The test's own windows stay alive.
+/// Runs the program to its end, with neither a console nor standard handles, so that it shows what
+/// it tells in boxes; they are answered with OK. The test's own windows stay alive.
 Ended RunHost(const std::wstring& strFolder, const std::wstring& strArguments) {
     Ended ended;
     STARTUPINFOW si{};
     si.cb = sizeof(si);
+    si.dwFlags = STARTF_USESTDHANDLES; // none: the test platform hands down the test's own
     PROCESS_INFORMATION pi{};
     std::wstring strLine = L"\"" + strFolder + L"TSEXE64.exe\" " + strArguments;
-    if (!StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                            &si, &pi)) {
+    if (!StartProcessSurely(nullptr, strLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS,
+                            nullptr, nullptr, &si, &pi)) {
         ADD_FAILURE() << "not started: error " << ::GetLastError();
         return ended;
     }

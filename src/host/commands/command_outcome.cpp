@@ -22,8 +22,8 @@ constexpr Outcome kOutcomes[] = {
     {CommandResult::NoIcons, kExitNoDesktop,
      L"The desktop has no icons to store, or more than can be stored."},
     {CommandResult::OldMonitor, kExitNoDesktop,
-     L"The Tessaly that is running is of an older version and does not know this command. Close it "
-     L"and start it again."},
+     L"The Tessaly that is running is of an older version, which does not know this command. "
+     L"Restart it."},
     {CommandResult::OutOfReach, kExitNoDesktop,
      L"The Tessaly that is running has higher rights than this command. Start the command as "
      L"administrator."},

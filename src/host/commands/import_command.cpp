@@ -14,7 +14,7 @@
 #include <string_view>
 
 namespace {
-constexpr LONGLONG kMaxFileSize = 16 * 1024 * 1024;
+constexpr LONGLONG kMaxFileSize = 16LL * 1024 * 1024;
 
 using OwnedText = OwnedHandleOf<void*, &::FreeDllBuf>;
 

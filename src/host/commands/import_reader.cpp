@@ -112,8 +112,8 @@ bool ReadHexNumber(View str, unsigned __int64& qwRead) {
 /// Cuts the first word off, which blanks divide from the rest.
 View TakeWord(View& str) {
     auto isBlank = [](wchar_t ch) { return IsBlankOrTab(ch); };
-    auto end = std::ranges::find_if(str, isBlank);
-    auto cch = static_cast<std::size_t>(end - str.begin());
+    const auto* pEnd = std::ranges::find_if(str, isBlank);
+    auto cch = static_cast<std::size_t>(pEnd - str.begin());
     View word = Part(str, 0, cch);
     str = Trim(PartFrom(str, cch));
     return word;
@@ -216,7 +216,7 @@ const wchar_t* ImportReader::ReadKeys(Keys& keys) {
             pszFault = TakeIcon(value);
             continue;
         }
-        auto known = std::ranges::find_if(
+        const auto* known = std::ranges::find_if(
             kKeys, [key](const auto& row) { return IsSameNoCase(key, row.pszKey); });
         if (known == std::end(kKeys) || known->value.data())
             pszFault = kBadKey;

@@ -8,7 +8,7 @@
 
 /// A section of an export, as it was read.
 struct ImportSection {
-    wchar_t szName[24] = L"";          // as the file has it, for people: cut, signs replaced
+    wchar_t szName[20] = L"";          // as the file has it, for people: cut, signs replaced
     const wchar_t* pszFault = nullptr; // why it cannot be taken; null: it can
     unsigned __int64 qwTime = 0;       // 0 with a fault
     std::size_t nAt = 0;               // where it begins, for MoveTo

@@ -8,8 +8,8 @@
 #include <cstddef>
 
 namespace {
-/// Of the program that started this one, while the object lives: this one has none of its own, and
-/// none on its mind while it waits for a box.
+/// That of the program that started this one, while the object lives. It may be this one's already:
+/// that is no failure, and stays as it is.
 class ParentConsole {
   public:
     ParentConsole() : bAttached(::AttachConsole(ATTACH_PARENT_PROCESS) != 0) {}
@@ -18,7 +18,6 @@ class ParentConsole {
     }
     ParentConsole(const ParentConsole&) = delete;
     ParentConsole& operator=(const ParentConsole&) = delete;
-    [[nodiscard]] bool IsAttached() const { return bAttached; }
 
   private:
     bool bAttached;
@@ -65,7 +64,7 @@ void WriteUtf8(HANDLE h, const wchar_t* pszLines) {
     }
 }
 
-/// False if the console can't be written to.
+/// False if there is no console, or it can't be written to.
 bool WriteToConsole(const wchar_t* pszLines) {
     HANDLE hOpened =
         ::CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -97,7 +96,7 @@ bool WriteOut(const wchar_t* pszText, bool bFailed) {
         WriteUtf8(h, lines.Get());
         return true;
     }
-    return console.IsAttached() && WriteToConsole(lines.Get());
+    return WriteToConsole(lines.Get());
 }
 } // namespace
 

@@ -17,7 +17,7 @@ class LocalTimeText {
     const wchar_t* Get() const { return szText; }
 
   private:
-    wchar_t szText[kTimeTextSize];
+    wchar_t szText[kTimeTextSize] = L"";
 };
 
 int TellNoSnapshots(CommandText& told) {

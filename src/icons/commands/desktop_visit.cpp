@@ -29,7 +29,7 @@ class DesktopVisit {
     DesktopVisit(const DesktopVisit&) = delete; // the hook is this object's
     DesktopVisit& operator=(const DesktopVisit&) = delete;
     ~DesktopVisit() {
-        if (bBegun) LetGoOfDesktop(kShellAnswerMs);
+        if (hhook) LetGoOfDesktop(hhook, kShellAnswerMs);
     }
 
     [[nodiscard]] bool Begin() {
@@ -38,12 +38,12 @@ class DesktopVisit {
         shared.nCompanyMsg = GetMyCompanyMsgId();
         ForgetStaleDesktopHook();
         if (!FindDesktopShellWnd(&shared.hwndView, &shared.hwndListView)) return false;
-        bBegun = SetDesktopHook();
-        return bBegun;
+        hhook = SetDesktopHook();
+        return hhook != nullptr;
     }
 
   private:
-    bool bBegun = false;
+    HHOOK hhook = nullptr;
 };
 
 /// Dispatches messages until fnDone says yes. False after the time, and if the loop is to end.
@@ -82,7 +82,8 @@ CommandResult CaptureWithoutMonitor() {
     // The window goes before the agent: a shell that is sending to it must not wait for this one,
     // which waits for the shell.
     ScopeExit destroy([&] {
-        GetDesktopSharedData().hwndMonitor = nullptr;
+        HWND& hwndShared = GetDesktopSharedData().hwndMonitor;
+        if (hwndShared == static_cast<HWND>(monitor)) hwndShared = nullptr;
         monitor.Destroy();
     });
     return CaptureInto(monitor);

@@ -27,7 +27,8 @@ CommandResult Import(const COPYDATASTRUCT& data, const CommandMessage& head) {
 
 bool CommandDesk::MovesIcons(const COPYDATASTRUCT& data) {
     CommandMessage head{};
-    return ReadHead(data, head) && head.code == CommandCode::Restore;
+    return ReadHead(data, head) && head.code == CommandCode::Restore && !head.nRecords &&
+           CanRestore(head.qwValue);
 }
 
 bool CommandDesk::AsksForCapture(const COPYDATASTRUCT& data) {

@@ -12,7 +12,8 @@
 /// well. Nobody is asked and nothing is shown.
 class CommandDesk {
   public:
-    /// Whether it is a command that moves icons: captures are to be suppressed before.
+    /// Whether it is a command that moves icons, if nothing but the shell stands against it:
+    /// captures are to be suppressed before.
     [[nodiscard]] static bool MovesIcons(const COPYDATASTRUCT& data);
     /// Whether it is a command that asks for a capture.
     [[nodiscard]] static bool AsksForCapture(const COPYDATASTRUCT& data);

@@ -40,11 +40,11 @@ void InstallDesktopHook() {
     SendMyCompanyMsg(shared.hwndView, kCodeAttach, kAttach);
 }
 
-bool SetDesktopHook() {
-    if (!ClaimDesktopSharedData()) return false;
+HHOOK SetDesktopHook() {
+    if (!ClaimDesktopSharedData()) return nullptr;
     DesktopSharedData& shared = GetDesktopSharedData();
     if (!shared.hhook) SetHookAndPost(shared);
-    return shared.hhook != nullptr;
+    return shared.hhook;
 }
 
 void RemoveDesktopHook() {
@@ -68,18 +68,20 @@ void ForgetStaleDesktopHook() {
 
 bool IsDesktopAttached() { return IsMarked(GetDesktopSharedData().hwndListView); }
 
-void LetGoOfDesktop(DWORD nTimeoutMs) {
+void LetGoOfDesktop(HHOOK hhook, DWORD nTimeoutMs) {
     DesktopSharedData& shared = GetDesktopSharedData();
-    if (!shared.hhook) return;
-    // Posted: an attaching, and what a restore has still to tell the folder view, come before it.
-    // To both, as the agent on each does it itself once the hook has gone.
-    PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
-    PostMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
-    DWORD dwStart = ::GetTickCount();
-    while ((IsMarked(shared.hwndListView) || IsMarked(shared.hwndView)) &&
-           ::GetTickCount() - dwStart < nTimeoutMs) {
-        ::Sleep(1);
+    // A monitor starts all the same when a command has let its time pass.
+    if (shared.hhook == hhook) {
+        // Posted: an attaching, and what a restore has still to tell the folder view, come before
+        // it. To both, as the agent on each does it itself once the hook has gone.
+        PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
+        PostMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
+        DWORD dwStart = ::GetTickCount();
+        while ((IsMarked(shared.hwndListView) || IsMarked(shared.hwndView)) &&
+               ::GetTickCount() - dwStart < nTimeoutMs) {
+            ::Sleep(1);
+        }
+        shared.hhook = nullptr;
     }
-    ::UnhookWindowsHookEx(shared.hhook);
-    shared.hhook = nullptr;
+    ::UnhookWindowsHookEx(hhook);
 }

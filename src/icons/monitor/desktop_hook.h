@@ -8,9 +8,6 @@
 /// No hook is set for a list view that has gone; nothing is done if there is no room for this
 /// session's words.
 void InstallDesktopHook();
-/// The same without a word to the view: for who must not wait for a shell that hangs. Whether a
-/// hook is set.
-[[nodiscard]] bool SetDesktopHook();
 /// Detaches both windows and then removes the hook, if one is set. Returns after the shell's
 /// windows are its own again.
 void RemoveDesktopHook();
@@ -20,10 +17,14 @@ void ForgetStaleDesktopHook();
 
 // For a command that works without a monitor: it ends in time also where the shell does not answer.
 
+/// InstallDesktopHook without a word to the view, which would be waited for. The hook; null if none
+/// is set.
+[[nodiscard]] HHOOK SetDesktopHook();
 /// Whether the agent is on the list view, or another window object. It comes some time after the
 /// hook was set.
 [[nodiscard]] bool IsDesktopAttached();
-/// Has both windows detached, behind all that was posted to them before, and then removes the hook,
-/// if one is set. A shell that lets the time pass does it when it is back: until then its windows
-/// call into the library, which the agent holds.
-void LetGoOfDesktop(DWORD nTimeoutMs);
+/// Has both windows detached, behind all that was posted to them before, and then removes the hook
+/// that SetDesktopHook gave. A shell that lets the time pass does it when it is back: until then
+/// its windows call into the library, which the agent holds. If a monitor has set its own hook
+/// meanwhile, the agent is that one's, and only the hook goes.
+void LetGoOfDesktop(HHOOK hhook, DWORD nTimeoutMs);

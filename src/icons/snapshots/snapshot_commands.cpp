@@ -17,7 +17,7 @@ class SnapshotName {
     operator const wchar_t*() const { return szName; }
 
   private:
-    wchar_t szName[kSnapshotNameLength + 1];
+    wchar_t szName[kSnapshotNameLength + 1] = L"";
 };
 
 /// Sends with a time limit. False if the window has gone or does not answer in time.
@@ -86,6 +86,11 @@ CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconR
     if (!ReadLayoutRecords(key, name, read.Get(), nRecords)) return CommandResult::Damaged;
     records = std::move(read);
     return CommandResult::Done;
+}
+
+bool CanRestore(unsigned __int64 qwTime) {
+    HeapArray<IconRecord> records;
+    return LoadStored(qwTime, records) == CommandResult::Done;
 }
 
 CommandResult RestoreForCommand(HWND hwndListView, unsigned __int64 qwTime) {

@@ -12,7 +12,7 @@
 // for the shell only so long.
 
 /// How long the shell may take to answer a question, and for a restore.
-constexpr DWORD kShellAnswerMs = 5000, kShellRestoreMs = 10000;
+constexpr DWORD kShellAnswerMs = 5000, kShellRestoreMs = 6000;
 
 /// The time stamp of the snapshot that was restored last; 0 if there is none. It may be gone.
 unsigned __int64 ReadRestoreMark(const RegKey& key);
@@ -20,6 +20,8 @@ unsigned __int64 ReadRestoreMark(const RegKey& key);
 /// The records of a snapshot: Done; NoSnapshot, Damaged and NoMemory leave them not ready.
 CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconRecord>& records);
 
+/// Whether there is such a snapshot and its digest holds.
+[[nodiscard]] bool CanRestore(unsigned __int64 qwTime);
 /// Puts the snapshot back on that list view and marks it as the one restored last: Done. Before
 /// anything is touched NoSnapshot, Damaged, AutoArranged, NotWritten (the key cannot be opened for
 /// writing) and NoDesktop; after it NotWritten if the mark is refused, and NoDesktop if the shell

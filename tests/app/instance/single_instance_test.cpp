@@ -48,6 +48,21 @@ TEST(SingleInstanceXP, MarkHasTheProductsName) {
     ::CloseHandle(h);
 }
 
+TEST(SingleInstanceXP, MarkIsSeenWithoutBeingTaken) {
+    const wchar_t* pszName = L"TessalyTestSeenMark";
+    EXPECT_FALSE(HasInstanceMark(0, pszName));
+    {
+        SingleInstanceXP instance;
+        ASSERT_EQ(1, instance.IsFirstInstance(0, pszName)); // the question before took nothing
+        EXPECT_TRUE(HasInstanceMark(0, pszName));
+        EXPECT_FALSE(HasInstanceMark(1, pszName));
+    }
+    EXPECT_FALSE(HasInstanceMark(0, pszName));
+    HANDLE h = ::CreateMutexW(nullptr, FALSE, L"Local\\Orvanta_App_TessalyTestSeenMark");
+    EXPECT_TRUE(HasInstanceMark(0, pszName)); // something else is in its way
+    ::CloseHandle(h);
+}
+
 TEST(SingleInstanceXP, AskedAgainGivesZeroAndKeepsTheMark) {
     std::wstring strName = UniqueInstanceName();
     {

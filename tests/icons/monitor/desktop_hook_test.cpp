@@ -186,4 +186,30 @@ TEST_F(DesktopHook, OfAMonitorThatLivesIsLeftAlone) {
     monitor.Destroy();
 }
 
+TEST_F(DesktopHook, OfACommandIsSetWithoutWaitingAndLetGoOf) {
+    HHOOK hhook = SetDesktopHook();
+    ASSERT_NE(nullptr, hhook);
+    EXPECT_EQ(0, view.spyView.CountOfCode(kCodeAttach)); // nothing is sent
+    EXPECT_FALSE(IsDesktopAttached());
+    PumpAll();
+    EXPECT_TRUE(IsDesktopAttached());
+    EXPECT_TRUE(AgentView().IsAttached());
+    LetGoOfDesktop(hhook, 0); // this thread, the shell's here, does not answer meanwhile
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
+    EXPECT_TRUE(IsDesktopAttached());
+    PumpAll(); // it does when it is back, without a hook
+    EXPECT_FALSE(AgentListView().IsAttached());
+    EXPECT_FALSE(AgentView().IsAttached());
+}
+
+TEST_F(DesktopHook, OfAMonitorThatCameMeanwhileStays) {
+    HHOOK hhook = SetDesktopHook();
+    PumpAll();
+    GetDesktopSharedData().hhook = kBogusHook;
+    LetGoOfDesktop(hhook, kTestDeadlineMs);
+    PumpAll();
+    EXPECT_EQ(kBogusHook, GetDesktopSharedData().hhook);
+    EXPECT_TRUE(AgentListView().IsAttached());
+    GetDesktopSharedData().hhook = nullptr;
+}
 } // namespace

@@ -199,4 +199,18 @@ TEST_F(MessageGate, StaysShutWhereTheRealShellIsOfTheSameLevel) {
     EXPECT_TRUE(letIn.empty());
 }
 
+TEST_F(MessageGate, TellsWindowsOfAHigherLevel) {
+    struct {
+        std::optional<DWORD> own, other;
+        bool bOpens, bHigher;
+    } const kLevels[] = {{kMedium, kHigh, true, true},  {kMedium, kMedium, true, false},
+                         {kHigh, kMedium, true, false}, {kMedium, kHigh, false, false},
+                         {{}, kHigh, true, false},      {kMedium, {}, true, false}};
+    TestWindow wnd;
+    for (const auto& row : kLevels) {
+        PlayedLevels levels(row.own, row.other, row.bOpens);
+        EXPECT_EQ(row.bHigher, IsOfHigherLevel(wnd));
+    }
+    EXPECT_FALSE(IsOfHigherLevel(nullptr));
+}
 } // namespace
