@@ -6,6 +6,7 @@
 #include "icons/snapshots/layout.h"
 #include "wnd/core/company_msg.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -84,10 +85,9 @@ bool IsMoved(std::span<IconRecord> known, std::span<IconRecord> present) {
             known[nLeft++] = record;
         }
     }
-    for (const IconRecord& record : known.first(nLeft)) {
-        if (FindRecord(present, record, false)) return true;
-    }
-    return false;
+    return std::ranges::any_of(known.first(nLeft), [&](const IconRecord& record) {
+        return FindRecord(present, record, false) != nullptr;
+    });
 }
 
 HeapArray<IconRecord> CopyRecords(const IconRecord* pRecords, std::size_t nRecords) {

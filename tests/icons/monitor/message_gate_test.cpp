@@ -50,6 +50,7 @@ class PlayedLevels {
         shellLevel = shell;
         bOpens = bShellOpens;
         dwOpened = 0;
+        hShell = hOwnToken = hShellToken = nullptr; // handles come again in the next test
     }
     PlayedLevels(const PlayedLevels&) = delete;
     PlayedLevels& operator=(const PlayedLevels&) = delete;
