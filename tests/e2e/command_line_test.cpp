@@ -159,6 +159,7 @@ TEST_P(CommandOnConsole, ListStandsOnTheConsole) {
     Mark(strOldest);
     CommandEnd end = RunOnConsole(L"/LIST", GetParam());
     EXPECT_EQ(DWORD{kCodeDone}, end.dwCode);
+    EXPECT_EQ(L"", end.strBox);
     std::vector<std::string> expected{"1",        ToUtf8(LocalText(strNewest)),
                                       "3",        "ok",
                                       "2",        ToUtf8(LocalText(strOldest)),
@@ -171,6 +172,7 @@ TEST_P(CommandOnConsole, WhatFailedStandsOnTheConsole) {
     std::string strTold = Expect(kCodeNoSuchSnapshot, L"/RESTORE").strErr;
     CommandEnd end = RunOnConsole(L"/RESTORE", GetParam());
     EXPECT_EQ(DWORD{kCodeNoSuchSnapshot}, end.dwCode);
+    EXPECT_EQ(L"", end.strBox);
     EXPECT_EQ(Words(strTold), Words(end.strOut));
 }
 
@@ -187,6 +189,7 @@ TEST_P(CommandOnConsole, TextsOfAnyScriptStandOnTheConsole) {
 TEST_P(CommandOnConsole, SwitchesAreToldOnTheConsole) {
     CommandEnd help = RunOnConsole(L"/?", GetParam());
     EXPECT_EQ(DWORD{kCodeDone}, help.dwCode);
+    EXPECT_EQ(L"", help.strBox);
     for (const char* psz : kAllSwitches) EXPECT_TRUE(help.Tells(std::string(psz))) << psz;
     CommandEnd wrong = RunOnConsole(L"/bogus", GetParam());
     EXPECT_EQ(DWORD{kCodeBadSwitch}, wrong.dwCode);

@@ -31,6 +31,7 @@ CommandEnd CommandTest::Expect(CommandCode code, const std::wstring& strArgument
                                const std::wstring& strCurrent) {
     CommandEnd end = RunCommand(strArguments, Redirected::Both, strCurrent);
     EXPECT_EQ(DWORD{code}, end.dwCode) << ToUtf8(strArguments) << "\n" << end.All();
+    EXPECT_EQ(L"", end.strBox) << ToUtf8(strArguments);
     EXPECT_NE("", end.All()) << ToUtf8(strArguments);
     switch (code) {
     case kCodeDone: EXPECT_EQ("", end.strErr) << ToUtf8(strArguments); break;

@@ -110,6 +110,11 @@ DWORD ProcessWithBox() {
     if (hwnd && ::IsWindowVisible(hwnd)) ::GetWindowThreadProcessId(hwnd, &dwProcess);
     return dwProcess;
 }
+
+std::wstring TextOfClosedBox(DWORD dwProcess) {
+    auto box = AnswerMessageBox(dwProcess, IDOK);
+    return box ? box->strText : L"";
+}
 } // namespace
 
 std::string ToUtf8(const std::wstring& str) {
@@ -158,8 +163,13 @@ void CommandProcess::Kill() {
 
 CommandEnd CommandProcess::Wait(DWORD nMs) {
     CommandEnd end;
-    if (::WaitForSingleObject(hProcess, nMs) == WAIT_OBJECT_0)
-        ::GetExitCodeProcess(hProcess, &end.dwCode);
+    WaitUntil(
+        [&] {
+            if (FindMessageBox(dwId)) end.strBox = TextOfClosedBox(dwId);
+            return !IsRunning();
+        },
+        nMs);
+    if (!IsRunning()) ::GetExitCodeProcess(hProcess, &end.dwCode);
     end.strOut = files->out.Read();
     end.strErr = files->err.Read();
     return end;
@@ -176,10 +186,14 @@ CommandEnd RunOnConsole(const std::wstring& strArguments, ConsoleUse use) {
     Probe probe(use == ConsoleUse::Shared ? L"shared" : L"attached", strArguments,
                 CREATE_NO_WINDOW);
     CommandEnd end;
-    if (probe.HasEnded(kCommandDeadlineMs)) {
-        end.dwCode = probe.Code();
-        end.strOut = probe.Report();
-    }
+    WaitUntil(
+        [&] {
+            if (DWORD dwProcess = ProcessWithBox()) end.strBox = TextOfClosedBox(dwProcess);
+            return probe.HasEnded();
+        },
+        kCommandDeadlineMs);
+    end.dwCode = probe.Code();
+    if (probe.HasEnded()) end.strOut = probe.Report();
     return end;
 }
 

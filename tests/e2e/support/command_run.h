@@ -34,6 +34,7 @@ std::string ToUtf8(const std::wstring& str);
 struct CommandEnd {
     DWORD dwCode = kNotEnded;
     std::string strOut, strErr;
+    std::wstring strBox; // the text of a box that came though nobody expected one
 
     std::string All() const { return strOut + strErr; }
     bool Tells(const std::string& str) const { return All().find(str) != std::string::npos; }
@@ -57,7 +58,8 @@ class CommandProcess {
     DWORD Id() const { return dwId; }
     bool IsRunning() const;
     void Kill();
-    /// Waits for its end; the code is kNotEnded if that does not come in time.
+    /// Waits for its end; the code is kNotEnded if that does not come in time. A box that it shows
+    /// is closed.
     CommandEnd Wait(DWORD nMs = kCommandDeadlineMs);
 
   private:
