@@ -167,7 +167,7 @@ TEST_F(CommandTest, MonitorThatKnowsNoCommandsIsToldToBeRestarted) {
          {std::wstring(L"/REMEMBER"), std::wstring(L"/RESTORE"), std::wstring(L"/DELETE:1"),
           std::wstring(L"/DELETEALL"), L"\"/IMPORT:" + strFile + L"\""}) {
         CommandEnd end = Expect(kCodeNoShell, str);
-        EXPECT_TRUE(end.Tells(std::string("estart"))) << end.All();
+        EXPECT_TRUE(end.Tells(std::string("start"))) << end.All();
     }
     EXPECT_EQ(before, AllValues(store));
     EXPECT_EQ(icons, ExpectedIcons());
