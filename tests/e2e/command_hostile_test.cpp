@@ -21,7 +21,7 @@ class HostileFile : public CommandTest {
     void SetUp() override {
         CommandTest::SetUp();
         strName = NameBeforeNow(100);
-        strSection = SectionText(strName, SomeIcons(3));
+        strSection = SectionText(strName, MadeIcons(3));
     }
     TempFolder folder;
     std::wstring strName;
@@ -90,7 +90,7 @@ class DamagedSection : public HostileFile {
     /// The section of a new snapshot, and its name.
     std::string Make(int nIcons = 3) {
         strName = NameBeforeNow(1000 + 10 * nMade++);
-        return strSection = SectionText(strName, SomeIcons(nIcons));
+        return strSection = SectionText(strName, MadeIcons(nIcons));
     }
     void Add(const std::string& strDamaged) { rows.push_back({ToUtf8(strName), strDamaged}); }
     /// A new section with another text in the place of one of its lines.
@@ -108,12 +108,12 @@ class DamagedSection : public HostileFile {
     void ExpectLeftOut() {
         ASSERT_LE(rows.size(), kToldAtMost);
         std::wstring strFirst = NameBeforeNow(200), strLast = NameBeforeNow(300);
-        std::vector<std::string> alone, beside{SectionText(strFirst, SomeIcons(2))};
+        std::vector<std::string> alone, beside{SectionText(strFirst, MadeIcons(2))};
         for (const Damaged& row : rows) {
             alone.push_back(row.strSection);
             beside.push_back(row.strSection);
         }
-        beside.push_back(SectionText(strLast, SomeIcons(4)));
+        beside.push_back(SectionText(strLast, MadeIcons(4)));
         CommandEnd ofAlone = Import(FileText(alone));
         EXPECT_EQ(DWORD{kCodeNoExport}, ofAlone.dwCode) << ofAlone.All();
         EXPECT_EQ(std::set<std::wstring>{}, Names());
@@ -185,7 +185,7 @@ TEST_F(DamagedSection, OfATimeThatIsNoDateOrHasNotComeIsLeftOut) {
     uint64_t nTomorrow = Now() + 864'000'000'000;
     wchar_t sz[17];
     swprintf(sz, 17, L"%016llX", static_cast<unsigned long long>(nTomorrow));
-    rows.push_back({ToUtf8(sz), SectionText(sz, SomeIcons(3))});
+    rows.push_back({ToUtf8(sz), SectionText(sz, MadeIcons(3))});
     std::string strNoDate = "FFFFFFFFFFFFFFFF";
     Make();
     rows.push_back({strNoDate, Replaced(strSection, ToUtf8(strName), strNoDate)});
@@ -224,8 +224,8 @@ class WholeFile : public HostileFile {
         HostileFile::SetUp();
         for (int n = 1; n <= 3; ++n) {
             std::wstring str = NameBeforeNow(static_cast<uint64_t>(100 * n));
-            good[str] = {REG_BINARY, MakeSnapshotBytes(SomeIcons(n))};
-            sections.push_back(SectionText(str, SomeIcons(n)));
+            good[str] = {REG_BINARY, MakeSnapshotBytes(MadeIcons(n))};
+            sections.push_back(SectionText(str, MadeIcons(n)));
             strAll = FileText(sections);
             ends.push_back(strAll.size());
         }

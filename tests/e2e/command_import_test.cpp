@@ -12,7 +12,7 @@ class CommandImport : public CommandBoth {
     /// A snapshot that is not stored: its name, and its section.
     std::pair<std::wstring, std::string> Make(uint64_t nSecondsAgo, int nIcons = 3) {
         std::wstring strName = NameBeforeNow(nSecondsAgo);
-        return {strName, SectionText(strName, SomeIcons(nIcons))};
+        return {strName, SectionText(strName, MadeIcons(nIcons))};
     }
     static bool TellsCount(const CommandEnd& end, int n) {
         return n == 1 ? end.Tells(std::string("1 snapshot"))
@@ -28,8 +28,8 @@ TEST_P(CommandImport, StoresWhatTheFileHolds) {
     CommandEnd end = Import(kCodeDone, FileText({first.second, second.second}));
     EXPECT_TRUE(TellsCount(end, 2)) << end.strOut;
     EXPECT_EQ((std::set<std::wstring>{first.first, second.first}), Names());
-    EXPECT_EQ(MakeSnapshotBytes(SomeIcons(2)), store.Named(first.first)->bytes);
-    EXPECT_EQ(MakeSnapshotBytes(SomeIcons(999)), store.Named(second.first)->bytes);
+    EXPECT_EQ(MakeSnapshotBytes(MadeIcons(2)), store.Named(first.first)->bytes);
+    EXPECT_EQ(MakeSnapshotBytes(MadeIcons(999)), store.Named(second.first)->bytes);
     EXPECT_EQ(DWORD{REG_BINARY}, store.Named(first.first)->dwType);
     EXPECT_FALSE(store.Marked());
 }
@@ -39,19 +39,19 @@ TEST_P(CommandImport, LeavesWhatIsStoredAsItIs) {
     std::wstring strStored = Plant(300), strOther = Plant(400, 4);
     Mark(strOther);
     auto before = AllValues(store);
-    std::string strSame = SectionText(strStored, SomeIcons(3));
+    std::string strSame = SectionText(strStored, MadeIcons(3));
     CommandEnd same = Import(kCodeDone, FileText({strSame}));
     EXPECT_TRUE(same.Tells(std::string("is there already"))) << same.All();
     EXPECT_TRUE(same.Tells(strStored)) << same.All();
     EXPECT_EQ(before, AllValues(store));
-    CommandEnd different = Import(kCodeNoExport, FileText({SectionText(strOther, SomeIcons(9))}));
+    CommandEnd different = Import(kCodeNoExport, FileText({SectionText(strOther, MadeIcons(9))}));
     EXPECT_TRUE(different.Tells(strOther)) << different.All();
     EXPECT_EQ(before, AllValues(store));
     auto fresh = Make(200);
     CommandEnd both = Import(
-        kCodeLeftOut, FileText({SectionText(strOther, SomeIcons(9)), strSame, fresh.second}));
+        kCodeLeftOut, FileText({SectionText(strOther, MadeIcons(9)), strSame, fresh.second}));
     EXPECT_TRUE(TellsCount(both, 1)) << both.All();
-    before[fresh.first] = {REG_BINARY, MakeSnapshotBytes(SomeIcons(3))};
+    before[fresh.first] = {REG_BINARY, MakeSnapshotBytes(MadeIcons(3))};
     EXPECT_EQ(before, AllValues(store));
 }
 
@@ -79,7 +79,7 @@ TEST_P(CommandImport, KeepsToTwentyFiveAndTakesTheNewestOfTheFile) {
             auto made = Make(static_cast<uint64_t>(100 + n), 2);    // the newest first
             sections.insert(sections.begin() + n / 2, made.second); // in any order
             if (n < row.nTaken)
-                expected[made.first] = {REG_BINARY, MakeSnapshotBytes(SomeIcons(2))};
+                expected[made.first] = {REG_BINARY, MakeSnapshotBytes(MadeIcons(2))};
             else
                 left.push_back(made.first);
         }
@@ -93,7 +93,7 @@ TEST_P(CommandImport, KeepsToTwentyFiveAndTakesTheNewestOfTheFile) {
 TEST_P(CommandImport, OfWhatIsThereAlreadyNeedsNoRoom) {
     Begin();
     std::vector<std::string> sections;
-    for (unsigned n = 0; n < 25; ++n) sections.push_back(SectionText(Plant(100 + n), SomeIcons(3)));
+    for (unsigned n = 0; n < 25; ++n) sections.push_back(SectionText(Plant(100 + n), MadeIcons(3)));
     auto before = AllValues(store);
     Import(kCodeDone, FileText(sections));
     EXPECT_EQ(before, AllValues(store));
@@ -144,7 +144,7 @@ class CommandImportText : public CommandTest {
     void SetUp() override {
         CommandTest::SetUp();
         strName = NameBeforeNow(100);
-        strGood = FileText({SectionText(strName, SomeIcons(3))});
+        strGood = FileText({SectionText(strName, MadeIcons(3))});
     }
     CommandEnd Import(CommandCode code, const std::string& strContent) {
         return Expect(code, L"\"/IMPORT:" + folder.MakeFile(L"in.txt", strContent) + L"\"");
@@ -154,7 +154,7 @@ class CommandImportText : public CommandTest {
         Import(kCodeDone, strContent);
         auto value = store.Named(strName);
         ASSERT_TRUE(value);
-        EXPECT_EQ(MakeSnapshotBytes(SomeIcons(3)), value->bytes);
+        EXPECT_EQ(MakeSnapshotBytes(MadeIcons(3)), value->bytes);
         EXPECT_EQ(1, store.Count());
     }
     TempFolder folder;

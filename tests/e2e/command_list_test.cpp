@@ -52,8 +52,8 @@ TEST_P(CommandList, TellsWhichAreDamaged) {
 
 TEST_P(CommandList, LeavesOutWhatHasNoDate) {
     Begin();
-    store.Plant(kNoDate, MakeSnapshotBytes(SomeIcons(3)));
-    store.Plant(L"01DC", MakeSnapshotBytes(SomeIcons(3)));
+    store.Plant(kNoDate, MakeSnapshotBytes(MadeIcons(3)));
+    store.Plant(L"01DC", MakeSnapshotBytes(MadeIcons(3)));
     CommandEnd none = RunCommand(L"/LIST");
     EXPECT_EQ(DWORD{kCodeNoSuchSnapshot}, none.dwCode);
     EXPECT_EQ("There are no snapshots.\r\n", none.All());
@@ -80,7 +80,7 @@ TEST_F(CommandTest, ListIsStrictlyByTimeInWhateverOrderValuesCome) {
     Plant(300);
     std::wstring strLast = NameBeforeNow(40'000'000);
     strLast[0] = L'Z';
-    store.Plant(strLast, MakeSnapshotBytes(SomeIcons(3)));
+    store.Plant(strLast, MakeSnapshotBytes(MadeIcons(3)));
     std::string strBefore = "9999";
     for (const std::string& str : Lines(RunCommand(L"/LIST").strOut)) {
         std::string strTime = str.substr(str.find('\t') + 1, 19);
@@ -127,7 +127,7 @@ TEST_P(CommandDelete, TakesTheOneOfThatNumberInTheList) {
 TEST_P(CommandDelete, OfANumberThatIsNotInTheListDoesNothing) {
     Begin();
     for (unsigned n = 0; n < 25; ++n) Plant(10 + n);
-    store.Plant(kNoDate, MakeSnapshotBytes(SomeIcons(3)));
+    store.Plant(kNoDate, MakeSnapshotBytes(MadeIcons(3)));
     auto before = AllValues(store);
     for (const wchar_t* psz : {L"0", L"26", L"27", L"4294967297", L"99999999999999999999999"})
         Expect(kCodeNoSuchSnapshot, L"/DELETE:" + std::wstring(psz));

@@ -71,7 +71,8 @@ class CommandMessages : public CommandTest {
     std::vector<Seen> Record() {
         TempFolder folder;
         std::wstring strFile = folder.MakeFile(
-            L"in.txt", FileText({SectionText(NameBeforeNow(50), SomeIcons(2, 77))}));
+            L"in.txt", FileText({SectionText(NameBeforeNow(50), MadeIcons(2, 77))}));
+        StartPlain(3);
         Plant(100);
         Recorder recorder;
         for (const std::wstring& str :
@@ -106,7 +107,7 @@ class CommandMessages : public CommandTest {
 TEST_F(CommandMessages, CutAnywhereDoNoHarm) {
     std::vector<Seen> messages = Record();
     EXPECT_LE(5u, messages.size());
-    Begin(true);
+    StartMonitor();
     for (const Seen& message : messages) {
         for (size_t n = 0; n < message.bytes.size(); n += n < 64 ? 1 : 7)
             Send(message,
@@ -121,7 +122,7 @@ TEST_F(CommandMessages, CutAnywhereDoNoHarm) {
 
 TEST_F(CommandMessages, ChangedAnywhereDoNoHarm) {
     std::vector<Seen> messages = Record();
-    Begin(true);
+    StartMonitor();
     std::mt19937 random(21);
     for (const Seen& message : messages) {
         for (size_t n = 0; n < message.bytes.size(); ++n) {

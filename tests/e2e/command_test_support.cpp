@@ -47,7 +47,7 @@ CommandEnd CommandTest::Expect(CommandCode code, const std::wstring& strArgument
 }
 
 std::wstring CommandTest::Plant(uint64_t nSecondsAgo, int nIcons, int nVariant) {
-    return Plant(nSecondsAgo, SomeIcons(nIcons, nVariant));
+    return Plant(nSecondsAgo, MadeIcons(nIcons, nVariant));
 }
 
 std::wstring CommandTest::Plant(uint64_t nSecondsAgo, const std::vector<StoredIcon>& icons) {
@@ -58,7 +58,7 @@ std::wstring CommandTest::Plant(uint64_t nSecondsAgo, const std::vector<StoredIc
 
 std::wstring CommandTest::PlantDamaged(uint64_t nSecondsAgo, int nIcons) {
     std::wstring strName = NameBeforeNow(nSecondsAgo);
-    std::vector<BYTE> bytes = MakeSnapshotBytes(SomeIcons(nIcons));
+    std::vector<BYTE> bytes = MakeSnapshotBytes(MadeIcons(nIcons));
     bytes.back() ^= 1;
     store.Plant(strName, bytes);
     return strName;
@@ -107,6 +107,16 @@ void CommandBoth::TearDown() {
 
 std::string WithOrWithout(const testing::TestParamInfo<bool>& row) {
     return row.param ? "Running" : "Absent";
+}
+
+std::vector<StoredIcon> MadeIcons(int nIcons, int nVariant) {
+    constexpr uint64_t kStep = 0x9E3779B97F4A7C15; // the keys differ in all their digits
+    std::vector<StoredIcon> icons;
+    for (int n = 0; n < nIcons; ++n) {
+        auto nIndex = static_cast<uint32_t>(n);
+        icons.push_back({nIndex, 10 * n + nVariant, 20 * n, 9, kStep * (nIndex + 1)});
+    }
+    return icons;
 }
 
 std::vector<std::string> Lines(const std::string& strText) {

@@ -39,6 +39,9 @@ std::string WithOrWithout(const testing::TestParamInfo<bool>& row);
 #define INSTANTIATE_COMMAND_BOTH(suite)                                                            \
     INSTANTIATE_TEST_SUITE_P(Monitor, suite, testing::Bool(), WithOrWithout)
 
+/// Records of icons that no desktop has, as SomeIcons makes them, with keys that are of no names:
+/// those take the platform long for many.
+std::vector<StoredIcon> MadeIcons(int nIcons, int nVariant = 0);
 /// The lines of a text, each of which has to end with a carriage return and a line feed.
 std::vector<std::string> Lines(const std::string& strText);
 /// A snapshot's time as the commands tell and take it.

@@ -157,7 +157,7 @@ TEST_F(CommandTest, MonitorThatKnowsNoCommandsIsToldToBeRestarted) {
     TempFolder folder;
     std::wstring strNew = NameBeforeNow(50);
     std::wstring strFile =
-        folder.MakeFile(L"in.txt", FileText({SectionText(strNew, SomeIcons(2))}));
+        folder.MakeFile(L"in.txt", FileText({SectionText(strNew, MadeIcons(2))}));
     Plant(100);
     StartPlain(3);
     auto before = AllValues(store);
