@@ -4,6 +4,7 @@
 #include "support/temp_folder.h"
 #include "support/window_thread.h"
 
+#include <algorithm>
 #include <random>
 
 namespace {
@@ -83,6 +84,7 @@ class CommandMessages : public CommandTest {
     }
     void Send(const Seen& message, const std::vector<BYTE>& bytes, ULONG_PTR dwData) {
         DWORD_PTR nResult = 0;
+        cbLongest = std::max(cbLongest, bytes.size());
         COPYDATASTRUCT data{dwData, static_cast<DWORD>(bytes.size()),
                             const_cast<BYTE*>(bytes.data())};
         LPARAM lParam =
@@ -95,6 +97,8 @@ class CommandMessages : public CommandTest {
         for (const StoredSnapshot& value : store.Values()) {
             EXPECT_TRUE(value.DigestHolds()) << ToUtf8(value.strName);
             EXPECT_FALSE(value.Icons().empty()) << ToUtf8(value.strName);
+            // Nor what lay behind the bytes that were sent.
+            EXPECT_GE(cbLongest + sizeof(Digest), value.bytes.size()) << ToUtf8(value.strName);
         }
         EXPECT_GE(25, store.Count());
         EXPECT_TRUE(StillCaptures());
@@ -102,6 +106,9 @@ class CommandMessages : public CommandTest {
         Expect(kCodeDone, L"/REMEMBER");
         EXPECT_EQ(1, store.Count());
     }
+
+  private:
+    size_t cbLongest = 0;
 };
 
 TEST_F(CommandMessages, CutAnywhereDoNoHarm) {
