@@ -13,6 +13,12 @@
 #include <string>
 #include <vector>
 
+/// What the user is asked before a restore on a desktop that arranges its icons by itself.
+constexpr wchar_t kAutoArrangeText[] =
+    L"Your Desktop is currently set to auto arrange the icons. In order to restore the icons, the "
+    L"auto arrange option needs to be cleared.\n\nOK to clear this option? (If you select No, the "
+    L"icons will NOT be restored.)";
+
 /// The product's library, mapped into the test for as long as the object lives. A process that maps
 /// it shares the words by which the monitor and the agent know each other.
 class ProductLibrary {

@@ -7,11 +7,6 @@
 #include <future>
 
 namespace {
-constexpr wchar_t kAutoArrangeText[] =
-    L"Your Desktop is currently set to auto arrange the icons. In order to restore the icons, the "
-    L"auto arrange option needs to be cleared.\n\nOK to clear this option? (If you select No, the "
-    L"icons will NOT be restored.)";
-
 class Restore : public EngineTest {
   protected:
     void RestoreNamed(const std::wstring& strName) { ProductLibrary().Restore(strName); }
