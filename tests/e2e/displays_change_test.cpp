@@ -27,6 +27,8 @@ TEST_F(DisplaysChange, KnownLayoutIsPutBackOnceWithABalloon) {
     EXPECT_EQ(1, CountRestores());
     EXPECT_EQ(1, CountCapturesAsked());  // to compare with, and only for that
     EXPECT_EQ(before, AllValues(store)); // neither stored nor marked
+    // Captures are put off for a moment, as after a restore by the menu.
+    EXPECT_TRUE(WaitUntil([&] { return recorder->Count(monitor.Window(), WM_TIMER, 11) == 1; }));
     FlushShell();
     EXPECT_EQ(large, ExpectedIcons());
     EXPECT_TRUE(HoldsFor([&] { return CountRestores() == 1 && CountBalloons() == 1; }, 1500));

@@ -64,7 +64,7 @@ TEST_F(DisplaysHindered, NothingIsPutBackWhileAMenuOfTheShellIsOpen) {
     ::PostMessageW(desktop->View(), WM_CANCELMODE, 0, 0);
     keyboard::Press({keyboard::Key::Escape});
     ASSERT_TRUE(WaitUntil([&] { return (ShellFlags() & GUI_INMENUMODE) == 0; }));
-    EXPECT_TRUE(ComeAfterSettling(large));
+    EXPECT_TRUE(WaitUntil([&] { return LieAs(large); }));
     EXPECT_EQ(1, CountRestores());
 }
 
@@ -115,6 +115,32 @@ TEST_F(DisplaysHindered, DisplaysThatChangeBetweenTheComparisonAndItsAnswerAreTh
     EXPECT_EQ(1, store.Count());
     EXPECT_EQ(large, layouts.IconsOf(TextOf(kLarge)));
     EXPECT_EQ(middle, layouts.IconsOf(TextOf(kMiddle)));
+}
+
+TEST_F(DisplaysHindered, CaptureThatWasAskedForUnderOtherDisplaysIsASnapshotAndNoLayout) {
+    StartSwitchedOn(4);
+    home = ExpectedIcons();
+    MoveSomething();
+    desktop->Hang(4500); // longer than the displays take to settle
+    ASSERT_TRUE(::PostMessageW(monitor.Window(), WM_WTSSESSION_CHANGE, WTS_SESSION_UNLOCK, 0));
+    ASSERT_EQ(0, ::SendMessageW(monitor.Window(), WM_NULL, 0, 0)); // it has asked
+    display.SetSize(kLarge);
+    EXPECT_TRUE(WaitUntil([&] { return store.Count() == 2; }));
+    FlushShell();
+    EXPECT_TRUE(StayAfterSettling());
+    EXPECT_EQ(1, layouts.Count());
+    EXPECT_EQ(home, layouts.IconsOf(TextOf(kHome)));
+    ASSERT_TRUE(Capture());
+    EXPECT_TRUE(WaitUntil([&] { return IsKnownAsItIs(TextOf(kLarge)); }));
+}
+
+TEST_F(DisplaysHindered, SwitchedOffWhileTheDisplaysSettleNothingIsPutBack) {
+    StartWithTwoKnown(4);
+    display.SetSize(kLarge);
+    EXPECT_EQ(0u, RunHost(L"/DISPLAYS:OFF /QUIET"));
+    EXPECT_TRUE(StayAfterSettling());
+    EXPECT_EQ(0, CountRestores());
+    EXPECT_EQ(large, layouts.IconsOf(TextOf(kLarge)));
 }
 
 TEST_F(DisplaysHindered, ShellThatRestartsMeanwhileGetsItsIconsBack) {

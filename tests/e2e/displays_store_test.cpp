@@ -105,6 +105,15 @@ TEST_F(DisplaysStore, OldestGoesWhenThereAreMoreThanThirtyTwo) {
     EXPECT_TRUE(layouts.Of(MadeUp(1)));
 }
 
+TEST_F(DisplaysStore, AllBeyondThirtyTwoGoTheOldestFirst) {
+    constexpr int kMore = 8;
+    PlantMadeUp(kMaxSetUps + kMore);
+    StartSwitchedOn(4);
+    ASSERT_TRUE(WaitUntil([&] { return layouts.Count() == kMaxSetUps; }));
+    for (int n = 0; n < kMaxSetUps + kMore; ++n)
+        EXPECT_EQ(n > kMore, layouts.Of(MadeUp(n)).has_value()) << n;
+}
+
 TEST_F(DisplaysStore, NoneGoesWhenTheThirtySecondComes) {
     PlantMadeUp(kMaxSetUps - 1);
     StartSwitchedOn(4);
@@ -151,6 +160,13 @@ std::vector<BYTE> WithAnother(std::vector<BYTE> bytes, size_t nAt) {
     bytes[nAt] ^= 1;
     return bytes;
 }
+/// More than any capture has.
+std::vector<StoredIcon> TooManyIcons() {
+    std::vector<StoredIcon> icons(1000);
+    for (uint32_t n = 0; n < icons.size(); ++n)
+        icons[n] = {n, static_cast<int32_t>(n), 10, 5, 1'000'000 + n};
+    return icons;
+}
 const Damage kDamages[] = {
     {"LayoutMissing", [](const LayoutReader& layouts,
                          const std::wstring& str) { layouts.DeleteValue(str, L"Layout"); }},
@@ -189,7 +205,7 @@ const Damage kDamages[] = {
      }},
     {"TooManyRecords",
      [](const LayoutReader& layouts, const std::wstring& str) {
-         layouts.PlantValue(str, L"Layout", REG_BINARY, MakeSnapshotBytes(SomeIcons(1000)));
+         layouts.PlantValue(str, L"Layout", REG_BINARY, MakeSnapshotBytes(TooManyIcons()));
      }},
     {"LayoutOfAnotherType",
      [](const LayoutReader& layouts, const std::wstring& str) {
@@ -256,7 +272,5 @@ TEST_F(DisplaysStore, SeveralDisplaysAreOneSetUpThePrimaryOneFirst) {
                                  L"800x600+1824+100@96";
     EXPECT_TRUE(WaitUntil([&] { return IsKnownAsItIs(strText); }));
     EXPECT_EQ(2, layouts.Count());
-    for (const StoredLayout& layout : layouts.All())
-        SCOPED_TRACE(testing::Message() << layout.Displays());
 }
 } // namespace

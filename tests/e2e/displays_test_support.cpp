@@ -1,5 +1,7 @@
 #include "e2e/displays_test_support.h"
 
+#include <algorithm>
+
 namespace {
 constexpr const wchar_t* kBalloon =
     L"The displays have changed. The icons are back as they were with these displays.";
@@ -100,7 +102,10 @@ void DisplaysTest::Record() {
 }
 
 int DisplaysTest::CountCapturesAsked() const {
-    return recorder->Count(desktop->List(), CompanyMsg(), kCodeCapture);
+    auto records = recorder->All();
+    return static_cast<int>(std::count_if(records.begin(), records.end(), [](const auto& record) {
+        return record.bPosted && record.uMsg == CompanyMsg() && record.wParam == kCodeCapture;
+    }));
 }
 
 int DisplaysTest::CountRestores() const { return recorder->Count(desktop->List(), WM_COPYDATA); }

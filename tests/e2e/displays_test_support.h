@@ -45,7 +45,7 @@ class DisplaysTest : public EngineTest {
 
     /// From now on, what the monitor and the desktop say to each other is recorded.
     void Record();
-    int CountCapturesAsked() const;
+    int CountCapturesAsked() const; // of whichever window of the shell's thread
     int CountRestores() const;
     /// The balloons about displays since the tray is there.
     int CountBalloons();

@@ -77,7 +77,8 @@ void PlugInOne(int nNumber, const RECT& rc) {
     std::wstring strFirst = video.Text(L"\\Device\\Video0").substr(wcslen(kMachine));
     std::wstring strOurs =
         L"System\\CurrentControlSet\\Control\\Video\\" + (kOurVideo + strNumber) + L"}\\0000";
-    CopyTree(kProfile + strFirst, kProfile + strOurs, REG_OPTION_VOLATILE);
+    CopyTree(strFirst, strOurs, REG_OPTION_VOLATILE);                       // what it is
+    CopyTree(kProfile + strFirst, kProfile + strOurs, REG_OPTION_VOLATILE); // and is set to
     MachineKey profile(kProfile + strOurs, false);
     DWORD dwState = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
     profile.Set(L"StateFlags", REG_DWORD, &dwState, sizeof(dwState));
@@ -92,10 +93,10 @@ void TakeOthersAway() {
         ::RegDeleteValueW(video.Get(), (L"\\Device\\Video" + strNumber).c_str());
         ::RegDeleteTreeW(HKEY_LOCAL_MACHINE,
                          (std::wstring(kMonitors) + L"0000&000" + strNumber).c_str());
-        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE,
-                         (std::wstring(kProfile) + L"System\\CurrentControlSet\\Control\\Video\\" +
-                          kOurVideo + strNumber + L"}")
-                             .c_str());
+        std::wstring strOurs =
+            L"System\\CurrentControlSet\\Control\\Video\\" + (kOurVideo + strNumber) + L"}";
+        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, strOurs.c_str());
+        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kProfile + strOurs).c_str());
     }
 }
 
@@ -134,6 +135,11 @@ SIZE Displays::Size() const {
 }
 
 void Displays::SetSize(SIZE size) {
+    if (::GetSystemMetrics(SM_CMONITORS) >
+        1) { // the platform refuses to change what it did not make
+        TakeOthersAway();
+        Touch();
+    }
     DEVMODEW mode{};
     mode.dmSize = sizeof(mode);
     mode.dmFields = DM_PELSWIDTH | DM_PELSHEIGHT;
