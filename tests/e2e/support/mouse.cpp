@@ -83,7 +83,8 @@ void mouse::Click(POINT pt, Button button) {
                   {Step::Kind::Up, pt, button}});
 }
 
-void mouse::Drag(POINT ptFrom, POINT ptTo, Button button, const std::function<void()>& onDown) {
+void mouse::Drag(POINT ptFrom, POINT ptTo, Button button, const std::function<void()>& onDown,
+                 const std::function<void()>& onHalfway) {
     std::vector<Step> steps{{Step::Kind::Move, ptFrom, button}, {Step::Kind::Down, ptFrom, button}};
     if (onDown) {
         TheHand().Do(std::exchange(steps, {}));
@@ -93,6 +94,9 @@ void mouse::Drag(POINT ptFrom, POINT ptTo, Button button, const std::function<vo
         POINT pt{ptFrom.x + (ptTo.x - ptFrom.x) * n / kSteps,
                  ptFrom.y + (ptTo.y - ptFrom.y) * n / kSteps};
         steps.push_back({Step::Kind::Move, pt, button});
+        if (!onHalfway || n != kSteps / 2) continue;
+        TheHand().Do(std::exchange(steps, {}));
+        onHalfway();
     }
     steps.push_back({Step::Kind::Up, ptTo, button});
     for (int n = 1; n <= 3; ++n) {

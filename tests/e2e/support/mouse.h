@@ -12,7 +12,9 @@ enum class Button { Left, Right };
 void MoveTo(POINT pt);
 void Click(POINT pt, Button button = Button::Left);
 /// Presses the button at one point, goes in steps to the other, lets go there and then moves a
-/// little, as a hand does. onDown is called while the button is down and nothing has moved yet.
+/// little, as a hand does. onDown is called while the button is down and nothing has moved yet,
+/// onHalfway when half of the way is done.
 void Drag(POINT ptFrom, POINT ptTo, Button button = Button::Left,
-          const std::function<void()>& onDown = nullptr);
+          const std::function<void()>& onDown = nullptr,
+          const std::function<void()>& onHalfway = nullptr);
 } // namespace mouse

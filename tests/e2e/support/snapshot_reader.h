@@ -28,6 +28,7 @@ struct StoredSnapshot {
     bool DigestHolds() const;
     /// The records; none if the size is not that of a snapshot.
     std::vector<StoredIcon> Icons() const;
+    bool operator==(const StoredSnapshot&) const = default;
 };
 
 using Digest = std::array<BYTE, 16>;
