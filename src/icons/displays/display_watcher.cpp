@@ -190,15 +190,37 @@ void DisplayWatcher::OnSettled() {
     bUseDue = false;
     bool bKnown = ReadDisplayLayout(setup).IsReady();
     Enter(bKnown ? Phase::Comparing : Phase::Calm, 0);
-    // Posted to the view, so that its answer is told from those to all others. The hook sees both.
-    if (bKnown && PostMyCompanyMsg(GetDesktopSharedData().hwndView, kCodeCapture, 0)) ++nComparing;
+    if (bKnown) Ask();
+}
+
+void DisplayWatcher::OnRestored() {
+    if (!bOn || phase != Phase::Calm) return;
+    bRestored = true;
+    Ask();
+}
+
+/// Posted to the view, so that its answer is told from those to all others. The hook sees both.
+void DisplayWatcher::Ask() {
+    if (PostMyCompanyMsg(GetDesktopSharedData().hwndView, kCodeCapture, 0)) ++nAsked;
 }
 
 bool DisplayWatcher::TakeCapture(HWND hwndAsked, std::span<const IconRecord> records) {
-    if (!bOn || !nComparing || hwndAsked != GetDesktopSharedData().hwndView) return false;
-    --nComparing;
-    if (phase == Phase::Comparing) Compare(records);
+    if (!bOn || !nAsked || hwndAsked != GetDesktopSharedData().hwndView) return false;
+    --nAsked;
+    bool bKeep = std::exchange(bRestored, false);
+    if (phase == Phase::Comparing)
+        Compare(records);
+    else if (bKeep && phase == Phase::Calm)
+        KeepRestored(records);
     return true;
+}
+
+void DisplayWatcher::KeepRestored(std::span<const IconRecord> records) {
+    DisplaySetup setup;
+    if (!setup.Read() || !(setup.GetName() == present))
+        OnChange();
+    else
+        KeepDisplayLayout(setup, records);
 }
 
 void DisplayWatcher::OnCaptured(std::span<const IconRecord> records) {

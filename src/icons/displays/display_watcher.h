@@ -35,11 +35,14 @@ class DisplayWatcher {
     void OnChange();
     /// A capture is being asked for.
     void OnCaptureAsked();
-    /// A capture has come, by a request to that window. True: it is the one to compare with, and
-    /// for nothing else.
+    /// A capture has come, by a request to that window. True: it is one that this object asked for,
+    /// and for nothing else.
     [[nodiscard]] bool TakeCapture(HWND hwndAsked, std::span<const IconRecord> records);
     /// A capture was stored, or found unchanged.
     void OnCaptured(std::span<const IconRecord> records);
+    /// The user has had a snapshot put back: what lies there now is the layout of these displays.
+    /// It is asked for, as the restore's own changes lead to no capture.
+    void OnRestored();
     /// Its timer. True: a layout is to be put back now, by PutBack.
     [[nodiscard]] bool OnTimer();
     /// Moves the icons. True if that is to be told: the displays are still the same.
@@ -55,7 +58,9 @@ class DisplayWatcher {
     void Enter(Phase phaseNew, unsigned nTimerMs);
     void TurnOn();
     void OnSettled();
+    void Ask();
     void Compare(std::span<const IconRecord> records);
+    void KeepRestored(std::span<const IconRecord> records);
     HeapArray<IconRecord> ReadUsableLayout(const DisplaySetup& setup) const;
 
     HWND hwnd = nullptr; // the monitor window; null outside of a round
@@ -68,6 +73,7 @@ class DisplayWatcher {
     SetupName askedUnder;      // of the oldest request for a capture that has no answer yet
     bool bAsked = false;       // there is one
     bool bUseDue = false;      // the first capture under the present set-up counts as its use
-    unsigned nComparing = 0;   // requests for a capture to compare with, without answers yet
+    unsigned nAsked = 0;       // requests of this object's own for a capture, without answers yet
+    bool bRestored = false;    // the next of the answers is what the user has had put back
     HeapArray<IconRecord> due; // what PutBack sends
 };

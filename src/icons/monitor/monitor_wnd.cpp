@@ -207,7 +207,9 @@ void MyMonitor_Wnd::OnCopyData(HWND hwndAsked, const COPYDATASTRUCT* pData) {
 LRESULT MyMonitor_Wnd::OnCommand(const COPYDATASTRUCT& data) {
     if (CommandDesk::MovesIcons(data)) SuppressCaptures(); // before anything moves
     if (CommandDesk::AsksForCapture(data)) displays.OnCaptureAsked();
-    return commandDesk.OnCommandData(data);
+    LRESULT lResult = commandDesk.OnCommandData(data);
+    if (CommandDesk::MovesIcons(data)) NoteRestore();
+    return lResult;
 }
 
 void MyMonitor_Wnd::OnTimer(UINT_PTR uTimerId) {

@@ -46,6 +46,8 @@ class MyMonitor_Wnd : public CSWnd {
     /// front end tell pszText.
     void ReportCaptureOutcome(const wchar_t* pszText);
 
+    /// The restore that the user chose is done.
+    void NoteRestore() { displays.OnRestored(); }
     /// A capture was stored, or found unchanged: it is the layout of the displays as they are.
     void NoteLayout(const IconRecord* pRecords, unsigned nRecords);
     /// Where the commands of the command line are taken.

@@ -66,6 +66,7 @@ void RestoreChosen(MyMonitor_Wnd& monitor, const CSMenu& sub, unsigned nId) {
     monitor.SuppressCaptures(); // before anything moves
     const auto* pTime = reinterpret_cast<const unsigned __int64*>(sub.GetItemDataByID(nId));
     if (pTime) RestoreSnapshot(*pTime);
+    monitor.NoteRestore();
 }
 
 void RememberNow(MyMonitor_Wnd& monitor) {

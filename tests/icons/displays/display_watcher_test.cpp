@@ -268,6 +268,51 @@ TEST_F(DisplayWatch, KeepsNothingWhileTheShellSettles) {
     ExpectKept(kOne, kThree);
 }
 
+TEST_F(DisplayWatch, KeepsWhatTheUserHasHadPutBackAndStoresNoSnapshotOfIt) {
+    StartKnown(kThree);
+    monitor->NoteRestore();
+    EXPECT_EQ(1, CompareRequests());
+    AnswerView(kShuffled);
+    ExpectKept(kOne, kShuffled);
+    EXPECT_EQ(1u, ReadStoredSnapshots().size());
+    EXPECT_FALSE(IsTicking());
+    AnswerView(kThree); // nobody has asked for it
+    EXPECT_EQ(2u, ReadStoredSnapshots().size());
+}
+
+TEST_F(DisplayWatch, AsksForNothingAfterARestoreWhileItIsOffOrTheShellSettles) {
+    StartRound();
+    monitor->NoteRestore();
+    EXPECT_EQ(0, CompareRequests());
+    EndRound();
+    StartKnown(kThree);
+    Change(false);
+    monitor->NoteRestore();
+    EXPECT_EQ(0, CompareRequests());
+}
+
+TEST_F(DisplayWatch, DropsWhatWasPutBackUnderOtherDisplays) {
+    StartKnown(kThree);
+    monitor->NoteRestore();
+    SetDisplays(true); // of which no message has come
+    AnswerView(kShuffled);
+    ExpectKept(kOne, kThree);
+    EXPECT_TRUE(key.LayoutOf(kTwo).empty());
+    EXPECT_TRUE(IsTicking());
+}
+
+TEST_F(DisplayWatch, DropsWhatWasPutBackIfTheDisplaysChangeBeforeTheAnswer) {
+    StartKnown(kThree);
+    monitor->NoteRestore();
+    Change(false);
+    AnswerView(kShuffled);
+    ExpectKept(kOne, kThree);
+    Tick(2000);
+    AnswerView(kThree); // the one to compare with
+    ExpectKept(kOne, kThree);
+    EXPECT_EQ(1u, ReadStoredSnapshots().size());
+}
+
 TEST_F(DisplayWatch, DropsACaptureThatWasAskedForUnderOtherDisplays) {
     StartKnown(kThree);
     monitor->RequestCapture();
