@@ -1,6 +1,7 @@
 // The switch /DISPLAYS of the program: what it writes, tells and says to a monitor that runs.
 
 #include "e2e/displays_test_support.h"
+#include "e2e/support/command_run.h"
 
 namespace {
 constexpr DWORD kDone = 0, kIsOff = 4, kNotWritten = 5;
@@ -15,12 +16,11 @@ class DisplaysSwitch : public DisplaysTest {
         memcpy(&dw, value->bytes.data(), sizeof(dw));
         return dw;
     }
-    /// The box that the program shows, answered, and the program's exit code.
+    /// The one box that the program shows without a console, answered, and the exit code.
     std::pair<std::wstring, DWORD> TextAndCode(const std::wstring& strArguments) {
-        ChildProcess host;
-        host.Start(ProductFolder() + L"\\TSEXE64.exe", strArguments);
-        std::optional<SeenMessageBox> box = AnswerMessageBox(host.Id(), IDOK);
-        return {box ? box->strText : L"", host.WaitForEnd().value_or(99)};
+        CommandBoxes told = RunWithBoxes(strArguments);
+        EXPECT_EQ(1u, told.boxes.size());
+        return {told.boxes.empty() ? L"" : told.boxes[0].strText, told.dwCode};
     }
 };
 
@@ -55,6 +55,18 @@ TEST_F(DisplaysSwitch, AloneTellsInABox) {
     auto on = TextAndCode(L"/DISPLAYS");
     EXPECT_EQ(L"Tessaly puts the icons back when the displays change.", on.first);
     EXPECT_EQ(kDone, on.second);
+}
+
+TEST_F(DisplaysSwitch, AloneTellsOnARedirectedOutput) {
+    CommandEnd off = RunCommand(L"/DISPLAYS");
+    EXPECT_EQ("Tessaly does not put the icons back when the displays change.\r\n", off.strOut);
+    EXPECT_EQ(kIsOff, off.dwCode);
+    EXPECT_EQ(L"", off.strBox);
+    layouts.Block();
+    CommandEnd refused = RunCommand(L"/DISPLAYS:ON");
+    EXPECT_NE("", refused.strErr);
+    EXPECT_EQ("", refused.strOut);
+    EXPECT_EQ(kNotWritten, refused.dwCode);
 }
 
 TEST_F(DisplaysSwitch, SaysThatItCouldNotBeWritten) {
