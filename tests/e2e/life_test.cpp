@@ -256,7 +256,7 @@ TEST_F(Life, UnknownSwitchIsToldAndTheRunningOneGoesOn) {
     StartPlain(3);
     StartMonitor();
     ChildProcess host;
-    host.Start(HostPath(), L"/BOGUS");
+    host.StartForBoxes(HostPath(), L"/BOGUS");
     std::optional<SeenMessageBox> box = AnswerMessageBox(host.Id(), IDOK);
     ASSERT_TRUE(box);
     for (const wchar_t* pszPart : {L"/BOGUS", L"/QUIET", L"/EXIT"}) {

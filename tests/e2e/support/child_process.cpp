@@ -16,6 +16,18 @@ ChildProcess::~ChildProcess() { Kill(); }
 
 void ChildProcess::Start(const std::wstring& strPath, const std::wstring& strArguments,
                          const std::wstring& strCurrent) {
+    // What the child says of a crash belongs into the test's own log.
+    HANDLE hLog = ::GetStdHandle(STD_ERROR_HANDLE);
+    ::SetHandleInformation(hLog, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    Run(strPath, strArguments, strCurrent, hLog, 0);
+}
+
+void ChildProcess::StartForBoxes(const std::wstring& strPath, const std::wstring& strArguments) {
+    Run(strPath, strArguments, {}, nullptr, DETACHED_PROCESS);
+}
+
+void ChildProcess::Run(const std::wstring& strPath, const std::wstring& strArguments,
+                       const std::wstring& strCurrent, HANDLE hOutput, DWORD dwFlags) {
     if (IsRunning()) throw std::runtime_error("the program runs already");
     Close();
     std::wstring strLine = L"\"" + strPath + L"\" " + strArguments;
@@ -23,13 +35,11 @@ void ChildProcess::Start(const std::wstring& strPath, const std::wstring& strArg
         strCurrent.empty() ? strPath.substr(0, strPath.rfind(L'\\')) : strCurrent;
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
-    // What the child says of a crash belongs into the test's own log.
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = startup.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
-    ::SetHandleInformation(startup.hStdError, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    startup.hStdOutput = startup.hStdError = hOutput;
     PROCESS_INFORMATION info{};
-    if (!StartProcessSurely(strPath.c_str(), strLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                            strFolder.c_str(), &startup, &info)) {
+    if (!StartProcessSurely(strPath.c_str(), strLine.data(), nullptr, nullptr, TRUE, dwFlags,
+                            nullptr, strFolder.c_str(), &startup, &info)) {
         throw std::runtime_error("a program could not be started, error " +
                                  std::to_string(::GetLastError()));
     }

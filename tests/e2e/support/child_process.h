@@ -22,6 +22,9 @@ class ChildProcess {
     /// std::runtime_error; also if one still runs.
     void Start(const std::wstring& strPath, const std::wstring& strArguments,
                const std::wstring& strCurrent = {});
+    /// The same with neither standard handles nor a console, as the shell starts a program: what it
+    /// tells comes up in boxes.
+    void StartForBoxes(const std::wstring& strPath, const std::wstring& strArguments);
     bool IsRunning() const;
     DWORD Id() const { return dwId; }
     /// The exit code once it has ended by itself within the time; nothing if it still runs.
@@ -34,6 +37,8 @@ class ChildProcess {
     void LetGo();
 
   private:
+    void Run(const std::wstring& strPath, const std::wstring& strArguments,
+             const std::wstring& strCurrent, HANDLE hOutput, DWORD dwFlags);
     void Close();
     HANDLE hProcess = nullptr;
     DWORD dwId = 0;
