@@ -26,7 +26,7 @@ namespace {
 constexpr DWORD kCloseTimeoutMs = 15000;
 constexpr DWORD kClosePollMs = 50;
 constexpr DWORD kMarkTimeoutMs = 1000;
-constexpr int kBoxTextSize = 1024;
+constexpr int kBoxTextSize = 2048; // holds the list of switches
 
 constexpr const wchar_t* kSwitchList =
     L"/QUIET\tstarts without the opening balloon\n"
