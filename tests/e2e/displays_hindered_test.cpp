@@ -126,9 +126,10 @@ TEST_F(DisplaysHindered, CaptureThatWasAskedForUnderOtherDisplaysIsASnapshotAndN
     ASSERT_EQ(0, ::SendMessageW(monitor.Window(), WM_NULL, 0, 0)); // it has asked
     display.SetSize(kLarge);
     EXPECT_TRUE(WaitUntil([&] { return store.Count() == 2; }));
-    FlushShell();
-    EXPECT_TRUE(StayAfterSettling());
+    ASSERT_EQ(0, ::SendMessageW(monitor.Window(), WM_NULL, 0, 0)); // it is done with it
     EXPECT_EQ(1, layouts.Count());
+    FlushShell();
+    EXPECT_TRUE(StayAfterSettling()); // a capture that the move has led to may come meanwhile
     EXPECT_EQ(home, layouts.IconsOf(TextOf(kHome)));
     ASSERT_TRUE(Capture());
     EXPECT_TRUE(WaitUntil([&] { return IsKnownAsItIs(TextOf(kLarge)); }));

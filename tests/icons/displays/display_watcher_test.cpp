@@ -276,7 +276,7 @@ TEST_F(DisplayWatch, KeepsWhatTheUserHasHadPutBackAndStoresNoSnapshotOfIt) {
     ExpectKept(kOne, kShuffled);
     EXPECT_EQ(1u, ReadStoredSnapshots().size());
     EXPECT_FALSE(IsTicking());
-    AnswerView(kThree); // nobody has asked for it
+    AnswerView(kShuffled); // nobody has asked for it
     EXPECT_EQ(2u, ReadStoredSnapshots().size());
 }
 
