@@ -132,7 +132,7 @@ void SnapshotImport::ChooseSection(const ImportSection& section) {
 
 /// Done, or what stopped it.
 CommandResult SnapshotImport::Write() {
-    for (std::size_t i = 0; i < nChosen; ++i) {
+    for (std::size_t i = nChosen; i-- > 0;) { // the oldest first, as captures write them
         CommandResult result = WriteOne(chosen[i]);
         // Captures go on meanwhile, and what was checked is checked again.
         switch (result) {

@@ -3,6 +3,7 @@
 #include "icons/snapshots/layout.h"
 #include "icons/snapshots/snapshot_store.h"
 #include "icons/snapshots/snapshot_time.h"
+#include "icons/snapshots/value_order.h"
 
 #include <commctrl.h>
 #include <cstring>
@@ -137,6 +138,10 @@ CommandResult DeleteAllForCommand() {
 CommandResult ImportForCommand(unsigned __int64 qwTime, std::span<const IconRecord> records) {
     if (records.empty() || records.size() > kMaxCapturedIcons || !IsImportableTime(qwTime))
         return CommandResult::Damaged;
+    {
+        RegKey key; // for reading: where nothing is, no key is made
+        if (OpenSnapshotKey(key, 0) && OpenSnapshotKey(key, 1)) FinishCopies(key);
+    }
     CommandResult result = TestRoom(qwTime, records);
     if (result != CommandResult::Done) return result;
     HeapArray<unsigned char> value =
@@ -145,7 +150,9 @@ CommandResult ImportForCommand(unsigned __int64 qwTime, std::span<const IconReco
     bool bWritten = value.IsReady() && OpenSnapshotKey(key, 1) &&
                     key.PutBin(SnapshotName(qwTime), value.Get(),
                                static_cast<unsigned>(value.GetByteCount()), REG_BINARY);
-    return bWritten ? CommandResult::Done : CommandResult::NotWritten;
+    if (!bWritten) return CommandResult::NotWritten;
+    ListNewerBehind(key, qwTime);
+    return CommandResult::Done;
 }
 
 CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
