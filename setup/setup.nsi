@@ -7,7 +7,7 @@
 ;                                   /AUTOSTART:ON, /AUTOSTART:OFF   whether it starts with Windows
 ; and of the uninstaller:           /S   asks nothing
 ;                                   /DELETESNAPSHOTS   takes the snapshots and layouts as well
-; Both end with 0; with 1 when the user cancelled and with 2 when something failed, nothing being changed
+; Both end with 0 (the uninstaller only with _?=FOLDER: else a copy of it does the work); with 1 when the user cancelled and with 2 when something failed, nothing being changed
 ; then; the installer with 3 when it installed all, but could not set the start with Windows.
 
 Unicode true

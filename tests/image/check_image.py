@@ -21,7 +21,7 @@ VERSION = (1, 1, 0, 2409)
 ICON_ID = 101
 # The library shows no larger picture than 64 pixels; the shell shows the program's in every size.
 ICON_SIZES = {"TSDLL64.dll": [16, 20, 24, 32, 48, 64], "TSEXE64.exe": [16, 20, 24, 32, 48, 64, 128, 256]}
-LIBRARY_LIMIT = 640_000 # 120,000 of them pictures of buttons
+LIBRARY_LIMIT = 655_360 # 120,000 of them pictures of buttons
 # What __stack_chk_fail begins with (src/runtime/base/stack_guard.cpp): mov ecx, 2; int 0x29; ud2.
 STACK_CHECK_FAILS = bytes.fromhex("b902000000cd290f0b")
 # Functions with buffers in their frames that an image has at least; half of what they were once.
