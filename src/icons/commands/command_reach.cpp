@@ -25,7 +25,7 @@ bool IsMonitorStarting() {
 CommandResult ReadAnswer(HWND hwnd, DWORD_PTR dwAnswer) {
     // What a window that goes meanwhile is sent has that answer, too.
     if (!dwAnswer) return ::IsWindow(hwnd) ? CommandResult::OldMonitor : CommandResult::NoAnswer;
-    if (dwAnswer > static_cast<DWORD_PTR>(CommandResult::NoRoom)) return CommandResult::NoAnswer;
+    if (dwAnswer > static_cast<DWORD_PTR>(CommandResult::NoMemory)) return CommandResult::NoAnswer;
     return static_cast<CommandResult>(dwAnswer);
 }
 } // namespace

@@ -55,6 +55,17 @@ bool FindStored(unsigned __int64 qwTime, bool& bMarked) {
     bMarked = ReadRestoreMark(key) == qwTime;
     return true;
 }
+/// IsThere or Differs for a snapshot that is there, NoSnapshot for none, NoMemory.
+CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
+                            std::span<const IconRecord> records) {
+    HeapArray<IconRecord> stored;
+    CommandResult result = LoadSnapshot(key, qwTime, stored);
+    if (result == CommandResult::NoSnapshot || result == CommandResult::NoMemory) return result;
+    bool bSame = result == CommandResult::Done && stored.GetCount() == records.size() &&
+                 std::memcmp(stored.Get(), records.data(), stored.GetByteCount()) == 0;
+    return bSame ? CommandResult::IsThere : CommandResult::Differs;
+}
+
 
 /// What stands against storing the records; Done if nothing does.
 CommandResult TestRoom(unsigned __int64 qwTime, std::span<const IconRecord> records) {
@@ -146,16 +157,6 @@ CommandResult ImportForCommand(unsigned __int64 qwTime, std::span<const IconReco
                     key.PutBin(SnapshotName(qwTime), value.Get(),
                                static_cast<unsigned>(value.GetByteCount()), REG_BINARY);
     return bWritten ? CommandResult::Done : CommandResult::NotWritten;
-}
-
-CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
-                            std::span<const IconRecord> records) {
-    HeapArray<IconRecord> stored;
-    CommandResult result = LoadSnapshot(key, qwTime, stored);
-    if (result == CommandResult::NoSnapshot) return result;
-    bool bSame = result == CommandResult::Done && stored.GetCount() == records.size() &&
-                 std::memcmp(stored.Get(), records.data(), stored.GetByteCount()) == 0;
-    return bSame ? CommandResult::IsThere : CommandResult::Differs;
 }
 
 int CountDesktopIcons(HWND hwndListView) {
