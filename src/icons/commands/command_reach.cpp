@@ -58,6 +58,9 @@ CommandResult CommandReach::Ask(CommandCode code, unsigned __int64 qwValue,
     if (!records.empty())
         std::memcpy(message.Get() + sizeof(head), records.data(), records.size_bytes());
 
+    // Another user's would work on that user's snapshots, while this process lists its own user's.
+    if (!IsOfSameUser(hwndMonitor))
+        return ::IsWindow(hwndMonitor) ? CommandResult::OtherUser : CommandResult::NoAnswer;
     COPYDATASTRUCT data{kCommandData, static_cast<DWORD>(message.GetCount()), message.Get()};
     DWORD_PTR dwAnswer = 0;
     ::SetLastError(ERROR_SUCCESS);

@@ -20,6 +20,7 @@ enum class CommandResult : int {
     Busy,         // another command, or a start, takes too long
     OldMonitor,   // the one that runs knows no commands
     OutOfReach,   // the one that runs has higher rights
+    OtherUser,    // the one that runs is another user's, or may not be looked at
     NoAnswer,     // the one that runs did not answer, or has gone
     FileFailed,   // it can't be read or written
     NotOurFile,   // no export of this program
