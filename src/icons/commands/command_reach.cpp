@@ -48,6 +48,13 @@ CommandResult CommandReach::Begin() {
     }
 }
 
+CommandResult CommandReach::TestMonitor() const {
+    if (!hwndMonitor) return CommandResult::Done;
+    // An import of nothing is answered with Damaged by every monitor that knows commands.
+    CommandResult result = Ask(CommandCode::Import, 0);
+    return result == CommandResult::Damaged ? CommandResult::Done : result;
+}
+
 CommandResult CommandReach::Ask(CommandCode code, unsigned __int64 qwValue,
                                 std::span<const IconRecord> records) const {
     if (IsOfHigherLevel(hwndMonitor)) return CommandResult::OutOfReach;

@@ -99,9 +99,9 @@ CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconR
     return CommandResult::Done;
 }
 
-bool CanRestore(unsigned __int64 qwTime) {
+CommandResult TestSnapshot(unsigned __int64 qwTime) {
     HeapArray<IconRecord> records;
-    return LoadStored(qwTime, records) == CommandResult::Done;
+    return LoadStored(qwTime, records);
 }
 
 CommandResult RestoreForCommand(HWND hwndListView, unsigned __int64 qwTime) {

@@ -20,8 +20,8 @@ unsigned __int64 ReadRestoreMark(const RegKey& key);
 /// The records of a snapshot: Done; NoSnapshot, Damaged and NoMemory leave them not ready.
 CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconRecord>& records);
 
-/// Whether there is such a snapshot and its digest holds.
-[[nodiscard]] bool CanRestore(unsigned __int64 qwTime);
+/// Whether there is such a snapshot and its digest holds: Done, NoSnapshot, Damaged, NoMemory.
+CommandResult TestSnapshot(unsigned __int64 qwTime);
 /// Puts the snapshot back on that list view and marks it as the one restored last: Done. Before
 /// anything is touched NoSnapshot, Damaged, NoMemory, AutoArranged, NotWritten (the key cannot be
 /// opened for writing) and NoDesktop; after it NotWritten if the mark is refused, and NoDesktop if
