@@ -56,7 +56,7 @@ CommandResult AddSnapshots(const SnapshotListing& listing, ExportWork& work) {
         if (result == CommandResult::Done) {
             AddExportSection(work.file, entry.qwTime, {records.Get(), records.GetCount()});
             ++work.nWritten;
-        } else {
+        } else if (result != CommandResult::NoSnapshot) { // which went after it was listed
             work.left.Add(LocalTimeText(entry).Get(), L"is damaged and left out");
             ++work.nDamaged;
         }
@@ -71,6 +71,7 @@ int Export(const SnapshotRequest& request, CommandText& told) {
     ExportWork work;
     if (result == CommandResult::Done) result = AddSnapshots(listing, work);
     if (result == CommandResult::Done && !work.nWritten) {
+        if (!work.nDamaged) return TellNoSnapshots(told);
         told.Add(L"All snapshots are damaged. Nothing is written.");
         return kExitDamaged;
     }

@@ -13,10 +13,11 @@ constexpr DWORD kOutcomePollMs = 10;
 
 constinit CommandReach reach; // of the one command of this process
 
+/// NoSnapshot if it has gone since it was listed: a monitor may be trimming.
 CommandResult FillEntry(RegKey& key, unsigned __int64 qwTime, SnapshotEntry& entry) {
     HeapArray<IconRecord> records;
     CommandResult result = LoadSnapshot(key, qwTime, records);
-    if (result == CommandResult::NoMemory) return result;
+    if (result == CommandResult::NoMemory || result == CommandResult::NoSnapshot) return result;
     entry.qwTime = qwTime;
     entry.nIcons = ReadSnapshot(key, qwTime);
     entry.bIntact = result == CommandResult::Done;
@@ -37,6 +38,7 @@ CommandResult List(SnapshotWork& work) {
         if (!ToLocalTime(qwTime, entry.stLocal)) continue;
         if (work.nEntries < nRoom) {
             CommandResult result = FillEntry(key, qwTime, entry);
+            if (result == CommandResult::NoSnapshot) continue;
             if (result != CommandResult::Done) return result;
             work.pEntries[work.nEntries] = entry;
         }
