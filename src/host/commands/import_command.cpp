@@ -168,9 +168,10 @@ int SnapshotImport::Tell(CommandResult result, CommandText& told) const {
     } else if (nLeft) {
         nExitCode = nTaken ? kExitPartly : kExitNothingTaken;
     } else if (!nTaken && !nKnown) {
-        nExitCode = kExitNothingTaken; // an export without a snapshot
+        told.Add(L"There are no snapshots in the file.");
+        return kExitNothingTaken;
     }
-    told.Add(L"%u snapshots are taken in.", nTaken);
+    told.Add(nTaken == 1 ? L"%u snapshot is taken in." : L"%u snapshots are taken in.", nTaken);
     left.AddTo(told);
     return nExitCode;
 }

@@ -77,7 +77,9 @@ int Export(const SnapshotRequest& request, CommandText& told) {
     }
     if (result == CommandResult::Done) result = WriteExportFile(request.pszFile, work.file);
     if (result != CommandResult::Done) return DescribeResult(result, told);
-    told.Add(L"%u snapshots are written to %s.", work.nWritten, request.pszFile);
+    told.Add(work.nWritten == 1 ? L"%u snapshot is written to %s."
+                                : L"%u snapshots are written to %s.",
+             work.nWritten, request.pszFile);
     work.left.AddTo(told);
     return work.nDamaged ? kExitPartly : kExitDone;
 }
