@@ -36,8 +36,7 @@ bool SendRestoreInTime(HWND hwndListView, HeapArray<IconRecord>& records) {
     // A shell that hangs would do what it was sent when it is back, long after the answer was given
     // up: it is asked first.
     if (!AskShell(hwndListView, WM_NULL, 0, kShellAnswerMs, dwAnswer)) return false;
-    COPYDATASTRUCT data{records.GetCount(), static_cast<DWORD>(records.GetByteCount()),
-                        records.Get()};
+    COPYDATASTRUCT data = MakeRestoreData({records.Get(), records.GetCount()});
     return AskShell(hwndListView, WM_COPYDATA, reinterpret_cast<LPARAM>(&data), kShellRestoreMs,
                     dwAnswer);
 }
