@@ -58,6 +58,9 @@ CommandResult CommandReach::TestMonitor() const {
 CommandResult CommandReach::Ask(CommandCode code, unsigned __int64 qwValue,
                                 std::span<const IconRecord> records) const {
     if (IsOfHigherLevel(hwndMonitor)) return CommandResult::OutOfReach;
+    // Another user's would work on that user's snapshots, while this process lists its own user's.
+    if (!IsOfSameUser(hwndMonitor))
+        return ::IsWindow(hwndMonitor) ? CommandResult::OtherUser : CommandResult::NoAnswer;
     CommandMessage head{code, static_cast<DWORD>(records.size()), qwValue};
     HeapArray<BYTE> message(sizeof(head) + records.size_bytes());
     if (!message.IsReady()) return CommandResult::NoMemory;
@@ -65,9 +68,6 @@ CommandResult CommandReach::Ask(CommandCode code, unsigned __int64 qwValue,
     if (!records.empty())
         std::memcpy(message.Get() + sizeof(head), records.data(), records.size_bytes());
 
-    // Another user's would work on that user's snapshots, while this process lists its own user's.
-    if (!IsOfSameUser(hwndMonitor))
-        return ::IsWindow(hwndMonitor) ? CommandResult::OtherUser : CommandResult::NoAnswer;
     COPYDATASTRUCT data{kCommandData, static_cast<DWORD>(message.GetCount()), message.Get()};
     DWORD_PTR dwAnswer = 0;
     ::SetLastError(ERROR_SUCCESS);

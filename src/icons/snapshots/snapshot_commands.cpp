@@ -54,6 +54,7 @@ bool FindStored(unsigned __int64 qwTime, bool& bMarked) {
     bMarked = ReadRestoreMark(key) == qwTime;
     return true;
 }
+
 /// IsThere or Differs for a snapshot that is there, NoSnapshot for none, NoMemory.
 CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
                             std::span<const IconRecord> records) {
@@ -64,7 +65,6 @@ CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
                  std::memcmp(stored.Get(), records.data(), stored.GetByteCount()) == 0;
     return bSame ? CommandResult::IsThere : CommandResult::Differs;
 }
-
 
 /// What stands against storing the records; Done if nothing does.
 CommandResult TestRoom(unsigned __int64 qwTime, std::span<const IconRecord> records) {
