@@ -4,5 +4,9 @@ target_sources(tests_host PRIVATE ${PROJECT_SOURCE_DIR}/src/host/command_line.cp
     ${PROJECT_SOURCE_DIR}/src/host/commands/command_outcome.cpp
     ${PROJECT_SOURCE_DIR}/src/host/commands/command_text.cpp
     ${PROJECT_SOURCE_DIR}/src/host/commands/export_text.cpp
-    ${PROJECT_SOURCE_DIR}/src/host/commands/import_reader.cpp)
+    ${PROJECT_SOURCE_DIR}/src/host/commands/import_command.cpp
+    ${PROJECT_SOURCE_DIR}/src/host/commands/import_reader.cpp
+    ${PROJECT_SOURCE_DIR}/src/host/commands/output.cpp
+    ${PROJECT_SOURCE_DIR}/src/host/commands/run_command.cpp
+    ${PROJECT_SOURCE_DIR}/src/host/commands/snapshot_listing.cpp)
 add_dependencies(tests_host TSEXE64 launch_probe)

@@ -27,6 +27,9 @@ constexpr Outcome kOutcomes[] = {
     {CommandResult::OutOfReach, kExitNoDesktop,
      L"The Tessaly that is running has higher rights than this command. Start the command as "
      L"administrator."},
+    {CommandResult::OtherUser, kExitNoDesktop,
+     L"The Tessaly that is running belongs to another user or has higher rights. Start the command "
+     L"as that user."},
     {CommandResult::NoAnswer, kExitNoDesktop,
      L"The Tessaly that is running did not answer in time, or was closed."},
     {CommandResult::AutoArranged, kExitAutoArranged,

@@ -3,7 +3,8 @@
 #include "icons/snapshots/command_result.h"
 
 /// Adds what a result is in words for the user and returns its exit code. Nothing is added where
-/// the command has words of its own: for Done, Pending and IsThere.
+/// the command has words of its own, for Done and IsThere. A result that no command ends with is
+/// described as NoAnswer.
 int DescribeResult(CommandResult result, CommandText& told);
 
 /// What a command left out: the first ones are told one by one, of the others the number.

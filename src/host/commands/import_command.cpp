@@ -67,6 +67,7 @@ class SnapshotImport {
     std::size_t nRoom = 0, nChosen = 0;
     LeftOut left;
     unsigned nLeft = 0, nKnown = 0, nTaken = 0;
+    bool bMemory = true; // there was enough for choosing
 };
 
 int SnapshotImport::Run(CommandText& told) {
@@ -74,7 +75,7 @@ int SnapshotImport::Run(CommandText& told) {
     if (result != CommandResult::Done) return DescribeResult(result, told);
     nRoom = kMaxSnapshots - std::min<std::size_t>(listing.GetStoredCount(), kMaxSnapshots);
     Choose();
-    return Tell(Write(), told);
+    return Tell(bMemory ? Write() : CommandResult::NoMemory, told);
 }
 
 void SnapshotImport::Choose() {
@@ -95,8 +96,13 @@ bool SnapshotImport::TakeKnown(const ImportSection& section) {
     if (found == all.end()) return false;
     HeapArray<IconRecord> stored;
     std::span<const IconRecord> records = reader.GetRecords();
-    bool bSame = LoadRecords(*found, stored) == CommandResult::Done &&
-                 stored.GetCount() == records.size() &&
+    CommandResult result = LoadRecords(*found, stored);
+    if (result == CommandResult::NoSnapshot) return false; // it went after it was listed
+    if (result == CommandResult::NoMemory) {
+        bMemory = false;
+        return true;
+    }
+    bool bSame = result == CommandResult::Done && stored.GetCount() == records.size() &&
                  std::memcmp(stored.Get(), records.data(), stored.GetByteCount()) == 0;
     if (bSame) {
         left.Add(section.szName, L"is there already");
@@ -162,9 +168,10 @@ int SnapshotImport::Tell(CommandResult result, CommandText& told) const {
     } else if (nLeft) {
         nExitCode = nTaken ? kExitPartly : kExitNothingTaken;
     } else if (!nTaken && !nKnown) {
-        nExitCode = kExitNothingTaken; // an export without a snapshot
+        told.Add(L"There are no snapshots in the file.");
+        return kExitNothingTaken;
     }
-    told.Add(L"%u snapshots are taken in.", nTaken);
+    told.Add(nTaken == 1 ? L"%u snapshot is taken in." : L"%u snapshots are taken in.", nTaken);
     left.AddTo(told);
     return nExitCode;
 }

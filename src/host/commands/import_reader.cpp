@@ -13,12 +13,12 @@ namespace {
 using View = std::wstring_view;
 
 constexpr const wchar_t* kBadName = L"its name is no time stamp";
-constexpr const wchar_t* kBadKey = L"unknown or double line";
+constexpr const wchar_t* kBadKey = L"a line is unknown or stands twice";
 constexpr const wchar_t* kMissingKey = L"a line is missing";
 constexpr const wchar_t* kBadIcon = L"an icon cannot be read";
-constexpr const wchar_t* kBadCount = L"its number of icons";
-constexpr const wchar_t* kBadTime = L"its time is not its name's";
-constexpr const wchar_t* kBadDate = L"no date, or in the future";
+constexpr const wchar_t* kBadCount = L"its number of icons is wrong";
+constexpr const wchar_t* kBadTime = L"its time is not that of its name";
+constexpr const wchar_t* kBadDate = L"its time is no date, or in the future";
 constexpr const wchar_t* kBadDigest = L"its digest does not hold";
 
 /// A part that lies within the text. (The type's own function throws for one that does not, and

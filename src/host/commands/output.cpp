@@ -23,15 +23,31 @@ class ParentConsole {
     bool bAttached;
 };
 
-/// The standard handle if it leads anywhere but to a console; null otherwise. A console's own is
-/// known as such only while this process is attached to it.
-HANDLE FindRedirected(DWORD nStandard) {
-    HANDLE h = ::GetStdHandle(nStandard);
-    if (!h || h == INVALID_HANDLE_VALUE) return nullptr;
-    DWORD dwType = ::GetFileType(h), dwMode = 0;
-    if (dwType == FILE_TYPE_DISK || dwType == FILE_TYPE_PIPE) return h;
-    return dwType == FILE_TYPE_CHAR && !::GetConsoleMode(h, &dwMode) ? h : nullptr;
-}
+/// A standard handle as it is before a console is attached, which puts its own in the place of
+/// those that a command interpreter has handed down. It stands there again afterwards, for the next
+/// text.
+class StandardHandle {
+  public:
+    explicit StandardHandle(DWORD nWhich)
+        : nStandard(nWhich), h(::GetStdHandle(nWhich)), dwType(::GetFileType(h)) {}
+    ~StandardHandle() { ::SetStdHandle(nStandard, h); }
+    StandardHandle(const StandardHandle&) = delete;
+    StandardHandle& operator=(const StandardHandle&) = delete;
+
+    /// The handle if it leads anywhere but to a console; null otherwise. A console's own is known
+    /// as such only while this process is attached to it.
+    HANDLE FindRedirected() const {
+        if (!h || h == INVALID_HANDLE_VALUE) return nullptr;
+        if (dwType == FILE_TYPE_DISK || dwType == FILE_TYPE_PIPE) return h;
+        DWORD dwMode = 0;
+        return dwType == FILE_TYPE_CHAR && !::GetConsoleMode(h, &dwMode) ? h : nullptr;
+    }
+
+  private:
+    DWORD nStandard;
+    HANDLE h; // the process's
+    DWORD dwType;
+};
 
 /// The text with CR LF line ends, the last line's too, and a terminator. Not ready without memory.
 HeapArray<wchar_t> MakeLines(const wchar_t* pszText) {
@@ -89,9 +105,10 @@ bool WriteToConsole(const wchar_t* pszLines) {
 bool WriteOut(const wchar_t* pszText, bool bFailed) {
     HeapArray<wchar_t> lines = MakeLines(pszText);
     if (!lines.IsReady()) return false;
-    ParentConsole console;
-    HANDLE h = bFailed ? FindRedirected(STD_ERROR_HANDLE) : nullptr;
-    if (!h) h = FindRedirected(STD_OUTPUT_HANDLE);
+    StandardHandle output(STD_OUTPUT_HANDLE), error(STD_ERROR_HANDLE);
+    ParentConsole console; // behind them: it goes before they are put back
+    HANDLE h = bFailed ? error.FindRedirected() : nullptr;
+    if (!h) h = output.FindRedirected();
     if (h) {
         WriteUtf8(h, lines.Get());
         return true;

@@ -56,7 +56,7 @@ CommandResult AddSnapshots(const SnapshotListing& listing, ExportWork& work) {
         if (result == CommandResult::Done) {
             AddExportSection(work.file, entry.qwTime, {records.Get(), records.GetCount()});
             ++work.nWritten;
-        } else {
+        } else if (result != CommandResult::NoSnapshot) { // which went after it was listed
             work.left.Add(LocalTimeText(entry).Get(), L"is damaged and left out");
             ++work.nDamaged;
         }
@@ -71,12 +71,15 @@ int Export(const SnapshotRequest& request, CommandText& told) {
     ExportWork work;
     if (result == CommandResult::Done) result = AddSnapshots(listing, work);
     if (result == CommandResult::Done && !work.nWritten) {
+        if (!work.nDamaged) return TellNoSnapshots(told);
         told.Add(L"All snapshots are damaged. Nothing is written.");
         return kExitDamaged;
     }
     if (result == CommandResult::Done) result = WriteExportFile(request.pszFile, work.file);
     if (result != CommandResult::Done) return DescribeResult(result, told);
-    told.Add(L"%u snapshots are written to %s.", work.nWritten, request.pszFile);
+    told.Add(work.nWritten == 1 ? L"%u snapshot is written to %s."
+                                : L"%u snapshots are written to %s.",
+             work.nWritten, request.pszFile);
     work.left.AddTo(told);
     return work.nDamaged ? kExitPartly : kExitDone;
 }

@@ -25,7 +25,7 @@ bool IsMonitorStarting() {
 CommandResult ReadAnswer(HWND hwnd, DWORD_PTR dwAnswer) {
     // What a window that goes meanwhile is sent has that answer, too.
     if (!dwAnswer) return ::IsWindow(hwnd) ? CommandResult::OldMonitor : CommandResult::NoAnswer;
-    if (dwAnswer > static_cast<DWORD_PTR>(CommandResult::NoRoom)) return CommandResult::NoAnswer;
+    if (dwAnswer > static_cast<DWORD_PTR>(CommandResult::NoMemory)) return CommandResult::NoAnswer;
     return static_cast<CommandResult>(dwAnswer);
 }
 } // namespace
@@ -48,9 +48,19 @@ CommandResult CommandReach::Begin() {
     }
 }
 
+CommandResult CommandReach::TestMonitor() const {
+    if (!hwndMonitor) return CommandResult::Done;
+    // An import of nothing is answered with Damaged by every monitor that knows commands.
+    CommandResult result = Ask(CommandCode::Import, 0);
+    return result == CommandResult::Damaged ? CommandResult::Done : result;
+}
+
 CommandResult CommandReach::Ask(CommandCode code, unsigned __int64 qwValue,
                                 std::span<const IconRecord> records) const {
     if (IsOfHigherLevel(hwndMonitor)) return CommandResult::OutOfReach;
+    // Another user's would work on that user's snapshots, while this process lists its own user's.
+    if (!IsOfSameUser(hwndMonitor))
+        return ::IsWindow(hwndMonitor) ? CommandResult::OtherUser : CommandResult::NoAnswer;
     CommandMessage head{code, static_cast<DWORD>(records.size()), qwValue};
     HeapArray<BYTE> message(sizeof(head) + records.size_bytes());
     if (!message.IsReady()) return CommandResult::NoMemory;

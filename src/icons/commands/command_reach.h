@@ -18,6 +18,9 @@ class CommandReach {
     void End() { turn.Release(); }
 
     [[nodiscard]] bool HasMonitor() const { return hwndMonitor != nullptr; }
+    /// Done if the monitor, where one runs, takes commands of this program, or why it does not.
+    /// Changes nothing.
+    CommandResult TestMonitor() const;
     /// Has the monitor do it; its answer, or why there is none.
     CommandResult Ask(CommandCode code, unsigned __int64 qwValue,
                       std::span<const IconRecord> records = {}) const;

@@ -46,18 +46,19 @@ class DesktopVisit {
     HHOOK hhook = nullptr;
 };
 
-/// Dispatches messages until fnDone says yes. False after the time, and if the loop is to end.
+/// Dispatches messages until fnDone says yes: Done. NoDesktop after the time, NoAnswer if the loop
+/// is to end, as when somebody closes the window that is taken for a monitor's.
 template <class Fn>
-bool DispatchUntil(Fn fnDone, DWORD nTimeoutMs) {
+CommandResult DispatchUntil(Fn fnDone, DWORD nTimeoutMs) {
     DWORD dwStart = ::GetTickCount();
     for (;;) {
         MSG msg;
         while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            if (msg.message == WM_QUIT) return false;
+            if (msg.message == WM_QUIT) return CommandResult::NoAnswer;
             ::DispatchMessageW(&msg);
         }
-        if (fnDone()) return true;
-        if (::GetTickCount() - dwStart >= nTimeoutMs) return false;
+        if (fnDone()) return CommandResult::Done;
+        if (::GetTickCount() - dwStart >= nTimeoutMs) return CommandResult::NoDesktop;
         ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kVisitPollMs, QS_ALLINPUT);
     }
 }
@@ -66,9 +67,9 @@ CommandResult CaptureInto(MyMonitor_Wnd& monitor) {
     constexpr unsigned __int64 kOnlyCapture = 1;
     CommandDesk& desk = monitor.GetCommandDesk();
     if (desk.Remember(kOnlyCapture) != CommandResult::Pending) return CommandResult::NoDesktop;
-    bool bCame = DispatchUntil(
+    CommandResult result = DispatchUntil(
         [&] { return desk.GetOutcome(kOnlyCapture) != CommandResult::Pending; }, kShellRestoreMs);
-    return bCame ? desk.GetOutcome(kOnlyCapture) : CommandResult::NoDesktop;
+    return result == CommandResult::Done ? desk.GetOutcome(kOnlyCapture) : result;
 }
 } // namespace
 
@@ -92,6 +93,7 @@ CommandResult CaptureWithoutMonitor() {
 CommandResult RestoreWithoutMonitor(unsigned __int64 qwTime) {
     DesktopVisit visit;
     if (!visit.Begin()) return CommandResult::NoDesktop;
-    if (!DispatchUntil(&IsDesktopAttached, kShellAnswerMs)) return CommandResult::NoDesktop;
+    CommandResult result = DispatchUntil(&IsDesktopAttached, kShellAnswerMs);
+    if (result != CommandResult::Done) return result;
     return RestoreForCommand(GetDesktopSharedData().hwndListView, qwTime);
 }

@@ -13,10 +13,11 @@ constexpr DWORD kOutcomePollMs = 10;
 
 constinit CommandReach reach; // of the one command of this process
 
+/// NoSnapshot if it has gone since it was listed: a monitor may be trimming.
 CommandResult FillEntry(RegKey& key, unsigned __int64 qwTime, SnapshotEntry& entry) {
     HeapArray<IconRecord> records;
     CommandResult result = LoadSnapshot(key, qwTime, records);
-    if (result == CommandResult::NoMemory) return result;
+    if (result == CommandResult::NoMemory || result == CommandResult::NoSnapshot) return result;
     entry.qwTime = qwTime;
     entry.nIcons = ReadSnapshot(key, qwTime);
     entry.bIntact = result == CommandResult::Done;
@@ -37,6 +38,7 @@ CommandResult List(SnapshotWork& work) {
         if (!ToLocalTime(qwTime, entry.stLocal)) continue;
         if (work.nEntries < nRoom) {
             CommandResult result = FillEntry(key, qwTime, entry);
+            if (result == CommandResult::NoSnapshot) continue;
             if (result != CommandResult::Done) return result;
             work.pEntries[work.nEntries] = entry;
         }
@@ -86,18 +88,34 @@ CommandResult Remember() {
     return result == CommandResult::Pending ? AwaitOutcome(qwNumber) : result;
 }
 
-/// Done if the icons may be moved; asks without the turn, which is taken again.
-CommandResult ClearTheWay(HWND hwndListView, bool bQuiet) {
-    if (!IsAutoArranged(hwndListView)) return CommandResult::Done;
-    if (bQuiet) return CommandResult::AutoArranged;
+/// Done if nothing is known to stand against the restore but that the desktop arranges its icons.
+CommandResult TestRestore(unsigned __int64 qwTime, HWND& hwndListView) {
+    if (FindDesktop(hwndListView) < 0) return CommandResult::NoDesktop;
+    CommandResult result = TestSnapshot(qwTime);
+    return result == CommandResult::Done ? reach.TestMonitor() : result;
+}
+
+/// Has the desktop stop arranging its icons, if the user agrees: asks without the turn, which is
+/// taken again. Nothing is changed as long as the restore can be seen to fail: what was so before
+/// the question may be otherwise after it.
+CommandResult ClearTheWay(unsigned __int64 qwTime) {
+    HWND hwndListView = nullptr;
+    CommandResult result = TestRestore(qwTime, hwndListView);
+    if (result != CommandResult::Done) return result;
     reach.End();
-    return ClearAutoArrange(hwndListView) ? reach.Begin() : CommandResult::AutoArranged;
+    if (!AskToStopAutoArrange()) return CommandResult::AutoArranged;
+    result = reach.Begin();
+    if (result == CommandResult::Done) result = TestRestore(qwTime, hwndListView);
+    if (result == CommandResult::Done) StopAutoArrange(hwndListView);
+    return result;
 }
 
 CommandResult Restore(unsigned __int64 qwTime, bool bQuiet) {
     HWND hwndListView = nullptr;
     if (FindDesktop(hwndListView) < 0) return CommandResult::NoDesktop;
-    CommandResult result = ClearTheWay(hwndListView, bQuiet);
+    CommandResult result = CommandResult::Done;
+    if (IsAutoArranged(hwndListView))
+        result = bQuiet ? CommandResult::AutoArranged : ClearTheWay(qwTime);
     if (result != CommandResult::Done) return result;
     return reach.HasMonitor() ? reach.Ask(CommandCode::Restore, qwTime)
                               : RestoreWithoutMonitor(qwTime);

@@ -41,6 +41,8 @@ struct SnapshotWork {
 
 /// Does the step that pWork tells and returns a CommandResult (icons/snapshots/command_result.h).
 /// The monitor that runs does what changes something; without one it is done here, and nothing is
-/// left behind in the shell or elsewhere. Shows nothing but that question. All waits end in time.
-/// For one thread of a process that has no monitor of its own.
+/// left behind in the shell or elsewhere. Shows nothing but that question. All waits end in time
+/// but those for the user's answer and of Restore for the shell when that is asked whether it
+/// arranges its icons, and told to stop. For one thread of a process that has no monitor of its
+/// own.
 extern "C" TESSALY_API int DoSnapshotStep(SnapshotWork* pWork);

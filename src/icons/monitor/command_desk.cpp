@@ -28,7 +28,7 @@ CommandResult Import(const COPYDATASTRUCT& data, const CommandMessage& head) {
 bool CommandDesk::MovesIcons(const COPYDATASTRUCT& data) {
     CommandMessage head{};
     return ReadHead(data, head) && head.code == CommandCode::Restore && !head.nRecords &&
-           CanRestore(head.qwValue);
+           TestSnapshot(head.qwValue) == CommandResult::Done;
 }
 
 bool CommandDesk::AsksForCapture(const COPYDATASTRUCT& data) {

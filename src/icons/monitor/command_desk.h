@@ -7,9 +7,10 @@
 }
 
 /// Where the monitor takes commands: does what it is told and answers. Any program can send one:
-/// what does not hold together is answered with Damaged and changes nothing, and a command does no
-/// more than the menu does, apart from what an import stores, which a made-up capture could as
-/// well. Nobody is asked and nothing is shown.
+/// what does not hold together is answered with Damaged and changes nothing, and a command can do
+/// no more harm than other messages can: the menu deletes all snapshots where a command deletes
+/// one, and what an import stores a made-up capture could as well. Nobody is asked and nothing is
+/// shown.
 class CommandDesk {
   public:
     /// Whether it is a command that moves icons, if nothing but the shell stands against it:

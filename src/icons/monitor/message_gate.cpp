@@ -40,12 +40,27 @@ std::optional<DWORD> ReadLevel(HANDLE hProcess) {
     return pSid->SubAuthority[pSid->SubAuthorityCount - 1];
 }
 
+/// TOKEN_USER and behind it the user.
+struct UserOfToken {
+    SID_AND_ATTRIBUTES user;
+    unsigned char sid[SECURITY_MAX_SID_SIZE];
+};
+
+/// The user that the process runs as; told.user.Sid points into told. False where it can't be
+/// asked.
+bool ReadUser(HANDLE hProcess, UserOfToken& told) {
+    OwnedHandle token;
+    if (!hProcess || !::OpenProcessToken(hProcess, TOKEN_QUERY, token.Put())) return false;
+    DWORD cb = 0;
+    return ::GetTokenInformation(token.Get(), TokenUser, &told, sizeof(told), &cb) && told.user.Sid;
+}
+
 /// The process that has the window, to be asked; empty if there is none or it may not be.
-OwnedHandle OpenProcessOf(HWND hwnd) {
+OwnedHandle OpenProcessOf(HWND hwnd, DWORD dwAccess = kProcessQueryLimitedInformation) {
     DWORD dwProcess = 0;
     ::GetWindowThreadProcessId(hwnd, &dwProcess);
     if (!dwProcess) return {};
-    return OwnedHandle(::OpenProcess(kProcessQueryLimitedInformation, FALSE, dwProcess));
+    return OwnedHandle(::OpenProcess(dwAccess, FALSE, dwProcess));
 }
 
 /// The level of the desktop's process.
@@ -90,4 +105,12 @@ bool IsOfHigherLevel(HWND hwnd) {
     OwnedHandle process = OpenProcessOf(hwnd);
     std::optional<DWORD> dwOther = ReadLevel(process.Get());
     return dwOther && *dwOther > *dwOwn;
+}
+
+bool IsOfSameUser(HWND hwnd) {
+    OwnedHandle process = OpenProcessOf(hwnd);
+    if (!process) process = OpenProcessOf(hwnd, PROCESS_QUERY_INFORMATION); // before Vista
+    UserOfToken own{}, other{};
+    return ReadUser(::GetCurrentProcess(), own) && ReadUser(process.Get(), other) &&
+           ::EqualSid(own.user.Sid, other.user.Sid);
 }

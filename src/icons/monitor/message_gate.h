@@ -15,3 +15,7 @@ void LetShellMessagesIn(HWND hwnd, UINT uTaskbarCreatedMsg);
 /// Whether the window is one of a process that runs at a higher integrity level than this one,
 /// which lets no message of this one in but those of its gate. False where that can't be asked.
 [[nodiscard]] bool IsOfHigherLevel(HWND hwnd);
+
+/// Whether the window is one of a process that runs as the same user as this one. False where that
+/// can't be asked, as of most processes of another user.
+[[nodiscard]] bool IsOfSameUser(HWND hwnd);

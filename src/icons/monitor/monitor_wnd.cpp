@@ -205,10 +205,12 @@ void MyMonitor_Wnd::OnCopyData(HWND hwndAsked, const COPYDATASTRUCT* pData) {
 }
 
 LRESULT MyMonitor_Wnd::OnCommand(const COPYDATASTRUCT& data) {
-    if (CommandDesk::MovesIcons(data)) SuppressCaptures(); // before anything moves
+    bool bRestores = CommandDesk::MovesIcons(data);
+    if (bRestores) SuppressCaptures(); // before anything moves
     if (CommandDesk::AsksForCapture(data)) displays.OnCaptureAsked();
     LRESULT lResult = commandDesk.OnCommandData(data);
-    if (CommandDesk::MovesIcons(data)) NoteRestore();
+    // After any other answer the icons lie as nobody has put them.
+    if (bRestores && lResult == static_cast<LRESULT>(CommandResult::Done)) NoteRestore();
     return lResult;
 }
 

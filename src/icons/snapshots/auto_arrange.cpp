@@ -46,10 +46,18 @@ bool IsAutoArranged(HWND hwndListView) {
     return IsArrangedByListView(hwndListView) || IsArrangedByFolderView(hwndListView);
 }
 
-bool ClearAutoArrange(HWND hwndListView) {
-    if (!IsAutoArranged(hwndListView)) return true;
-    if (Msg(nullptr, MB_YESNO | MB_ICONEXCLAMATION, kAutoArrangeQuestion) != IDYES) return false;
+bool AskToStopAutoArrange() {
+    return Msg(nullptr, MB_YESNO | MB_ICONEXCLAMATION, kAutoArrangeQuestion) == IDYES;
+}
+
+void StopAutoArrange(HWND hwndListView) {
     ClearInListView(hwndListView);
     ClearInFolderView(hwndListView);
+}
+
+bool ClearAutoArrange(HWND hwndListView) {
+    if (!IsAutoArranged(hwndListView)) return true;
+    if (!AskToStopAutoArrange()) return false;
+    StopAutoArrange(hwndListView);
     return true;
 }

@@ -44,7 +44,11 @@ HeapArray<unsigned char> MakeLayoutValue(const IconRecord* pRecords, unsigned nR
     return value;
 }
 
+COPYDATASTRUCT MakeRestoreData(std::span<IconRecord> records) {
+    return {records.size(), static_cast<DWORD>(records.size_bytes()), records.data()};
+}
+
 void SendRestore(HWND hwndListView, std::span<IconRecord> records) {
-    COPYDATASTRUCT data{records.size(), static_cast<DWORD>(records.size_bytes()), records.data()};
+    COPYDATASTRUCT data = MakeRestoreData(records);
     ::SendMessageW(hwndListView, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
 }

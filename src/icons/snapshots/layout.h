@@ -19,6 +19,8 @@ unsigned CountLayoutRecords(const RegKey& key, const wchar_t* pszName);
 /// value can hold, and when out of memory.
 HeapArray<unsigned char> MakeLayoutValue(const IconRecord* pRecords, unsigned nRecords);
 
+/// What the list view is sent by WM_COPYDATA for it; the records are borrowed.
+COPYDATASTRUCT MakeRestoreData(std::span<IconRecord> records);
 /// Has the shell side move the icons that the records name, and returns when it has; messages that
 /// are sent to the caller's windows are handled meanwhile.
 void SendRestore(HWND hwndListView, std::span<IconRecord> records);

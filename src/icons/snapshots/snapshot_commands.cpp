@@ -37,8 +37,7 @@ bool SendRestoreInTime(HWND hwndListView, HeapArray<IconRecord>& records) {
     // A shell that hangs would do what it was sent when it is back, long after the answer was given
     // up: it is asked first.
     if (!AskShell(hwndListView, WM_NULL, 0, kShellAnswerMs, dwAnswer)) return false;
-    COPYDATASTRUCT data{records.GetCount(), static_cast<DWORD>(records.GetByteCount()),
-                        records.Get()};
+    COPYDATASTRUCT data = MakeRestoreData({records.Get(), records.GetCount()});
     return AskShell(hwndListView, WM_COPYDATA, reinterpret_cast<LPARAM>(&data), kShellRestoreMs,
                     dwAnswer);
 }
@@ -55,6 +54,17 @@ bool FindStored(unsigned __int64 qwTime, bool& bMarked) {
     if (!OpenSnapshotKey(key, 0) || !HasValue(key, SnapshotName(qwTime))) return false;
     bMarked = ReadRestoreMark(key) == qwTime;
     return true;
+}
+
+/// IsThere or Differs for a snapshot that is there, NoSnapshot for none, NoMemory.
+CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
+                            std::span<const IconRecord> records) {
+    HeapArray<IconRecord> stored;
+    CommandResult result = LoadSnapshot(key, qwTime, stored);
+    if (result == CommandResult::NoSnapshot || result == CommandResult::NoMemory) return result;
+    bool bSame = result == CommandResult::Done && stored.GetCount() == records.size() &&
+                 std::memcmp(stored.Get(), records.data(), stored.GetByteCount()) == 0;
+    return bSame ? CommandResult::IsThere : CommandResult::Differs;
 }
 
 /// What stands against storing the records; Done if nothing does.
@@ -89,9 +99,9 @@ CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconR
     return CommandResult::Done;
 }
 
-bool CanRestore(unsigned __int64 qwTime) {
+CommandResult TestSnapshot(unsigned __int64 qwTime) {
     HeapArray<IconRecord> records;
-    return LoadStored(qwTime, records) == CommandResult::Done;
+    return LoadStored(qwTime, records);
 }
 
 CommandResult RestoreForCommand(HWND hwndListView, unsigned __int64 qwTime) {
@@ -153,16 +163,6 @@ CommandResult ImportForCommand(unsigned __int64 qwTime, std::span<const IconReco
     if (!bWritten) return CommandResult::NotWritten;
     ListNewerBehind(key, qwTime);
     return CommandResult::Done;
-}
-
-CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
-                            std::span<const IconRecord> records) {
-    HeapArray<IconRecord> stored;
-    CommandResult result = LoadSnapshot(key, qwTime, stored);
-    if (result == CommandResult::NoSnapshot) return result;
-    bool bSame = result == CommandResult::Done && stored.GetCount() == records.size() &&
-                 std::memcmp(stored.Get(), records.data(), stored.GetByteCount()) == 0;
-    return bSame ? CommandResult::IsThere : CommandResult::Differs;
 }
 
 int CountDesktopIcons(HWND hwndListView) {

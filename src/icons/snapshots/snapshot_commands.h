@@ -20,12 +20,12 @@ unsigned __int64 ReadRestoreMark(const RegKey& key);
 /// The records of a snapshot: Done; NoSnapshot, Damaged and NoMemory leave them not ready.
 CommandResult LoadSnapshot(RegKey& key, unsigned __int64 qwTime, HeapArray<IconRecord>& records);
 
-/// Whether there is such a snapshot and its digest holds.
-[[nodiscard]] bool CanRestore(unsigned __int64 qwTime);
+/// Whether there is such a snapshot and its digest holds: Done, NoSnapshot, Damaged, NoMemory.
+CommandResult TestSnapshot(unsigned __int64 qwTime);
 /// Puts the snapshot back on that list view and marks it as the one restored last: Done. Before
-/// anything is touched NoSnapshot, Damaged, AutoArranged, NotWritten (the key cannot be opened for
-/// writing) and NoDesktop; after it NotWritten if the mark is refused, and NoDesktop if the shell
-/// took too long.
+/// anything is touched NoSnapshot, Damaged, NoMemory, AutoArranged, NotWritten (the key cannot be
+/// opened for writing) and NoDesktop; after it NotWritten if the mark is refused, and NoDesktop if
+/// the shell took too long.
 CommandResult RestoreForCommand(HWND hwndListView, unsigned __int64 qwTime);
 /// Deletes a snapshot, damaged or not, and the mark if it is its: Done, NoSnapshot, NotWritten.
 CommandResult DeleteForCommand(unsigned __int64 qwTime);
@@ -33,12 +33,9 @@ CommandResult DeleteForCommand(unsigned __int64 qwTime);
 CommandResult DeleteAllForCommand();
 /// Stores records under the time of their capture, which must be a date and not in the future, with
 /// 1 to kMaxCapturedIcons of them: Done, IsThere, Differs, NoRoom (there are kMaxSnapshots
-/// already), NotWritten; Damaged for what cannot be a snapshot. Never writes over one.
+/// already), NotWritten, NoMemory (for looking at the one that is there); Damaged for what cannot
+/// be a snapshot. Never writes over one.
 CommandResult ImportForCommand(unsigned __int64 qwTime, std::span<const IconRecord> records);
-
-/// IsThere or Differs for a snapshot that is there, NoSnapshot for none.
-CommandResult CompareStored(RegKey& key, unsigned __int64 qwTime,
-                            std::span<const IconRecord> records);
 
 /// The number of items of the desktop's list view; -1 if the shell does not answer in time.
 int CountDesktopIcons(HWND hwndListView);

@@ -7,7 +7,9 @@
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshot_test_support.h"
 #include "icons/snapshots/command_result.h"
+#include "support/message_box_driver.h"
 #include "support/no_memory.h"
+#include "support/replace_import.h"
 #include "support/window_thread.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +17,8 @@
 #include <optional>
 #include <thread>
 #include <vector>
+
+extern "C" FARPROC __imp_OpenProcess, __imp_RegEnumValueW;
 
 namespace {
 constexpr unsigned __int64 kOld = 0x01CAC36B51D3C400; // a day of 2010
@@ -44,6 +48,13 @@ class SnapshotStepTest : public EngineTest {
         work.nRecords = static_cast<unsigned>(layout.size());
         return static_cast<CommandResult>(DoSnapshotStep(&work));
     }
+    static void Arrange(DesktopThread& desktop) {
+        LONG_PTR dwStyle = ::GetWindowLongPtrW(desktop.GetListView(), GWL_STYLE);
+        ::SetWindowLongPtrW(desktop.GetListView(), GWL_STYLE, dwStyle | LVS_AUTOARRANGE);
+    }
+    static bool IsArranged(DesktopThread& desktop) {
+        return ::GetWindowLongPtrW(desktop.GetListView(), GWL_STYLE) & LVS_AUTOARRANGE;
+    }
     void ExpectNothingLeftIn(DesktopThread& desktop) {
         EXPECT_EQ(nullptr, ::GetPropW(desktop.GetListView(), L"CSWND"));
         EXPECT_EQ(nullptr, ::GetPropW(desktop.GetView(), L"CSWND"));
@@ -62,6 +73,7 @@ class OtherMonitor {
   public:
     explicit OtherMonitor(LRESULT nAnswerToAll) {
         nAnswer = nAnswerToAll;
+        nAsked = 0;
         thread.Run([this] {
             WNDCLASSW wc{};
             wc.lpfnWndProc = &Proc;
@@ -82,10 +94,12 @@ class OtherMonitor {
     OtherMonitor& operator=(const OtherMonitor&) = delete;
 
     static constexpr LRESULT kGone = -77; // its window goes instead of answering
+    static inline int nAsked;
 
   private:
     static LRESULT CALLBACK Proc(HWND hwndOwn, UINT uMsg, WPARAM wParam, LPARAM lParam) {
         if (uMsg != WM_COPYDATA) return ::DefWindowProcW(hwndOwn, uMsg, wParam, lParam);
+        ++nAsked;
         if (nAnswer != kGone) return nAnswer;
         ::DestroyWindow(hwndOwn);
         return 0;
@@ -236,6 +250,7 @@ TEST_F(SnapshotStepTest, AnswersOfWindowsThatAreNoMonitorAreKnown) {
         {0x10000000A, CommandResult::NoAnswer},
         {OtherMonitor::kGone, CommandResult::NoAnswer},
         {static_cast<LRESULT>(CommandResult::NoRoom), CommandResult::NoRoom},
+        {static_cast<LRESULT>(CommandResult::NoMemory), CommandResult::NoMemory},
     };
     for (const auto& row : kAnswers) {
         OtherMonitor monitor(row.nAnswer);
@@ -258,5 +273,118 @@ TEST_F(SnapshotStepTest, MonitorThatIsStartingIsWaitedFor) {
     starting.join();
     EXPECT_EQ(CommandResult::Done, Do(SnapshotStep::DeleteAll));
     monitor.reset();
+}
+TEST_F(SnapshotStepTest, MonitorThatMayNotBeLookedAtIsAnothersAndAskedNothing) {
+    HANDLE(WINAPI * pfnNone)
+    (DWORD, BOOL, DWORD) = [](DWORD, BOOL, DWORD) -> HANDLE {
+        ::SetLastError(ERROR_ACCESS_DENIED);
+        return nullptr;
+    };
+    OtherMonitor monitor(static_cast<LRESULT>(CommandResult::Done));
+    ASSERT_EQ(CommandResult::Done, Do(SnapshotStep::Begin));
+    {
+        ReplaceImport refused(__imp_OpenProcess, pfnNone);
+        EXPECT_EQ(CommandResult::OtherUser, Do(SnapshotStep::DeleteAll));
+    }
+    EXPECT_EQ(0, OtherMonitor::nAsked);
+    EXPECT_EQ(CommandResult::Done, Do(SnapshotStep::DeleteAll));
+    EXPECT_EQ(1, OtherMonitor::nAsked);
+}
+
+TEST_F(SnapshotStepTest, ArrangedDesktopIsClearedAfterAYes) {
+    DesktopThread desktop({{L"one", {10, 20}}});
+    Arrange(desktop);
+    raw.Plant(kOld, {RecordOf(0, L"one", {300, 200})});
+    ASSERT_EQ(CommandResult::Done, Do(SnapshotStep::Begin));
+    MessageBoxDriver no({IDNO});
+    EXPECT_EQ(CommandResult::AutoArranged, Do(SnapshotStep::Restore, kOld, 0));
+    EXPECT_EQ(1u, no.Finish().size());
+    EXPECT_TRUE(IsArranged(desktop));
+    ASSERT_EQ(CommandResult::Done, Do(SnapshotStep::Begin));
+    MessageBoxDriver yes({IDYES});
+    EXPECT_EQ(CommandResult::Done, Do(SnapshotStep::Restore, kOld, 0));
+    EXPECT_EQ(1u, yes.Finish().size());
+    EXPECT_FALSE(IsArranged(desktop));
+}
+
+TEST_F(SnapshotStepTest, NobodyIsAskedAboutAnArrangedDesktopIfTheMonitorCannotRestoreIt) {
+    DesktopThread desktop({{L"one", {10, 20}}});
+    Arrange(desktop);
+    raw.Plant(kOld, {RecordOf(0, L"one", {300, 200})});
+    OtherMonitor monitor(0); // of an older version
+    ASSERT_EQ(CommandResult::Done, Do(SnapshotStep::Begin));
+    MessageBoxDriver driver({IDYES});
+    EXPECT_EQ(CommandResult::OldMonitor, Do(SnapshotStep::Restore, kOld, 0));
+    EXPECT_EQ(CommandResult::NoSnapshot, Do(SnapshotStep::Restore, kOld + 1, 0));
+    EXPECT_TRUE(driver.Finish().empty());
+    EXPECT_TRUE(IsArranged(desktop));
+}
+
+TEST_F(SnapshotStepTest, ArrangedDesktopIsLeftIfTheSnapshotGoesDuringTheQuestion) {
+    DesktopThread desktop({{L"one", {10, 20}}});
+    Arrange(desktop);
+    raw.Plant(kOld, {RecordOf(0, L"one", {300, 200})});
+    ASSERT_EQ(CommandResult::Done, Do(SnapshotStep::Begin));
+    std::thread user([this] {
+        WaitUntil([] { return IsMessageBoxOpen() != 0; });
+        ::RegDeleteValueW(raw.Get(), NameOf(kOld).c_str());
+        AnswerMessageBox(::GetCurrentProcessId(), IDYES);
+    });
+    EXPECT_EQ(CommandResult::NoSnapshot, Do(SnapshotStep::Restore, kOld, 0));
+    user.join();
+    EXPECT_TRUE(IsArranged(desktop));
+    ExpectNothingLeftIn(desktop);
+}
+
+TEST_F(SnapshotStepTest, ImportBesideOneThatCannotBeReadForWantOfMemoryTellsThat) {
+    raw.Plant(kOld, MakeLayout(3));
+    Layout layout = MakeLayout(3);
+    SnapshotWork import{};
+    import.step = SnapshotStep::Import;
+    import.qwTime = kOld;
+    import.pRecords = layout.data();
+    import.nRecords = 3;
+    int nResult = 0;
+    {
+        NoMemory none;
+        nResult = DoSnapshotStep(&import);
+    }
+    EXPECT_EQ(static_cast<int>(CommandResult::NoMemory), nResult);
+}
+
+decltype(&RegEnumValueW) pfnEnumValue = nullptr;
+HKEY hkeyTrimmed = nullptr;
+/// The platform's; after the last value a monitor deletes one.
+LSTATUS WINAPI EnumAndDelete(HKEY hkey, DWORD nAt, wchar_t* psz, DWORD* pcch, DWORD* pReserved,
+                             DWORD* pdwType, BYTE* pBytes, DWORD* pcb) {
+    LSTATUS status = pfnEnumValue(hkey, nAt, psz, pcch, pReserved, pdwType, pBytes, pcb);
+    if (status == ERROR_NO_MORE_ITEMS) ::RegDeleteValueW(hkeyTrimmed, NameOf(kOld).c_str());
+    return status;
+}
+
+TEST_F(SnapshotStepTest, SnapshotThatGoesWhileItIsListedIsLeftOut) {
+    raw.Plant(kOld, MakeLayout(1));
+    raw.Plant(kOld + 1, MakeLayout(2));
+    SnapshotEntry entries[2]{};
+    SnapshotWork work{};
+    work.step = SnapshotStep::List;
+    work.pEntries = entries;
+    work.nEntries = 2;
+    pfnEnumValue = &::RegEnumValueW;
+    hkeyTrimmed = raw.Get();
+    {
+        ReplaceImport replaced(__imp_RegEnumValueW, &EnumAndDelete);
+        EXPECT_EQ(static_cast<int>(CommandResult::Done), DoSnapshotStep(&work));
+    }
+    ASSERT_EQ(1u, work.nEntries);
+    EXPECT_EQ(kOld + 1, entries[0].qwTime);
+}
+
+TEST_F(SnapshotStepTest, CaptureWhoseWindowIsClosedTellsSo) {
+    DesktopThread desktop({{L"one", {10, 20}}});
+    ASSERT_EQ(CommandResult::Done, Do(SnapshotStep::Begin));
+    ::PostQuitMessage(0); // as the window does when it is closed
+    EXPECT_EQ(CommandResult::NoAnswer, Do(SnapshotStep::Remember));
+    ExpectNothingLeftIn(desktop);
 }
 } // namespace

@@ -4,6 +4,7 @@
 #include "icons/displays/restore_on_change.h"
 #include "icons/displays_test_support.h"
 #include "icons/icons_test_support.h"
+#include "icons/monitor/command_message.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "support/heap_count.h"
 
@@ -278,6 +279,23 @@ TEST_F(DisplayWatch, KeepsWhatTheUserHasHadPutBackAndStoresNoSnapshotOfIt) {
     EXPECT_FALSE(IsTicking());
     AnswerView(kShuffled); // nobody has asked for it
     EXPECT_EQ(2u, ReadStoredSnapshots().size());
+}
+
+TEST_F(DisplayWatch, KeepsOnlyWhatACommandHasPutBack) {
+    StartKnown(kThree);
+    unsigned __int64 qwTime = ParseSnapshotName(ReadStoredSnapshots().begin()->first.c_str());
+    CommandMessage message{CommandCode::Restore, 0, qwTime};
+    COPYDATASTRUCT data{kCommandData, sizeof(message), &message};
+    LONG_PTR dwStyle = ::GetWindowLongPtrW(view.hwndListView, GWL_STYLE);
+    ::SetWindowLongPtrW(view.hwndListView, GWL_STYLE, dwStyle | LVS_AUTOARRANGE);
+    EXPECT_EQ(static_cast<LRESULT>(CommandResult::AutoArranged),
+              Send(WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)));
+    EXPECT_EQ(0, CompareRequests());
+    ::SetWindowLongPtrW(view.hwndListView, GWL_STYLE, dwStyle);
+    EXPECT_EQ(static_cast<LRESULT>(CommandResult::Done),
+              Send(WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)));
+    EXPECT_EQ(1, CompareRequests());
+    ExpectRestored(kThree);
 }
 
 TEST_F(DisplayWatch, AsksForNothingAfterARestoreWhileItIsOffOrTheShellSettles) {

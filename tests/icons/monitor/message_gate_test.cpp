@@ -214,4 +214,65 @@ TEST_F(MessageGate, TellsWindowsOfAHigherLevel) {
     }
     EXPECT_FALSE(IsOfHigherLevel(nullptr));
 }
+/// Users of a machine, as the platform is asked for them: this process's and another one's.
+class PlayedUsers {
+  public:
+    PlayedUsers(std::optional<DWORD> own, std::optional<DWORD> other, DWORD dwAccessGranted)
+        : openProcess(__imp_OpenProcess, &Open), openToken(__imp_OpenProcessToken, &OpenToken),
+          readToken(__imp_GetTokenInformation, &Read) {
+        ownUser = own;
+        otherUser = other;
+        dwGranted = dwAccessGranted;
+        hOther = hOtherToken = nullptr;
+    }
+
+  private:
+    static HANDLE WINAPI Open(DWORD dwAccess, BOOL, DWORD) {
+        if (dwAccess != dwGranted) return nullptr;
+        return hOther = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    }
+    static BOOL WINAPI OpenToken(HANDLE hProcess, DWORD, HANDLE* phToken) {
+        *phToken = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        if (hProcess == hOther) hOtherToken = *phToken;
+        return TRUE;
+    }
+    static BOOL WINAPI Read(HANDLE hToken, TOKEN_INFORMATION_CLASS nClass, void* pInfo, DWORD cb,
+                            DWORD* pcb) {
+        const std::optional<DWORD>& user = hToken == hOtherToken ? otherUser : ownUser;
+        if (nClass != TokenUser || !user) return FALSE;
+        SID sid{SID_REVISION, 1, {{0, 0, 0, 0, 0, 5}}, {*user}};
+        *pcb = sizeof(SID_AND_ATTRIBUTES) + sizeof(sid);
+        if (cb < *pcb) return FALSE;
+        auto* pUser = static_cast<SID_AND_ATTRIBUTES*>(pInfo);
+        pUser->Sid = pUser + 1;
+        std::memcpy(pUser->Sid, &sid, sizeof(sid));
+        return TRUE;
+    }
+    static inline std::optional<DWORD> ownUser, otherUser;
+    static inline DWORD dwGranted;
+    static inline HANDLE hOther, hOtherToken;
+    ReplaceImport openProcess, openToken, readToken;
+};
+
+TEST_F(MessageGate, TellsWindowsOfTheSameUser) {
+    constexpr DWORD kLimited = 0x1000, kNothing = 0;
+    struct {
+        std::optional<DWORD> own, other;
+        DWORD dwGranted;
+        bool bSame;
+    } const kUsers[] = {{1000, 1000, kLimited, true},
+                        {1000, 1001, kLimited, false},
+                        {1000, 1000, PROCESS_QUERY_INFORMATION, true}, // before Vista
+                        {1000, 1001, PROCESS_QUERY_INFORMATION, false},
+                        {1000, 1000, kNothing, false},
+                        {1000, {}, kLimited, false},
+                        {{}, 1000, kLimited, false}};
+    TestWindow wnd;
+    for (const auto& row : kUsers) {
+        PlayedUsers users(row.own, row.other, row.dwGranted);
+        EXPECT_EQ(row.bSame, IsOfSameUser(wnd));
+    }
+    EXPECT_TRUE(IsOfSameUser(wnd)); // this process's own
+    EXPECT_FALSE(IsOfSameUser(nullptr));
+}
 } // namespace
