@@ -192,6 +192,25 @@ TEST_F(DisplaysChange, PlacesOnASecondDisplayAreUsedWhileItIsThere) {
     EXPECT_EQ(two, layouts.IconsOf(strTwo));
 }
 
+TEST_F(DisplaysChange, DisplaysThatChangedWhileNoMonitorRanAreSeenByTheNextOne) {
+    tray = std::make_unique<TrayThread>();
+    StartWithTwoKnown(6);
+    recorder.reset();
+    int nBalloons = 0;
+    for (SIZE size : {kLarge, kHome}) {
+        monitor.Kill();
+        display.SetSize(size);
+        ShiftIcons(17, 23); // as the shell does it
+        StartMonitor();
+        EXPECT_TRUE(WaitUntil([&] { return LieAs(size.cx == kHome.cx ? home : large); }));
+        ++nBalloons;
+        EXPECT_TRUE(WaitUntil([&] { return CountBalloons() == nBalloons; }));
+        EXPECT_EQ(home, layouts.IconsOf(TextOf(kHome)));
+        EXPECT_EQ(large, layouts.IconsOf(TextOf(kLarge)));
+    }
+    EXPECT_FALSE(store.Marked());
+}
+
 TEST_F(DisplaysChange, CaptureWhileTheDisplaysSettleIsASnapshotAndNoLayout) {
     StartSwitchedOn(4);
     home = ExpectedIcons();

@@ -2,7 +2,8 @@
 """Looks at the built images as files: python3 tests/image/check_image.py build/bin
 
 Prints one line per check and "N passed, N failed"; ends with 1 if any failed. What the images may
-import stands in allowed_imports.txt beside this file: all of it is there on Windows XP x64.
+import stands in xp64_exports.txt beside this file (list_exports.py makes it): all of it is there on
+Windows XP x64.
 """
 
 import pathlib

@@ -122,7 +122,7 @@ class Installed(unittest.TestCase):
     def expect_uninstaller_gone(self, user):
         """It has ended, and its copy has been deleted."""
         self.assertEqual(0, user.run(PROBE, "until", "no-setup"))
-        self.assertTrue(wait_until(lambda: not list((user.profile / "Temp").iterdir())))
+        self.assertTrue(wait_until(lambda: not list(user.temp.iterdir())))
 
     def uninstall_in_place(self, *switches):
         """Without a copy: the exit code is that of the work."""
@@ -259,9 +259,13 @@ class Silent(Installed):
     def test_user_with_blanks_and_letters_of_other_scripts_in_the_name(self):
         profile = self.user.profile.with_name("Jörg Müller 山")
         self.user.local, self.user.menu = profile / "Local Data", profile / "Programs"
+        self.user.temp = profile / "Temporary 山"  # where the uninstaller's copy runs, and a batch file
         places = {"Local AppData": self.user.local, "Programs": self.user.menu}
+        places |= {"TEMP": self.user.temp, "TMP": self.user.temp}
         keys = [rf"{users.EXPLORER_KEY}\{name}" for name in ("User Shell Folders", "Shell Folders")]
-        before = {(key, name): self.user.read_value(key, name) for key in keys for name in places}
+        values = [(key, name) for key in keys for name in ("Local AppData", "Programs")]
+        values += [(users.ENVIRONMENT_KEY, name) for name in ("TEMP", "TMP")]
+        before = {(key, name): self.user.read_value(key, name) for key, name in values}
         try:
             for key, name in before:
                 places[name].mkdir(parents=True, exist_ok=True)
@@ -271,6 +275,8 @@ class Silent(Installed):
             self.assertEqual(DONE, self.install(self.new))
             self.expect_installed(self.new)
             self.assertTrue((self.user.menu / "Tessaly.lnk").exists())
+            told = self.user.ask("cmd", "/d", "/u", "/c", "echo %TEMP%")
+            self.assertIn("Temporary", told.replace("\0", ""))
             self.start()
             self.assertEqual(0, self.user.run(self.user.folder / "TSEXE64.exe", "/AUTOSTART", "/QUIET"))
             self.uninstall("/DELETESNAPSHOTS")

@@ -26,6 +26,7 @@ DISPLAYS_KEY = MAKER_KEY + r"\Tessaly\Displays"
 SETUP_KEY = MAKER_KEY + r"\Tessaly\Setup"
 UNINSTALL_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessaly"
 RUN_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Run"
+ENVIRONMENT_KEY = r"HKCU\Environment"
 EXPLORER_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer"
 # The platform's own; the first is its list of files to delete at its next start, on which every
 # uninstaller of this kind puts its copy, though ours has gone by then.
@@ -70,6 +71,7 @@ class User:
         self.variables = {**os.environ, "WINEPREFIX": str(prefix), "USER": name, "LOGNAME": name}
         self.profile = prefix / "drive_c" / "users" / name
         self.local = self.profile / "AppData" / "Local"
+        self.temp = self.profile / "Temp"
         self.menu = self.profile / "AppData" / "Roaming" / "Microsoft" / "Windows" / "Start Menu" / "Programs"
         self.started = []
 

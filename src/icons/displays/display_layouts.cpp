@@ -6,6 +6,7 @@
 #include "runtime/text/text_format.h"
 #include "wnd/core/company_msg.h"
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 
@@ -49,7 +50,8 @@ unsigned __int64 ReadUse(const RegKey& key) {
 /// What a walk over the keys of the set-ups has found.
 struct SetupWalk {
     unsigned nSetups = 0;
-    SetupName oldest; // but for the present one; empty if there is no other
+    SetupName oldest;              // but for the present one; empty if there is no other
+    unsigned __int64 qwNewest = 0; // the latest use, but for that of the present one
 };
 
 SetupWalk WalkSetups(RegKey& displays, const SetupName& present) {
@@ -65,6 +67,7 @@ SetupWalk WalkSetups(RegKey& displays, const SetupName& present) {
         if (name == present) continue;
         RegKey key(displays, name.sz, 0);
         unsigned __int64 qwUsed = ReadUse(key);
+        walk.qwNewest = std::max(walk.qwNewest, qwUsed);
         if (!walk.oldest.IsEmpty() && qwUsed >= qwOldest) continue;
         qwOldest = qwUsed;
         walk.oldest = name;
@@ -130,6 +133,13 @@ void NoteSetupUse(const SetupName& name) {
     if (!key.GetHandle()) return;
     key.Close();
     if (key.Open(displays, name.sz, 1)) WriteUse(key);
+}
+
+bool WasOtherSetupUsedLast(const SetupName& present) {
+    RegKey displays;
+    if (present.IsEmpty() || !OpenDisplaysKey(displays, 0)) return false;
+    RegKey key(displays, present.sz, 0);
+    return WalkSetups(displays, present).qwNewest > ReadUse(key);
 }
 
 // The switch

@@ -33,3 +33,6 @@ bool KeepDisplayLayout(const DisplaySetup& setup, std::span<const IconRecord> re
 
 /// Notes that the set-up is the present one from now on; nothing if it has no key.
 void NoteSetupUse(const SetupName& name);
+
+/// Whether some other set-up was used after that one.
+[[nodiscard]] bool WasOtherSetupUsedLast(const SetupName& present);

@@ -44,7 +44,7 @@ bool IsShellBusy() {
 
 /// From the list view's coordinates to those of the virtual screen. By numbers, not point by point:
 /// a stored point may be anywhere. The list view of a system that writes from right to left counts
-/// from its right edge.
+/// from its right edge. What is mapped are edges: its pixel 0 is the one before that edge.
 class ScreenMapping {
   public:
     explicit ScreenMapping(HWND hwndListView) {
@@ -53,13 +53,15 @@ class ScreenMapping {
         ::MapWindowPoints(hwndListView, nullptr, &ptOrigin, 1);
         ::MapWindowPoints(hwndListView, nullptr, &ptNext, 1);
         nStep = ptNext.x < ptOrigin.x ? -1 : 1;
+        nFirst = nStep < 0 ? ptOrigin.x - 1LL : ptOrigin.x;
     }
     bool IsShown(const POINT& pt, const DisplaySetup& setup) const {
-        return setup.Contains(ptOrigin.x + nStep * pt.x, static_cast<long long>(ptOrigin.y) + pt.y);
+        return setup.Contains(nFirst + nStep * pt.x, static_cast<long long>(ptOrigin.y) + pt.y);
     }
 
   private:
     POINT ptOrigin{};
+    long long nFirst = 0; // the column of pixels at 0
     long long nStep = 1;
 };
 
@@ -121,9 +123,17 @@ void DisplayWatcher::Start(HWND hwndMonitor) {
     LastRound last = std::exchange(lastRound, {});
     if (!GetRestoreOnChange()) return;
     TurnOn();
-    if (!last.bKnown) return;
-    bUseDue = false; // counted in an earlier round
-    if (!last.bCalm || !(last.present == present)) OnChange();
+    if (last.bKnown) bUseDue = false; // counted in an earlier round
+    bool bChanged = last.bKnown ? !last.bCalm || !(last.present == present) : IsBackAtKnown();
+    if (bChanged) OnChange();
+}
+
+/// Whether the displays have changed to those of a known layout while no monitor ran: what the
+/// system has made of the icons meanwhile must not go over it.
+bool DisplayWatcher::IsBackAtKnown() const {
+    DisplaySetup setup;
+    return WasOtherSetupUsedLast(present) && setup.Read() && setup.GetName() == present &&
+           ReadDisplayLayout(setup).IsReady();
 }
 
 void DisplayWatcher::End() {
@@ -205,12 +215,13 @@ void DisplayWatcher::Ask() {
 }
 
 bool DisplayWatcher::TakeCapture(HWND hwndAsked, std::span<const IconRecord> records) {
-    if (!bOn || !nAsked || hwndAsked != GetDesktopSharedData().hwndView) return false;
+    // It may have been turned off since it was asked for: it is no snapshot then either.
+    if (!nAsked || hwndAsked != GetDesktopSharedData().hwndView) return false;
     --nAsked;
     bool bKeep = std::exchange(bRestored, false);
-    if (phase == Phase::Comparing)
+    if (bOn && phase == Phase::Comparing)
         Compare(records);
-    else if (bKeep && phase == Phase::Calm)
+    else if (bOn && bKeep && phase == Phase::Calm)
         KeepRestored(records);
     return true;
 }
@@ -223,7 +234,7 @@ void DisplayWatcher::KeepRestored(std::span<const IconRecord> records) {
         KeepDisplayLayout(setup, records);
 }
 
-void DisplayWatcher::OnCaptured(std::span<const IconRecord> records) {
+void DisplayWatcher::OnCaptured(std::span<const IconRecord> records, bool bSeen) {
     if (!bOn) return;
     bool bOther = std::exchange(bAsked, false);
     DisplaySetup setup;
@@ -237,7 +248,7 @@ void DisplayWatcher::OnCaptured(std::span<const IconRecord> records) {
         OnChange(); // of which no message has come, or not yet
         return;
     }
-    if (bOther) return;
+    if (bOther || !bSeen) return;
     if (!KeepDisplayLayout(setup, records) && bUseDue) NoteSetupUse(name);
     bUseDue = false;
 }

@@ -23,7 +23,8 @@ class DisplayWatcher {
     DisplayWatcher(const DisplayWatcher&) = delete; // owns the timer
     DisplayWatcher& operator=(const DisplayWatcher&) = delete;
 
-    /// The monitor window of a round stands.
+    /// The monitor window of a round stands. The first round of a process begins with a change if
+    /// the displays are known, and others were there while the feature was at work last.
     void Start(HWND hwndMonitor);
     /// It is about to go; nothing happens from now on. The next round of this process begins with a
     /// change if this one ends within one, or under other displays.
@@ -38,8 +39,9 @@ class DisplayWatcher {
     /// A capture has come, by a request to that window. True: it is one that this object asked for,
     /// and for nothing else.
     [[nodiscard]] bool TakeCapture(HWND hwndAsked, std::span<const IconRecord> records);
-    /// A capture was stored, or found unchanged.
-    void OnCaptured(std::span<const IconRecord> records);
+    /// A capture has come. bSeen: it was stored, or found unchanged, and so is the layout of the
+    /// displays as they are; otherwise it serves for no more than a comparison that is due.
+    void OnCaptured(std::span<const IconRecord> records, bool bSeen);
     /// The user has had a snapshot put back: what lies there now is the layout of these displays.
     /// It is asked for, as the restore's own changes lead to no capture.
     void OnRestored();
@@ -57,6 +59,7 @@ class DisplayWatcher {
     };
     void Enter(Phase phaseNew, unsigned nTimerMs);
     void TurnOn();
+    bool IsBackAtKnown() const;
     void OnSettled();
     void Ask();
     void Compare(std::span<const IconRecord> records);

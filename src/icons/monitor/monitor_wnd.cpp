@@ -38,7 +38,7 @@ void OnIconsCaptured(const IconRecord* pRecords, unsigned nRecords) {
     bool bStored = bChanged && StoreSnapshot(pRecords, nRecords);
     MyMonitor_Wnd* pMonitor = MyMonitor_Wnd::GetCurrent();
     if (!pMonitor) return;
-    pMonitor->NoteLayout(pRecords, nRecords);
+    pMonitor->NoteLayout(pRecords, nRecords, !bChanged || bStored);
     pMonitor->GetCommandDesk().OnCaptured(!bChanged ? CommandResult::Unchanged
                                           : bStored ? CommandResult::Done
                                                     : CommandResult::NotWritten);
@@ -101,8 +101,8 @@ void MyMonitor_Wnd::RequestCapture() {
     PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
 }
 
-void MyMonitor_Wnd::NoteLayout(const IconRecord* pRecords, unsigned nRecords) {
-    displays.OnCaptured({pRecords, nRecords});
+void MyMonitor_Wnd::NoteLayout(const IconRecord* pRecords, unsigned nRecords, bool bSeen) {
+    displays.OnCaptured({pRecords, nRecords}, bSeen);
 }
 
 void MyMonitor_Wnd::SuppressCaptures() {

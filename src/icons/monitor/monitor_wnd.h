@@ -46,10 +46,12 @@ class MyMonitor_Wnd : public CSWnd {
     /// front end tell pszText.
     void ReportCaptureOutcome(const wchar_t* pszText);
 
-    /// The restore that the user chose is done.
+    /// The restore that the user chose has moved icons: what lies there now is to be kept as the
+    /// layout of the displays.
     void NoteRestore() { displays.OnRestored(); }
-    /// A capture was stored, or found unchanged: it is the layout of the displays as they are.
-    void NoteLayout(const IconRecord* pRecords, unsigned nRecords);
+    /// A capture has come. bSeen: it was stored, or found unchanged, and so is the layout of the
+    /// displays as they are.
+    void NoteLayout(const IconRecord* pRecords, unsigned nRecords, bool bSeen);
     /// Where the commands of the command line are taken.
     CommandDesk& GetCommandDesk() { return commandDesk; }
 

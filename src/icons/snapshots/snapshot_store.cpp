@@ -143,18 +143,22 @@ void DeleteAllSnapshots() {
 
 // The monitor's half of a restore: the data for the shell side, the mark.
 
-void RestoreSnapshot(unsigned __int64 qwTime) {
-    HWND hwndListView = GetDesktopSharedData().hwndListView;
-    if (!ClearAutoArrange(hwndListView)) return;
-    RegKey key;
-    if (!OpenSnapshotKey(key, 1)) return;
-    unsigned nRecords = ReadSnapshot(key, qwTime);
-    if (!nRecords) return;
-    HeapArray<IconRecord> records = ReadRecords(key, qwTime, nRecords);
-    if (!records.IsReady()) return;
+void RestoreSnapshot(unsigned __int64 qwTime) { PutSnapshotBack(qwTime); }
 
-    SendRestore(hwndListView, {records.Get(), records.GetCount()});
+bool PutSnapshotBack(unsigned __int64 qwTime) {
+    HWND hwndListView = GetDesktopSharedData().hwndListView;
+    if (!ClearAutoArrange(hwndListView)) return false;
+    RegKey key;
+    if (!OpenSnapshotKey(key, 1)) return false;
     wchar_t szName[kSnapshotNameLength + 1];
     FormatSnapshotName(szName, qwTime);
+    HeapArray<IconRecord> records(CountLayoutRecords(key, szName));
+    if (!records.IsReady() || !records.GetCount()) return false;
+
+    // Zeros if the digest fails, which name no icon.
+    bool bWhole =
+        ReadLayoutRecords(key, szName, records.Get(), static_cast<unsigned>(records.GetCount()));
+    SendRestore(hwndListView, {records.Get(), records.GetCount()});
     key.PutStr(nullptr, szName, 1);
+    return bWhole;
 }

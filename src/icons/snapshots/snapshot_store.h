@@ -83,3 +83,6 @@ TESSALY_API void DeleteAllSnapshots();
 /// restored last. Asks the user first if the list view arranges its icons by itself; after a no
 /// nothing is changed. A snapshot without records is not restored, without a word.
 TESSALY_API void RestoreSnapshot(unsigned __int64 qwTime);
+/// As RestoreSnapshot. True if a layout was sent to the shell side: not after a no, nor for a
+/// damaged snapshot, which is marked all the same.
+bool PutSnapshotBack(unsigned __int64 qwTime);

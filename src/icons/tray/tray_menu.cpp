@@ -65,8 +65,7 @@ unsigned Track(CSMenu& menu, MyMonitor_Wnd& monitor) {
 void RestoreChosen(MyMonitor_Wnd& monitor, const CSMenu& sub, unsigned nId) {
     monitor.SuppressCaptures(); // before anything moves
     const auto* pTime = reinterpret_cast<const unsigned __int64*>(sub.GetItemDataByID(nId));
-    if (pTime) RestoreSnapshot(*pTime);
-    monitor.NoteRestore();
+    if (pTime && PutSnapshotBack(*pTime)) monitor.NoteRestore();
 }
 
 void RememberNow(MyMonitor_Wnd& monitor) {

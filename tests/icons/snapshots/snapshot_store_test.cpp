@@ -615,6 +615,23 @@ TEST_F(SnapshotRestore, NothingChangesAfterANo) {
     EXPECT_EQ(L"before", GetMark());
 }
 
+TEST_F(SnapshotRestore, TellsWhetherALayoutWasSent) {
+    EXPECT_FALSE(PutSnapshotBack(kTime)); // there is none
+    raw.Plant(kTime, MakeLayout(2));
+    EXPECT_TRUE(PutSnapshotBack(kTime));
+    RegBytes value = MakeSnapshotValue(MakeLayout(3));
+    value[20] ^= 1;
+    raw.Put(NameOf(kTime), REG_BINARY, value);
+    EXPECT_FALSE(PutSnapshotBack(kTime));
+    EXPECT_EQ(2u, sent.size());
+    raw.Plant(kTime, MakeLayout(2));
+    SetAutoArrange();
+    MessageBoxDriver driver({IDNO});
+    EXPECT_FALSE(PutSnapshotBack(kTime));
+    EXPECT_EQ(1u, driver.Finish().size());
+    EXPECT_EQ(2u, sent.size());
+}
+
 TEST_F(SnapshotRestore, WithoutAutoArrangeNothingIsAsked) {
     raw.Plant(kTime, MakeLayout(2));
     MessageBoxDriver driver({IDNO});

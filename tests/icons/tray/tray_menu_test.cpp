@@ -2,6 +2,8 @@
 #include "app/launch/open_html.h"
 #include "app/shell_start_recorder.h"
 #include "icons/agent/desktop_shared_data.h"
+#include "icons/displays/restore_on_change.h"
+#include "icons/displays_test_support.h"
 #include "icons/icons_test_support.h"
 #include "icons/menu_test_support.h"
 #include "icons/monitor/monitor_wnd.h"
@@ -325,6 +327,35 @@ TEST_F(TrayMenu, SnapshotOfNoSnapshotsSizeIsListedAndRestoresNothing) {
     EXPECT_EQ(0, view.spyListView.CountOf(WM_COPYDATA));
     EXPECT_EQ(before, key.Values());
     EXPECT_TRUE(IsSuppressing(*monitor));
+}
+
+TEST_F(TrayMenu, RestoreThatMovedNothingIsNotKeptForTheDisplays) {
+    DisplaysKey displays;
+    SetRestoreOnChange(1);
+    PumpAll();
+    key.Plant(StampOf(2017, 10, 1), MakeLayout(3));
+    auto askedAfterARestore = [&] {
+        view.spyView.Clear();
+        Press(VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN);
+        PumpAll();
+        return view.spyView.CountOfCode(kCodeCapture);
+    };
+    EXPECT_EQ(1, askedAfterARestore());
+    LONG_PTR dwStyle = ::GetWindowLongPtrW(view.hwndListView, GWL_STYLE);
+    ::SetWindowLongPtrW(view.hwndListView, GWL_STYLE, dwStyle | LVS_AUTOARRANGE);
+    {
+        MessageBoxDriver driver({IDNO});
+        EXPECT_EQ(0, askedAfterARestore()); // of the snapshot that is marked
+        EXPECT_EQ(1u, driver.Finish().size());
+    }
+    ::SetWindowLongPtrW(view.hwndListView, GWL_STYLE, dwStyle);
+    RegBytes damaged = MakeSnapshotValue(MakeLayout(3));
+    damaged[20] ^= 1;
+    key.Put(NameOf(StampOf(2017, 10, 2)), REG_BINARY, damaged);
+    EXPECT_EQ(0, askedAfterARestore());
+    EXPECT_EQ(BytesOf(NameOf(StampOf(2017, 10, 2))), key.Value(L"").bytes);
+    SetRestoreOnChange(0); // nothing is left for the rounds of other tests
+    PumpAll();
 }
 
 TEST_F(TrayMenu, TimeStampsAreGivenBackOnceAlsoAfterARestore) {
