@@ -5,9 +5,13 @@
 //   setup              0: installer or uninstaller run
 //   place TITLE TEXT   tells where the middle of that control of that window is, if it can be
 //   clicked
+//   focus TITLE CLASS  0: keys go to a control of that class of that window
+//   item TITLE INDEX   tells the picture of that item of that window's tree, if it is the chosen
+//   one
 // Links nothing of the product.
 
 #include <windows.h>
+#include <commctrl.h>
 #include <cstdio>
 #include <cwchar>
 #include <string>
@@ -84,6 +88,40 @@ int Place(const wchar_t* pszTitle, const wchar_t* pszText) {
     std::printf("%ld %ld", (rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
     return 0;
 }
+
+int IsFocus(const wchar_t* pszTitle, const wchar_t* pszClass) {
+    HWND hwnd = ::FindWindowW(L"#32770", pszTitle);
+    if (!hwnd || ::GetForegroundWindow() != hwnd) return 1;
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    wchar_t szClass[64] = L"";
+    if (::GetGUIThreadInfo(::GetWindowThreadProcessId(hwnd, nullptr), &info) && info.hwndFocus)
+        ::GetClassNameW(info.hwndFocus, szClass, 64);
+    return std::wcscmp(szClass, pszClass) ? 1 : 0;
+}
+
+BOOL CALLBACK FindTree(HWND hwnd, LPARAM lParam) {
+    wchar_t szClass[64] = L"";
+    ::GetClassNameW(hwnd, szClass, 64);
+    if (std::wcscmp(szClass, WC_TREEVIEWW) || !::IsWindowVisible(hwnd)) return TRUE;
+    *reinterpret_cast<HWND*>(lParam) = hwnd;
+    return FALSE;
+}
+
+int Item(const wchar_t* pszTitle, int nIndex) {
+    HWND hwnd = ::FindWindowW(L"#32770", pszTitle), hwndTree = nullptr;
+    if (!hwnd) return 1;
+    ::EnumChildWindows(hwnd, &FindTree, reinterpret_cast<LPARAM>(&hwndTree));
+    if (!hwndTree) return 1;
+    LRESULT lItem = ::SendMessageW(hwndTree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
+    while (lItem && nIndex-- > 0)
+        lItem = ::SendMessageW(hwndTree, TVM_GETNEXTITEM, TVGN_NEXT, lItem);
+    if (!lItem || lItem != ::SendMessageW(hwndTree, TVM_GETNEXTITEM, TVGN_CARET, 0)) return 1;
+    LRESULT lState =
+        ::SendMessageW(hwndTree, TVM_GETITEMSTATE, static_cast<WPARAM>(lItem), TVIS_STATEIMAGEMASK);
+    std::printf("%d", static_cast<int>((lState & TVIS_STATEIMAGEMASK) >> 12));
+    return 0;
+}
 } // namespace
 
 namespace {
@@ -104,6 +142,9 @@ int Ask(int nArguments, wchar_t** ppszArguments) {
         return ::FindWindowW(ppszArguments[1], nullptr) ? 0 : 1;
     if (nArguments == 1 && strWhat == L"no-setup") return IsNoSetupThere();
     if (nArguments == 3 && strWhat == L"place") return Place(ppszArguments[1], ppszArguments[2]);
+    if (nArguments == 3 && strWhat == L"focus") return IsFocus(ppszArguments[1], ppszArguments[2]);
+    if (nArguments == 3 && strWhat == L"item")
+        return Item(ppszArguments[1], static_cast<int>(std::wcstol(ppszArguments[2], nullptr, 10)));
     return kUsage;
 }
 } // namespace

@@ -32,6 +32,7 @@ OLD_MARK = b"older"
 OLD_VERSION = "1.0.0.1"
 KEPT = "[HKEY_CURRENT_USER\\Software\\Orvanta"
 KEPT_KEYS = {f"{KEPT}{below}]" for below in ("", r"\Tessaly", r"\Tessaly\Data", r"\Tessaly\Displays")}
+TREE = "SysTreeView32"  # the class of the pages' choices
 DONE, CANCELLED, NOTHING_CHANGED, NO_AUTO_START = 0, 1, 2, 3  # exit codes
 
 
@@ -347,9 +348,20 @@ class Hands(Installed):
         self.assertEqual(2, len(place), f"{title}has no {text}")
         return place
 
-    def press(self, *keys):
-        for key in keys:
-            subprocess.run(["xdotool", "key", key], check=True)
+    def press(self, title, control, key):
+        """Once keys go to a control of that class."""
+        waiting = ["wine", PROBE, "until", "focus", title, control]
+        self.assertEqual(0, subprocess.run(waiting, env=self.user.variables, timeout=LIMIT).returncode)
+        subprocess.run(["xdotool", "key", key], check=True)
+
+    def toggle_second(self, title):
+        """The second choice of the page, by the keyboard."""
+        self.press(title, TREE, "Down")
+        before = self.user.ask(PROBE, "until", "item", title, "1")
+        self.assertTrue(before, "the second choice is not chosen")
+        self.press(title, TREE, "space")
+        changed = wait_until(lambda: self.user.ask(PROBE, "item", title, "1") != before)
+        self.assertTrue(changed, "the second choice stays as it was")
 
     def click(self, title, text):
         place = self.wait_for(title, text)
@@ -362,15 +374,16 @@ class Hands(Installed):
         self.assertTrue(self.user.start_desktop())
         setup = self.user.wine(self.new.setup)
         self.wait_for(self.SETUP, "Install")
-        self.press("Escape")
+        self.press(self.SETUP, TREE, "Escape")
         self.assertEqual(CANCELLED, setup.wait(LIMIT))
         self.expect_as_before()
 
         setup = self.user.wine(self.new.setup)
         self.wait_for(self.SETUP, "Install")
-        self.press("Down", "space", "alt+i")
+        self.toggle_second(self.SETUP)
+        self.press(self.SETUP, TREE, "alt+i")
         self.wait_for(self.SETUP, "Finish")
-        self.press("Return")
+        self.press(self.SETUP, "Button", "Return")
         self.assertEqual(DONE, setup.wait(LIMIT))
         self.expect_installed(self.new)
         self.expect_auto_start(False)
@@ -379,17 +392,18 @@ class Hands(Installed):
 
         self.open_uninstaller()
         self.wait_for(self.UNINSTALL, "Uninstall")
-        self.press("Escape")
+        self.press(self.UNINSTALL, TREE, "Escape")
         self.expect_uninstaller_gone(self.user)
         self.expect_installed(self.new)
         self.assertTrue(self.user.is_running())
 
         self.open_uninstaller()
         self.wait_for(self.UNINSTALL, "Uninstall")
-        self.press("Down", "space", "alt+u")
+        self.toggle_second(self.UNINSTALL)
+        self.press(self.UNINSTALL, TREE, "alt+u")
         self.wait_for(self.UNINSTALL, "Close")
         self.user.end_desktop()
-        self.press("Return")
+        self.press(self.UNINSTALL, "Button", "Return")
         self.expect_uninstaller_gone(self.user)
         shutil.rmtree(self.user.folder, ignore_errors=True)  # what the desktop had mapped
         self.expect_as_before()
