@@ -153,7 +153,8 @@ desktop_env_stop() {
 
 # Has programs run with checked heaps; what is found is told as "err:heap". Each argument is one of
 #   marks:FILE  the ends of blocks and what is freed are marked; the program looks at them itself
-#   calls:FILE  and the platform looks at all blocks at each call of a heap (fewer flags find nothing)
+#   block:FILE  and the platform looks at the block that a call of a heap is about
+#   calls:FILE  and the platform looks at all blocks at each call of a heap
 desktop_env_check_heaps() {
     local options='HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\Image File Execution Options'
     local check flags
@@ -161,6 +162,7 @@ desktop_env_check_heaps() {
       for check in "$@"; do
           case $check in
               marks:*) flags=30 ;; # tail and free checking
+              block:*) flags=70 ;; # and validation of parameters
               calls:*) flags=f0 ;; # and validation of parameters and of all
           esac
           printf '\n[%s\%s]\n"GlobalFlag"=dword:000000%s\n' "$options" "${check#*:}" "$flags"
