@@ -70,7 +70,7 @@ class SuspendedProcess {
     HANDLE hProcess;
 };
 
-/// The mutexes of this session that have names.
+/// The mutexes of the logon session that have names.
 std::set<std::wstring> SessionMutexes();
 /// The mark of a program that runs already, without one.
 class TakenMark {

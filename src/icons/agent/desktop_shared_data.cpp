@@ -60,7 +60,7 @@ SessionPlace* TakeOverPlace(SessionTable& table, LONG nHolder, bool& bNew) {
         LONG nBefore = place.nHolder;
         bNew = !HasSession(sessions, nBefore) &&
                ::InterlockedCompareExchange(&place.nHolder, nHolder, nBefore) == nBefore;
-        // Not new: another process of this session has been faster.
+        // Not new: another process of the logon session was faster.
         if (bNew || place.nHolder == nHolder) return &place;
     }
     return nullptr;
@@ -100,7 +100,8 @@ bool SessionWords::Claim() {
     SessionPlace* pPlace = TakePlace(table, nHolder, bNew);
     if (!pPlace) pPlace = TakeOverPlace(table, nHolder, bNew);
     if (!pPlace) return false;
-    // A monitor of this session that was killed has left its words: those are looked at as before.
+    // A monitor of the logon session that was killed has left its words: those are looked at as
+    // before.
     if (bNew) pPlace->words = ownWords;
     Keep(*pPlace);
     return true;

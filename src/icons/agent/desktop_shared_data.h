@@ -34,8 +34,8 @@ static_assert(sizeof(DesktopSharedData) == 40, "five words, the same for every p
 /// The words of this process's session. Before a monitor of the session has claimed them, words of
 /// this process alone, all zero unless it has written them itself.
 DesktopSharedData& GetDesktopSharedData();
-/// For the monitor, before it writes: sees to it that this session has words of its own. False if
-/// there is no room for more sessions; what is written then is this process's alone.
+/// For the monitor, before it writes: sees to it that the logon session has words of its own. False
+/// if there is no room for more sessions; what is written then is this process's alone.
 bool ClaimDesktopSharedData();
 /// The hook of GetDesktopSharedData; null while this process has not yet found the words. For the
 /// path that every message of the shell's desktop thread takes.

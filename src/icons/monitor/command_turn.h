@@ -2,9 +2,10 @@
 #include "runtime/base/ownership.h"
 #include <windows.h>
 
-/// A turn of the commands of this session: one works at a time, and none while a monitor starts. It
-/// is a mutex of the session, which ends with its holder: one that was killed keeps nobody waiting.
-/// Taken and released on one thread. Other programs can take the name and so keep commands out.
+/// A turn of the commands of a logon session: one works at a time, and none while a monitor starts.
+/// It is a mutex of the session, which ends with its holder: one that was killed keeps nobody
+/// waiting. Taken and released on one thread. Other programs can take the name and so keep commands
+/// out.
 class CommandTurn {
   public:
     constexpr CommandTurn() noexcept = default;
