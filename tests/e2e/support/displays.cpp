@@ -135,6 +135,7 @@ SIZE Displays::Size() const {
 }
 
 void Displays::SetSize(SIZE size) {
+    dwLastChange = ::GetTickCount();
     if (::GetSystemMetrics(SM_CMONITORS) >
         1) { // the platform refuses to change what it did not make
         TakeOthersAway();
