@@ -192,10 +192,11 @@ TEST_F(DisplaysHindered, SessionThatConnectsCountsAsAChange) {
     int nStored = 1;
     for (WPARAM nCode : {WTS_CONSOLE_CONNECT, WTS_REMOTE_CONNECT}) {
         ShiftIcons(50, 60 + static_cast<int>(nCode));
+        DWORD dwChanged = ::GetTickCount();
         SendSession(nCode);
         EXPECT_EQ(++nStored, store.Count()); // as ever
         EXPECT_EQ(home, layouts.IconsOf(TextOf(kHome)));
-        EXPECT_TRUE(ComeAfterSettling(home));
+        EXPECT_TRUE(ComeAfterSettling(home, dwChanged));
         EXPECT_EQ(nStored, store.Count());
     }
     EXPECT_EQ(2, CountRestores());

@@ -74,11 +74,12 @@ bool DisplaysTest::LieAs(const std::vector<StoredIcon>& layout) {
     return true;
 }
 
-testing::AssertionResult DisplaysTest::ComeAfterSettling(const std::vector<StoredIcon>& layout) {
+testing::AssertionResult DisplaysTest::ComeAfterSettling(const std::vector<StoredIcon>& layout,
+                                                         DWORD dwChanged) {
     std::vector<StoredIcon> before = ExpectedIcons();
     // From the beginning of a change that was just made: on a busy machine it is long ago.
     constexpr DWORD kJustMs = 5000;
-    DWORD nPassed = ::GetTickCount() - display.LastChange();
+    DWORD nPassed = ::GetTickCount() - dwChanged;
     if (nPassed >= kJustMs) nPassed = kNotYetMs / 2; // something else has begun it, some time ago
     if (nPassed < kNotYetMs) {
         if (LieAs(layout)) return testing::AssertionFailure() << "they lie there already";

@@ -39,7 +39,12 @@ class DisplaysTest : public EngineTest {
     /// Each icon of the layout lies where that has it. (Icons of one name: any of them.)
     bool LieAs(const std::vector<StoredIcon>& layout);
     /// They do not now and do some time later, but not before the displays have settled.
-    testing::AssertionResult ComeAfterSettling(const std::vector<StoredIcon>& layout);
+    testing::AssertionResult ComeAfterSettling(const std::vector<StoredIcon>& layout) {
+        return ComeAfterSettling(layout, display.LastChange());
+    }
+    /// The same after another change than one of the size, begun at that time.
+    testing::AssertionResult ComeAfterSettling(const std::vector<StoredIcon>& layout,
+                                               DWORD dwChanged);
     /// Nothing on the desktop moves until well after the settling, and nothing is sent to it.
     testing::AssertionResult StayAfterSettling();
 
