@@ -18,6 +18,7 @@ SetCompressor /SOLID /FINAL lzma
 !include LogicLib.nsh
 !include FileFunc.nsh
 !include Sections.nsh
+!include Win\WinNT.nsh
 !include StrFunc.nsh
 ${UnStrStr} ; declares it
 
@@ -106,9 +107,11 @@ FunctionEnd
 
 ; Asks the one that runs to close, by the program $0. $1 is then 0 if none runs any more.
 Function ${UN}CloseRunning
+    ; By its mark: a command that works without a monitor has a window of the class, too.
     StrCpy $WasRunning 0
-    FindWindow $1 "${MONITOR_CLASS}"
+    System::Call 'kernel32::OpenEventW(i ${SYNCHRONIZE}, i 0, w "Local\${MAKER}_App_${NAME}") p .r1'
     ${If} $1 P<> 0
+        System::Call 'kernel32::CloseHandle(p r1)'
         StrCpy $WasRunning 1
     ${EndIf}
     ${Do}

@@ -1,4 +1,4 @@
-set_target_properties(tests_app PROPERTIES PIECES 3 SECONDS 80)
+set_target_properties(tests_app PROPERTIES PIECES 3 SECONDS 80 ALL_PROCESSORS yes)
 # Must compile with nothing in front of it.
 set_source_files_properties(app/umbrella_test.cpp PROPERTIES
     SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)

@@ -103,6 +103,19 @@ TEST_F(CommandTogether, StartOfAMonitorWaitsForACommand) {
     EXPECT_TRUE(StillCaptures());
 }
 
+TEST_F(CommandTogether, ExitReturnsWhenOneWithoutAMonitorHasEnded) {
+    Begin(false);
+    CommandProcess command;
+    StartAtWork(command, 2000);
+    ASSERT_TRUE(WaitUntil([] { return ::FindWindowW(kMonitorClass, nullptr) != nullptr; }));
+    EXPECT_EQ(DWORD{kCodeDone}, RunCommand(L"/EXIT /QUIET").dwCode);
+    EXPECT_FALSE(command.IsRunning());
+    CommandEnd end = command.Wait(); // it may have been done in time
+    EXPECT_EQ(DWORD{store.Count() ? kCodeDone : kCodeNoShell}, end.dwCode) << end.All();
+    FlushShell();
+    EXPECT_TRUE(LeftNothing());
+}
+
 TEST_F(CommandTest, BesideAStartingMonitorIsDone) {
     Begin(false);
     for (const wchar_t* psz : {L"/REMEMBER", L"/RESTORE", L"/DELETE:1"}) {

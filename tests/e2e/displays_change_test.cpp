@@ -99,7 +99,7 @@ TEST_F(DisplaysChange, EachFurtherChangeStartsTheTimeAnew) {
     StartWithTwoKnown(4);
     for (SIZE size : {kLarge, kMiddle, kHome}) {
         display.SetSize(size);
-        EXPECT_TRUE(HoldsFor([&] { return CountCapturesAsked() == 0; }, 1400));
+        EXPECT_TRUE(HoldsFor([&] { return CountCapturesAsked() == 0; }, 1000));
     }
     EXPECT_TRUE(LieAs(home));
     display.SetSize(kLarge);

@@ -133,6 +133,7 @@ TEST_F(DisplaysSwitch, OnAgainTheOldLayoutsCount) {
     layouts.Plant(TextOf(kLarge), known, Now());
     EXPECT_EQ(kDone, RunHost(L"/DISPLAYS:ON /QUIET"));
     ASSERT_TRUE(WaitUntil([&] { return IsKnownAsItIs(TextOf(kHome)); }));
+    Record();
     display.SetSize(kLarge);
     EXPECT_TRUE(ComeAfterSettling(known));
 }

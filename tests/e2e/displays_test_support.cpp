@@ -74,20 +74,12 @@ bool DisplaysTest::LieAs(const std::vector<StoredIcon>& layout) {
     return true;
 }
 
-testing::AssertionResult DisplaysTest::ComeAfterSettling(const std::vector<StoredIcon>& layout,
-                                                         DWORD dwChanged) {
-    std::vector<StoredIcon> before = ExpectedIcons();
-    // From the beginning of a change that was just made: on a busy machine it is long ago.
-    constexpr DWORD kJustMs = 5000;
-    DWORD nPassed = ::GetTickCount() - dwChanged;
-    if (nPassed >= kJustMs) nPassed = kNotYetMs / 2; // something else has begun it, some time ago
-    if (nPassed < kNotYetMs) {
-        if (LieAs(layout)) return testing::AssertionFailure() << "they lie there already";
-        if (!HoldsFor([&] { return ExpectedIcons() == before; }, kNotYetMs - nPassed))
-            return testing::AssertionFailure() << "something moved too early";
-    }
-    if (!WaitUntil([&] { return LieAs(layout); }))
+testing::AssertionResult DisplaysTest::ComeAfterSettling(const std::vector<StoredIcon>& layout) {
+    std::optional<DWORD> passed;
+    if (!WaitUntil([&] { return LieAs(layout) && (passed = ChangeToRestore()).has_value(); }))
         return testing::AssertionFailure() << "they were not put back";
+    if (*passed < kNotYetMs)
+        return testing::AssertionFailure() << "they were put back after " << *passed << " ms";
     return testing::AssertionSuccess();
 }
 
@@ -113,6 +105,20 @@ int DisplaysTest::CountCapturesAsked() const {
     return static_cast<int>(std::count_if(records.begin(), records.end(), [](const auto& record) {
         return record.bPosted && record.uMsg == CompanyMsg() && record.wParam == kCodeCapture;
     }));
+}
+
+std::optional<DWORD> DisplaysTest::ChangeToRestore() const {
+    std::optional<DWORD> changed, passed;
+    for (const MessageRecord& record : recorder->All()) {
+        if (record.hwnd == monitor.Window() &&
+            (record.uMsg == WM_DISPLAYCHANGE || record.uMsg == WM_WTSSESSION_CHANGE)) {
+            changed = record.dwTime;
+            passed.reset();
+        } else if (changed && record.hwnd == desktop->List() && record.uMsg == WM_COPYDATA) {
+            passed = record.dwTime - *changed;
+        }
+    }
+    return passed;
 }
 
 int DisplaysTest::CountRestores() const { return recorder->Count(desktop->List(), WM_COPYDATA); }

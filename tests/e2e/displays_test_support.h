@@ -5,6 +5,8 @@
 #include "e2e/support/message_recorder.h"
 #include "e2e/support/tray_thread.h"
 
+#include <optional>
+
 constexpr WPARAM kCodeDisplaysSwitch = 376; // to the monitor: the switch may have changed
 
 constexpr SIZE kHome{1024, 768}, kLarge{1280, 1024}, kMiddle{1152, 864};
@@ -38,13 +40,9 @@ class DisplaysTest : public EngineTest {
     void ShiftIcons(int dx, int dy);
     /// Each icon of the layout lies where that has it. (Icons of one name: any of them.)
     bool LieAs(const std::vector<StoredIcon>& layout);
-    /// They do not now and do some time later, but not before the displays have settled.
-    testing::AssertionResult ComeAfterSettling(const std::vector<StoredIcon>& layout) {
-        return ComeAfterSettling(layout, display.LastChange());
-    }
-    /// The same after another change than one of the size, begun at that time.
-    testing::AssertionResult ComeAfterSettling(const std::vector<StoredIcon>& layout,
-                                               DWORD dwChanged);
+    /// They come to lie so by a restore, and not before the displays have settled. What is recorded
+    /// tells when that was: a busy machine makes no difference.
+    testing::AssertionResult ComeAfterSettling(const std::vector<StoredIcon>& layout);
     /// Nothing on the desktop moves until well after the settling, and nothing is sent to it.
     testing::AssertionResult StayAfterSettling();
 
@@ -52,6 +50,8 @@ class DisplaysTest : public EngineTest {
     void Record();
     int CountCapturesAsked() const; // of whichever window of the shell's thread
     int CountRestores() const;
+    /// From the last change that the monitor was told of to the last restore since then.
+    std::optional<DWORD> ChangeToRestore() const;
     /// The balloons about displays since the tray is there.
     int CountBalloons();
 

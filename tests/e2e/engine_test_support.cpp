@@ -150,8 +150,10 @@ uint64_t Now() {
 }
 
 std::wstring NameBeforeNow(uint64_t nSeconds) {
+    // Counted from one moment of the program's: names a second apart are of different seconds.
+    static const uint64_t nNow = Now();
     wchar_t sz[17];
-    swprintf(sz, 17, L"%016llX", static_cast<unsigned long long>(Now() - nSeconds * 10'000'000));
+    swprintf(sz, 17, L"%016llX", static_cast<unsigned long long>(nNow - nSeconds * 10'000'000));
     return sz;
 }
 

@@ -1,6 +1,8 @@
 // What tests/setup/setup_test.py asks of the platform, setup_probe.exe with
 //   hold FILE          has it open until the standard input ends
 //   block KEY          that key of the user can be neither opened nor made until then
+//   pose CLASS         has a window of that class until it gets a registered message, as /EXIT
+//   sends one
 //   window CLASS       0: there is one
 //   setup              0: installer or uninstaller run
 //   place TITLE TEXT   tells where the middle of that control of that window is, if it can be
@@ -20,11 +22,17 @@
 namespace {
 constexpr int kUsage = 2;
 
-/// Tells that it has begun, and returns when the standard input has ended.
-void WaitForInputEnd() {
+void TellThatItHasBegun() {
     DWORD cb = 0;
     char ch = '\n';
     ::WriteFile(::GetStdHandle(STD_OUTPUT_HANDLE), &ch, 1, &cb, nullptr);
+}
+
+/// Tells that it has begun, and returns when the standard input has ended.
+void WaitForInputEnd() {
+    TellThatItHasBegun();
+    DWORD cb = 0;
+    char ch = 0;
     while (::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), &ch, 1, &cb, nullptr) && cb) {
     }
 }
@@ -56,6 +64,23 @@ int Block(const wchar_t* pszKey) {
     LONG status = pfnDelete(hkey);
     ::RegCloseKey(hkey);
     return status ? 1 : 0;
+}
+
+int Pose(const wchar_t* pszClass) {
+    constexpr UINT kFirstRegisteredMsg = 0xC000;
+    WNDCLASSW wc{};
+    wc.lpfnWndProc = ::DefWindowProcW;
+    wc.hInstance = ::GetModuleHandleW(nullptr);
+    wc.lpszClassName = pszClass;
+    if (!::RegisterClassW(&wc) || !::CreateWindowExW(0, pszClass, pszClass, WS_POPUP, 0, 0, 0, 0,
+                                                     nullptr, nullptr, wc.hInstance, nullptr)) {
+        return 1;
+    }
+    TellThatItHasBegun();
+    MSG msg{};
+    while (::GetMessageW(&msg, nullptr, 0, 0) > 0 && msg.message < kFirstRegisteredMsg)
+        ::DispatchMessageW(&msg);
+    return 0;
 }
 
 struct ControlSearch {
@@ -138,6 +163,7 @@ int Ask(int nArguments, wchar_t** ppszArguments) {
     const std::wstring_view strWhat = nArguments ? ppszArguments[0] : L"";
     if (nArguments == 2 && strWhat == L"hold") return Hold(ppszArguments[1]);
     if (nArguments == 2 && strWhat == L"block") return Block(ppszArguments[1]);
+    if (nArguments == 2 && strWhat == L"pose") return Pose(ppszArguments[1]);
     if (nArguments == 2 && strWhat == L"window")
         return ::FindWindowW(ppszArguments[1], nullptr) ? 0 : 1;
     if (nArguments == 1 && strWhat == L"no-setup") return IsNoSetupThere();

@@ -135,7 +135,7 @@ class Installed(unittest.TestCase):
         user = user or self.user
         self.assertTrue(user.start_desktop())
         started = user.wine(user.folder / "TSEXE64.exe", "/QUIET")
-        self.assertTrue(user.will_run())
+        self.assertTrue(user.will_run(), f"its exit code: {started.poll()}")
         return started
 
     def plant_data(self, user=None):
@@ -176,6 +176,16 @@ class Silent(Installed):
         self.assertTrue(self.user.will_run())
         self.expect_installed(self.new)
         self.expect_auto_start(False)
+        self.uninstall("/DELETESNAPSHOTS")
+        self.expect_as_before()
+
+    def test_update_beside_a_command_starts_no_monitor(self):
+        """A command that works without a monitor has a window of its class, until it is asked to close."""
+        self.assertEqual(DONE, self.install(self.old, "/AUTOSTART:OFF"))
+        with self.user.probe("pose", "TessalyWnd"):
+            self.assertEqual(DONE, self.install(self.new))
+        self.expect_installed(self.new)
+        self.assertFalse(self.user.is_running())
         self.uninstall("/DELETESNAPSHOTS")
         self.expect_as_before()
 

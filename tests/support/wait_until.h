@@ -8,16 +8,22 @@
 /// for a timer of the product's own.
 constexpr DWORD kTestDeadlineMs = 10000;
 
+/// The pause before the next question: a twentieth of what has passed, from 1 to 40 ms. What is
+/// waited for often has to be asked another program.
+inline DWORD PauseAfter(DWORD nPassedMs) {
+    constexpr DWORD kLongestMs = 40;
+    return nPassedMs < 20 ? 1 : nPassedMs < 20 * kLongestMs ? nPassedMs / 20 : kLongestMs;
+}
+
 /// Asks fnDone until it gives true; false at the deadline. The thread's messages lie meanwhile: it
-/// must have no windows that somebody sends to. The pauses grow from 1 to 10 ms.
+/// must have no windows that somebody sends to.
 template <class Fn>
 bool WaitUntil(Fn fnDone, DWORD nDeadlineMs = kTestDeadlineMs) {
-    constexpr DWORD kLongestPauseMs = 10;
     DWORD nStart = ::GetTickCount();
-    for (DWORD nPauseMs = 1; !fnDone();
-         nPauseMs = nPauseMs * 2 < kLongestPauseMs ? nPauseMs * 2 : kLongestPauseMs) {
-        if (::GetTickCount() - nStart >= nDeadlineMs) return false;
-        ::Sleep(nPauseMs);
+    while (!fnDone()) {
+        DWORD nPassedMs = ::GetTickCount() - nStart;
+        if (nPassedMs >= nDeadlineMs) return false;
+        ::Sleep(PauseAfter(nPassedMs));
     }
     return true;
 }
@@ -26,14 +32,15 @@ bool WaitUntil(Fn fnDone, DWORD nDeadlineMs = kTestDeadlineMs) {
 /// as a loop does that has not ended.
 template <class Fn>
 bool PumpUntil(Fn fnDone, DWORD nDeadlineMs = kTestDeadlineMs) {
-    constexpr DWORD kPauseMs = 5; // at most: the next message ends it
     DWORD nStart = ::GetTickCount();
     for (;;) {
         MSG msg;
         while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) ::DispatchMessageW(&msg);
         if (fnDone()) return true;
-        if (::GetTickCount() - nStart >= nDeadlineMs) return false;
-        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kPauseMs, QS_ALLINPUT);
+        DWORD nPassedMs = ::GetTickCount() - nStart;
+        if (nPassedMs >= nDeadlineMs) return false;
+        // The next message ends it.
+        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, PauseAfter(nPassedMs), QS_ALLINPUT);
     }
 }
 

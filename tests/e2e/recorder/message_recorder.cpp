@@ -24,7 +24,7 @@ void Note(DWORD bPosted, HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (n >= MessageRecords::kMax) return;
     if (uMsg == WM_COPYDATA && !bPosted && lParam)
         lParam = static_cast<LPARAM>(reinterpret_cast<const COPYDATASTRUCT*>(lParam)->dwData);
-    recordsOfAll.records[n] = {dwThread, bPosted, hwnd, uMsg, wParam, lParam};
+    recordsOfAll.records[n] = {dwThread, bPosted, hwnd, uMsg, wParam, lParam, ::GetTickCount()};
 }
 } // namespace
 

@@ -135,7 +135,6 @@ SIZE Displays::Size() const {
 }
 
 void Displays::SetSize(SIZE size) {
-    dwLastChange = ::GetTickCount();
     if (::GetSystemMetrics(SM_CMONITORS) >
         1) { // the platform refuses to change what it did not make
         TakeOthersAway();

@@ -16,8 +16,6 @@ class Displays {
     /// it has. Takes the others away. Returns when everybody has been told. Throws
     /// std::runtime_error.
     void SetSize(SIZE size);
-    /// When the last SetSize began, by GetTickCount.
-    DWORD LastChange() const { return dwLastChange; }
     SIZE Size() const;
     /// Puts further displays beside the first one, in screen coordinates, in the place of those
     /// that there may be. They are there until the next change, or until any program starts: the
@@ -29,6 +27,5 @@ class Displays {
     void WaitForTaskbar() const;
 
   private:
-    DWORD dwLastChange = 0;
     SIZE sizeBefore;
 };

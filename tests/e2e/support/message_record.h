@@ -11,6 +11,7 @@ struct MessageRecord {
     UINT uMsg;
     WPARAM wParam;
     LPARAM lParam; // of WM_COPYDATA COPYDATASTRUCT::dwData
+    DWORD dwTime;  // GetTickCount, when it was taken or arrived
 };
 
 struct MessageRecords {

@@ -216,7 +216,6 @@ class SharedBy : public testing::TestWithParam<Row> {
 /// PumpUntil with the keys of a dialog.
 template <class Fn>
 bool PumpDialogUntil(HWND hwndDlg, Fn fnDone) {
-    constexpr DWORD kPauseMs = 5; // at most: the next message ends it
     DWORD nStart = ::GetTickCount();
     for (;;) {
         MSG msg;
@@ -226,8 +225,9 @@ bool PumpDialogUntil(HWND hwndDlg, Fn fnDone) {
             ::DispatchMessageW(&msg);
         }
         if (fnDone()) return true;
-        if (::GetTickCount() - nStart >= kTestDeadlineMs) return false;
-        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kPauseMs, QS_ALLINPUT);
+        DWORD nPassedMs = ::GetTickCount() - nStart;
+        if (nPassedMs >= kTestDeadlineMs) return false;
+        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, PauseAfter(nPassedMs), QS_ALLINPUT);
     }
 }
 
