@@ -120,7 +120,7 @@ TEST_F(DisplaysHindered, DisplaysThatChangeBetweenTheComparisonAndItsAnswerAreTh
 TEST_F(DisplaysHindered, CaptureThatWasAskedForUnderOtherDisplaysIsASnapshotAndNoLayout) {
     StartSwitchedOn(4);
     home = ExpectedIcons();
-    store.Clear(); // the next capture is stored
+    store.Clear();       // the next capture is stored
     desktop->Hang(4500); // longer than the displays take to settle
     ASSERT_TRUE(::PostMessageW(monitor.Window(), WM_WTSSESSION_CHANGE, WTS_SESSION_UNLOCK, 0));
     ASSERT_EQ(0, ::SendMessageW(monitor.Window(), WM_NULL, 0, 0)); // it has asked

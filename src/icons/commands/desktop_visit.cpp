@@ -54,7 +54,9 @@ CommandResult DispatchUntil(Fn fnDone, DWORD nTimeoutMs) {
     for (;;) {
         MSG msg;
         while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            if (msg.message == WM_QUIT) return CommandResult::NoAnswer;
+            // What was done before is done.
+            if (msg.message == WM_QUIT)
+                return fnDone() ? CommandResult::Done : CommandResult::NoAnswer;
             ::DispatchMessageW(&msg);
         }
         if (fnDone()) return CommandResult::Done;
