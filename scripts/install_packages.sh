@@ -7,7 +7,7 @@ packages=(
     cmake ninja-build ccache python3
     g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
     googletest
-    clang clang-format clang-tidy
+    clang clang-format clang-tidy lld
     nsis
     wine wine64 fonts-wine fonts-dejavu-core
     doxygen chromium-headless-shell

@@ -1,8 +1,9 @@
 // An idle monitor, from outside: after its first snapshot and before anything happens on the
-// desktop it has no timer and is not woken. Counts for 30 seconds the messages of its thread and
-// how often any thread of its process began to wait anew. `bench_idle`, from the build folder of
-// the programs.
+// desktop it has no timer and is not woken, whether it looks after the displays or not. Counts for
+// 30 seconds the messages of its thread and how often any thread of its process began to wait anew.
+// `bench_idle`, from the build folder of the programs.
 
+#include "e2e/support/layout_reader.h"
 #include "e2e/support/monitor_process.h"
 #include "e2e/support/snapshot_reader.h"
 #include "e2e/support/test_desktop.h"
@@ -83,9 +84,27 @@ bool Measure(MonitorProcess& monitor) {
     FuncOf<RemoveCountersFunc>(hmod, "RemoveCounters")();
 
     LONG nMessages = after.nPosted - before.nPosted + after.nSent - before.nSent;
-    bool bOk = ReportCount("messages of an idle monitor in 30 s", nMessages, kMostMessages);
+    bool bOk = ReportCount("messages of its thread in 30 s", nMessages, kMostMessages);
     if (!bOk) std::printf("the last one: %#lx\n", after.nLast);
     return ReportCount("wake-ups of its threads in 30 s", nWakeUps, kMostWakeUps) && bOk;
+}
+bool MeasureIdle(TestDesktop& desktop, bool bDisplays) {
+    std::printf("idle monitor, /DISPLAYS:%s\n", bDisplays ? "ON" : "OFF");
+    SnapshotReader reader;
+    LayoutReader layouts;
+    reader.Clear();
+    layouts.Clear();
+    if (bDisplays) layouts.PlantSwitch(1);
+    MonitorProcess monitor;
+    // As its users start it: the opening balloon has no timer either.
+    monitor.StartOn(desktop, L"");
+    if (!WaitUntil([&] { return reader.Count() > 0; })) throw std::runtime_error("no snapshot");
+    if (bDisplays && !WaitUntil([&] { return layouts.Count() > 0; }))
+        throw std::runtime_error("no layout of the displays");
+    bool bOk = Measure(monitor);
+    monitor.Exit();
+    layouts.Clear();
+    return bOk;
 }
 } // namespace
 
@@ -93,14 +112,8 @@ int main() {
     try {
         TestDesktop desktop(DesktopMode::Plain);
         desktop.Fill(kDesktopIcons);
-        SnapshotReader reader;
-        reader.Clear();
-        MonitorProcess monitor;
-        // As its users start it: the opening balloon has no timer either.
-        monitor.StartOn(desktop, L"");
-        if (!WaitUntil([&] { return reader.Count() > 0; })) throw std::runtime_error("no snapshot");
-        bool bOk = Measure(monitor);
-        monitor.Exit();
+        bool bOk = MeasureIdle(desktop, false);
+        bOk &= MeasureIdle(desktop, true);
         return bOk ? 0 : 1;
     } catch (const std::exception& failure) {
         std::printf("bench_idle: %s\n", failure.what());

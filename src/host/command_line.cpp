@@ -1,4 +1,5 @@
 #include "host/command_line.h"
+#include "runtime/text/str_chars.h"
 
 #include <windows.h>
 
@@ -45,15 +46,13 @@ const Switch* FindSwitch(const wchar_t* pszArgument) {
 // Commands with the snapshots. Each reads its data, which are null without a dividing sign; false
 // if they are none of its.
 
-bool IsDigit(wchar_t ch) { return ch >= L'0' && ch <= L'9'; }
-
 /// Reads digits, at most so many, and moves on behind them. A number that is too large becomes the
 /// largest. False without a digit.
 bool ReadDigits(const wchar_t*& psz, int nMost, unsigned& nRead) {
     constexpr unsigned kLargest = 0xFFFFFFFF;
     unsigned long long n = 0;
     const wchar_t* pStart = psz;
-    for (; IsDigit(*psz) && psz - pStart < nMost; ++psz) {
+    for (; IsAsciiDigit(*psz) && psz - pStart < nMost; ++psz) {
         n = n * 10 + static_cast<unsigned>(*psz - L'0');
         if (n > kLargest) n = kLargest;
     }

@@ -4,18 +4,7 @@
 #include "e2e/displays_test_support.h"
 
 namespace {
-class DisplaysChange : public DisplaysTest {
-  protected:
-    /// On a desktop of that many icons two set-ups are known, in which the icons lie otherwise.
-    void StartWithTwoKnown(int nIcons) {
-        StartSwitchedOn(nIcons);
-        home = ExpectedIcons();
-        large = Shifted(310, 190);
-        layouts.Plant(TextOf(kLarge), large, 1);
-        Record();
-    }
-    std::vector<StoredIcon> home, large;
-};
+class DisplaysChange : public DisplaysTest {};
 
 TEST_F(DisplaysChange, KnownLayoutIsPutBackOnceWithABalloon) {
     tray = std::make_unique<TrayThread>();

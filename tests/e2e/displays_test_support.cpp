@@ -42,6 +42,14 @@ void DisplaysTest::StartSwitchedOn(int nIcons) {
     ASSERT_TRUE(WaitUntil([&] { return IsKnownAsItIs(TextOf(display.Size())); }));
 }
 
+void DisplaysTest::StartWithTwoKnown(int nIcons) {
+    StartSwitchedOn(nIcons);
+    home = ExpectedIcons();
+    large = Shifted(310, 190);
+    layouts.Plant(TextOf(kLarge), large, 1);
+    Record();
+}
+
 bool DisplaysTest::IsKnownAsItIs(const std::wstring& strDisplays) {
     std::vector<StoredIcon> icons = layouts.IconsOf(strDisplays);
     return !icons.empty() && icons == ExpectedIcons();

@@ -31,6 +31,9 @@ class DisplaysTest : public EngineTest {
     /// A desktop and a monitor that puts icons back when displays change; returns when the present
     /// set-up is known.
     void StartSwitchedOn(int nIcons);
+    /// The same with a second set-up that is known, the large display, in which the icons lie
+    /// otherwise: home and large are the two layouts. What happens then is recorded.
+    void StartWithTwoKnown(int nIcons);
     /// The layout of the set-up is stored and that of the desktop as it is now.
     bool IsKnownAsItIs(const std::wstring& strDisplays);
 
@@ -57,6 +60,7 @@ class DisplaysTest : public EngineTest {
 
     Displays display;
     LayoutReader layouts;
+    std::vector<StoredIcon> home, large;
     std::unique_ptr<MessageRecorder> recorder;
     std::unique_ptr<TrayThread> tray; // a test that looks at balloons makes it first
 };

@@ -3,6 +3,7 @@
 #include "resources/version.h"
 #include "runtime/system/system_facts.h"
 #include "runtime/text/encoding.h"
+#include "runtime/text/str_chars.h"
 #include "runtime/text/str_find.h"
 #include "runtime/text/text_format.h"
 
@@ -96,8 +97,8 @@ class BodyWriter {
         cchLeft -= cch;
     }
     static bool IsPlain(wchar_t ch) {
-        return (ch >= L'a' && ch <= L'z') || (ch >= L'A' && ch <= L'Z') ||
-               (ch >= L'0' && ch <= L'9') || (ch && std::wcschr(L"-._~", ch));
+        return (ch >= L'a' && ch <= L'z') || (ch >= L'A' && ch <= L'Z') || IsAsciiDigit(ch) ||
+               (ch && std::wcschr(L"-._~", ch));
     }
     /// One character, whole or not at all. Gives the place behind it.
     const wchar_t* AddEncoded(const wchar_t* pszAt) {

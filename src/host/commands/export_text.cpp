@@ -17,10 +17,6 @@ bool CopyFolder(wchar_t (&szFolder)[MAX_PATH], const wchar_t* pszPath) {
     return true;
 }
 
-void FormatHexNumber(wchar_t (&szText)[kHexNumberSize], unsigned __int64 qw) {
-    FormatText(szText, L"%08X%08X", static_cast<unsigned>(qw >> 32), static_cast<unsigned>(qw));
-}
-
 /// Writes a new file through to the disk.
 bool WriteNew(const wchar_t* pszPath, const HeapArray<char>& bytes) {
     HANDLE hOpened = ::CreateFileW(pszPath, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
@@ -50,8 +46,8 @@ void AddExportHead(CommandText& text) {
 
 void AddExportSection(CommandText& text, unsigned __int64 qwTime,
                       std::span<const IconRecord> records) {
-    wchar_t szName[kHexNumberSize], szTime[32] = L"";
-    FormatHexNumber(szName, qwTime);
+    wchar_t szName[kSnapshotNameLength + 1], szTime[32] = L"";
+    FormatSnapshotName(szName, qwTime);
     static_cast<void>(FormatExportTime(szTime, qwTime));
     text.Add(L"\r\n[%s]\r\nTime=%s\r\nIcons=%u\r\nDigest=", szName, szTime,
              static_cast<unsigned>(records.size()));
@@ -60,10 +56,9 @@ void AddExportSection(CommandText& text, unsigned __int64 qwTime,
     for (unsigned char b : digest) text.Add(L"%02x", b);
     text.Add(L"\r\n");
     for (const IconRecord& record : records) {
-        wchar_t szKey[kHexNumberSize];
-        FormatHexNumber(szKey, record.qwNameKey);
-        text.Add(L"Icon=%u %ld %ld %u %s\r\n", record.nIndex, record.pt.x, record.pt.y,
-                 record.cchName, szKey);
+        text.Add(L"Icon=%u %ld %ld %u %08X%08X\r\n", record.nIndex, record.pt.x, record.pt.y,
+                 record.cchName, static_cast<unsigned>(record.qwNameKey >> 32),
+                 static_cast<unsigned>(record.qwNameKey));
     }
 }
 

@@ -10,9 +10,6 @@
 /// The file's number of the form; another one is another version's.
 constexpr unsigned kExportFormat = 1;
 
-/// Room for a number as 16 hexadecimal digits.
-constexpr std::size_t kHexNumberSize = 17;
-
 /// The lines before the first snapshot.
 void AddExportHead(CommandText& text);
 /// A snapshot's section, with a blank line before it.

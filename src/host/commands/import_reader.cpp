@@ -32,8 +32,6 @@ View Trim(View str) {
     return str;
 }
 
-bool IsDigit(wchar_t ch) { return ch >= L'0' && ch <= L'9'; }
-
 wchar_t ToUpperAscii(wchar_t ch) {
     return ch >= L'a' && ch <= L'z' ? static_cast<wchar_t>(ch - L'a' + L'A') : ch;
 }
@@ -56,7 +54,7 @@ bool ReadNumber(View str, unsigned __int64 nMax, unsigned __int64& nRead) {
     if (str.empty()) return false;
     unsigned __int64 n = 0;
     for (wchar_t ch : str) {
-        if (!IsDigit(ch)) return false;
+        if (!IsAsciiDigit(ch)) return false;
         n = n * 10 + static_cast<unsigned>(ch - L'0');
         if (n > nMax) return false;
     }
@@ -83,7 +81,7 @@ bool ReadSigned(View str, LONG& lRead) {
 
 /// The value of a hexadecimal digit; -1 for any other character.
 int ReadHexDigit(wchar_t ch) {
-    if (IsDigit(ch)) return ch - L'0';
+    if (IsAsciiDigit(ch)) return ch - L'0';
     wchar_t chUpper = ToUpperAscii(ch);
     return chUpper >= L'A' && chUpper <= L'F' ? chUpper - L'A' + 10 : -1;
 }
@@ -171,7 +169,7 @@ ImportReader::Head ImportReader::ReadHead() {
         return Head::NotOurs;
     nPos = nNext;
     if (!ReadEntry(key, value) || !IsSameNoCase(key, L"Format") || value.empty() ||
-        !std::ranges::all_of(value, IsDigit)) {
+        !std::ranges::all_of(value, IsAsciiDigit)) {
         return Head::NotOurs;
     }
     unsigned nFormat = 0; // a number that is too long is another one, too

@@ -25,7 +25,8 @@ CommandResult TestSnapshot(unsigned __int64 qwTime);
 /// Puts the snapshot back on that list view and marks it as the one restored last: Done. Before
 /// anything is touched NoSnapshot, Damaged, NoMemory, AutoArranged, NotWritten (the key cannot be
 /// opened for writing) and NoDesktop; after it NotWritten if the mark is refused, and NoDesktop if
-/// the shell took too long.
+/// the shell took too long. Within a message that another process has sent, COM calls nobody, and
+/// only the list view's style tells AutoArranged: the process that asks has to look itself, too.
 CommandResult RestoreForCommand(HWND hwndListView, unsigned __int64 qwTime);
 /// Deletes a snapshot, damaged or not, and the mark if it is its: Done, NoSnapshot, NotWritten.
 CommandResult DeleteForCommand(unsigned __int64 qwTime);

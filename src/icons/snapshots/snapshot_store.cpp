@@ -63,11 +63,6 @@ bool InsertSnapshotTime(CSList& list, unsigned __int64 qwTime) {
     return true;
 }
 
-void FormatSnapshotName(wchar_t (&szName)[kSnapshotNameLength + 1], unsigned __int64 qwTime) {
-    FormatText(szName, L"%08X%08X", static_cast<unsigned>(qwTime >> 32),
-               static_cast<unsigned>(qwTime));
-}
-
 unsigned __int64 ParseSnapshotName(const wchar_t* pszName) {
     unsigned __int64 qwTime = 0;
     // Counted first: the text may hold any number of pairs, the result eight bytes.

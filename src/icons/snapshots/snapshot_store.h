@@ -1,5 +1,6 @@
 #pragma once
 #include "icons/agent/icon_record.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "runtime/base/cs_list.h"
 #include "runtime/base/export.h"
 #include "store/registry/reg_key.h"
@@ -16,9 +17,6 @@
 //
 // Nothing is kept between calls, each opens the key anew. All run on the monitor's thread. A key
 // that cannot be opened makes a capture count as changed and everything else do nothing, silently.
-
-/// Characters of a snapshot's name, without the terminator.
-constexpr std::size_t kSnapshotNameLength = 16;
 
 /// So many snapshots are kept, the newest.
 constexpr int kMaxSnapshots = 25;
@@ -47,8 +45,6 @@ TESSALY_API unsigned __int64 GetSnapshotTime(const CSList& list, POS pos);
 // Test: SnapshotNames.SmallestTimeLandsBeforeTheLast
 bool InsertSnapshotTime(CSList& list, unsigned __int64 qwTime);
 
-/// The value's name: upper-case digits, always 16.
-void FormatSnapshotName(wchar_t (&szName)[kSnapshotNameLength + 1], unsigned __int64 qwTime);
 /// The number that a text of eight pairs of hexadecimal digits stands for; 0 for any other length
 /// and for a null text. A single last character counts as a pair, and what is no digit as the
 /// digit 0.

@@ -10,6 +10,11 @@ FILETIME ToFileTime(unsigned __int64 qwTime) {
 bool IsInRange(unsigned __int64 qwTime) { return !(qwTime >> 63); }
 } // namespace
 
+void FormatSnapshotName(wchar_t (&szName)[kSnapshotNameLength + 1], unsigned __int64 qwTime) {
+    FormatText(szName, L"%08X%08X", static_cast<unsigned>(qwTime >> 32),
+               static_cast<unsigned>(qwTime));
+}
+
 bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st) {
     if (!IsInRange(qwTime)) return false;
     FILETIME ft = ToFileTime(qwTime), ftLocal{};

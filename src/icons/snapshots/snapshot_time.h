@@ -1,7 +1,13 @@
 #pragma once
 #include <windows.h>
+#include <cstddef>
 
-// The time stamps of snapshots as dates.
+// The time stamps of snapshots as names and as dates.
+
+/// Characters of a snapshot's name, without the terminator.
+constexpr std::size_t kSnapshotNameLength = 16;
+/// The name of the snapshot's value in the registry: upper-case hexadecimal digits, always 16.
+void FormatSnapshotName(wchar_t (&szName)[kSnapshotNameLength + 1], unsigned __int64 qwTime);
 
 /// The local date and time of a snapshot's time stamp (UTC file time). False if it stands for none.
 [[nodiscard]] bool ToLocalTime(unsigned __int64 qwTime, SYSTEMTIME& st);

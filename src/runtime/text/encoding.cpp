@@ -1,5 +1,6 @@
 #include "runtime/text/encoding.h"
 #include "runtime/base/heap_array.h"
+#include "runtime/text/str_chars.h"
 
 #include <windows.h>
 #include <algorithm>
@@ -51,7 +52,7 @@ int BinToHex(char* pszText, unsigned cch, const void* pData, unsigned n) {
 }
 
 unsigned char HexToCode(wchar_t ch) {
-    if (ch >= L'0' && ch <= L'9') return static_cast<unsigned char>(ch - L'0');
+    if (IsAsciiDigit(ch)) return static_cast<unsigned char>(ch - L'0');
     if (ch >= L'A' && ch <= L'F') return static_cast<unsigned char>(ch - L'A' + 10);
     if (ch >= L'a' && ch <= L'f') return static_cast<unsigned char>(ch - L'a' + 10);
     return 0;
@@ -114,7 +115,7 @@ constexpr int kNoPiece = -1;
 int PieceOf(wchar_t ch) {
     if (ch >= L'A' && ch <= L'Z') return ch - L'A';
     if (ch >= L'a' && ch <= L'z') return ch - L'a' + 26;
-    if (ch >= L'0' && ch <= L'9') return ch - L'0' + 52;
+    if (IsAsciiDigit(ch)) return ch - L'0' + 52;
     if (ch == L'-') return 62;
     return ch == L'_' ? 63 : kNoPiece;
 }

@@ -94,6 +94,9 @@ TESSALY_API void StrTrimW(wchar_t* pszText);
 /// StrTrimW under a name of its own. Null does nothing.
 TESSALY_API void TrimStr(wchar_t* pszText);
 
+/// Whether it is one of 0 to 9, in whatever language the system speaks.
+inline bool IsAsciiDigit(wchar_t ch) { return ch >= L'0' && ch <= L'9'; }
+
 // Blanks and tabs, as they stand around the words of a command line.
 
 /// Whether it is one of the two.
