@@ -30,6 +30,7 @@ desktop_env_variables() {
     export HOME="$1/home" WINEPREFIX="$1/prefix"
     export WINEDEBUG="${TESSALY_WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="
     export LC_ALL=C.UTF-8 # without it, no file name beyond ASCII can be created
+    export XCOMPOSEFILE=/dev/null # no sequences of keys: each program with windows would read thousands
     unset XDG_RUNTIME_DIR WAYLAND_DISPLAY
     mkdir -p "$HOME"
 }
@@ -53,6 +54,16 @@ desktop_env_make_prefix() (
     cp -n /usr/share/wine/fonts/*.ttf /usr/share/wine/fonts/*.fon "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
 )
 
+# desktop_env_copy FROM TO: a prefix. The platform's own files, which nothing writes to, are the same ones
+# in both where the disk can do that: they are most of it, and programs of several environments then share
+# them in memory, too.
+desktop_env_copy() {
+    local own=drive_c/windows/system32
+    mkdir -p "$2"
+    tar -C "$1" --exclude="./$own" -cf - . | tar -C "$2" -xf - &&
+        { cp -al "$1/$own" "$2/$own" 2>/dev/null || { rm -rf "${2:?}/$own"; cp -a --reflink=auto "$1/$own" "$2/$own"; }; }
+}
+
 desktop_env_template() {
     local version; version=$(wine --version 2>/dev/null)
     if [ "$(cat "$1/made-by" 2>/dev/null)" != "$version" ]; then
@@ -70,7 +81,7 @@ desktop_env_windows_template() {
     made_by=$(cat "$1/made-by" <(echo "$registry"))
     [ "$(cat "$2/made-by" 2>/dev/null)" = "$made_by" ] && return 0
     rm -rf "$2"; mkdir -p "$2"
-    cp -a --reflink=auto "$1/prefix" "$2/prefix"
+    desktop_env_copy "$1/prefix" "$2/prefix"
     echo "$registry" >"$2/windows.reg"
     (desktop_env_variables "$2"; unset DISPLAY; wine regedit /S "$2/windows.reg" && wineserver -w) || return 1
     echo "$made_by" >"$2/made-by"
@@ -102,7 +113,7 @@ desktop_env_mount_disks() {
 desktop_env_start() {
     DESKTOP_ENV=$(mktemp -d --suffix=.tessaly)
     if [ -n "${1:-}" ]; then
-        cp -a --reflink=auto "$1/prefix" "$DESKTOP_ENV/prefix"
+        desktop_env_copy "$1/prefix" "$DESKTOP_ENV/prefix"
     else
         desktop_env_make_prefix "$DESKTOP_ENV"
     fi

@@ -1,6 +1,7 @@
 #pragma once
 #include "icons/agent/icon_record.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "runtime/base/digest.h"
 #include "support/registry.h"
 

@@ -3,6 +3,7 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/snapshots/auto_arrange.h"
 #include "icons/snapshots/layout.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "runtime/base/heap_array.h"
 #include "runtime/base/ownership.h"
 #include "runtime/text/encoding.h"

@@ -1,6 +1,5 @@
 #pragma once
 #include "icons/agent/icon_record.h"
-#include "icons/snapshots/snapshot_time.h"
 #include "runtime/base/cs_list.h"
 #include "runtime/base/export.h"
 #include "store/registry/reg_key.h"

@@ -1,5 +1,6 @@
 #include "icons/snapshots/value_order.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "runtime/base/heap_array.h"
 
 #include <algorithm>

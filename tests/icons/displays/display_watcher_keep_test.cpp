@@ -1,6 +1,7 @@
 // Which layouts the watcher keeps and for which displays, and from round to round.
 #include "icons/displays/display_watcher_test_support.h"
 #include "icons/monitor/command_message.h"
+#include "icons/snapshots/snapshot_time.h"
 
 #include <wtsapi32.h>
 #include <cwchar>

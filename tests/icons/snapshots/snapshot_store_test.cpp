@@ -3,6 +3,7 @@
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshot_test_support.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "support/guard_page.h"
 #include "support/message_box_driver.h"
 
