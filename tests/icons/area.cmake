@@ -1,1 +1,1 @@
-set_target_properties(tests_icons PROPERTIES SECONDS 30)
+set_target_properties(tests_icons PROPERTIES SECONDS 50)
