@@ -54,7 +54,7 @@ LRESULT CALLBACK HostProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
 }
 
 /// A window over the screen's work area that stays directly above hwndBelow.
-HWND CreateHost(const wchar_t* pszClass, HWND hwndBelow) {
+HWND CreateHost(const wchar_t* pszClass, HWND hwndBelow, DWORD dwMoreStyle = 0) {
     WNDCLASSW wc{};
     wc.lpfnWndProc = HostProc;
     wc.hInstance = ::GetModuleHandleW(nullptr);
@@ -66,8 +66,9 @@ HWND CreateHost(const wchar_t* pszClass, HWND hwndBelow) {
     RECT rc{};
     ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &rc, 0);
     HWND hwnd = ::CreateWindowExW(WS_EX_TOOLWINDOW, pszClass, L"Program Manager",
-                                  WS_POPUP | WS_CLIPCHILDREN, rc.left, rc.top, rc.right - rc.left,
-                                  rc.bottom - rc.top, nullptr, nullptr, wc.hInstance, nullptr);
+                                  WS_POPUP | WS_CLIPCHILDREN | dwMoreStyle, rc.left, rc.top,
+                                  rc.right - rc.left, rc.bottom - rc.top, nullptr, nullptr,
+                                  wc.hInstance, nullptr);
     if (!hwnd) throw std::runtime_error("the desktop's window could not be made");
     ::SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(hwndBelow));
     PlaceAbove(hwnd, hwndBelow);
@@ -95,8 +96,11 @@ void CreateWallpaperWindow(HWND hwndProgman) {
 void CreateDesktop(Desktop& desktop) {
     // The test platform has an empty Progman of its own; who looks for a Progman finds the upper.
     HWND hwndPlatforms = ::FindWindowW(L"Progman", nullptr);
-    desktop.hwndProgman = desktop.hwndHost = CreateHost(L"Progman", hwndPlatforms);
-    if (desktop.strMode == L"workerw") {
+    bool bEmpty = desktop.strMode == L"workerw";
+    // Disabled it is never activated, and so never raised above the WorkerW, not even for a moment.
+    desktop.hwndProgman = desktop.hwndHost =
+        CreateHost(L"Progman", hwndPlatforms, bEmpty ? WS_DISABLED : 0);
+    if (bEmpty) {
         desktop.hwndHost = CreateHost(L"WorkerW", desktop.hwndProgman);
     }
     bool bReal = desktop.strMode == L"real";

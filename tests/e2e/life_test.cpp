@@ -71,7 +71,8 @@ TEST_F(Life, TakesUpTheShellAfterACrashAndAfterAnOrderlyEnd) {
         EXPECT_TRUE(monitor.IsRunning());
         desktop->Start();
         desktop->Fill(3);
-        ASSERT_TRUE(monitor.WaitUntilOn(*desktop));
+        ASSERT_TRUE(monitor.WaitUntilOn(*desktop))
+            << (FindMessageBox(monitor.ProcessId()) ? "a box tells why" : "no box tells why");
         EXPECT_TRUE(StillCaptures());
     }
 }
