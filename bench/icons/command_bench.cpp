@@ -62,16 +62,16 @@ bool Measure(TestDesktop& desktop) {
     SecondsOfCommand(L"/REMEMBER /QUIET");
     auto restore = [&] { return SecondsOfRestore(desktop, ptLast); };
     bool bOk = Report("/RESTORE without a monitor / an empty program",
-                      CompareTimed(kStarts, restore, &SecondsOfNothing), 6.0, true);
+                      CompareTimed(kStarts, restore, &SecondsOfNothing), 5.0, true);
     PlantSnapshots(kSnapshots);
     bOk &= Report("/LIST of 25 / an empty program",
                   CompareTimed(
                       kStarts, [] { return SecondsOfCommand(L"/LIST /QUIET"); }, &SecondsOfNothing),
-                  6.0, true);
+                  4.0, true);
     MonitorProcess monitor;
     monitor.StartOn(desktop);
     bOk &= Report("/RESTORE with a monitor / an empty program",
-                  CompareTimed(kStarts, restore, &SecondsOfNothing), 6.0, true);
+                  CompareTimed(kStarts, restore, &SecondsOfNothing), 5.0, true);
     monitor.Exit();
     SnapshotReader().Clear();
     return bOk;
