@@ -4,6 +4,7 @@
 //   pose CLASS         has a window of that class until it gets a registered message, as /EXIT
 //   sends one
 //   window CLASS       0: there is one
+//   desktop            0: there is one with icons (the platform's own has none)
 //   setup              0: installer or uninstaller run
 //   place TITLE TEXT   tells where the middle of that control of that window is, if it can be
 //   clicked
@@ -159,6 +160,14 @@ int IsNoSetupThere() {
     return h ? 1 : 0;
 }
 
+int IsDesktopThere() {
+    for (HWND hwnd = nullptr; (hwnd = ::FindWindowExW(nullptr, hwnd, L"Progman", nullptr));) {
+        HWND hwndView = ::FindWindowExW(hwnd, nullptr, L"SHELLDLL_DefView", nullptr);
+        if (hwndView && ::FindWindowExW(hwndView, nullptr, WC_LISTVIEWW, nullptr)) return 0;
+    }
+    return 1;
+}
+
 int Ask(int nArguments, wchar_t** ppszArguments) {
     const std::wstring_view strWhat = nArguments ? ppszArguments[0] : L"";
     if (nArguments == 2 && strWhat == L"hold") return Hold(ppszArguments[1]);
@@ -166,6 +175,7 @@ int Ask(int nArguments, wchar_t** ppszArguments) {
     if (nArguments == 2 && strWhat == L"pose") return Pose(ppszArguments[1]);
     if (nArguments == 2 && strWhat == L"window")
         return ::FindWindowW(ppszArguments[1], nullptr) ? 0 : 1;
+    if (nArguments == 1 && strWhat == L"desktop") return IsDesktopThere();
     if (nArguments == 1 && strWhat == L"no-setup") return IsNoSetupThere();
     if (nArguments == 3 && strWhat == L"place") return Place(ppszArguments[1], ppszArguments[2]);
     if (nArguments == 3 && strWhat == L"focus") return IsFocus(ppszArguments[1], ppszArguments[2]);

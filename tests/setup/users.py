@@ -135,7 +135,7 @@ class User:
     def start_desktop(self):
         """Over the files of the user's own desktop."""
         self.desktop = self.wine(DESKTOP, "real")
-        return self.run(PROBE, "until", "window", "Progman") == 0
+        return self.run(PROBE, "until", "desktop") == 0
 
     def end_desktop(self):
         """On this platform the product's library stays mapped there until then."""
