@@ -38,8 +38,8 @@ OTHER_KEYS = (
 )
 
 
-def wait_until(condition):
-    end = time.monotonic() + LIMIT
+def wait_until(condition, limit=LIMIT):
+    end = time.monotonic() + limit
     while not condition():
         if time.monotonic() > end:
             return False
