@@ -31,8 +31,15 @@ desktop_env_variables() {
     export WINEDEBUG="${TESSALY_WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="
     export LC_ALL=C.UTF-8 # without it, no file name beyond ASCII can be created
     export XCOMPOSEFILE=/dev/null # no sequences of keys: each program with windows would read thousands
+    export FONTCONFIG_SYSROOT="$1/no-fonts" # the prefix's own fonts are all: each program would read the others
+    export TZ=UTC
     unset XDG_RUNTIME_DIR WAYLAND_DISPLAY
-    mkdir -p "$HOME"
+    mkdir -p "$HOME" "$FONTCONFIG_SYSROOT/etc/fonts"
+    cat >"$FONTCONFIG_SYSROOT/etc/fonts/fonts.conf" <<TEXT
+<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig><dir>/fonts</dir><cachedir>/cache</cachedir></fontconfig>
+TEXT
 }
 
 # Makes a Wine prefix in $1/prefix. Takes 5 to 15 seconds, no display.
@@ -46,13 +53,30 @@ desktop_env_make_prefix() (
     wine reg add "$explorer\\Desktops" /v shell /d 1024x768 /f >/dev/null
     # A crash ends the program with a backtrace; the dialog would hang the run.
     wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null
+    desktop_env_keep_one_time_zone
     wineserver -w
     # The profile's folders are links into HOME; as links, files there would become desktop icons.
     for link in "$WINEPREFIX"/drive_c/users/*/{Desktop,Documents,Downloads,Music,Pictures,Videos}; do
         if [ -L "$link" ]; then rm "$link"; mkdir "$link"; fi
     done
-    cp -n /usr/share/wine/fonts/*.ttf /usr/share/wine/fonts/*.fon "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
+    # Of the platform's fonts the Western ones: each program that shows a window reads all that are there.
+    fonts=()
+    for font in /usr/share/wine/fonts/{*.ttf,{coure,smalle,sserife,sseriff,vgafix,vgasys}.fon}; do
+        case $font in *_jp.ttf) ;; *) fonts+=("$font") ;; esac
+    done
+    cp -n "${fonts[@]}" "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
 )
+
+# Each program looks for the machine's time zone among all that the registry tells of: some hundred keys
+# before the one that TZ means.
+desktop_env_keep_one_time_zone() {
+    local zones='HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\Time Zones'
+    { printf 'REGEDIT4\n'
+      wine reg query "$zones" | tr -d '\r' | grep -F "$zones\\" |
+          grep -vE '\\(UTC|Greenwich Standard Time)$' | sed 's/.*/\n[-&]/'; } >"$WINEPREFIX/zones.reg"
+    wine regedit /S "$WINEPREFIX/zones.reg"
+    rm "$WINEPREFIX/zones.reg"
+}
 
 # desktop_env_copy FROM TO: a prefix. The platform's own files, which nothing writes to, are the same ones
 # in both where the disk can do that: they are most of it, and programs of several environments then share
@@ -65,7 +89,8 @@ desktop_env_copy() {
 }
 
 desktop_env_template() {
-    local version; version=$(wine --version 2>/dev/null)
+    local version # of the platform, and of what is made of it
+    version=$(wine --version 2>/dev/null; declare -f desktop_env_make_prefix desktop_env_keep_one_time_zone | cksum)
     if [ "$(cat "$1/made-by" 2>/dev/null)" != "$version" ]; then
         rm -rf "$1"; mkdir -p "$1"
         desktop_env_make_prefix "$1" || return 1
