@@ -2,19 +2,18 @@
 
 #include <windows.h>
 #include <commctrl.h>
-#include <shellapi.h>
 #include <stdexcept>
 
 namespace {
 constexpr const wchar_t* kViewClass = L"SHELLDLL_DefView";
 constexpr UINT_PTR kListId = 1;
 
-/// The large icons of the system, so that a screenshot shows a desktop.
-HIMAGELIST SystemIcons() {
-    SHFILEINFOW info{};
-    return reinterpret_cast<HIMAGELIST>(
-        ::SHGetFileInfoW(L"x.txt", FILE_ATTRIBUTE_NORMAL, &info, sizeof(info),
-                         SHGFI_USEFILEATTRIBUTES | SHGFI_SYSICONINDEX | SHGFI_LARGEICON));
+/// One icon for all items. Those of the system take long to gather.
+HIMAGELIST OneIcon() {
+    HIMAGELIST himl = ImageList_Create(::GetSystemMetrics(SM_CXICON), ::GetSystemMetrics(SM_CYICON),
+                                       ILC_COLOR32 | ILC_MASK, 1, 1);
+    ImageList_AddIcon(himl, ::LoadIconW(nullptr, IDI_APPLICATION));
+    return himl;
 }
 
 LRESULT CALLBACK ViewProc(HWND hwnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
@@ -42,10 +41,10 @@ class PlainView final : public DesktopView {
         hwndList = ::CreateWindowExW(
             0, WC_LISTVIEWW, L"FolderView",
             WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | LVS_ICON | LVS_SHOWSELALWAYS |
-                LVS_SHAREIMAGELISTS | LVS_EDITLABELS | LVS_ALIGNLEFT | LVS_NOSCROLL,
+                LVS_EDITLABELS | LVS_ALIGNLEFT | LVS_NOSCROLL,
             0, 0, rc.right, rc.bottom, hwndView, reinterpret_cast<HMENU>(kListId), hinst, nullptr);
         if (!hwndView || !hwndList) throw std::runtime_error("the plain view could not be made");
-        ListView_SetImageList(hwndList, SystemIcons(), LVSIL_NORMAL);
+        ListView_SetImageList(hwndList, OneIcon(), LVSIL_NORMAL);
         ListView_SetIconSpacing(hwndList, 75, 75);
         ListView_SetBkColor(hwndList, kDesktopColor);
         ListView_SetTextBkColor(hwndList, CLR_NONE);
