@@ -184,12 +184,7 @@ TEST_F(DisplayWatch, LeavesOutWhatWouldLieOutsideOfAllDisplays) {
     const POINT places[8] = {{-100, -50}, {-101, -50},   {1819, 1029},  {1820, 0},
                              {0, 1030},   {LONG_MAX, 0}, {0, LONG_MIN}, {300, 300}};
     for (int n = 0; n < 8; ++n) known[static_cast<std::size_t>(n)].pt = places[n];
-    StartKnown(known);
-    ChangeAndSettle();
-    Layout present = known;
-    for (IconRecord& record : present) record.pt = {40, 40};
-    AnswerView(present);
-    Tick(10);
+    ComeToKnownWithAllElsewhere(known);
     ExpectRestored({known[0], known[2], known[7]});
     ::DestroyWindow(view.hwndListView);
 }
@@ -203,12 +198,7 @@ TEST_F(DisplayWatch, CountsFromTheRightEdgeWhereTheListViewDoes) {
     Layout known = MakeLayout(4);
     const POINT places[4] = {{0, 0}, {-1, 0}, {1919, 0}, {1920, 0}};
     for (std::size_t n = 0; n < 4; ++n) known[n].pt = places[n];
-    StartKnown(known);
-    ChangeAndSettle();
-    Layout present = known;
-    for (IconRecord& record : present) record.pt = {40, 40};
-    AnswerView(present);
-    Tick(10);
+    ComeToKnownWithAllElsewhere(known);
     ExpectRestored({known[0], known[2]});
     ::DestroyWindow(view.hwndListView);
 }

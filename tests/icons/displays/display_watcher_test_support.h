@@ -143,6 +143,15 @@ class DisplayWatch : public EngineTest {
         EXPECT_EQ(1, CompareRequests());
         ClearRequests();
     }
+    /// The same, where every icon has another place by then; up to the restore, if there is one.
+    void ComeToKnownWithAllElsewhere(const Layout& known) {
+        StartKnown(known);
+        ChangeAndSettle();
+        Layout present = known;
+        for (IconRecord& record : present) record.pt = {40, 40};
+        AnswerView(present);
+        Tick(10);
+    }
     int OnTheList(UINT uMsg, LPARAM lParam) {
         if (uMsg != WM_COPYDATA) return 0;
         auto* pData = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
