@@ -7,6 +7,9 @@
 #                              name of windows_versions.sh also FOLDER-WINDOWS, which shows itself so
 #   desktop_env_start [BASE]   makes it; BASE is such a prefix, if given
 #   desktop_env_stop           ends every process of it and removes it
+#   desktop_env_fixed_layout COMMAND...
+#                              to be called first: starts the script anew, as COMMAND, where the memory
+#                              of every program is laid out alike
 #   desktop_env_own_mounts COMMAND...
 #                              to be called first, if the environment shall have two small disks:
 #                              starts the script anew, as COMMAND, where what it mounts is seen by
@@ -53,7 +56,7 @@ desktop_env_make_prefix() (
     wine reg add "$explorer\\Desktops" /v shell /d 1024x768 /f >/dev/null
     # A crash ends the program with a backtrace; the dialog would hang the run.
     wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null
-    desktop_env_keep_one_time_zone
+    desktop_env_keep_utc
     wineserver -w
     # The profile's folders are links into HOME; as links, files there would become desktop icons.
     for link in "$WINEPREFIX"/drive_c/users/*/{Desktop,Documents,Downloads,Music,Pictures,Videos}; do
@@ -68,8 +71,8 @@ desktop_env_make_prefix() (
 )
 
 # Each program looks for the machine's time zone among all that the registry tells of: some hundred keys
-# before the one that TZ means.
-desktop_env_keep_one_time_zone() {
+# before the one that TZ means. The platform takes Greenwich's for UTC.
+desktop_env_keep_utc() {
     local zones='HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\Time Zones'
     { printf 'REGEDIT4\n'
       wine reg query "$zones" | tr -d '\r' | grep -F "$zones\\" |
@@ -90,7 +93,7 @@ desktop_env_copy() {
 
 desktop_env_template() {
     local version # of the platform, and of what is made of it
-    version=$(wine --version 2>/dev/null; declare -f desktop_env_make_prefix desktop_env_keep_one_time_zone | cksum)
+    version=$(wine --version 2>/dev/null; declare -f desktop_env_make_prefix desktop_env_keep_utc | cksum)
     if [ "$(cat "$1/made-by" 2>/dev/null)" != "$version" ]; then
         rm -rf "$1"; mkdir -p "$1"
         desktop_env_make_prefix "$1" || return 1
@@ -110,6 +113,16 @@ desktop_env_windows_template() {
     echo "$registry" >"$2/windows.reg"
     (desktop_env_variables "$2"; unset DISPLAY; wine regedit /S "$2/windows.reg" && wineserver -w) || return 1
     echo "$made_by" >"$2/made-by"
+}
+
+# With a random layout the kernel puts the heap of one program in some 7000 where Wine's loader must have
+# the page that it shares with its server: that program then ends before it has begun
+# (ERROR_INTERNAL_ERROR of CreateProcess, 9009 at the prompt).
+desktop_env_fixed_layout() {
+    local no_random=0x40000 # ADDR_NO_RANDOMIZE of <sys/personality.h>
+    (( (0x$(cat /proc/self/personality) & no_random) == 0 )) || return 0
+    setarch --addr-no-randomize true 2>/dev/null || return 0
+    exec setarch --addr-no-randomize "$@"
 }
 
 # The first call notes the mounts that everybody sees; later ones find the note and do nothing.

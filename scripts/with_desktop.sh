@@ -5,6 +5,7 @@
 set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 . "$root/scripts/desktop_env.sh"
+desktop_env_fixed_layout "$root/scripts/with_desktop.sh" "$@"
 desktop_env_own_mounts "$root/scripts/with_desktop.sh" "$@"
 template=${TESSALY_TEMPLATE:-$root/build/wine-template}
 desktop_env_template "$template" "${TESSALY_WINDOWS:-}" || exit 1

@@ -244,19 +244,14 @@ TEST_P(CommandsAtOnce, ScriptOfFiftyCallsInARowIsDone) {
     Begin();
     std::string strProgram = "\"" + ToUtf8(ProductFolder()) + "\\TSEXE64.exe\" ";
     std::string strScript = "@echo off\r\ncd /d \"" + ToUtf8(folder.Get()) + "\"\r\n";
-    // 9009: the program was not started, as the platform now and then says under load. Once more.
-    int nCall = 0;
     for (int n = 0; n < kRounds; ++n) {
         for (const char* psz :
              {"/REMEMBER", "/LIST", "/EXPORT:all.txt", "/RESTORE:1", "/DELETE:1"}) {
-            std::string strLabel = "call" + std::to_string(++nCall);
-            strScript += ":" + strLabel + "\r\n" + strProgram + psz + " >>out.txt 2>told.txt\r\n";
-            strScript += "if errorlevel 9009 goto " + strLabel + "\r\n";
-            strScript += "if errorlevel 1 echo failed>>err.txt\r\ntype told.txt>>err.txt\r\n";
+            strScript += strProgram + psz + " >>out.txt 2>>err.txt\r\n";
+            strScript += "if errorlevel 1 echo failed>>err.txt\r\n";
         }
     }
-    strScript += ":last\r\n" + strProgram + "/DELETE:1 >>out.txt 2>>last.txt\r\n";
-    strScript += "if errorlevel 9009 goto last\r\nexit %errorlevel%\r\n";
+    strScript += strProgram + "/DELETE:1 >>out.txt 2>>last.txt\r\nexit %errorlevel%\r\n";
     std::wstring strLine = L"cmd.exe /c \"" + folder.MakeFile(L"fifty.bat", strScript) + L"\"";
     STARTUPINFOW si{};
     si.cb = sizeof(si);

@@ -100,7 +100,10 @@ class Tree(unittest.TestCase):
             with contextlib.redirect_stdout(told), contextlib.redirect_stderr(told):
                 runpy.run_path(str(HERE / name), run_name="__main__")
         except SystemExit as end:
-            status = 1 if isinstance(end.code, str) else end.code or 0
+            status = end.code or 0
+            if isinstance(status, str):
+                told.write(status + "\n")
+                status = 1
         finally:
             sys.argv = given
             os.chdir(folder)
