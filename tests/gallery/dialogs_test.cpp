@@ -2,6 +2,7 @@
 
 #include "gallery/gallery_test_support.h"
 #include "support/message_box_driver.h"
+#include "support/rect.h"
 
 namespace {
 class GalleryDialogs : public Gallery {
@@ -18,6 +19,11 @@ class GalleryDialogs : public Gallery {
         PressKeys(hwnd, {L"Return"});
     }
     HWND Result() { return PageItem(IDC_RESULT); }
+    /// In time, and then still.
+    static void ExpectLaidOut(HWND hwnd) {
+        WaitUntil([&] { return FaultsOfLayout(hwnd).empty(); });
+        EXPECT_EQ(FaultsOfLayout(hwnd), L"");
+    }
 };
 } // namespace
 
@@ -181,28 +187,28 @@ TEST_F(GalleryDialogs, ResizableOneHoldsItsMinimumAndComesBackAfterTheNextStart)
 }
 
 TEST_F(GalleryDialogs, ResizableOneComesBackMaximisedAndThenAsItWasBefore) {
+    // It shows itself as maximised before its children lie where they then belong.
     HWND hwnd = Open(IDC_SIZABLE, L"Resizable");
     ASSERT_TRUE(hwnd);
-    const RECT rcFirst = RectOf(hwnd);
+    auto notes = [&] { return RectOf(::GetDlgItem(hwnd, IDC_NOTES)); };
+    const RECT rcFirst = RectOf(hwnd), rcNotesFirst = notes();
     DoubleClickTitleOf(hwnd);
-    ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(hwnd) != 0; }));
-    EXPECT_EQ(FaultsOfLayout(hwnd), L"");
-    const RECT rcNotes = RectOf(::GetDlgItem(hwnd, IDC_NOTES));
+    ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(hwnd) && !(notes() == rcNotesFirst); }));
+    ExpectLaidOut(hwnd);
+    const RECT rcNotes = notes();
     PressKeys(hwnd, {L"Escape"});
     EXPECT_TRUE(WaitUntilGone(hwnd));
 
     hwnd = Open(IDC_SIZABLE, L"Resizable");
     ASSERT_TRUE(WaitUntil([&] { return ::IsZoomed(hwnd) != 0; }));
-    RECT rcNotesBack = RectOf(::GetDlgItem(hwnd, IDC_NOTES));
-    EXPECT_TRUE(::EqualRect(&rcNotes, &rcNotesBack))
-        << rcNotes.right << "," << rcNotes.bottom << " and now " << rcNotesBack.right << ","
-        << rcNotesBack.bottom;
+    EXPECT_TRUE(WaitUntil([&] { return notes() == rcNotes; }))
+        << rcNotes.right << "," << rcNotes.bottom << " and now " << notes().right << ","
+        << notes().bottom;
     TakePicture(L"maximised", {hwnd});
     DoubleClickTitleOf(hwnd);
     ASSERT_TRUE(WaitUntil([&] { return !::IsZoomed(hwnd); }));
-    RECT rcBack = RectOf(hwnd);
-    EXPECT_TRUE(::EqualRect(&rcBack, &rcFirst));
-    EXPECT_EQ(FaultsOfLayout(hwnd), L"");
+    EXPECT_TRUE(WaitUntil([&] { return RectOf(hwnd) == rcFirst && notes() == rcNotesFirst; }));
+    ExpectLaidOut(hwnd);
 }
 
 TEST_F(GalleryDialogs, ResizableOneIsLaidOutWhateverItsRecordHolds) {
