@@ -6,6 +6,7 @@
 #include "icons/agent/desktop_shared_data.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "icons/snapshots/snapshot_store.h"
+#include "icons/snapshots/snapshot_time.h"
 #include "icons/tray/recommendations.h"
 #include "icons/tray/tray_front_end.h"
 #include "runtime/base/current_product.h"
