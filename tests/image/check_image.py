@@ -251,7 +251,17 @@ def check_icon(report, name, image):
     report.check(f"{name}'s icon has all sizes", sorted(sizes) == ICON_SIZES[name], str(sizes))
 
 
+def check_hook(report, image):
+    """What SetWindowsHookEx gets (in rdx) is the first code of the library: agent.h says why."""
+    _, at, code, _ = image.section(".text")
+    first = struct.pack("<Q", image.base() + at)
+    pointers = [image.offset(to) for _, to in find_relative(code, at, rb"\x48\x8b\x15")]  # mov rdx, [...]
+    taken = any(image.data[where : where + len(first)] == first for where in pointers)
+    report.check("TSDLL64.dll begins with the procedure of its hook", taken)
+
+
 def check_library(report, image):
+    check_hook(report, image)
     check_read_only(report, "TSDLL64.dll", image, [(IMPORT_ADDRESSES, "imports' addresses")])
     report.check(f"TSDLL64.dll has at most {LIBRARY_LIMIT:,} bytes", len(image.data) <= LIBRARY_LIMIT,
                  f"{len(image.data):,}")
