@@ -7,8 +7,9 @@
 ;                                   /AUTOSTART:ON, /AUTOSTART:OFF   whether it starts with Windows
 ; and of the uninstaller:           /S   asks nothing
 ;                                   /DELETESNAPSHOTS   takes the snapshots and layouts as well
-; Both end with 0 (the uninstaller only with _?=FOLDER: else a copy of it does the work); with 1 when the user cancelled and with 2 when something failed, nothing being changed
-; then; the installer with 3 when it installed all, but could not set the start with Windows.
+; Both end with 0 (the uninstaller only with _?=FOLDER: else a copy of it does the work); with 1 when the
+; user cancelled before anything was done; with 2 when something failed, nothing being changed then; the
+; installer with 3 when all files are installed, but the start with Windows or an entry could not be set.
 
 Unicode true
 Target amd64-unicode
@@ -19,8 +20,10 @@ SetCompressor /SOLID /FINAL lzma
 !include FileFunc.nsh
 !include Sections.nsh
 !include Win\WinNT.nsh
+!include Win\WinError.nsh
 !include StrFunc.nsh
-${UnStrStr} ; declares it
+${StrStr} ; declares it
+${UnStrStr}
 
 !define UNINSTALL_LIST "Software\Microsoft\Windows\CurrentVersion\Uninstall"
 !define UNINSTALL_KEY "${UNINSTALL_LIST}\${NAME}"
@@ -28,6 +31,9 @@ ${UnStrStr} ; declares it
 !define MAKER_KEY "Software\${MAKER}"
 !define PRODUCT_KEY "${MAKER_KEY}\${NAME}"
 !define MONITOR_CLASS "TessalyWnd"
+; Folders for a while, below that of the program. Nobody else's bear such names.
+!define NEW "~setup-new"
+!define OLD "~setup-old"
 
 Name "${NAME}"
 OutFile "${OUTPUT}"
@@ -94,12 +100,18 @@ Var File       ; the name of one of the files
 ; What both do. UN is empty, or "un."
 !macro Functions UN
 
-; One at a time: two would have each other's files half replaced.
+; One at a time: two would have each other's files half replaced. Of a user, in whatever session. None is
+; had if the user's other one runs as administrator.
 Function ${UN}BeAlone
-    System::Call 'kernel32::CreateMutexW(p 0, i 0, w "Local\${MAKER}_Setup_${NAME}") p .r0 ?e'
+    System::Call 'advapi32::GetUserNameW(w .r0, *i ${NSIS_MAX_STRLEN})'
+    System::Call 'kernel32::CreateMutexW(p 0, i 0, w "Global\${MAKER}_Setup_${NAME}_$0") p .r1 ?e'
     Pop $0
-    ${If} $0 = 183 ; ERROR_ALREADY_EXISTS
+    ${If} $0 = ${ERROR_ALREADY_EXISTS}
+    ${OrIf} $1 P= 0
         MessageBox MB_OK|MB_ICONEXCLAMATION "The setup of ${NAME} is running already." /SD IDOK
+        !if "${UN}" != ""
+            Call un.DeleteOwnCopy
+        !endif
         SetErrorLevel 2
         Quit
     ${EndIf}
@@ -141,13 +153,11 @@ Function ${UN}StartAgain
 FunctionEnd
 
 ; A folder that is not there yet. One that is may hold a library that the shell has mapped still,
-; which can be moved but not deleted.
+; which can be moved but not deleted, or files that could not be moved back.
 Function ${UN}ChooseOld
-    StrCpy $Old "$INSTDIR\old"
-    RMDir /r "$Old"
+    StrCpy $Old "$INSTDIR\${OLD}"
     ${DoWhile} ${FileExists} "$Old\*.*"
         StrCpy $Old "$Old-"
-        RMDir /r "$Old"
     ${Loop}
     ClearErrors
     CreateDirectory "$Old"
@@ -157,20 +167,77 @@ Function ${UN}ChooseOld
     ${EndIf}
 FunctionEnd
 
+; The file $File from the folder $R2 to $R3. A virus scanner looks at what was just written or run: two
+; seconds for that.
+Function ${UN}Move
+    ${For} $R4 1 10
+        ClearErrors
+        Rename "$R2\$File" "$R3\$File"
+        ${IfNot} ${Errors}
+            Return
+        ${EndIf}
+        Sleep 200
+    ${Next}
+    StrCpy $Failed 1
+FunctionEnd
+
 Function ${UN}MoveAway
     ${If} $Failed = 0
     ${AndIf} ${FileExists} "$INSTDIR\$File"
-        ClearErrors
-        Rename "$INSTDIR\$File" "$Old\$File"
-        ${If} ${Errors}
-            StrCpy $Failed 1
-        ${EndIf}
+    ${AndIf} "$INSTDIR\$File" != $EXEPATH ; an uninstaller without a copy: it has its own file open
+        StrCpy $R2 $INSTDIR
+        StrCpy $R3 $Old
+        Call ${UN}Move
     ${EndIf}
 FunctionEnd
 
 Function ${UN}MoveBack
     ${If} ${FileExists} "$Old\$File"
-        Rename "$Old\$File" "$INSTDIR\$File"
+        StrCpy $R2 $Old
+        StrCpy $R3 $INSTDIR
+        Call ${UN}Move
+    ${EndIf}
+FunctionEnd
+
+; After what could not be moved back, if anything: it stays where it is.
+Function ${UN}TellNothingChanged
+    RMDir "$Old" ; if it is empty
+    ${If} ${FileExists} "$Old\*.*"
+        MessageBox MB_OK|MB_ICONSTOP "A file in $INSTDIR is in use, and not all could be put back: \
+            what is missing there is in $Old." /SD IDOK
+    ${Else}
+        MessageBox MB_OK|MB_ICONSTOP "A file in $INSTDIR is in use. Nothing was changed." /SD IDOK
+    ${EndIf}
+FunctionEnd
+
+; $R1 is then 1 if this copy's library stands in the value, as it is or in its short form.
+Function ${UN}IsNamedInRunKey
+    StrCpy $R1 0
+    ReadRegStr $0 HKCU "${RUN_KEY}" "${NAME}"
+    GetFullPathName /SHORT $1 "$INSTDIR"
+    !if "${UN}" == ""
+        ${StrStr} $2 $0 "$INSTDIR\TSDLL64.dll"
+        ${StrStr} $3 $0 "$1\TSDLL64.dll"
+    !else
+        ${UnStrStr} $2 $0 "$INSTDIR\TSDLL64.dll"
+        ${UnStrStr} $3 $0 "$1\TSDLL64.dll"
+    !endif
+    ${If} "$2$3" != ""
+        StrCpy $R1 1
+    ${EndIf}
+FunctionEnd
+
+; $R1 is then 1 if this copy is the one that starts with Windows. One that is damaged cannot tell.
+Function ${UN}IsStartedWithWindows
+    ClearErrors
+    ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART /QUIET' $0
+    ${If} ${Errors}
+    ${OrIf} $0 = 3
+        Call ${UN}IsNamedInRunKey
+    ${ElseIf} $0 = 0
+        StrCpy $R1 1
+    ${Else}
+        StrCpy $R1 0
     ${EndIf}
 FunctionEnd
 
@@ -178,13 +245,13 @@ FunctionEnd
 ; seconds for that, and what is in use then stays for the next time.
 Function ${UN}DeleteOld
     ${For} $R0 1 25
-        FindFirst $0 $1 "$INSTDIR\old*"
+        FindFirst $0 $1 "$INSTDIR\${OLD}*"
         ${DoWhile} $1 != ""
             RMDir /r "$INSTDIR\$1"
             FindNext $0 $1
         ${Loop}
         FindClose $0
-        ${IfNot} ${FileExists} "$INSTDIR\old*"
+        ${IfNot} ${FileExists} "$INSTDIR\${OLD}*"
             Return
         ${EndIf}
         Sleep 200
@@ -199,24 +266,24 @@ FunctionEnd
 
 Function MoveIn
     ${If} $Failed = 0
-        ClearErrors
-        Rename "$INSTDIR\new\$File" "$INSTDIR\$File"
-        ${If} ${Errors}
-            StrCpy $Failed 1
-        ${EndIf}
+        StrCpy $R2 "$INSTDIR\${NEW}"
+        StrCpy $R3 $INSTDIR
+        Call Move
     ${EndIf}
 FunctionEnd
 
-; What was moved in goes; what is still in "new" never came to stand where the old file does.
+; What was moved in; what is still with the new files never came to stand where the old one does.
 Function MoveOut
-    ${IfNot} ${FileExists} "$INSTDIR\new\$File"
-        Delete "$INSTDIR\$File"
+    ${IfNot} ${FileExists} "$INSTDIR\${NEW}\$File"
+        StrCpy $R2 $INSTDIR
+        StrCpy $R3 "$INSTDIR\${NEW}"
+        Call Move
     ${EndIf}
 FunctionEnd
 
 Function DeleteNew
     SetOutPath "$TEMP" ; the current folder cannot be deleted
-    RMDir /r "$INSTDIR\new"
+    RMDir /r "$INSTDIR\${NEW}"
     RMDir "$INSTDIR" ; these if they are empty
     RMDir "$LOCALAPPDATA\Programs"
 FunctionEnd
@@ -225,13 +292,13 @@ Section "${NAME}"
     SectionIn RO
     ; All of the new version is written before anything of the old one is touched: a full disk
     ; changes nothing.
-    RMDir /r "$INSTDIR\new"
+    RMDir /r "$INSTDIR\${NEW}"
     ClearErrors
-    SetOutPath "$INSTDIR\new"
+    SetOutPath "$INSTDIR\${NEW}"
     File "${FILES}\TSDLL64.dll"
     File "${FILES}\TSEXE64.exe"
     File "${FILES}\Readme.txt"
-    WriteUninstaller "$INSTDIR\new\Uninstall.exe"
+    WriteUninstaller "$INSTDIR\${NEW}\Uninstall.exe"
     ${If} ${Errors}
         Call DeleteNew
         MessageBox MB_OK|MB_ICONSTOP "${NAME} could not be written to $INSTDIR. Nothing was changed." /SD IDOK
@@ -239,7 +306,7 @@ Section "${NAME}"
     ${EndIf}
     SetOutPath "$TEMP"
 
-    StrCpy $0 "$INSTDIR\new\TSEXE64.exe"
+    StrCpy $0 "$INSTDIR\${NEW}\TSEXE64.exe"
     Call CloseRunning
     ${If} $1 <> 0
         Call DeleteNew
@@ -253,15 +320,15 @@ Section "${NAME}"
     ${If} $Failed = 1
         !insertmacro ForEachFile MoveOut
         !insertmacro ForEachFile MoveBack
-        Call DeleteOld
         Call DeleteNew
         Call StartAgain
-        MessageBox MB_OK|MB_ICONSTOP "A file in $INSTDIR is in use. Nothing was changed." /SD IDOK
+        Call TellNothingChanged
         Abort
     ${EndIf}
     Call DeleteOld
     Call DeleteNew
 
+    ClearErrors
     CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\TSEXE64.exe" "" "" "" "" "" \
         "Keeps the icons of the desktop where they belong"
     WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "${NAME}"
@@ -275,17 +342,25 @@ Section "${NAME}"
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" "EstimatedSize" $0
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoModify" 1
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoRepair" 1
+    ${If} ${Errors}
+        SetErrorLevel 3
+        MessageBox MB_OK|MB_ICONEXCLAMATION "${NAME} is installed, but its entry in the start menu or in the \
+            list of programs could not be written." /SD IDOK
+    ${EndIf}
 SectionEnd
 
 Section "Start with Windows" SectionAutoStart
 SectionEnd
 
 Section "-"
+    Call IsStartedWithWindows
     ClearErrors
     ${If} ${SectionIsSelected} ${SectionAutoStart}
         ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART:ON /QUIET' $0
-    ${Else}
+    ${ElseIf} $R1 = 1 ; another copy's start is not this one's to turn off
         ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART:OFF /QUIET' $0
+    ${Else}
+        StrCpy $0 0
     ${EndIf}
     ${If} ${Errors}
     ${OrIf} $0 <> 0
@@ -300,10 +375,10 @@ Function .onInit
     Call BeAlone
     StrCpy $INSTDIR "$LOCALAPPDATA\Programs\${NAME}"
     ; An update leaves the start with Windows as it is.
+    Call IsNamedInRunKey
     ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "DisplayVersion"
-    ReadRegStr $1 HKCU "${RUN_KEY}" "${NAME}"
     ${If} $0 != ""
-    ${AndIf} $1 == ""
+    ${AndIf} $R1 = 0
         !insertmacro UnselectSection ${SectionAutoStart}
     ${EndIf}
     ${GetParameters} $0
@@ -322,28 +397,6 @@ FunctionEnd
 
 ; The uninstaller
 
-; $R1 is then 1 if this copy is the one that starts with Windows. One that is damaged cannot tell: the
-; library's path stands in the value, as it is or in its short form.
-Function un.IsStartedWithWindows
-    StrCpy $R1 0
-    ClearErrors
-    ExecWait '"$INSTDIR\TSEXE64.exe" /AUTOSTART /QUIET' $0
-    ${If} ${Errors}
-        StrCpy $0 3
-    ${EndIf}
-    ${If} $0 = 0
-        StrCpy $R1 1
-    ${ElseIf} $0 = 3
-        ReadRegStr $0 HKCU "${RUN_KEY}" "${NAME}"
-        GetFullPathName /SHORT $1 "$INSTDIR"
-        ${UnStrStr} $2 $0 "$INSTDIR\TSDLL64.dll"
-        ${UnStrStr} $3 $0 "$1\TSDLL64.dll"
-        ${If} "$2$3" != ""
-            StrCpy $R1 1
-        ${EndIf}
-    ${EndIf}
-FunctionEnd
-
 Section "un.${NAME}"
     SectionIn RO
     SetOutPath "$TEMP"
@@ -361,13 +414,12 @@ Section "un.${NAME}"
     !insertmacro ForEachFile un.MoveAway
     ${If} $Failed = 1
         !insertmacro ForEachFile un.MoveBack
-        Call un.DeleteOld
         Call un.StartAgain
-        MessageBox MB_OK|MB_ICONSTOP "A file in $INSTDIR is in use. Nothing was changed." /SD IDOK
+        Call un.TellNothingChanged
         Abort
     ${EndIf}
     Call un.DeleteOld
-    RMDir /r "$INSTDIR\new"
+    RMDir /r "$INSTDIR\${NEW}"
     RMDir "$INSTDIR"
     RMDir "$LOCALAPPDATA\Programs"
 
@@ -389,6 +441,17 @@ SectionEnd
 
 Function un.onInit
     Call un.BeAlone
+    ; A copy of it that was put elsewhere would take the entries of the one that is installed.
+    ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "InstallLocation"
+    ${If} $0 != ""
+    ${AndIf} $0 != $INSTDIR
+    ${AndIfNot} ${FileExists} "$INSTDIR\TSEXE64.exe"
+    ${AndIfNot} ${FileExists} "$INSTDIR\TSDLL64.dll"
+        MessageBox MB_OK|MB_ICONSTOP "${NAME} is not in $INSTDIR. Nothing was changed." /SD IDOK
+        Call un.DeleteOwnCopy
+        SetErrorLevel 2
+        Quit
+    ${EndIf}
     ${GetParameters} $0
     ClearErrors
     ${GetOptions} $0 "/DELETESNAPSHOTS" $1
@@ -399,26 +462,19 @@ FunctionEnd
 
 ; The uninstaller runs from a copy of itself in a folder for temporary files, which the platform is asked
 ; to delete at its next start; that it does for administrators alone. No program's file can be deleted
-; while it runs: a batch file tries once a second, for half a minute, and deletes itself.
+; while it runs: a command tries once a second, for half a minute.
 Function un.DeleteOwnCopy
     StrLen $0 "$TEMP\~nsu"
     StrCpy $1 "$EXEDIR" $0
     ${If} $1 != "$TEMP\~nsu"
         Return
     ${EndIf}
-    FileOpen $0 "$EXEDIR.cmd" w
-    FileWrite $0 '@echo off$\r$\n\
-        :again$\r$\n\
-        ping -n 2 127.0.0.1 >nul$\r$\n\
-        rd /s /q "%TESSALY_COPY%"$\r$\n\
-        set /a TESSALY_TURN+=1$\r$\n\
-        if exist "%TESSALY_COPY%" if not %TESSALY_TURN%==30 goto again$\r$\n\
-        del "%~f0"$\r$\n'
-    FileClose $0
-    ; By a variable: a "%" in the path would be the batch file's own, and it knows one code page only.
+    ; By a variable: the prompt takes a "%" in the path for its own.
     System::Call 'kernel32::SetEnvironmentVariableW(w "TESSALY_COPY", w "$EXEDIR")'
-    SetOutPath "$TEMP" ; the current folder cannot be deleted
-    ExecShell "" "$SYSDIR\cmd.exe" '/d /c call "%TESSALY_COPY%.cmd"' SW_HIDE
+    ; The current folder cannot be deleted, and the prompt looks for programs there first.
+    SetOutPath "$SYSDIR"
+    ExecShell "" "$SYSDIR\cmd.exe" '/d /c for /l %i in (1,1,30) do (ping -n 2 127.0.0.1 >nul & \
+        rd /s /q "%TESSALY_COPY%" & if not exist "%TESSALY_COPY%" exit)' SW_HIDE
 FunctionEnd
 
 Function un.onUninstSuccess

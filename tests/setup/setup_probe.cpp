@@ -1,5 +1,6 @@
 // What tests/setup/setup_test.py asks of the platform, setup_probe.exe with
 //   hold FILE          has it open until the standard input ends
+//   catch FILE         the same, as soon as it is there
 //   block KEY          that key of the user can be neither opened nor made until then
 //   pose CLASS         has a window of that class until it gets a registered message, as /EXIT
 //   sends one
@@ -39,13 +40,36 @@ void WaitForInputEnd() {
 }
 
 /// Nobody can move or replace the file meanwhile.
+HANDLE OpenAlone(const wchar_t* pszFile) {
+    return ::CreateFileW(pszFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
+                         nullptr);
+}
+
 int Hold(const wchar_t* pszFile) {
-    HANDLE h =
-        ::CreateFileW(pszFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE h = OpenAlone(pszFile);
     if (h == INVALID_HANDLE_VALUE) return 1;
     WaitForInputEnd();
     ::CloseHandle(h);
     return 0;
+}
+
+struct Caught {
+    const wchar_t* pszFile;
+    HANDLE h = INVALID_HANDLE_VALUE;
+};
+
+/// Ends with the process at the latest.
+DWORD WINAPI CatchThread(void* pCaught) {
+    auto& caught = *static_cast<Caught*>(pCaught);
+    while ((caught.h = OpenAlone(caught.pszFile)) == INVALID_HANDLE_VALUE) ::Sleep(1);
+    return 0;
+}
+
+int Catch(const wchar_t* pszFile) {
+    Caught caught{pszFile};
+    HANDLE hThread = ::CreateThread(nullptr, 0, &CatchThread, &caught, 0, nullptr);
+    WaitForInputEnd();
+    return ::WaitForSingleObject(hThread, 0) == WAIT_OBJECT_0 ? 0 : 1;
 }
 
 /// By a link to a key that does not exist, which is deleted as such.
@@ -155,7 +179,11 @@ constexpr DWORD kLimitMs = 60000;
 constexpr DWORD kPollMs = 50;
 
 int IsNoSetupThere() {
-    HANDLE h = ::OpenMutexW(SYNCHRONIZE, FALSE, L"Local\\Orvanta_Setup_Tessaly");
+    wchar_t szUser[257] = L"";
+    DWORD cch = 257;
+    ::GetUserNameW(szUser, &cch);
+    const std::wstring strName = std::wstring(L"Global\\Orvanta_Setup_Tessaly_") + szUser;
+    HANDLE h = ::OpenMutexW(SYNCHRONIZE, FALSE, strName.c_str());
     if (h) ::CloseHandle(h);
     return h ? 1 : 0;
 }
@@ -171,6 +199,7 @@ int IsDesktopThere() {
 int Ask(int nArguments, wchar_t** ppszArguments) {
     const std::wstring_view strWhat = nArguments ? ppszArguments[0] : L"";
     if (nArguments == 2 && strWhat == L"hold") return Hold(ppszArguments[1]);
+    if (nArguments == 2 && strWhat == L"catch") return Catch(ppszArguments[1]);
     if (nArguments == 2 && strWhat == L"block") return Block(ppszArguments[1]);
     if (nArguments == 2 && strWhat == L"pose") return Pose(ppszArguments[1]);
     if (nArguments == 2 && strWhat == L"window")

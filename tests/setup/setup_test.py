@@ -33,8 +33,9 @@ OLD_MARK = b"older"
 OLD_VERSION = "1.0.0.1"
 KEPT = "[HKEY_CURRENT_USER\\Software\\Orvanta"
 KEPT_KEYS = {f"{KEPT}{below}]" for below in ("", r"\Tessaly", r"\Tessaly\Data", r"\Tessaly\Displays")}
+NEW_FILES, OLD_FILES = "~setup-new", "~setup-old"  # folders for a while
 TREE = "SysTreeView32"  # the class of the pages' choices
-DONE, CANCELLED, NOTHING_CHANGED, NO_AUTO_START = 0, 1, 2, 3  # exit codes
+DONE, CANCELLED, NOTHING_CHANGED, NOT_ALL_SET = 0, 1, 2, 3  # exit codes
 
 
 class Made:
@@ -92,14 +93,17 @@ class Installed(unittest.TestCase):
 
     def expect_installed(self, made, user=None):
         user = user or self.user
+        self.expect_files(made, user)
+        self.assertFalse((user.folder / NEW_FILES).exists())
+        self.assertEqual(made.version, user.read_value(UNINSTALL_KEY, "DisplayVersion"))
+
+    def expect_files(self, made, user):
         found = {path.name: path.read_bytes() for path in user.folder.iterdir() if path.is_file()}
         self.assertIn("Uninstall.exe", found)
         found.pop("Uninstall.exe")
         self.assertEqual(made.files.keys(), found.keys())
         for name, data in found.items():
             self.assertTrue(data == made.files[name], f"{name} is of another version")
-        self.assertFalse((user.folder / "new").exists())
-        self.assertEqual(made.version, user.read_value(UNINSTALL_KEY, "DisplayVersion"))
 
     def expect_auto_start(self, on, user=None):
         value = (user or self.user).read_value(RUN_KEY, "Tessaly")
@@ -130,6 +134,11 @@ class Installed(unittest.TestCase):
         """Without a copy: the exit code is that of the work."""
         folder = self.user.ask("winepath", "-w", self.user.folder).strip()
         return self.user.run(self.user.folder / "Uninstall.exe", "/S", *switches, f"_?={folder}")
+
+    def remove_folder(self):
+        """What is left of it after the uninstaller, with the folder above, which then has nothing else."""
+        shutil.rmtree(self.user.folder)
+        self.user.folder.parent.rmdir()
 
     def start(self, user=None):
         """The product, on a desktop that it watches."""
@@ -190,6 +199,77 @@ class Silent(Installed):
         self.uninstall("/DELETESNAPSHOTS")
         self.expect_as_before()
 
+    def test_folders_of_the_user_stay(self):
+        self.assertEqual(DONE, self.install(self.old))
+        own = [self.user.folder / name / "layouts.txt" for name in ("new", "old", "old layouts")]
+        for path in own:
+            path.parent.mkdir()
+            path.touch()
+        self.assertEqual(DONE, self.install(self.new))
+        self.assertEqual(DONE, self.user.run(self.user.folder / "Uninstall.exe", "/S"))
+        self.assertTrue(wait_until(lambda: not (self.user.folder / "Uninstall.exe").exists()))
+        self.expect_uninstaller_gone(self.user)
+        self.assertEqual(own, [path for path in own if path.exists()])
+        self.assertEqual({path.parent for path in own}, set(self.user.folder.iterdir()))
+        self.remove_folder()
+        self.expect_as_before()
+
+    def test_uninstaller_that_is_told_where_it_is_can_be_waited_for(self):
+        self.assertEqual(DONE, self.install(self.new))
+        self.plant_data()
+        self.assertEqual(DONE, self.uninstall_in_place("/DELETESNAPSHOTS"))
+        self.assertEqual(["Uninstall.exe"], [path.name for path in self.user.folder.iterdir()])
+        self.remove_folder()
+        self.expect_as_before()
+
+    def test_another_copys_start_with_windows_stays(self):
+        other = r"RunDll32.exe C:\other\TSDLL64.dll,StartMonitor"
+        self.assertEqual(DONE, self.install(self.old, "/AUTOSTART:OFF"))
+        self.user.reg("add", RUN_KEY, "/v", "Tessaly", "/d", other, "/f")
+        for switches in ((), ("/AUTOSTART:OFF",)):
+            self.assertEqual(DONE, self.install(self.new, *switches))
+            self.assertEqual(other, self.user.read_value(RUN_KEY, "Tessaly"))
+        self.assertEqual(DONE, self.install(self.new, "/AUTOSTART:ON"))
+        self.assertNotEqual(other, self.user.read_value(RUN_KEY, "Tessaly"))
+        self.expect_auto_start(True)
+        self.uninstall()
+        self.expect_as_before()
+
+    def test_user_with_blanks_and_letters_of_other_scripts_in_the_name(self):
+        profile = self.user.profile.with_name("Jörg Müller 山")
+        self.user.local, self.user.menu = profile / "Local Data", profile / "Programs"
+        self.user.temp = profile / "Temporary 山"  # where the uninstaller's copy runs, and a batch file
+        places = {"Local AppData": self.user.local, "Programs": self.user.menu}
+        places |= {"TEMP": self.user.temp, "TMP": self.user.temp}
+        keys = [rf"{users.EXPLORER_KEY}\{name}" for name in ("User Shell Folders", "Shell Folders")]
+        values = [(key, name) for key in keys for name in ("Local AppData", "Programs")]
+        values += [(users.ENVIRONMENT_KEY, name) for name in ("TEMP", "TMP")]
+        before = {(key, name): self.user.read_value(key, name) for key, name in values}
+        try:
+            for key, name in before:
+                places[name].mkdir(parents=True, exist_ok=True)
+                place = f"C:\\users\\{profile.name}\\{places[name].name}"
+                self.user.reg("add", key, "/v", name, "/d", place, "/f")
+            self.before = self.user.state()
+            self.assertEqual(DONE, self.install(self.new))
+            self.expect_installed(self.new)
+            self.assertTrue((self.user.menu / "Tessaly.lnk").exists())
+            told = self.user.ask("cmd", "/d", "/u", "/c", "echo %TEMP%")
+            self.assertIn("Temporary", told.replace("\0", ""))
+            self.start()
+            self.assertEqual(0, self.user.run(self.user.folder / "TSEXE64.exe", "/AUTOSTART", "/QUIET"))
+            self.uninstall("/DELETESNAPSHOTS")
+            self.expect_as_before()
+        finally:
+            shutil.rmtree(profile)
+            for (key, name), place in before.items():
+                put = "add", key, "/v", name, "/t", "REG_EXPAND_SZ" if "User" in key else "REG_SZ", "/d", place
+                self.user.reg(*(put if place else ("delete", key, "/v", name)), "/f")
+
+
+class Failing(Installed):
+    """What cannot be done is told, and loses nothing."""
+
     def test_locked_file_leaves_the_old_version_whole(self):
         self.assertEqual(DONE, self.install(self.old))
         self.start()
@@ -205,6 +285,59 @@ class Silent(Installed):
         self.assertEqual(DONE, self.install(self.new))
         self.expect_installed(self.new)
         self.uninstall("/DELETESNAPSHOTS")
+        self.expect_as_before()
+
+    def test_file_that_cannot_be_put_in_place_leaves_the_old_version_whole(self):
+        self.assertEqual(DONE, self.install(self.old))
+        self.start()
+        with self.user.probe("catch", self.user.folder / NEW_FILES / "Readme.txt"):
+            self.assertEqual(NOTHING_CHANGED, self.install(self.new))
+        self.expect_files(self.old, self.user)
+        self.assertTrue(self.user.will_run())
+        self.assertFalse((self.user.folder / OLD_FILES).exists())
+        self.assertEqual(DONE, self.install(self.new))
+        self.expect_installed(self.new)
+        self.uninstall("/DELETESNAPSHOTS")
+        self.expect_as_before()
+
+    def test_old_file_that_cannot_be_put_back_is_kept(self):
+        self.assertEqual(DONE, self.install(self.old))
+        kept = self.user.folder / OLD_FILES
+        with self.user.probe("catch", self.user.folder / NEW_FILES / "Readme.txt"):
+            with self.user.probe("catch", kept / "TSEXE64.exe"):
+                self.assertEqual(NOTHING_CHANGED, self.install(self.new))
+        self.assertEqual(["TSEXE64.exe"], [path.name for path in kept.iterdir()])
+        self.assertEqual(self.old.files["TSEXE64.exe"], (kept / "TSEXE64.exe").read_bytes())
+        for name in self.old.files.keys() - {"TSEXE64.exe"}:
+            self.assertEqual(self.old.files[name], (self.user.folder / name).read_bytes())
+        self.assertEqual(DONE, self.install(self.new))
+        self.expect_installed(self.new)
+        self.assertFalse(kept.exists())
+        self.uninstall()
+        self.expect_as_before()
+
+    def test_copy_of_the_uninstaller_elsewhere_changes_nothing(self):
+        self.assertEqual(DONE, self.install(self.new))
+        before = self.user.state()
+        with tempfile.TemporaryDirectory(dir=self.user.profile) as folder:
+            shutil.copy(self.user.folder / "Uninstall.exe", folder)
+            where = self.user.ask("winepath", "-w", folder).strip()
+            program = pathlib.Path(folder, "Uninstall.exe")
+            self.assertEqual(NOTHING_CHANGED, self.user.run(program, "/S", f"_?={where}"))
+            self.assertEqual(DONE, self.user.run(program, "/S"))  # by a copy of that copy
+            self.expect_uninstaller_gone(self.user)
+        self.assertEqual({}, users.changes(before, self.user.state()))
+        self.uninstall()
+        self.expect_as_before()
+
+    def test_entry_that_cannot_be_written_is_told(self):
+        with self.user.probe("block", UNINSTALL_KEY.partition("\\")[2]):
+            self.assertEqual(NOT_ALL_SET, self.install(self.new))
+            self.assertTrue((self.user.menu / "Tessaly.lnk").exists())
+            self.expect_auto_start(True)
+        self.assertEqual(DONE, self.install(self.new))
+        self.expect_installed(self.new)
+        self.uninstall()
         self.expect_as_before()
 
     def test_full_disk_leaves_the_old_version_whole(self):
@@ -230,7 +363,7 @@ class Silent(Installed):
     def test_start_with_windows_that_cannot_be_set_is_told(self):
         self.user.reg("delete", RUN_KEY, "/f")
         with self.user.probe("block", RUN_KEY.partition("\\")[2]):
-            self.assertEqual(NO_AUTO_START, self.install(self.new))
+            self.assertEqual(NOT_ALL_SET, self.install(self.new))
             self.expect_installed(self.new)
         self.assertEqual(DONE, self.install(self.new, "/AUTOSTART:ON"))
         self.expect_auto_start(True)
@@ -267,37 +400,6 @@ class Silent(Installed):
         self.expect_auto_start(True)  # the other one's
         self.user.reg("delete", RUN_KEY, "/v", "Tessaly", "/f")
         self.expect_as_before()
-
-    def test_user_with_blanks_and_letters_of_other_scripts_in_the_name(self):
-        profile = self.user.profile.with_name("Jörg Müller 山")
-        self.user.local, self.user.menu = profile / "Local Data", profile / "Programs"
-        self.user.temp = profile / "Temporary 山"  # where the uninstaller's copy runs, and a batch file
-        places = {"Local AppData": self.user.local, "Programs": self.user.menu}
-        places |= {"TEMP": self.user.temp, "TMP": self.user.temp}
-        keys = [rf"{users.EXPLORER_KEY}\{name}" for name in ("User Shell Folders", "Shell Folders")]
-        values = [(key, name) for key in keys for name in ("Local AppData", "Programs")]
-        values += [(users.ENVIRONMENT_KEY, name) for name in ("TEMP", "TMP")]
-        before = {(key, name): self.user.read_value(key, name) for key, name in values}
-        try:
-            for key, name in before:
-                places[name].mkdir(parents=True, exist_ok=True)
-                place = f"C:\\users\\{profile.name}\\{places[name].name}"
-                self.user.reg("add", key, "/v", name, "/d", place, "/f")
-            self.before = self.user.state()
-            self.assertEqual(DONE, self.install(self.new))
-            self.expect_installed(self.new)
-            self.assertTrue((self.user.menu / "Tessaly.lnk").exists())
-            told = self.user.ask("cmd", "/d", "/u", "/c", "echo %TEMP%")
-            self.assertIn("Temporary", told.replace("\0", ""))
-            self.start()
-            self.assertEqual(0, self.user.run(self.user.folder / "TSEXE64.exe", "/AUTOSTART", "/QUIET"))
-            self.uninstall("/DELETESNAPSHOTS")
-            self.expect_as_before()
-        finally:
-            shutil.rmtree(profile)
-            for (key, name), place in before.items():
-                put = "add", key, "/v", name, "/t", "REG_EXPAND_SZ" if "User" in key else "REG_SZ", "/d", place
-                self.user.reg(*(put if place else ("delete", key, "/v", name)), "/f")
 
 
 class TwoUsers(Installed):
@@ -396,6 +498,8 @@ class Hands(Installed):
         self.assertTrue(self.user.start_desktop())
         setup = self.user.wine(self.new.setup)
         self.wait_for(self.SETUP, "Install")
+        self.assertEqual(NOTHING_CHANGED, self.install(self.new), "beside another one")
+        self.assertFalse(self.user.folder.exists())
         self.press(self.SETUP, TREE, "Escape")
         self.assertEqual(CANCELLED, setup.wait(LIMIT))
         self.expect_as_before()
