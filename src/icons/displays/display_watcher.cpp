@@ -211,12 +211,18 @@ void DisplayWatcher::OnRestored() {
 
 /// Posted to the view, so that its answer is told from those to all others. The hook sees both.
 void DisplayWatcher::Ask() {
-    if (PostMyCompanyMsg(GetDesktopSharedData().hwndView, kCodeCapture, 0)) ++nAsked;
+    if (PostMyCompanyMsg(GetDesktopSharedData().hwndView, kCodeCapture, 0)) {
+        bEverAsked = true;
+        ++nAsked;
+    }
 }
 
 bool DisplayWatcher::TakeCapture(HWND hwndAsked, std::span<const IconRecord> records) {
+    if (!bEverAsked || hwndAsked != GetDesktopSharedData().hwndView) return false;
+    // The hook answers each time that the shell looks at a request in its queue: no answer but the
+    // first is of use, and none is a snapshot.
+    if (!nAsked) return true;
     // It may have been turned off since it was asked for: it is no snapshot then either.
-    if (!nAsked || hwndAsked != GetDesktopSharedData().hwndView) return false;
     --nAsked;
     bool bKeep = std::exchange(bRestored, false);
     if (bOn && phase == Phase::Comparing)

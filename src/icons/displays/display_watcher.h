@@ -76,6 +76,7 @@ class DisplayWatcher {
     SetupName askedUnder;      // of the oldest request for a capture that has no answer yet
     bool bAsked = false;       // there is one
     bool bUseDue = false;      // the first capture under the present set-up counts as its use
+    bool bEverAsked = false;   // by this object; nobody else asks by way of the view
     unsigned nAsked = 0;       // requests of this object's own for a capture, without answers yet
     bool bRestored = false;    // the next of the answers is what the user has had put back
     HeapArray<IconRecord> due; // what PutBack sends

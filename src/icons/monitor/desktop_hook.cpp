@@ -70,18 +70,19 @@ bool IsDesktopAttached() { return IsMarked(GetDesktopSharedData().hwndListView);
 
 void LetGoOfDesktop(HHOOK hhook, DWORD nTimeoutMs) {
     DesktopSharedData& shared = GetDesktopSharedData();
-    // A monitor starts all the same when a command has let its time pass.
-    if (shared.hhook == hhook) {
-        // Posted: an attaching, and what a restore has still to tell the folder view, come before
-        // it. To both, as the agent on each does it itself once the hook has gone.
-        PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
-        PostMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
-        DWORD dwStart = ::GetTickCount();
-        while ((IsMarked(shared.hwndListView) || IsMarked(shared.hwndView)) &&
-               ::GetTickCount() - dwStart < nTimeoutMs) {
-            ::Sleep(1);
-        }
-        shared.hhook = nullptr;
-    }
+    // First: the hook would act on the detaching when the shell merely looks at its queue, as COM
+    // does while the folder view is told of a restore, and the rest would be told to nobody.
     ::UnhookWindowsHookEx(hhook);
+    // A monitor starts all the same when a command has let its time pass.
+    if (shared.hhook != hhook) return;
+    // Posted: what a restore has still to tell comes before it. To both, as without the hook the
+    // agent on each does it itself.
+    PostMyCompanyMsg(shared.hwndListView, kCodeAttach, kDetach);
+    PostMyCompanyMsg(shared.hwndView, kCodeAttach, kDetach);
+    DWORD dwStart = ::GetTickCount();
+    while ((IsMarked(shared.hwndListView) || IsMarked(shared.hwndView)) &&
+           ::GetTickCount() - dwStart < nTimeoutMs) {
+        ::Sleep(1);
+    }
+    shared.hhook = nullptr;
 }

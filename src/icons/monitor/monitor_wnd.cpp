@@ -95,7 +95,15 @@ void MyMonitor_Wnd::ScheduleCapture() {
     if (!timerSuppress.IsTicking()) timerDebounce.Start(hWnd, kDebounceMs);
 }
 
+/// Refused on XP while the services are starting that it needs: that is when the program starts
+/// with Windows. Each capture tries again.
+void MyMonitor_Wnd::RegisterSessions() {
+    if (bHearsOfSessions || !WinXP()) return;
+    bHearsOfSessions = WtsApi32::WTSRegisterSessionNotification(hWnd, NOTIFY_FOR_THIS_SESSION) != 0;
+}
+
 void MyMonitor_Wnd::RequestCapture() {
+    RegisterSessions();
     displays.OnCaptureAsked();
     // Posted, because the hook sees only what passes through the queue of the list view's thread.
     PostMyCompanyMsg(GetDesktopSharedData().hwndListView, kCodeCapture, 0);
@@ -136,7 +144,8 @@ LRESULT MyMonitor_Wnd::OnWndMessage(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     }
     switch (uMsg) {
     case WM_CREATE:
-        if (WinXP()) WtsApi32::WTSRegisterSessionNotification(hWnd, NOTIFY_FOR_THIS_SESSION);
+        bHearsOfSessions = false;
+        RegisterSessions();
         break;
     case WM_DESTROY:
         if (WinXP()) WtsApi32::WTSUnRegisterSessionNotification(hWnd);

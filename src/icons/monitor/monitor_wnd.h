@@ -66,6 +66,7 @@ class MyMonitor_Wnd : public CSWnd {
     void OnTimer(UINT_PTR uTimerId);
     void OnDisplaysTimer();
     void OnSessionChange(WPARAM wEvent);
+    void RegisterSessions();
     void OnClose();
 
     ShellNotify notify;
@@ -74,6 +75,7 @@ class MyMonitor_Wnd : public CSWnd {
     CSTimer timerSuppress;
     DisplayWatcher displays;
     int SnapshotAnnounce = 0;
+    bool bHearsOfSessions = false;
     CommandDesk commandDesk;
     MonitorFrontEnd& frontEnd;
 };

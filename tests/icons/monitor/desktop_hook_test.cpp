@@ -4,8 +4,10 @@
 #include "icons/monitor/desktop_hook.h"
 #include "icons/monitor/monitor_wnd.h"
 #include "support/replace_import.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
+#include <thread>
 
 extern "C" FARPROC __imp_SetWindowsHookExW;
 
@@ -200,6 +202,26 @@ TEST_F(DesktopHook, OfACommandIsSetWithoutWaitingAndLetGoOf) {
     PumpAll(); // it does when it is back, without a hook
     EXPECT_FALSE(AgentListView().IsAttached());
     EXPECT_FALSE(AgentView().IsAttached());
+}
+
+TEST_F(DesktopHook, OfACommandIsNotLetGoOfByALookAtTheQueue) {
+    HHOOK hhook = SetDesktopHook();
+    PumpAll();
+    ASSERT_TRUE(AgentListView().IsAttached());
+    std::thread command([&] { LetGoOfDesktop(hhook, kTestDeadlineMs); });
+    MSG msg{};
+    const UINT uMsg = GetTestCompanyMsg();
+    EXPECT_TRUE(WaitUntil(
+        [&] { return ::PeekMessageW(&msg, view.hwndListView, uMsg, uMsg, PM_NOREMOVE) != 0; }));
+    EXPECT_EQ(static_cast<WPARAM>(kCodeAttach), msg.wParam);
+    EXPECT_TRUE(AgentListView().IsAttached());
+    EXPECT_TRUE(AgentView().IsAttached());
+    EXPECT_TRUE(WaitUntil([&] {
+        PumpAll();
+        return !AgentListView().IsAttached() && !AgentView().IsAttached();
+    }));
+    command.join();
+    EXPECT_EQ(nullptr, GetDesktopSharedData().hhook);
 }
 
 TEST_F(DesktopHook, OfAMonitorThatCameMeanwhileStays) {

@@ -401,6 +401,31 @@ TEST_F(MonitorWnd, HearsOfItsSessionWhileItsWindowLives) {
     EXPECT_EQ(1, sessions.nRegistered);
 }
 
+BOOL WINAPI RegisterSessionAtTheSecondTime(HWND hwnd, DWORD dwFlags) {
+    RegisterSession(hwnd, dwFlags);
+    return sessions.nRegistered > 1;
+}
+
+TEST_F(MonitorWnd, AsksAgainToHearOfItsSessionWhenThatWasRefused) {
+    monitor->Destroy();
+    sessions = {};
+    WtsApi32 wts;
+    ReplaceFunctions replaced{
+        {{"WTSRegisterSessionNotification", AsProc(&RegisterSessionAtTheSecondTime)},
+         {"WTSUnRegisterSessionNotification", AsProc(&UnregisterSession)}}};
+    ASSERT_TRUE(monitor->CreateHidden(nullptr));
+    EXPECT_EQ(1, sessions.nRegistered);
+    monitor->RequestCapture();
+    EXPECT_EQ(2, sessions.nRegistered);
+    EXPECT_EQ(Wnd(), sessions.hwnd);
+    monitor->RequestCapture();
+    EXPECT_EQ(2, sessions.nRegistered);
+    monitor->Destroy();
+    EXPECT_EQ(1, sessions.nUnregistered);
+    ASSERT_TRUE(monitor->CreateHidden(nullptr)); // another window has to ask for itself
+    EXPECT_EQ(3, sessions.nRegistered);
+}
+
 TEST_F(MonitorWnd, LivesWithoutSessionNotifications) {
     monitor->Destroy();
     WtsApi32 wts;
