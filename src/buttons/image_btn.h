@@ -52,8 +52,9 @@ class TESSALY_API ImageBtnIcon : public ImageBtnDescriptor {
 /// over the other; in icon mode each state is an icon of its own. It shows the hand cursor, keeps a
 /// checked state, and passes the mouse's movements on to its dialog.
 ///
-/// Resource ids: a negative one is the library's, whatever module is named; of five icons the first
-/// one's sign counts. What can't be loaded is not drawn.
+/// Resource ids: a negative one is the library's, whatever module is named, and so is a positive
+/// one without a module: name the program's. Of five icons the first one's sign counts. What can't
+/// be loaded is not drawn.
 class TESSALY_API ImageBtn : public CSCtrl {
   public:
     /// The frames of a strip in the order normal, hover, pressed, disabled, focus. A state map has

@@ -71,5 +71,6 @@ TESSALY_API int RenameFolder(const wchar_t* pszOld, const wchar_t* pszNew, int b
 /// Whether what is deleted there may go to the recycle bin: the path is on a fixed disk's drive.
 TESSALY_API int CanRecycle(const wchar_t* pszPath);
 /// Moves a file or folder, or what fits a mask, to the recycle bin, without asking; where there is
-/// none it is deleted. hwnd owns the progress dialog.
+/// none it is deleted. The path must be full: what a relative one names, the platform deletes for
+/// good. hwnd owns the progress dialog.
 TESSALY_API int Recycle(HWND hwnd, const wchar_t* pszPath);

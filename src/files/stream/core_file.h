@@ -99,7 +99,8 @@ class TESSALY_API CoreFile : public CoreIOObj {
     static DWORD GetAttrib(const wchar_t* pszPath);
     /// Whether there may be something under that path.
     // QUIRK: 0 only for a file that is plainly missing; a missing folder on the way or a refused
-    // access gives 1, and callers count on it. Test: CoreFileStatic.CanFind
+    // access, or a null or empty path, gives 1, and callers count on it. Test:
+    // CoreFileStatic.CanFind
     static int CanFind(const wchar_t* pszPath);
     /// Deletes a file; folders are refused. With bNotify the shell is told of a success.
     static int Delete(const wchar_t* pszPath, int bNotify);

@@ -57,7 +57,8 @@ class TESSALY_API CoreIOObj {
 /// A copy has the same inner stream: only one of the copies may be destroyed.
 class TESSALY_API CoreIO : public CoreIOObj {
   public:
-    /// Takes the stream, which was made by new; may be null.
+    /// Takes the stream, which the library frees: one that CoreFile::CreateObject or its like made,
+    /// or of a class of the program's own, made by new. May be null.
     explicit CoreIO(CoreIOObj* pTaken) : pInner(pTaken) {}
     /// Owns a new file, opened as CoreFile::CreateObject opens it: IsReady tells whether it is. A
     /// null path, or one without a text, is a file that cannot be found.

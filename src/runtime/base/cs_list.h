@@ -43,8 +43,8 @@ class TESSALY_API CSList {
     /// Null if the list is empty.
     void* RemoveHead();
     void* RemoveTail();
-    /// Removes the node at pos, with the callback; pos moves on to the next node. A null position
-    /// is nothing to do.
+    /// Removes the node at pos, with the callback, which must not remove the next one; pos moves on
+    /// to that. A null position is nothing to do.
     void RemoveAt(POS& pos);
     /// Removes the node at pos without the callback and returns its element; pos moves on. Null for
     /// a null position.

@@ -7,7 +7,8 @@
 /// platform can't.
 TESSALY_API void StopScreenSaver();
 /// Keeps them awake. With bDisplay once, for the display and, with bSystem, the system. Without
-/// bDisplay from now on: bSystem keeps the system awake until a call with neither.
+/// bDisplay from now on: bSystem keeps the system awake until a call with neither on the same
+/// thread, or until that thread ends.
 TESSALY_API void ImitateUserActivity(int bSystem, int bDisplay);
 /// Sets the picture file of the desktop for the user; null removes it. The platform's result.
 TESSALY_API int SetWallpaper(const wchar_t* pszPath);

@@ -1,7 +1,8 @@
 #pragma once
 #include "runtime/base/export.h"
 
-/// COM on the calling thread for the length of a block.
+/// COM on the calling thread for the length of a block. Not for a thread that has COM
+/// multithreaded: it stays so, and the block's end takes that away.
 class TESSALY_API CoInit {
   public:
     CoInit();

@@ -33,6 +33,8 @@ class TESSALY_API CSThread {
 
     /// Clears the events, starts pfnThread with pArgument and waits up to 5 seconds for ready.
     /// nPriority is a THREAD_PRIORITY_... value. Returns 1 if the thread was started, ready or not.
+    /// The worker calls SetReady when it has begun and SetDone as its last step: nobody else does,
+    /// and without them this and Destroy wait in vain.
     int Create(CSThreadProc pfnThread, void* pArgument, int nPriority = 0);
 
     /// Signal the events; the first two are for the worker, the third for whoever ends it.
@@ -62,7 +64,8 @@ class TESSALY_API CSThread {
     /// The free function of the same name (runtime/threads/message_pump.h): 1; 0 if WM_QUIT was
     /// among the messages.
     int ProcessAllMessages(HWND hwnd = nullptr);
-    /// Null when no thread runs or it has ended.
+    /// Null before Create and after Destroy or CloseThreadHandle; of a CSThreadEx also when its
+    /// thread has ended.
     operator HANDLE() const { return hThread.load(); }
 
   protected:

@@ -195,7 +195,9 @@ class TESSALY_API RegKey {
 
     /// Begins the text log: from here to EndLog, opening a path, PutDword, PutStr and DelValue
     /// leave the registry alone and append a line to pszBuffer instead, which the caller has made
-    /// large enough, or null to count only. The log is the whole process' and has no lock.
+    /// large enough, or null to count only. All else still works on keys that are open: PutBin,
+    /// DelSubKey, DelAll, ProcessSubKey and Open below a key write. The log is the whole process'
+    /// and has no lock.
     static void StartLog(wchar_t* pszBuffer);
     /// Ends the log and terminates its text. Returns the size in characters with the terminator; 0
     /// if nothing was logged.

@@ -11,7 +11,9 @@ TESSALY_API void RegGetRect(RegKey& key, RECT* prc, const wchar_t* pszPrefix);
 TESSALY_API int RegPutRect(RegKey& key, const RECT* prc, const wchar_t* pszPrefix);
 
 /// Reads a font into *plf, which is allocated if it is null. If there is no value of exactly 92
-/// bytes, 0, and plf is freed and null. The face's name is as stored: it may lack its terminator.
+/// bytes, 0, and plf is freed and null. A plf that is not null must come from this function or from
+/// RegNewLogFont, and goes back by RegDelLogFont. The face's name is as stored: it may lack its
+/// terminator.
 [[nodiscard]] TESSALY_API int RegGetLogFont(RegKey& key, const wchar_t* pszName, LOGFONTW*& plf);
 /// Writes the font if it changed. Null deletes the value.
 TESSALY_API int RegPutLogFont(RegKey& key, const wchar_t* pszName, const LOGFONTW* plf);
