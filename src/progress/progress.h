@@ -53,8 +53,10 @@ class TESSALY_API Progress {
     /// Range 0 to nMax, position 0, the title, and the text of line 1: strings by their ids
     /// (runtime/messages/res_str.h), empty where there is none.
     void Init(unsigned nMax, unsigned nTitleId, unsigned nTextId);
-    /// The range. Also sets the bar's position to 0 if there is a dialog.
+    /// The range. Also sets the bar's position to 0 if there is a dialog. Before that it is stored
+    /// for the dialog, but only if neither end is negative; so is a position.
     void SetRange(int nLow, int nHigh);
+    /// The same, but the bar's position stays.
     void SetRange64(__int64 qnLow, __int64 qnHigh);
     void SetPos(long lPos);       ///< The position, within the range.
     void SetPos64(__int64 qnPos); ///< The position, within the range.
@@ -170,12 +172,13 @@ class TESSALY_API Progress {
         nullptr}; // closed while calls were under way; a chain, owned
 };
 
-/// Destroys and frees a Progress, which was made with new, at the end of a block.
-class TESSALY_API ProgressDeleter {
+/// Destroys and frees a Progress, which was made with new, at the end of a block: in the module
+/// that made it, which may have another heap than the library.
+class ProgressDeleter {
   public:
     /// Null: nothing happens.
     explicit ProgressDeleter(Progress* pToDelete) : pProgress(pToDelete) {}
-    ~ProgressDeleter();
+    ~ProgressDeleter() { delete pProgress; }
     ProgressDeleter(const ProgressDeleter&) = delete;
     ProgressDeleter& operator=(const ProgressDeleter&) = delete;
 

@@ -61,6 +61,7 @@ class TESSALY_API ProgressDlg : public CSDlg {
     void SetText(int nLine, const wchar_t* pszNew); ///< A line's text; null empties it.
     /// The range. Also sets the position to 0.
     void SetRange(int nLow, int nHigh);
+    /// The range; the position stays.
     void SetRange64(__int64 qnLow, __int64 qnHigh);
     void SetPos(long lPos);       ///< The position, within the range.
     void SetPos64(__int64 qnPos); ///< The position, within the range.

@@ -161,8 +161,6 @@ void Progress::PauseTicker(int bPause) {
 
 // Guards
 
-ProgressDeleter::~ProgressDeleter() { delete pProgress; }
-
 ProgressPauseHide::ProgressPauseHide(Progress* pToHide) : pProgress(pToHide) {
     if (!pProgress) return;
     pProgress->PauseTicker(1);

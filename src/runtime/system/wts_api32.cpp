@@ -41,7 +41,7 @@ class SessionList {
         }
     }
     ~SessionList() {
-        if (pSessions) WtsApi32::WTSFreeMemory(pSessions);
+        if (pSessions) ::WTSFreeMemory(pSessions); // as it was had: whether or not an object lives
     }
     SessionList(const SessionList&) = delete;
     SessionList& operator=(const SessionList&) = delete;
