@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-extern "C" FARPROC __imp_WTSEnumerateSessionsW;
+extern "C" FARPROC __imp_WTSEnumerateSessionsW, __imp_WTSFreeMemory;
 
 namespace {
 // A terminal server of the tests: what is asked and freed is noted.
@@ -148,10 +148,9 @@ BOOL WINAPI FakeEnumerate(HANDLE, DWORD, DWORD, PWTS_SESSION_INFOW* pp, DWORD* p
     return TRUE;
 }
 
-TEST_F(WtsApi32Test, CountsAndSearchesTheSessions) {
-    WtsApi32 api;
-    FakeFunctions fake;
-    ReplaceImport replaced(__imp_WTSEnumerateSessionsW, &FakeEnumerate);
+TEST_F(WtsApi32Test, CountsAndSearchesTheSessionsWithoutAnObject) {
+    ReplaceImport listed(__imp_WTSEnumerateSessionsW, &FakeEnumerate);
+    ReplaceImport freed(__imp_WTSFreeMemory, &FakeFree);
     wchar_t szName[] = L"";
     enumerated = {{7, szName, WTSActive},
                   {8, szName, WTSDisconnected},
