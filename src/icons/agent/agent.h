@@ -10,8 +10,9 @@
 /// The WH_GETMESSAGE hook on the list view's thread. Acts on the company message with kCodeCapture
 /// and kCodeAttach, for whatever window of the thread; lParam points to the MSG and may be null.
 /// Every message goes on to its window. Returns what the next hook returns.
-/// It stands first in the library's code, whatever the build: a shell that still maps an older file,
-/// which was moved away for a newer one, calls that one's code at the place where the newer has this.
+/// It stands first in the library's code, whatever the build: a shell that still maps an older
+/// file, which was moved away for a newer one, calls that one's code at the place where the newer
+/// has this.
 [[gnu::section(".init")]] LRESULT CALLBACK DesktopHookProc(int nCode, WPARAM wParam, LPARAM lParam);
 
 /// A window of the shell, while the agent is attached to it. There are two, one of each class
